@@ -1,0 +1,37 @@
+#include "ctl/arguments.h"
+
+#include <QCommandLineParser>
+
+namespace tidebrook {
+
+std::optional<Arguments> parseArguments(const QStringList &commandLine, QString *error) {
+    const QCommandLineOption help(QStringList{QStringLiteral("help"), QStringLiteral("h")});
+    const QCommandLineOption version(QStringLiteral("version"));
+    const QCommandLineOption home(QStringLiteral("home"), {}, QStringLiteral("DIR"));
+    const QCommandLineOption order(QStringLiteral("order"), {}, QStringLiteral("ORDER"));
+    const QCommandLineOption jobs(QStringLiteral("jobs"), {}, QStringLiteral("N"));
+    const QCommandLineOption pauses(QStringLiteral("pauses"));
+    const QCommandLineOption today(QStringLiteral("today"));
+    QCommandLineParser parser;
+    parser.addOptions({help, version, home, order, jobs, pauses, today});
+    if (!parser.parse(commandLine)) {
+        *error = parser.errorText();
+        return std::nullopt;
+    }
+    Arguments arguments;
+    arguments.home = parser.value(home);
+    arguments.operands = parser.positionalArguments();
+    if (!arguments.operands.isEmpty())
+        arguments.command = arguments.operands.takeFirst();
+    for (const QCommandLineOption &option : {order, jobs, pauses, today}) {
+        if (parser.isSet(option))
+            arguments.options.append(option.names());
+    }
+    arguments.order = parser.value(order);
+    arguments.jobs = parser.value(jobs);
+    arguments.wantsHelp = parser.isSet(help);
+    arguments.wantsVersion = parser.isSet(version);
+    return arguments;
+}
+
+} // namespace tidebrook

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace tidebrook {
+
+/// What the command line asks for.
+struct Arguments {
+    QString home; // empty: the standard device root
+    QString command;
+    QStringList operands; // behind the command
+    QStringList options;  // the command's own options that were given, without their dashes
+    QString order;
+    QString jobs;
+    bool wantsHelp = false;
+    bool wantsVersion = false;
+};
+
+/// Takes a command line apart. Nothing, with `error` telling why, when it has an unknown option.
+std::optional<Arguments> parseArguments(const QStringList &commandLine, QString *error);
+
+} // namespace tidebrook

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ctl/arguments.h"
+#include "ctl/device.h"
+
+namespace tidebrook {
+
+/// The commands, each of which does its work, prints what it has to say and returns the exit
+/// code. The number of operands is right already.
+int runInit(const DeviceRoot &root);
+int runCategories(Device &device, const Arguments &arguments);
+int runAddCategory(Device &device, const Arguments &arguments);
+int runRenameCategory(Device &device, const Arguments &arguments);
+int runDeleteCategory(Device &device, const Arguments &arguments);
+int runChannels(Device &device, const Arguments &arguments);
+int runAdd(Device &device, const Arguments &arguments);
+int runRename(Device &device, const Arguments &arguments);
+int runMove(Device &device, const Arguments &arguments);
+int runRelink(Device &device, const Arguments &arguments);
+int runDelete(Device &device, const Arguments &arguments);
+int runArticles(Device &device, const Arguments &arguments);
+int runShow(Device &device, const Arguments &arguments);
+int runMark(Device &device, const Arguments &arguments);
+int runUpdate(Device &device, const Arguments &arguments);
+int runSetting(Device &device, const Arguments &arguments);
+int runCheck(Device &device, const Arguments &arguments);
+
+/// Failures that several commands tell alike.
+int failUnknownCategory(const QString &name);
+int failUnknownChannel(const QString &name);
+int failStore(const Device &device);
+
+} // namespace tidebrook

@@ -1,0 +1,137 @@
+#include "ctl/commands.h"
+#include "ctl/output.h"
+
+#include <array>
+#include <algorithm>
+
+namespace tidebrook {
+
+namespace {
+
+/// What a command needs before it runs.
+enum class Needs { Root, Registry, Store };
+
+struct Command {
+    QStringView name;
+    qsizetype leastOperands;
+    qsizetype mostOperands;
+    QStringView options; // its own, divided by blanks
+    Needs needs;
+    int (*run)(Device &, const Arguments &);
+    const char16_t *usage;
+    const char16_t *help;
+};
+
+constexpr std::array commands{
+    Command{u"init", 0, 0, u"", Needs::Root, nullptr, u"init",
+            u"make the device if it is missing, and what its first start makes"},
+    Command{u"categories", 0, 0, u"", Needs::Store, runCategories, u"categories",
+            u"list the categories"},
+    Command{u"add-category", 1, 1, u"", Needs::Store, runAddCategory, u"add-category NAME",
+            u"add a category"},
+    Command{u"rename-category", 2, 2, u"", Needs::Store, runRenameCategory,
+            u"rename-category OLD NEW", u"rename a category; its channels go with it"},
+    Command{u"delete-category", 1, 1, u"", Needs::Store, runDeleteCategory,
+            u"delete-category NAME", u"delete a category, its channels and their articles"},
+    Command{u"channels", 0, 1, u"", Needs::Store, runChannels, u"channels [CATEGORY]",
+            u"list channels: unread/total, name, address, category"},
+    Command{u"add", 3, 3, u"", Needs::Store, runAdd, u"add CATEGORY NAME URL",
+            u"subscribe to a feed; prints the name that was stored"},
+    Command{u"rename", 2, 2, u"", Needs::Store, runRename, u"rename OLD NEW",
+            u"rename a channel"},
+    Command{u"move", 2, 2, u"", Needs::Store, runMove, u"move NAME CATEGORY",
+            u"move a channel to another category"},
+    Command{u"relink", 2, 2, u"", Needs::Store, runRelink, u"relink NAME URL",
+            u"give a channel another address"},
+    Command{u"delete", 1, 1, u"", Needs::Store, runDelete, u"delete NAME",
+            u"delete a channel and its articles"},
+    Command{u"articles", 1, 1, u"order", Needs::Store, runArticles,
+            u"articles CHANNEL [--order date|status|unread]",
+            u"list a channel's articles: r(ead) or u(nread), date, title"},
+    Command{u"show", 2, 2, u"", Needs::Store, runShow, u"show CHANNEL TITLE",
+            u"print an article and mark it read"},
+    Command{u"mark", 2, 2, u"", Needs::Store, runMark, u"mark CHANNEL read|unread",
+            u"mark all articles of a channel"},
+    Command{u"update", 0, 2, u"jobs pauses", Needs::Store, runUpdate,
+            u"update [CATEGORY [CHANNEL]] [--jobs N] [--pauses]",
+            u"refresh channels, N at a time (8); or one by one, as for the screens"},
+    Command{u"setting", 1, 2, u"today", Needs::Registry, runSetting,
+            u"setting NAME [VALUE] [--today]", u"read or write a setting (--today: the Today item's)"},
+    Command{u"check", 0, 0, u"", Needs::Registry, runCheck, u"check",
+            u"examine what is stored; a line for each fault"},
+};
+
+void printHelp() {
+    printText(QStringLiteral("Usage: tidebrookctl [--home DIR] COMMAND [...]\n\n"
+                             "Works on the feeds, articles and settings of a Tidebrook device.\n"));
+    for (const Command &command : commands)
+        printText(QStringLiteral("  %1\n      %2").arg(QStringView(command.usage), QStringView(command.help)));
+    printText(QStringLiteral(
+        "\nOptions:\n"
+        "  --home DIR   the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook\n"
+        "  --help       print this\n"
+        "  --version    print the version\n\n"
+        "Names that begin with a dash go behind \"--\".\n"
+        "Exit status: 0 done, 1 failed, 2 wrong usage."));
+}
+
+bool hasOnlyItsOptions(const Command &command, const Arguments &arguments) {
+    const QString own = command.options.toString();
+    return std::all_of(arguments.options.begin(), arguments.options.end(),
+                       [&](const QString &option) { return own.split(u' ').contains(option); });
+}
+
+int runCommand(const Command &command, const Arguments &arguments) {
+    const DeviceRoot root =
+        arguments.home.isEmpty() ? DeviceRoot::standard() : DeviceRoot(arguments.home);
+    if (command.needs == Needs::Root)
+        return runInit(root);
+    if (!root.exists())
+        return fail(QStringLiteral("there is no device at %1; 'tidebrookctl init' makes one")
+                        .arg(root.path()));
+    root.makeFolders();
+    Device device(root);
+    if (command.needs == Needs::Store && !device.open())
+        return ExitFailed;
+    return command.run(device, arguments);
+}
+
+int run(const QStringList &commandLine) {
+    QString error;
+    const std::optional<Arguments> arguments = parseArguments(commandLine, &error);
+    if (!arguments)
+        return failUsage(error);
+    if (arguments->wantsHelp) {
+        printHelp();
+        return ExitDone;
+    }
+    if (arguments->wantsVersion) {
+        printLine(QStringLiteral("tidebrookctl " TIDEBROOK_VERSION));
+        return ExitDone;
+    }
+    const auto *command =
+        std::find_if(commands.begin(), commands.end(), [&](const Command &candidate) {
+            return candidate.name == arguments->command;
+        });
+    if (command == commands.end())
+        return failUsage(arguments->command.isEmpty()
+                             ? QStringLiteral("no command")
+                             : QStringLiteral("there is no command \"%1\"").arg(arguments->command));
+    const qsizetype operands = arguments->operands.size();
+    if (operands < command->leastOperands || operands > command->mostOperands ||
+        !hasOnlyItsOptions(*command, *arguments))
+        return failUsage(QStringLiteral("usage: tidebrookctl %1").arg(QStringView(command->usage)));
+    return runCommand(*command, *arguments);
+}
+
+} // namespace
+
+} // namespace tidebrook
+
+int main(int argc, char **argv) {
+    QStringList commandLine;
+    for (int i = 0; i < argc; ++i)
+        commandLine.append(QString::fromUtf8(argv[i]));
+    const int code = tidebrook::run(commandLine);
+    return tidebrook::flushOutput() || code != tidebrook::ExitDone ? code : tidebrook::ExitFailed;
+}

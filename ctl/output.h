@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace tidebrook {
+
+/// How the program ends.
+enum ExitCode { ExitDone = 0, ExitFailed = 1, ExitUsage = 2 };
+
+/// Writes a line, or a line of tab-separated fields, to standard output as UTF-8. Control
+/// characters become blanks: no text of a feed breaks the lines or speaks to the terminal.
+void printLine(const QString &line);
+void printFields(const QStringList &fields);
+/// The same for a text of several lines, which may have line ends and tabs.
+void printText(const QString &text);
+
+/// Writes what was printed so far. False when standard output did not take it.
+bool flushOutput();
+
+/// Tells a failure on standard error, and gives the exit code for it.
+int fail(const QString &message);
+int failUsage(const QString &message);
+
+/// The system's message for an error code, with the code.
+QString messageWithCode(quint32 code);
+
+/// A line on standard error that each call writes over, while that is a terminal.
+class ProgressLine {
+public:
+    ProgressLine();
+    ~ProgressLine();
+    ProgressLine(const ProgressLine &) = delete;
+    ProgressLine &operator=(const ProgressLine &) = delete;
+
+    void show(const QString &text);
+
+private:
+    const bool isTerminal_;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,94 @@
+#include "ctl/commands.h"
+#include "ctl/output.h"
+#include "res/strings.h"
+#include "update/channel_update.h"
+#include "update/refresh.h"
+
+#include <functional>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int defaultJobs = 8;
+constexpr int jobLimit = 64;
+
+using Observer = std::function<void(qsizetype, const RefreshResult &)>;
+
+// The same work as a request of the screens is answered with, one channel after another.
+QList<RefreshResult> updateOneByOne(Device &device, const QList<RefreshJob> &jobs,
+                                    const Observer &observer) {
+    QList<RefreshResult> results;
+    for (const RefreshJob &job : jobs) {
+        RefreshResult result;
+        const bool isOpen = updateChannel(device.root, device.registry, device.store, job.url,
+                                          job.channelName, job.category, &result.storedCount);
+        result.error = device.store.error();
+        if (!isOpen && result.error == 0)
+            result.error = 1001;
+        device.store.CountReadFlags(job.category, job.channelName, result.counts);
+        observer(results.size(), result);
+        results.append(result);
+    }
+    return results;
+}
+
+void printResult(const RefreshJob &job, const RefreshResult &result) {
+    if (result.error != 0) {
+        printFields({QStringLiteral("error"), QString::number(result.error),
+                     errorMessage(result.error), job.channelName});
+        return;
+    }
+    printFields({QStringLiteral("ok"), QString::number(result.storedCount),
+                 QStringLiteral("%1/%2").arg(result.counts.unread).arg(result.counts.total),
+                 job.channelName});
+}
+
+} // namespace
+
+int runUpdate(Device &device, const Arguments &arguments) {
+    const QString category = arguments.operands.value(0);
+    const QString channel = arguments.operands.value(1);
+    bool isNumber = true;
+    const int parallel = arguments.jobs.isEmpty() ? defaultJobs : arguments.jobs.toInt(&isNumber);
+    if (!isNumber || parallel < 1 || parallel > jobLimit)
+        return failUsage(QStringLiteral("--jobs takes a number from 1 to %1").arg(jobLimit));
+    if (!category.isNull() && !device.categories().contains(category))
+        return failUnknownCategory(category);
+
+    QList<RefreshJob> jobs;
+    for (const ListedChannel &listed : device.channels(category)) {
+        if (!channel.isNull() && listed.name != channel)
+            continue;
+        QString link;
+        device.store.GetChannelLink(listed.category, listed.name, link);
+        jobs.append({link, listed.name, listed.category});
+    }
+    if (!channel.isNull() && jobs.isEmpty())
+        return failUnknownChannel(channel);
+
+    bool hasFailure = false;
+    QList<RefreshResult> results;
+    {
+        ProgressLine progress;
+        int ended = 0;
+        const Observer observer = [&](qsizetype index, const RefreshResult &result) {
+            hasFailure = hasFailure || result.error != 0;
+            progress.show(QStringLiteral("%1 of %2  %3")
+                              .arg(++ended)
+                              .arg(jobs.size())
+                              .arg(jobs[index].channelName));
+        };
+        progress.show(QStringLiteral("0 of %1").arg(jobs.size()));
+        results = arguments.options.contains(QStringLiteral("pauses"))
+                      ? updateOneByOne(device, jobs, observer)
+                      : refreshChannels({device.root, device.registry, device.store}, jobs,
+                                        parallel, observer);
+    }
+    device.store.PublishTotalUnread();
+    for (qsizetype i = 0; i < jobs.size(); ++i)
+        printResult(jobs[i], results[i]);
+    return hasFailure ? ExitFailed : ExitDone;
+}
+
+} // namespace tidebrook

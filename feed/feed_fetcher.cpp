@@ -1,0 +1,128 @@
+#include "feed/feed_fetcher.h"
+
+#include "feed/rss_parser.h"
+#include "platform/pause.h"
+
+#include <QTemporaryFile>
+
+#include <cstdio>
+
+namespace tidebrook {
+
+namespace {
+
+enum FetchError : quint32 {
+    ParserFailed = 1001,
+    FileNotXml = 1002,
+    NoRssRoot = 1003,
+    NotSent = 1007,
+    NotComplete = 1008,
+    NotDownloaded = 1009,
+    NothingAsked = 1012,
+};
+
+constexpr QStringView tempFile = u"\\Temp\\TmpXml.xml";
+constexpr int loadPause = 1000; // ms
+
+} // namespace
+
+FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, FeedStore &store,
+                         const HttpLimits &limits)
+    : device_(device), registry_(registry), store_(store), limits_(limits) {}
+
+void FeedFetcher::recordError(quint32 code) {
+    error_ = code;
+    SetLastErrorCode(registry_, code);
+}
+
+bool FeedFetcher::fail(quint32 code) {
+    recordError(code);
+    return false;
+}
+
+// While roaming a request that does not get through is no failure to tell the user of.
+bool FeedFetcher::endQuietlyOrFail(quint32 code) { return isRoaming() || fail(code); }
+
+bool FeedFetcher::isRoaming() const {
+    // The mask leaves out bit 0, which the comparison asks for, so this never holds. The test is
+    // kept as devices have always made it: a request while roaming fails like any other.
+    const quint32 status = SettingsStore(registry_).dword(phoneStateKey, u"Status") & 0x2003C000;
+    return status == 1;
+}
+
+bool FeedFetcher::fetchAndParse(const QString &url, const QString &channelName,
+                                const QString &category) {
+    if (!fetch(url, channelName))
+        return false;
+    bool isParsed = false;
+    const bool isStored = store_.changeAtOnce([&](SqlCommand &command) {
+        isParsed = parse(command, channelName, category);
+        return isParsed;
+    });
+    return (isStored || fail(ParserFailed)) && isParsed;
+}
+
+bool FeedFetcher::fetch(const QString &url, const QString &channelName) {
+    if (url.isEmpty() || channelName.isEmpty())
+        return fail(NothingAsked);
+    if (!fetchFromRequestObject(url))
+        return false;
+    if (document_ && document_->root().name() != "rss")
+        return fail(NoRssRoot);
+    return true;
+}
+
+bool FeedFetcher::fetchFromRequestObject(const QString &url) {
+    const HttpAnswer answer = httpGet(url, limits_);
+    switch (answer.progress) {
+    case HttpProgress::NotOpened:
+    case HttpProgress::NotSent:
+        return endQuietlyOrFail(NotSent);
+    case HttpProgress::Incomplete:
+        return endQuietlyOrFail(NotComplete);
+    case HttpProgress::Complete:
+        break;
+    }
+    document_ = XmlDocument::parse(answer.body, answer.charset);
+    if (document_)
+        return true;
+    if (answer.body.isEmpty()) {
+        // The user is told of a feed that says nothing; the run itself ends as a failed download.
+        recordError(NoRssRoot);
+        error_ = NotDownloaded;
+        return false;
+    }
+    return fetchThroughFile(url);
+}
+
+bool FeedFetcher::fetchThroughFile(const QString &url) {
+    // The file has one fixed place, and several channels may be refreshed at once: each downloads
+    // into a file without a name, reads that, and puts it in the fixed place when it is whole.
+    QTemporaryFile file(device_.filePath(tempFile) + u".XXXXXX");
+    if (!file.open() || !downloadToTempFile(url, file))
+        return fail(NotDownloaded);
+    Pause(loadPause);
+    file.seek(0);
+    document_ = XmlDocument::parse(file.readAll());
+    return document_.has_value() || fail(FileNotXml);
+}
+
+bool FeedFetcher::downloadToTempFile(const QString &url, QTemporaryFile &file) {
+    if (!httpDownloadDirect(url, file, limits_) || !file.flush())
+        return false;
+    const QByteArray made = QFile::encodeName(file.fileName());
+    return std::rename(made.constData(),
+                       QFile::encodeName(device_.filePath(tempFile)).constData()) == 0;
+}
+
+bool FeedFetcher::parse(SqlCommand &command, const QString &channelName,
+                        const QString &category) {
+    if (!document_) // the request ended quietly
+        return true;
+    RssParser parser(command, channelName, category);
+    const RssParser::Result result = parser.parse(document_->root());
+    storedCount_ = parser.storedCount();
+    return result == RssParser::Result::Done || fail(ParserFailed);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "feed/article_ingestion.h"
+#include "feed/feed_records.h"
+#include "platform/sql.h"
+#include "platform/xml_document.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace tidebrook {
+
+/// Walks a document and hands its items to ingestion, one after another. It takes the first child
+/// of the root for the channel, whatever its name. Not thread-safe.
+class RssParser {
+public:
+    enum class Result {
+        Done,
+        Unreadable,   ///< the channel or one of its parts has no children to walk
+        NotIngested,  ///< pruning failed, or an item could not be stored
+    };
+
+    /// `category` is what the articles are stored under; without one it is empty, and items keep
+    /// their own category element to themselves.
+    RssParser(SqlCommand &command, const QString &channelName,
+              const std::optional<QString> &category);
+
+    /// Prunes the channel and stores the items in the document's order. The items before a
+    /// failure stay stored.
+    Result parse(XmlNode root);
+
+    int storedCount() const { return ingestion_.storedCount(); }
+
+    /// What the channel says of itself behind its last item; each stored item clears it.
+    const ChannelHeaderRecord &header() const { return header_; }
+
+private:
+    void readChannelField(XmlNode node);
+    void readImage(XmlNode image);
+    bool readItem(XmlNode item);
+
+    const std::optional<QString> category_;
+    ArticleIngestion ingestion_;
+    ItemRecord item_;
+    ChannelHeaderRecord header_;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,27 @@
+#include "platform/clock.h"
+
+#include <atomic>
+#include <limits>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr qint64 running = std::numeric_limits<qint64>::min();
+std::atomic<qint64> fixedMsecs = running;
+
+} // namespace
+
+QDateTime utcNow() {
+    const qint64 fixed = fixedMsecs;
+    return fixed == running ? QDateTime::currentDateTimeUtc()
+                            : QDateTime::fromMSecsSinceEpoch(fixed, Qt::UTC);
+}
+
+QDateTime localNow() { return utcNow().toLocalTime(); }
+
+FixedClock::FixedClock(const QDateTime &moment) { fixedMsecs = moment.toMSecsSinceEpoch(); }
+
+FixedClock::~FixedClock() { fixedMsecs = running; }
+
+} // namespace tidebrook

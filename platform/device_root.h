@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace tidebrook {
+
+/// The directory that stands for the device's file system. Everything the system keeps between
+/// runs lies below it. A value; it opens nothing and keeps nothing open.
+class DeviceRoot {
+public:
+    explicit DeviceRoot(const QString &path);
+
+    /// `$TIDEBROOK_HOME`, or else `tidebrook` in the user's data folder.
+    static DeviceRoot standard();
+
+    QString path() const { return path_; }
+    bool exists() const;
+
+    /// Where a file of the device lies here: `\windows\X`, `\Temp\X`, or a bare name for the
+    /// root of the device.
+    QString filePath(QStringView devicePath) const;
+    QString registryPath() const;
+
+    /// Makes the folders that every device has, where they are missing: `windows`, `Temp` and
+    /// `run` (which only the user may enter). False when one could not be made.
+    bool makeFolders() const;
+
+    /// Makes a root that does not exist yet. It is built aside, filled by `furnish` (which is
+    /// given the root being built and returns whether it succeeded), and put in place whole, so
+    /// that nobody ever sees half a device. True when the root exists afterwards, also when
+    /// somebody else made it meanwhile; after a failure nothing is left behind.
+    bool provision(const std::function<bool(const DeviceRoot &)> &furnish) const;
+
+private:
+    QString path_;
+};
+
+} // namespace tidebrook

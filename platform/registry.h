@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "platform/sqlite_database.h"
+
+#include <QList>
+#include <QString>
+#include <QStringView>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <variant>
+
+namespace tidebrook {
+
+/// A typed value: a 32-bit unsigned number (DWORD) or a text.
+using RegistryValue = std::variant<quint32, QString>;
+
+/// The device's registry: keys by path (`Software\Tamrel\Feedlark`), each with named, typed
+/// values in the order in which they were first written. Names are case-sensitive.
+///
+/// Several processes and threads may use it at once; each call is atomic, and sees what others
+/// wrote before it. A written value is never half there, and `flush` makes it outlive a power
+/// cut. With a registry file that is damaged or not to be had every read finds nothing and every
+/// write returns false.
+class Registry {
+public:
+    /// Opens the registry of the device, making its file when it is missing.
+    explicit Registry(const DeviceRoot &device);
+    ~Registry();
+    Registry(const Registry &) = delete;
+    Registry &operator=(const Registry &) = delete;
+
+    /// False when the file could not be opened; `error` then says why.
+    bool isOpen() const { return database_ != nullptr; }
+    QString error() const { return error_; }
+
+    std::optional<RegistryValue> read(QStringView key, QStringView name);
+    bool write(QStringView key, QStringView name, const RegistryValue &value);
+    /// True when there was such a value and it is gone.
+    bool remove(QStringView key, QStringView name);
+
+    struct NamedValue {
+        QString name;
+        RegistryValue value;
+    };
+    QList<NamedValue> values(QStringView key);
+
+    bool flush();
+
+    /// Holds the registry for this thread and process alone, so that several calls are one
+    /// change: `commit` writes all of it, and without that none of it is written.
+    class Batch {
+    public:
+        explicit Batch(Registry &registry);
+        bool commit();
+
+    private:
+        std::unique_lock<std::recursive_mutex> lock_;
+        std::unique_ptr<SqliteTransaction> transaction_;
+    };
+
+private:
+    std::recursive_mutex mutex_; // guards database_
+    std::unique_ptr<SqliteDatabase> database_;
+    QString error_;
+};
+
+} // namespace tidebrook

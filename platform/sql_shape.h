@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace tidebrook {
+
+/// A statement's text taken apart: its shape, in which a `?` stands for each literal, and the
+/// literals in order. Statements that differ only in their literals share one shape, so the
+/// shape is what is worth preparing once.
+struct SqlShape {
+    using Literal = std::variant<QByteArray, qint64>; // text as UTF-8, or a whole number
+    QByteArray shape;                                 // UTF-8
+    std::vector<Literal> literals;
+};
+
+/// Takes one statement apart. Only the literals of a SELECT, INSERT, UPDATE or DELETE are taken
+/// out. In a CREATE TABLE every `NCHAR(n)` column is made to ignore trailing blanks when it is
+/// compared. Nothing comes back for a text with an unfinished literal, or with anything but
+/// blanks behind the statement's end: a second statement is never run.
+std::optional<SqlShape> takeSqlApart(QStringView statement);
+
+} // namespace tidebrook

@@ -1,0 +1,177 @@
+#include "platform/sqlite_database.h"
+
+#include <QFile>
+
+#include <sqlite3.h>
+
+#include <cstring>
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+// Far more than the distinct statements of the system; a bound all the same, since shapes come
+// from text.
+constexpr qsizetype idleStatementLimit = 64;
+
+constexpr char blanks[] = " \t\r\n";
+
+bool isOneStatement(const char *tail) { return tail[std::strspn(tail, blanks)] == '\0'; }
+
+} // namespace
+
+SqliteStatement::SqliteStatement(SqliteDatabase &database, sqlite3_stmt *statement,
+                                 const QByteArray &text)
+    : database_(&database), statement_(statement), text_(text) {}
+
+SqliteStatement::SqliteStatement(SqliteStatement &&other) noexcept
+    : database_(other.database_), statement_(std::exchange(other.statement_, nullptr)),
+      text_(std::move(other.text_)) {}
+
+SqliteStatement &SqliteStatement::operator=(SqliteStatement &&other) noexcept {
+    std::swap(database_, other.database_);
+    std::swap(statement_, other.statement_);
+    text_.swap(other.text_);
+    return *this;
+}
+
+SqliteStatement::~SqliteStatement() {
+    if (statement_)
+        database_->giveBack(text_, statement_);
+}
+
+void SqliteStatement::bind(int position, const QByteArray &utf8) {
+    sqlite3_bind_text64(statement_, position, utf8.constData(),
+                        static_cast<sqlite3_uint64>(utf8.size()), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+void SqliteStatement::bind(int position, qint64 number) {
+    sqlite3_bind_int64(statement_, position, number);
+}
+
+SqliteStep SqliteStatement::step() {
+    const int code = sqlite3_step(statement_);
+    switch (code & 0xFF) {
+    case SQLITE_ROW:
+        return SqliteStep::Row;
+    case SQLITE_DONE:
+        return SqliteStep::Done;
+    case SQLITE_CONSTRAINT:
+        return SqliteStep::IntegrityViolation;
+    default:
+        return SqliteStep::Failed;
+    }
+}
+
+int SqliteStatement::columnCount() const { return sqlite3_column_count(statement_); }
+
+QByteArray SqliteStatement::declaredType(int column) const {
+    return QByteArray(sqlite3_column_decltype(statement_, column));
+}
+
+QString SqliteStatement::text(int column) const {
+    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement_, column));
+    return QString::fromUtf8(text, sqlite3_column_bytes(statement_, column));
+}
+
+qint64 SqliteStatement::integer(int column) const {
+    return sqlite3_column_int64(statement_, column);
+}
+
+std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const Options &options,
+                                                     QString *error) {
+    sqlite3 *handle = nullptr;
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
+                      (options.create ? SQLITE_OPEN_CREATE : 0);
+    const int code = sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, flags, nullptr);
+    std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(handle));
+    if (code == SQLITE_OK && database->configure(options))
+        return database;
+    if (error)
+        *error = database->lastError();
+    return nullptr;
+}
+
+SqliteDatabase::~SqliteDatabase() {
+    for (sqlite3_stmt *statement : std::as_const(idle_))
+        sqlite3_finalize(statement);
+    sqlite3_close(handle_);
+}
+
+bool SqliteDatabase::configure(const Options &options) {
+    sqlite3_busy_timeout(handle_, options.busyTimeout);
+    // A file of somebody else's making must not bring code along in its schema.
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    // SQLite opens a file lazily; reading the schema is what tells a damaged one.
+    const bool isDatabase = run("SELECT count(*) FROM sqlite_master") == SqliteStep::Row;
+    // A read-only file keeps the journal mode that it has, and can still be read.
+    if (isDatabase)
+        run("PRAGMA journal_mode = WAL");
+    return isDatabase &&
+           run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
+                                       : "PRAGMA synchronous = NORMAL") == SqliteStep::Done;
+}
+
+SqliteStatement SqliteDatabase::prepare(const QByteArray &utf8) {
+    if (sqlite3_stmt *idle = idle_.take(utf8))
+        return SqliteStatement(*this, idle, utf8);
+    sqlite3_stmt *statement = nullptr;
+    const char *tail = nullptr;
+    const int size = static_cast<int>(utf8.size()) + 1;
+    const int code = sqlite3_prepare_v3(handle_, utf8.constData(), size, SQLITE_PREPARE_PERSISTENT,
+                                        &statement, &tail);
+    if (code == SQLITE_OK && statement && isOneStatement(tail))
+        return SqliteStatement(*this, statement, utf8);
+    sqlite3_finalize(statement);
+    return {};
+}
+
+SqliteStep SqliteDatabase::run(const QByteArray &utf8) {
+    SqliteStatement statement = prepare(utf8);
+    return statement ? statement.step() : SqliteStep::Failed;
+}
+
+void SqliteDatabase::giveBack(const QByteArray &text, sqlite3_stmt *statement) {
+    sqlite3_reset(statement);
+    if (idle_.size() >= idleStatementLimit || idle_.contains(text)) {
+        sqlite3_finalize(statement);
+        return;
+    }
+    sqlite3_clear_bindings(statement);
+    idle_.insert(text, statement);
+}
+
+bool SqliteDatabase::inTransaction() const { return sqlite3_get_autocommit(handle_) == 0; }
+
+bool SqliteDatabase::flush() {
+    return sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
+                                     nullptr) == SQLITE_OK;
+}
+
+QString SqliteDatabase::lastError() const { return QString::fromUtf8(sqlite3_errmsg(handle_)); }
+
+SqliteTransaction::SqliteTransaction(SqliteDatabase &database)
+    : database_(database), isOuter_(!database.inTransaction()),
+      isOpen_(!isOuter_ || database.run("BEGIN IMMEDIATE") == SqliteStep::Done) {}
+
+SqliteTransaction::~SqliteTransaction() {
+    if (isOuter_ && isOpen_ && database_.inTransaction())
+        database_.run("ROLLBACK");
+}
+
+bool SqliteTransaction::commit() {
+    if (!isOpen_)
+        return false;
+    if (!isOuter_)
+        return true;
+    isOpen_ = false;
+    if (database_.run("COMMIT") == SqliteStep::Done)
+        return true;
+    if (database_.inTransaction())
+        database_.run("ROLLBACK");
+    return false;
+}
+
+} // namespace tidebrook

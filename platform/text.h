@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+namespace tidebrook {
+
+/// The first `capacity` UTF-16 units of a text. A cut never leaves half of a surrogate pair: it
+/// then falls one unit shorter.
+QStringView cutText(QStringView text, qsizetype capacity);
+
+/// The text without the blanks (U+0020) and terminators (U+0000) at its end. The first character
+/// is never taken, so a text of blanks alone keeps one.
+QStringView trimTrailingBlanks(QStringView text);
+
+} // namespace tidebrook

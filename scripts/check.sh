@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Everything that a change must pass besides the tests of the release build. Every step is run,
+# also behind one that failed.
+# shellcheck disable=SC2317  # the steps are called by their names
+
+set -euo pipefail
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
+source scripts/building.sh
+
+readonly folders='platform|res|store|feed|update|ctl|tests|bench'
+results=()
+failures=0
+
+step() {
+    local name=$1 result=passed
+    shift
+    printf '\n== %s ==\n' "$name"
+    if ! "$@"; then
+        result=FAILED
+        failures=$((failures + 1))
+    fi
+    results+=("$result  $name")
+}
+
+checkFormat() {
+    find . -regextype posix-extended -regex "\./($folders)/.*\.(h|cpp)" -print0 |
+        xargs -0 --no-run-if-empty clang-format --dry-run -Werror
+}
+
+# Of all builds, only that of the benchmarks compiles every file of ours.
+runTidy() {
+    build bench &&
+        run-clang-tidy -quiet -j "$(jobLimit)" -p build/bench "^$PWD/($folders)/"
+}
+
+runAddressSanitizer() {
+    env ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+        scripts/test.sh asan
+}
+
+# Tests start programs while their feed server's threads run, which ThreadSanitizer would take
+# for a reason to give up. And with more random bits than these in its addresses, the kernel puts
+# libraries where ThreadSanitizer expects none.
+runThreadSanitizer() {
+    local launcher=() bits
+    bits=$(cat /proc/sys/vm/mmap_rnd_bits 2>/dev/null || echo 28)
+    if ((bits > 28)); then
+        launcher=(setarch --addr-no-randomize)
+    fi
+    "${launcher[@]}" env TSAN_OPTIONS=die_after_fork=0:halt_on_error=1:second_deadlock_stack=1 \
+        scripts/test.sh tsan
+}
+
+step "formatting" checkFormat
+step "clang-tidy" runTidy
+step "tests under AddressSanitizer and UndefinedBehaviorSanitizer" runAddressSanitizer
+step "tests under ThreadSanitizer" runThreadSanitizer
+
+printf '\n'
+printf '%s\n' "${results[@]}"
+exit "$((failures > 0))"

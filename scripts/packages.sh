@@ -1,0 +1,49 @@
+# shellcheck shell=bash
+# The Debian packages that the commands need, and how they get onto the machine.
+
+# shellcheck disable=SC2034  # the lists are used where this is sourced
+buildPackages=(
+    build-essential cmake ninja-build pkg-config
+    qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libexpat1-dev zlib1g-dev
+    libgtest-dev libcpp-httplib-dev ca-certificates
+)
+# shellcheck disable=SC2034
+benchPackages=(libxml2-dev valgrind)
+# shellcheck disable=SC2034
+checkPackages=(clang-format clang-tidy)
+
+isInstalled() {
+    [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
+# installPackages PURPOSE PACKAGE...: installs those that are missing, and says so.
+installPackages() {
+    local purpose=$1 package
+    local missing=() asRoot=()
+    shift
+    if ! command -v dpkg-query >/dev/null; then
+        printf 'dev: this is not a Debian system; install the likes of these yourself: %s\n' \
+            "$*" >&2
+        return 0
+    fi
+    for package in "$@"; do
+        isInstalled "$package" || missing+=("$package")
+    done
+    if ((${#missing[@]} == 0)); then
+        return 0
+    fi
+    if ((EUID != 0)); then
+        if ! command -v sudo >/dev/null; then
+            printf 'dev: Debian packages are missing %s, and installing them takes root or sudo,\n' \
+                "$purpose" >&2
+            printf 'neither of which is there. Have this done first:\n  apt-get install %s\n' \
+                "${missing[*]}" >&2
+            return 1
+        fi
+        asRoot=(sudo)
+    fi
+    printf 'Installing the Debian packages that are missing %s: %s\n' "$purpose" "${missing[*]}"
+    "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q update
+    "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get -q install --yes --no-install-recommends "${missing[@]}"
+}

@@ -1,0 +1,74 @@
+#include "store/category_list.h"
+
+#include "platform/text.h"
+
+namespace tidebrook {
+
+namespace {
+
+constexpr QStringView countName = u"CategoryNumber";
+constexpr QStringView categoriesKey = u"Software\\Tamrel\\Feedlark\\Categories";
+// A damaged count must not make a list of four thousand million slots.
+constexpr quint32 slotLimit = 65536;
+
+} // namespace
+
+bool CategoryListStore::readCount(quint32 &count) {
+    return settings_.RegReadDword(programKey, countName, count);
+}
+
+bool CategoryListStore::commit(Registry::Batch &batch) {
+    return batch.commit() && settings_.registry().flush();
+}
+
+bool CategoryListStore::ReadCategoryList(CategoryList &list) {
+    list.clear();
+    quint32 count = 0;
+    if (!readCount(count) || count == 0)
+        return false;
+    list.resize(qMin(count, slotLimit));
+    const QList<Registry::NamedValue> values = settings_.registry().values(categoriesKey);
+    for (qsizetype i = 0; i < values.size() && i < list.size(); ++i) {
+        if (!std::holds_alternative<quint32>(values[i].value)) {
+            settings_.registry().remove(categoriesKey, values[i].name);
+            return false;
+        }
+        list[i] = cutText(values[i].name, categoryCapacity).toString();
+    }
+    return true;
+}
+
+bool CategoryListStore::AddCategory(const QString &name) {
+    if (name.isNull())
+        return false;
+    Registry::Batch batch(settings_.registry());
+    quint32 count = 0;
+    if (!readCount(count)) {
+        commit(batch); // the count that the read has made
+        return false;
+    }
+    quint32 data = 0;
+    if (settings_.RegReadDword(categoriesKey, name, data))
+        return false;
+    // The read has made the value; only a value of another type is not a category now.
+    return settings_.RegWriteDword(programKey, countName, count + 1) && commit(batch);
+}
+
+bool CategoryListStore::RenameCategory(const QString &old, const QString &to) {
+    if (to.isNull())
+        return false;
+    Registry::Batch batch(settings_.registry());
+    return settings_.registry().remove(categoriesKey, old) &&
+           settings_.RegWriteDword(categoriesKey, to, 0) && commit(batch);
+}
+
+bool CategoryListStore::DeleteCategory(const QString &name) {
+    if (name.isNull())
+        return false;
+    Registry::Batch batch(settings_.registry());
+    quint32 count = 0;
+    return readCount(count) && settings_.registry().remove(categoriesKey, name) &&
+           settings_.RegWriteDword(programKey, countName, count - 1) && commit(batch);
+}
+
+} // namespace tidebrook

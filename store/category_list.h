@@ -1,0 +1,48 @@
+#pragma once
+
+#include "store/settings_store.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace tidebrook {
+
+inline constexpr qsizetype categoryCapacity = 40; // UTF-16 units of a category's name
+
+/// The categories' names in their stored order. A slot is null where the registry counts more
+/// categories than it holds.
+using CategoryList = QStringList;
+
+/// The list of categories in the registry: under the program's key the count "CategoryNumber",
+/// and under its subkey "Categories" a value for each, whose name is the category's.
+///
+/// Every change is one change of the registry, flushed at once: the count and the values never
+/// part because a process was killed, and a change that fails leaves both as they were. No error
+/// code is recorded. Thread-safe.
+class CategoryListStore {
+public:
+    explicit CategoryListStore(Registry &registry) : settings_(registry) {}
+
+    /// False, with an empty list, when there are no categories. A value of another type among
+    /// them is deleted and the read fails: the next one does without it.
+    bool ReadCategoryList(CategoryList &list);
+
+    /// False when the category exists already, or when the count did not (it does afterwards, as
+    /// 0, so that the next call succeeds).
+    bool AddCategory(const QString &name);
+
+    /// False when there is no `old`. Whether `to` exists is for the caller to see to: it would
+    /// become one with it, and the count one too high. Channels are not touched.
+    bool RenameCategory(const QString &old, const QString &to);
+
+    /// False when there is no such category. Its channels stay.
+    bool DeleteCategory(const QString &name);
+
+private:
+    bool readCount(quint32 &count);
+    bool commit(Registry::Batch &batch);
+
+    SettingsStore settings_;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,198 @@
+#include "store/feed_store.h"
+
+#include "platform/text.h"
+
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr qsizetype suffixableNameLength = 45;
+constexpr int suffixLimit = 10'000;
+
+// Links go into their statements as they are. One with a quote would end its literal early, and
+// what follows could become SQL, so no such statement is ever formed.
+bool isSafeLink(const QString &link) { return !link.contains(u'\''); }
+
+} // namespace
+
+bool FeedStore::InsertChannel(const ChannelRecord &record, QString *storedName) {
+    const auto guard = lock();
+    if (!session_)
+        return recordFailure(false);
+    SqlCommand command = newCommand();
+    return insertChannel(command, record, storedName);
+}
+
+bool FeedStore::insertChannel(SqlCommand &command, const ChannelRecord &record,
+                              QString *storedName) {
+    const QString link = cutText(record.channelLink, linkCapacity).toString();
+    if (!isSafeLink(link) || record.category.isNull() || record.channelName.isNull())
+        return false;
+    const QString category = escapedCategory(record.category);
+    QString name = cutText(record.channelName, channelNameCapacity).toString();
+    const auto insert = [&] {
+        statement_ = QStringLiteral("INSERT INTO RSSCHRecord VALUES ('%1', '%2', 0, 0, '")
+                         .arg(category, escapedChannelName(name)) +
+                     link + QStringLiteral("', NULL, NULL, NULL)");
+        command.setText(statement_);
+        return command.execute();
+    };
+    ExecuteStatus status = insert();
+    if (status == ExecuteStatus::IntegrityViolation && name.size() < suffixableNameLength) {
+        name += u'-' + QString::number(QRandomGenerator::global()->bounded(suffixLimit));
+        status = insert();
+    }
+    if (status != ExecuteStatus::Done)
+        return false;
+    if (storedName)
+        *storedName = name;
+    return true;
+}
+
+bool FeedStore::ListChannels(const QString &escapedCategory) {
+    const auto guard = lock();
+    beginList(sizeof(ChannelRow));
+    return query(QStringLiteral("SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSCHRecord "
+                                "WHERE CATEGORY = '%1'")
+                     .arg(escapedCategory),
+                 [this](SqlCommand &command) { return ReadChannelRows(command); });
+}
+
+bool FeedStore::GetChannelLink(const QString &category, const QString &name, QString &link) {
+    const auto guard = lock();
+    link.clear();
+    return query(QStringLiteral("SELECT CHANNEL_LINK FROM RSSCHRecord WHERE CATEGORY = '%1' and "
+                                "CHANNEL_NAME='%2'")
+                     .arg(escapedCategory(category), escapedChannelName(name)),
+                 [this, &link](SqlCommand &command) { return ReadChannelLink(command, link); });
+}
+
+bool FeedStore::SetChannelLink(const QString &name, const QString &link) {
+    return changeAndReopen([&] {
+        const QStringView trimmed = trimTrailingBlanks(cutText(link, linkCapacity));
+        return isSafeLink(link) &&
+               runStatement(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_LINK = '%1' WHERE "
+                                           "CHANNEL_NAME='%2'")
+                                .arg(trimmed, escapedChannelName(name)));
+    });
+}
+
+bool FeedStore::RenameChannel(const QString &old, const QString &to) {
+    return changeAndReopen([&] {
+        // The articles first: when the name is taken they have it already, and the channel not.
+        const QString newName = escapedChannelName(to);
+        const QString oldName = escapedChannelName(old);
+        return runStatement(QStringLiteral("UPDATE RSSRecord SET CHANNEL_NAME = '%1' WHERE "
+                                           "CHANNEL_NAME='%2'")
+                                .arg(newName, oldName)) &&
+               runStatement(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_NAME = '%1' WHERE "
+                                           "CHANNEL_NAME='%2'")
+                                .arg(newName, oldName));
+    });
+}
+
+bool FeedStore::MoveChannel(const QString &name, const QString &category) {
+    return changeAndReopen(
+        [&] { return moveChannelRows(escapedChannelName(name), escapedCategory(category)); });
+}
+
+bool FeedStore::moveChannelRows(const QString &escapedName, const QString &escapedCategory) {
+    return runStatement(
+               QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
+                   .arg(escapedCategory, escapedName)) &&
+           runStatement(
+               QStringLiteral("UPDATE RSSCHRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
+                   .arg(escapedCategory, escapedName));
+}
+
+bool FeedStore::DeleteChannel(const QString &name) {
+    const auto guard = lock();
+    if (!session_)
+        return recordFailure(false);
+    SqliteTransaction transaction(*session_);
+    const bool isDone = transaction.isOpen() && deleteChannelRows(escapedChannelName(name));
+    return recordFailure(transaction.commit() && isDone);
+}
+
+bool FeedStore::deleteChannelRows(const QString &escapedName) {
+    return runStatement(
+               QStringLiteral("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%1'").arg(escapedName)) &&
+           runStatement(
+               QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(escapedName));
+}
+
+bool FeedStore::RecountChannel(const QString &escapedName) {
+    const auto guard = lock();
+    if (!session_)
+        return recordFailure(false);
+    SqliteTransaction transaction(*session_);
+    int unread = 0;
+    int total = 0;
+    const bool isCounted =
+        transaction.isOpen() &&
+        query(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1' and "
+                             "READ_UNREAD = 0")
+                  .arg(escapedName),
+              [&](SqlCommand &command) { return CountRows(command, unread); }) &&
+        query(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1'")
+                  .arg(escapedName),
+              [&](SqlCommand &command) { return CountRows(command, total); });
+    return recordFailure(
+        isCounted &&
+        runStatement(QStringLiteral("UPDATE RSSCHRecord SET NUM_OF_UNREAD='%1', TOTAL_ITEMS='%2' "
+                                    "WHERE CHANNEL_NAME='%3'")
+                         .arg(QString::number(unread), QString::number(total), escapedName)) &&
+        transaction.commit());
+}
+
+bool FeedStore::PublishTotalUnread() {
+    const auto guard = lock();
+    qint64 sum = 0;
+    return query(QStringLiteral("SELECT NUM_OF_UNREAD FROM RSSCHRecord"),
+                 [&](SqlCommand &command) { return SumUnread(command, sum); }) &&
+           settings_.setDword(todayItemKey_, u"UnreadItems", static_cast<quint32>(sum));
+}
+
+bool FeedStore::MoveCategory(const QString &from, const QString &to) {
+    const QString category = escapedCategory(to);
+    if (category == escapedCategory(from))
+        return true;
+    return changeCategory(from, [&](const QString &name) {
+        return moveChannelRows(escapedChannelName(name), category);
+    });
+}
+
+bool FeedStore::DeleteCategoryChannels(const QString &category) {
+    return changeCategory(
+        category, [&](const QString &name) { return deleteChannelRows(escapedChannelName(name)); });
+}
+
+// A list holds only so many rows, so it is taken again until the category is empty.
+bool FeedStore::changeCategory(const QString &category,
+                               const std::function<bool(const QString &)> &changeChannel) {
+    const auto guard = lock();
+    if (!session_)
+        return recordFailure(false);
+    SqliteTransaction transaction(*session_);
+    const QString escaped = escapedCategory(category);
+    bool isDone = transaction.isOpen();
+    QStringList names;
+    QStringList namesBefore;
+    do {
+        namesBefore = std::exchange(names, {});
+        isDone = isDone && ListChannels(escaped);
+        for (const ChannelRow &channel : takeChannelRows())
+            names.append(channel.nameText());
+        // Channels that are still there would be there for ever.
+        isDone = isDone && (names.isEmpty() || names != namesBefore) &&
+                 std::all_of(names.cbegin(), names.cend(), changeChannel);
+    } while (isDone && !names.isEmpty());
+    return recordFailure(isDone && transaction.commit());
+}
+
+} // namespace tidebrook

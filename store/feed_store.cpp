@@ -1,0 +1,174 @@
+#include "store/feed_store.h"
+
+#include "store/seeding.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QTemporaryDir>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr QStringView databaseName = u"RSSVault.sdf";
+constexpr QStringView creationLock = u"\\run\\create.lock";
+constexpr int creationWait = 10'000; // ms
+
+constexpr quint32 databaseError = 1001;
+constexpr quint32 seedFileError = 1006;
+
+constexpr char16_t articleTable[] =
+    u"CREATE TABLE RSSRecord (CHANNEL_NAME NCHAR(51), GUID NCHAR(256) UNIQUE, TITLE NCHAR(256), "
+    u"ITEM_LINK NVARCHAR(513), DESCRIPTION NVARCHAR(3999), PUBDATE NCHAR(40), READ_UNREAD BIT, "
+    u"TIMESTAMP BIGINT, CATEGORY NCHAR(40))";
+constexpr char16_t channelTable[] =
+    u"CREATE TABLE RSSCHRecord (CATEGORY NCHAR(40), CHANNEL_NAME NCHAR(51)  PRIMARY KEY, "
+    u"NUM_OF_UNREAD SMALLINT, TOTAL_ITEMS SMALLINT, CHANNEL_LINK NVARCHAR(513), "
+    u"IMAGE_TITLE NVARCHAR(40), IMAGE_URL NVARCHAR(256), IMAGE_LINK NVARCHAR(513))";
+constexpr char16_t articleIndex[] =
+    u"CREATE UNIQUE INDEX PK_RECORD on RSSRecord (CHANNEL_NAME ASC, TITLE ASC)";
+constexpr char16_t channelIndex[] =
+    u"CREATE UNIQUE INDEX PK_CHRD on RSSCHRecord (CATEGORY ASC, CHANNEL_NAME ASC)";
+
+// A journal without its database belongs to none; put beside a new one it would be replayed.
+void removeStrayJournal(const QString &database) {
+    QFile::remove(database + u"-wal");
+    QFile::remove(database + u"-shm");
+}
+
+bool hasTables(SqliteDatabase &database) {
+    return database.prepare("SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord") &&
+           database.prepare("SELECT CHANNEL_NAME, TITLE FROM RSSRecord");
+}
+
+} // namespace
+
+FeedStore::FeedStore(const DeviceRoot &device, Registry &registry, const QString &todayItemKey)
+    : device_(device), settings_(registry), todayItemKey_(todayItemKey) {}
+
+FeedStore::~FeedStore() { Close(); }
+
+quint32 FeedStore::error() const {
+    const auto guard = lock();
+    return error_;
+}
+
+void FeedStore::clearError() { recordError(0); }
+
+void FeedStore::recordError(quint32 code) {
+    const auto guard = lock();
+    error_ = code;
+}
+
+std::unique_lock<std::recursive_mutex> FeedStore::lock() const {
+    return std::unique_lock(mutex_);
+}
+
+bool FeedStore::Open() {
+    const auto guard = lock();
+    if (QFileInfo::exists(device_.filePath(databaseName)))
+        return OpenExisting();
+    return CreateDatabase() && OpenExisting();
+}
+
+bool FeedStore::OpenExisting() {
+    const auto guard = lock();
+    session_ = SqliteDatabase::open(device_.filePath(databaseName), {});
+    if (session_ && !hasTables(*session_))
+        session_.reset();
+    return recordFailure(session_ != nullptr);
+}
+
+bool FeedStore::CreateDatabase() {
+    const auto guard = lock();
+    ReleaseSession();
+    const QString path = device_.filePath(databaseName);
+    QLockFile creation(device_.filePath(creationLock));
+    if (!device_.makeFolders() || !creation.tryLock(creationWait))
+        return recordFailure(false);
+    if (QFileInfo::exists(path)) // another process was first
+        return true;
+    const QTemporaryDir aside(device_.filePath(u"\\Temp\\RSSVault-XXXXXX"));
+    const QString built = aside.filePath(databaseName.toString());
+    auto database = SqliteDatabase::open(built, {.create = true});
+    if (!database || !buildDatabase(*database))
+        return error_ == seedFileError ? false : recordFailure(false);
+    database.reset();
+    removeStrayJournal(path);
+    return recordFailure(QFile::rename(built, path));
+}
+
+bool FeedStore::buildDatabase(SqliteDatabase &database) {
+    error_ = 0;
+    SqliteTransaction transaction(database);
+    SqlCommand command(database);
+    const auto run = [this, &command](const char16_t *statement) {
+        statement_ = QString::fromUtf16(statement);
+        return ExecuteNonQuery(command);
+    };
+    if (!run(articleTable) || !run(channelTable))
+        return false;
+    const std::optional<QList<SeedChannel>> seed = readSeedChannels(device_);
+    if (!seed) {
+        error_ = seedFileError;
+        return false;
+    }
+    for (const SeedChannel &channel : *seed) {
+        if (!insertChannel(command, {channel.category, channel.name, channel.link}, nullptr))
+            return false;
+    }
+    // Only now, so that the seed is held to the columns' own constraints alone.
+    return run(articleIndex) && run(channelIndex) && transaction.commit();
+}
+
+bool FeedStore::ReleaseSession() {
+    const auto guard = lock();
+    session_.reset();
+    return true;
+}
+
+bool FeedStore::Close() { return ReleaseSession(); }
+
+SqlCommand FeedStore::newCommand() { return SqlCommand(*session_); }
+
+bool FeedStore::recordFailure(bool isDone) {
+    if (!isDone)
+        error_ = databaseError;
+    return isDone;
+}
+
+void FeedStore::reopen() {
+    // The old session is let go last: while one is open the journal stays, and need not be
+    // written back and made anew for each change.
+    const std::unique_ptr<SqliteDatabase> old = std::move(session_);
+    Open();
+}
+
+bool FeedStore::changeAndReopen(const std::function<bool()> &work) {
+    const auto guard = lock();
+    bool isDone = false;
+    if (session_) {
+        // What ran before a failing statement stays, as if each had run alone.
+        SqliteTransaction transaction(*session_);
+        isDone = transaction.isOpen() && work();
+        isDone = transaction.commit() && isDone;
+    }
+    recordFailure(isDone);
+    reopen();
+    return isDone;
+}
+
+bool FeedStore::changeAtOnce(const std::function<bool(SqlCommand &)> &work) {
+    const auto guard = lock();
+    if (!session_)
+        return recordFailure(false);
+    SqliteTransaction transaction(*session_);
+    if (!transaction.isOpen())
+        return recordFailure(false);
+    SqlCommand command = newCommand();
+    work(command);
+    return recordFailure(transaction.commit());
+}
+
+} // namespace tidebrook

@@ -1,0 +1,48 @@
+#include "store/provisioning.h"
+
+#include "store/settings_store.h"
+
+#include <QSaveFile>
+
+#include <array>
+
+namespace tidebrook {
+
+namespace {
+
+struct FirstValue {
+    QStringView name;
+    quint32 value;
+};
+
+constexpr std::array updateSettings{FirstValue{u"UpdateMode", 0}, FirstValue{u"UpdateInterval", 1},
+                                    FirstValue{u"UpdateTime", 0}, FirstValue{u"ACTOPTION", 0},
+                                    FirstValue{u"NoRoaming", 0}};
+constexpr std::array todaySettings{FirstValue{u"Enabled", 1}, FirstValue{u"TodayTimer", 1}};
+
+bool writeSeedFile(const DeviceRoot &device, const QByteArray &content) {
+    QSaveFile file(device.filePath(u"\\windows\\RSSChannels.txt"));
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() &&
+           file.commit();
+}
+
+bool writeFirstValues(const DeviceRoot &device, const QString &todayItemKey) {
+    Registry registry(device);
+    Registry::Batch batch(registry);
+    for (const FirstValue &setting : updateSettings)
+        registry.write(programKey, setting.name, setting.value);
+    for (const FirstValue &setting : todaySettings)
+        registry.write(todayItemKey, setting.name, setting.value);
+    return batch.commit() && registry.flush();
+}
+
+} // namespace
+
+bool provisionDevice(const DeviceRoot &device, const QByteArray &seedFile,
+                     const QString &todayItemKey) {
+    return device.provision([&](const DeviceRoot &built) {
+        return writeSeedFile(built, seedFile) && writeFirstValues(built, todayItemKey);
+    });
+}
+
+} // namespace tidebrook

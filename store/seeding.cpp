@@ -1,0 +1,62 @@
+#include "store/seeding.h"
+
+#include "platform/text.h"
+#include "store/escape_sql.h"
+
+#include <QFile>
+#include <QStringDecoder>
+
+namespace tidebrook {
+
+namespace {
+
+std::optional<QString> readSeedFile(const DeviceRoot &device) {
+    QFile file(device.filePath(u"\\windows\\RSSChannels.txt"));
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QStringDecoder decoder(QStringConverter::Utf16LE);
+    return decoder.decode(file.readAll());
+}
+
+QString field(const QList<QStringView> &fields, qsizetype index, qsizetype capacity) {
+    if (index >= fields.size())
+        return QStringLiteral("");
+    return trimTrailingBlanks(cutText(fields[index], capacity)).toString();
+}
+
+} // namespace
+
+std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
+    const std::optional<QString> text = readSeedFile(device);
+    if (!text)
+        return std::nullopt;
+    QList<SeedChannel> channels;
+    QList<QStringView> lines = QStringView(*text).split(u'\n');
+    if (lines.last().isEmpty()) // what is behind the last line's end is no line
+        lines.removeLast();
+    for (QStringView line : lines) {
+        if (line.endsWith(u'\r'))
+            line.chop(1);
+        const QList<QStringView> fields = line.split(u'\t');
+        channels.append({field(fields, 0, channelNameCapacity), field(fields, 1, linkCapacity),
+                         field(fields, 2, categoryCapacity)});
+    }
+    return channels;
+}
+
+bool seedCategories(const DeviceRoot &device, CategoryListStore &categories) {
+    const std::optional<QString> text = readSeedFile(device);
+    if (!text)
+        return false;
+    // Fields are taken in threes with no heed to lines, and empty ones vanish.
+    QString delimited = *text;
+    delimited.replace(u'\t', u'\n').replace(u'\r', u'\n');
+    const QStringList tokens = delimited.split(u'\n', Qt::SkipEmptyParts);
+    for (qsizetype category = 2; category < tokens.size(); category += 3) {
+        categories.AddCategory(
+            trimTrailingBlanks(cutText(tokens[category], categoryCapacity)).toString());
+    }
+    return true;
+}
+
+} // namespace tidebrook

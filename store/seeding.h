@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "store/category_list.h"
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace tidebrook {
+
+/// A channel that a new device comes with, its texts cut to the capacities of the names and
+/// without trailing blanks.
+struct SeedChannel {
+    QString name;
+    QString link;
+    QString category;
+};
+
+/// The channels of the device's seed file, `\windows\RSSChannels.txt`, one for each of its lines;
+/// fields that a line does not have are empty. Nothing when the file cannot be read.
+std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device);
+
+/// Adds every category that the seed file names to the list. False only when the file cannot be
+/// read.
+bool seedCategories(const DeviceRoot &device, CategoryListStore &categories);
+
+} // namespace tidebrook

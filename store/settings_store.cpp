@@ -1,0 +1,43 @@
+#include "store/settings_store.h"
+
+#include "platform/text.h"
+
+namespace tidebrook {
+
+bool SettingsStore::RegReadDword(QStringView key, QStringView name, quint32 &out) {
+    const std::optional<RegistryValue> value = registry_.read(key, name);
+    if (!value) {
+        RegWriteDword(key, name, 0);
+        return false;
+    }
+    const quint32 *number = std::get_if<quint32>(&*value);
+    if (number)
+        out = *number;
+    return number != nullptr;
+}
+
+bool SettingsStore::RegWriteDword(QStringView key, QStringView name, quint32 value) {
+    return setDword(key, name, value) && registry_.flush();
+}
+
+quint32 SettingsStore::dword(QStringView key, QStringView name, quint32 valueWhenMissing) {
+    const std::optional<RegistryValue> value = registry_.read(key, name);
+    const quint32 *number = value ? std::get_if<quint32>(&*value) : nullptr;
+    return number ? *number : valueWhenMissing;
+}
+
+QString SettingsStore::text(QStringView key, QStringView name, qsizetype capacity) {
+    const std::optional<RegistryValue> value = registry_.read(key, name);
+    const QString *text = value ? std::get_if<QString>(&*value) : nullptr;
+    return text ? cutText(*text, capacity).toString() : QString();
+}
+
+bool SettingsStore::setDword(QStringView key, QStringView name, quint32 value) {
+    return registry_.write(key, name, value);
+}
+
+void SetLastErrorCode(Registry &registry, quint32 code) {
+    registry.write(programKey, u"ERRORNO", code);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,117 @@
+#include "store/store_check.h"
+
+#include "platform/sqlite_database.h"
+#include "platform/text.h"
+#include "store/settings_store.h"
+
+#include <QFileInfo>
+
+#include <functional>
+
+namespace tidebrook {
+
+namespace {
+
+class StoreCheck {
+public:
+    StoreCheck(SqliteDatabase &database, const QStringList &categories)
+        : database_(database), categories_(categories) {}
+
+    QStringList run() {
+        checkFile();
+        if (!faults_.isEmpty()) // nothing that a broken file says is worth telling
+            return faults_;
+        checkCounts();
+        checkOwners();
+        checkCategories();
+        return faults_;
+    }
+
+private:
+    void forEachRow(const QByteArray &query, const std::function<void(SqliteStatement &)> &row) {
+        SqliteStatement statement = database_.prepare(query);
+        SqliteStep step = statement ? statement.step() : SqliteStep::Failed;
+        for (; step == SqliteStep::Row; step = statement.step())
+            row(statement);
+        if (step != SqliteStep::Done)
+            faults_.append(
+                QStringLiteral("database: cannot be read: %1").arg(database_.lastError()));
+    }
+
+    void checkFile() {
+        forEachRow("PRAGMA integrity_check", [this](SqliteStatement &row) {
+            if (row.text(0) != u"ok")
+                faults_.append(QStringLiteral("database: %1").arg(row.text(0)));
+        });
+    }
+
+    void checkCounts() {
+        forEachRow("SELECT c.CHANNEL_NAME, c.NUM_OF_UNREAD, c.TOTAL_ITEMS, "
+                   "count(a.CHANNEL_NAME), coalesce(sum(a.READ_UNREAD = 0), 0) "
+                   "FROM RSSCHRecord c LEFT JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+                   "GROUP BY c.CHANNEL_NAME",
+                   [this](SqliteStatement &row) {
+                       if (row.integer(1) == row.integer(4) && row.integer(2) == row.integer(3))
+                           return;
+                       faults_.append(
+                           QStringLiteral("channel \"%1\": counts %2/%3, but has %4/%5 articles")
+                               .arg(row.text(0), row.text(1), row.text(2), row.text(4),
+                                    row.text(3)));
+                   });
+    }
+
+    void checkOwners() {
+        forEachRow("SELECT a.CHANNEL_NAME, count(*) FROM RSSRecord a "
+                   "LEFT JOIN RSSCHRecord c ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+                   "WHERE c.CHANNEL_NAME IS NULL GROUP BY a.CHANNEL_NAME",
+                   [this](SqliteStatement &row) {
+                       faults_.append(QStringLiteral("channel \"%1\": missing, but has %2 articles")
+                                          .arg(row.text(0), row.text(1)));
+                   });
+    }
+
+    void checkCategories() {
+        forEachRow("SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord", [this](SqliteStatement &row) {
+            const QString category = trimTrailingBlanks(row.text(1)).toString();
+            if (!categories_.contains(category))
+                faults_.append(QStringLiteral("channel \"%1\": its category \"%2\" is not listed")
+                                   .arg(row.text(0), category));
+        });
+    }
+
+    SqliteDatabase &database_;
+    const QStringList categories_;
+    QStringList faults_;
+};
+
+QStringList listedCategories(Registry &registry, QStringList &faults) {
+    SettingsStore settings(registry);
+    QStringList names;
+    for (const Registry::NamedValue &value : registry.values(u"Software\\Tamrel\\Feedlark\\Categories"))
+        names.append(trimTrailingBlanks(value.name).toString());
+    const quint32 count = settings.dword(programKey, u"CategoryNumber");
+    if (count != static_cast<quint32>(names.size()))
+        faults.append(QStringLiteral("categories: the count is %1, but %2 are listed")
+                          .arg(count)
+                          .arg(names.size()));
+    return names;
+}
+
+} // namespace
+
+QStringList checkStore(const DeviceRoot &device, Registry &registry) {
+    QStringList faults;
+    if (!registry.isOpen())
+        return {QStringLiteral("registry: cannot be opened: %1").arg(registry.error())};
+    const QStringList categories = listedCategories(registry, faults);
+    const QString path = device.filePath(u"RSSVault.sdf");
+    if (!QFileInfo::exists(path))
+        return faults << QStringLiteral("database: there is none");
+    QString error;
+    const auto database = SqliteDatabase::open(path, {}, &error);
+    if (!database)
+        return faults << QStringLiteral("database: cannot be opened: %1").arg(error);
+    return faults << StoreCheck(*database, categories).run();
+}
+
+} // namespace tidebrook

@@ -1,0 +1,154 @@
+#include "ctl/ctl_process.h"
+#include "feed_server/feed_server.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+const QByteArray feed =
+    "<rss><channel><title>Feed</title>"
+    "<item><title>Don't panic</title><link>http://example.org/1</link>"
+    "<pubDate>Sat, 07 Nov 2026 10:00:00 GMT</pubDate><description>&lt;p&gt;Text</description></item>"
+    "<item><title>Tab\there\xC2\x9B\x31m</title><link>http://example.org/2</link>"
+    "<pubDate>Fri, 06 Nov 2026 10:00:00 GMT</pubDate></item></channel></rss>";
+
+class CommandTest : public testing::Test {
+protected:
+    QString ok(const QStringList &arguments) {
+        const CtlRun run = ctl_.run(arguments);
+        EXPECT_EQ(run.exitCode, 0) << run.err.toUtf8().constData();
+        return run.out;
+    }
+
+    FeedServer server_;
+    CtlProcess ctl_;
+};
+
+TEST_F(CommandTest, AReaderSubscribesRefreshesAndReads) {
+    server_.serve(u"/feed"_s, feed);
+    const QString url = server_.url(u"/feed");
+    EXPECT_EQ(ok({u"init"_s}), u"0 categories, 0 channels\n");
+    EXPECT_EQ(ok({u"add"_s, u"It's news"_s, u"Bob's"_s, url}), u"Bob's\n");
+    EXPECT_EQ(ok({u"categories"_s}), u"It's news\n");
+    EXPECT_EQ(ok({u"channels"_s}), QString(u"0/0\tBob's\t" + url + u"\tIt's news\n"));
+    const CtlRun quoted = ctl_.run({u"update"_s});
+    EXPECT_EQ(quoted.exitCode, 1) << "a category with a quote refuses every article";
+    EXPECT_EQ(quoted.out, u"error\t1001\tEncountering Problem when Accessing Database\tBob's\n");
+
+    ok({u"rename-category"_s, u"It's news"_s, u"News"_s});
+    EXPECT_EQ(ok({u"update"_s, u"News"_s, u"Bob's"_s}), u"ok\t2\t2/2\tBob's\n");
+    EXPECT_EQ(ok({u"update"_s, u"--pauses"_s}), u"ok\t0\t2/2\tBob's\n");
+    EXPECT_EQ(ok({u"articles"_s, u"Bob's"_s}),
+              u"u\t2026-11-07\tDon't panic\nu\t2026-11-06\tTab here 1m\n");
+    EXPECT_EQ(ok({u"show"_s, u"Bob's"_s, u"Don't panic"_s}),
+              u"2026-11-07\nhttp://example.org/1\n\n<p>Text\n");
+    EXPECT_EQ(ok({u"articles"_s, u"Bob's"_s, u"--order"_s, u"status"_s}),
+              u"u\t2026-11-06\tTab here 1m\nr\t2026-11-07\tDon't panic\n");
+    EXPECT_EQ(ok({u"setting"_s, u"UnreadItems"_s, u"--today"_s}), u"1\n");
+    ok({u"mark"_s, u"Bob's"_s, u"read"_s});
+    EXPECT_EQ(ok({u"articles"_s, u"Bob's"_s, u"--order"_s, u"unread"_s}), u"");
+    EXPECT_EQ(ok({u"check"_s}), u"");
+}
+
+TEST_F(CommandTest, ChannelsAreRenamedMovedRelinkedAndDeleted) {
+    ok({u"add"_s, u"A"_s, u"one"_s, u"http://x/"_s});
+    ok({u"add"_s, u"B"_s, u"two"_s, u"http://y/"_s});
+    EXPECT_TRUE(ok({u"add"_s, u"B"_s, u"two"_s, u"http://y/"_s}).startsWith(u"two-"));
+    ok({u"rename"_s, u"one"_s, u"1'"_s});
+    ok({u"relink"_s, u"1'"_s, u"http://z/%1"_s});
+    ok({u"move"_s, u"1'"_s, u"B"_s});
+    EXPECT_TRUE(ok({u"channels"_s, u"B"_s}).contains(u"0/0\t1'\thttp://z/%1\tB\n"));
+    EXPECT_EQ(ok({u"channels"_s, u"A"_s}), u"");
+    ok({u"delete"_s, u"1'"_s});
+    ok({u"delete-category"_s, u"B"_s});
+    EXPECT_EQ(ok({u"channels"_s}), u"");
+    EXPECT_EQ(ok({u"categories"_s}), u"A\n");
+    EXPECT_EQ(ok({u"check"_s}), u"");
+}
+
+struct RefusalCase {
+    QStringList arguments;
+    int exitCode;
+};
+
+TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
+    ok({u"add"_s, u"A"_s, u"one"_s, u"http://x/"_s});
+    ok({u"add"_s, u"A"_s, u"two"_s, u"http://y/"_s});
+    ok({u"add-category"_s, u"B"_s});
+    const QString before = ok({u"channels"_s}) + ok({u"categories"_s});
+    const QList<RefusalCase> cases{
+        {{}, 2},
+        {{u"fly"_s}, 2},
+        {{u"init"_s, u"now"_s}, 2},
+        {{u"add"_s, u"A"_s, u"three"_s}, 2},
+        {{u"channels"_s, u"--pauses"_s}, 2},
+        {{u"channels"_s, u"--no-such"_s}, 2},
+        {{u"articles"_s, u"one"_s, u"--order"_s, u"size"_s}, 2},
+        {{u"update"_s, u"--jobs"_s, u"0"_s}, 2},
+        {{u"mark"_s, u"one"_s, u"seen"_s}, 2},
+        {{u"setting"_s, u"SortMode"_s, u"big"_s}, 2},
+        {{u"setting"_s, u"SortMode"_s}, 1},
+        {{u"add-category"_s, u" A "_s}, 1},
+        {{u"add-category"_s, u"  "_s}, 1},
+        {{u"rename-category"_s, u"A"_s, u"B"_s}, 1},
+        {{u"rename-category"_s, u"C"_s, u"D"_s}, 1},
+        {{u"delete-category"_s, u"C"_s}, 1},
+        {{u"channels"_s, u"C"_s}, 1},
+        {{u"add"_s, u"A"_s, u""_s, u"http://x/"_s}, 1},
+        {{u"add"_s, u"A"_s, u"three"_s, u"http://x/'quote"_s}, 1},
+        {{u"add"_s, u"A"_s, u"three"_s, QString(600, u'x')}, 1},
+        {{u"rename"_s, u"one"_s, u"two"_s}, 1},
+        {{u"rename"_s, u"three"_s, u"four"_s}, 1},
+        {{u"move"_s, u"one"_s, u"C"_s}, 1},
+        {{u"relink"_s, u"one"_s, u"http://x/'"_s}, 1},
+        {{u"delete"_s, u"three"_s}, 1},
+        {{u"articles"_s, u"three"_s}, 1},
+        {{u"show"_s, u"one"_s, u"no title"_s}, 1},
+        {{u"update"_s, u"A"_s, u"three"_s}, 1},
+    };
+    for (const RefusalCase &refusal : cases) {
+        const CtlRun run = ctl_.run(refusal.arguments);
+        EXPECT_EQ(run.exitCode, refusal.exitCode)
+            << refusal.arguments.join(u' ').toUtf8().constData();
+        EXPECT_EQ(run.out, u"");
+        EXPECT_FALSE(run.err.isEmpty());
+    }
+    EXPECT_EQ(ok({u"channels"_s}) + ok({u"categories"_s}), before);
+}
+
+TEST_F(CommandTest, AMissingDeviceIsMadeByInitAlone) {
+    const QString elsewhere = ctl_.filePath(u"elsewhere"_s);
+    const CtlRun refused = ctl_.run({u"--home"_s, elsewhere, u"channels"_s});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.err.contains(u"init"));
+    EXPECT_FALSE(QFile::exists(elsewhere));
+
+    EXPECT_EQ(ok({u"--home"_s, elsewhere, u"init"_s}), u"3 categories, 8 channels\n");
+    EXPECT_EQ(ok({u"--home"_s, elsewhere, u"init"_s}), u"3 categories, 8 channels\n");
+    EXPECT_EQ(ok({u"--home"_s, elsewhere, u"setting"_s, u"Enabled"_s, u"--today"_s}), u"1\n");
+    for (const QString &name : {u"News"_s, u"Technology"_s, u"Science"_s})
+        ok({u"--home"_s, elsewhere, u"delete-category"_s, name});
+    EXPECT_EQ(ok({u"--home"_s, elsewhere, u"init"_s}), u"3 categories, 0 channels\n")
+        << "without categories they are seeded again, and the database is left alone";
+}
+
+TEST_F(CommandTest, SettingsAreWrittenWithTheirTypes) {
+    ok({u"setting"_s, u"SortMode"_s, u"2"_s});
+    EXPECT_EQ(ok({u"setting"_s, u"SortMode"_s}), u"2\n");
+    ok({u"setting"_s, u"--today"_s, u"TITLE"_s, u"A 'title'"_s});
+    EXPECT_EQ(ok({u"setting"_s, u"--today"_s, u"TITLE"_s}), u"A 'title'\n");
+    EXPECT_EQ(ctl_.run({u"setting"_s, u"TITLE"_s}).exitCode, 1);
+}
+
+TEST_F(CommandTest, HelpAndVersionNeedNoDevice) {
+    EXPECT_TRUE(ok({u"--help"_s}).contains(u"articles CHANNEL [--order date|status|unread]"));
+    EXPECT_TRUE(ok({u"--version"_s}).startsWith(u"tidebrookctl "));
+}
+
+} // namespace
+} // namespace tidebrook

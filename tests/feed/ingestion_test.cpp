@@ -1,0 +1,134 @@
+#include "feed/article_ingestion.h"
+#include "feed/pub_date.h"
+#include "platform/clock.h"
+#include "support/test_device.h"
+
+#include <gtest/gtest.h>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class IngestionTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(device_.store->Open());
+        device_.addChannel(u"C"_s, u"ch"_s);
+    }
+
+    bool insert(const ItemRecord &item, const QString &channel = u"ch"_s,
+                const QString &category = u"C"_s) {
+        bool isInserted = false;
+        device_.store->changeAtOnce([&](SqlCommand &command) {
+            ArticleIngestion ingestion(command, channel, category);
+            isInserted = ingestion.pruneChannel() && ingestion.insertItem(item);
+            return isInserted;
+        });
+        return isInserted;
+    }
+
+    static ItemRecord item(const QString &title, const QString &guid) {
+        return {title,      u"Text"_s, u"Fri, 07 Mar 2008"_s, u"DEFAULT"_s,
+                guid,       u"http://example.org/"_s, ingestionClock(0)};
+    }
+
+    ArticleDetail detail(const QString &title) {
+        ArticleDetail found;
+        device_.store->GetArticleDetail(u"ch"_s, title, found);
+        return found;
+    }
+
+    TestDevice device_;
+};
+
+TEST_F(IngestionTest, DuplicatesAreLeftOutAndLeaveTheOldRowAlone) {
+    EXPECT_TRUE(insert(item(u"one"_s, u"1"_s)));
+    detail(u"one"_s);
+    EXPECT_TRUE(insert(item(u"another title"_s, u"1"_s)));
+    EXPECT_TRUE(insert(item(u"another title"_s, u"1"_s), u"other channel"_s));
+    EXPECT_TRUE(insert(item(u"one"_s, u"2"_s)));
+    EXPECT_TRUE(insert(item(u"one "_s, u"3"_s)));
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"one"_s));
+    EXPECT_EQ(device_.titles(u"ch"_s, SortMode::UnreadOnly), QStringList());
+    EXPECT_EQ(device_.titles(u"other channel"_s), QStringList());
+}
+
+TEST_F(IngestionTest, AMissingGuidIsTheLinkAndWithoutBothTheItemFails) {
+    ItemRecord record = item(u"linked"_s, u"DEFAULT"_s);
+    EXPECT_TRUE(insert(record));
+    record.title = u"same link"_s;
+    EXPECT_TRUE(insert(record));
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"linked"_s));
+    record.link = u"DEFAULT"_s;
+    EXPECT_FALSE(insert(record));
+}
+
+TEST_F(IngestionTest, NoTextOfAFeedBecomesSql) {
+    const QString attack = u"x', 't', 'l' ,'d' ,'2008-01-01',0, 1 ,'C'); DELETE FROM RSSRecord --"_s;
+    const QString doubled = u"it''s"_s;
+    EXPECT_TRUE(insert(item(u"kept"_s, u"1"_s)));
+    for (const QString &text : {attack, doubled, u"'"_s}) {
+        ItemRecord record = item(u"guid"_s, text);
+        EXPECT_FALSE(insert(record));
+        record = item(u"link"_s, u"2"_s);
+        record.link = text;
+        EXPECT_FALSE(insert(record));
+        record = item(u"date"_s, u"3"_s);
+        record.publicationDate = u"'' 'x "_s + text;
+        EXPECT_FALSE(insert(record));
+        EXPECT_FALSE(insert(item(u"category"_s, u"4"_s), u"ch"_s, text));
+        EXPECT_TRUE(insert(item(text, u"title "_s + QString::number(text.size()))));
+        record = item(u"description "_s + text, u"d"_s + QString::number(text.size()));
+        record.description = text;
+        EXPECT_TRUE(insert(record));
+        EXPECT_EQ(detail(record.title).description, text);
+    }
+    EXPECT_EQ(device_.titles(u"ch"_s).size(), 7);
+}
+
+TEST_F(IngestionTest, LongTextsAreCutAndNeverInTheMiddleOfAQuote) {
+    ItemRecord record = item(u"long"_s, QString(512, u'g'));
+    record.description = QString(3000, u'd');
+    EXPECT_TRUE(insert(record));
+    EXPECT_EQ(detail(u"long"_s).description, QString(2999, u'd'));
+
+    record = item(u"quotes"_s, u"q"_s);
+    record.description = u"''"_s + QString(96, u'd') + u"''"_s;
+    EXPECT_TRUE(insert(record));
+    EXPECT_EQ(detail(u"quotes"_s).description, QString(u"''"_s + QString(96, u'd')));
+
+    record = item(u"odd"_s, u"o"_s);
+    record.description = u"abc'"_s;
+    EXPECT_TRUE(insert(record));
+    EXPECT_EQ(detail(u"odd"_s).description, u"abc");
+
+    EXPECT_TRUE(insert(item(u"'"_s.repeated(255), u"t"_s)));
+    EXPECT_TRUE(device_.titles(u"ch"_s).contains(u"'"_s.repeated(128)));
+    EXPECT_TRUE(insert(item(u"😀"_s.repeated(127) + u"x", u"e"_s)));
+    EXPECT_EQ(detail(u"😀"_s.repeated(127) + u"x").description, u"Text");
+
+    record = item(u"other long guid"_s, QString(511, u'g') + u"h");
+    EXPECT_TRUE(insert(record));
+    EXPECT_TRUE(device_.titles(u"ch"_s).contains(u"other long guid"_s))
+        << "guids are told apart behind their column's width too";
+}
+
+TEST_F(IngestionTest, AnArticleLivesForFiveDaysWhateverItsDate) {
+    const QDateTime stored({2026, 6, 10}, {12, 0}, Qt::UTC);
+    {
+        const FixedClock clock(stored);
+        EXPECT_TRUE(insert(item(u"old"_s, u"1"_s)));
+    }
+    {
+        const FixedClock clock(stored.addDays(5));
+        EXPECT_TRUE(insert(item(u"old"_s, u"1"_s)));
+        EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"old"_s));
+    }
+    const FixedClock clock(stored.addDays(5).addSecs(1));
+    EXPECT_TRUE(insert(item(u"new"_s, u"2"_s)));
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"new"_s));
+}
+
+} // namespace
+} // namespace tidebrook

@@ -1,0 +1,104 @@
+#include "feed/rss_parser.h"
+#include "support/test_device.h"
+
+#include <gtest/gtest.h>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+using Result = RssParser::Result;
+
+class ParserTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
+
+    Result parse(const QByteArray &channelContent,
+                 const std::optional<QString> &category = u"C"_s) {
+        return parseDocument("<rss><channel>" + channelContent + "</channel></rss>", category);
+    }
+
+    Result parseDocument(const QByteArray &text, const std::optional<QString> &category = u"C"_s) {
+        const auto document = XmlDocument::parse(text);
+        if (!document) {
+            ADD_FAILURE() << "not well-formed";
+            return Result::Unreadable;
+        }
+        Result result = Result::Unreadable;
+        device_.store->changeAtOnce([&](SqlCommand &command) {
+            RssParser parser(command, u"ch"_s, category);
+            result = parser.parse(document->root());
+            header_ = parser.header();
+            return true;
+        });
+        return result;
+    }
+
+    ArticleDetail detail(const QString &title) {
+        ArticleDetail found;
+        device_.store->GetArticleDetail(u"ch"_s, title, found);
+        return found;
+    }
+
+    TestDevice device_;
+    ChannelHeaderRecord header_;
+};
+
+TEST_F(ParserTest, ItemsAreStoredWithTheirOwnTexts) {
+    EXPECT_EQ(parse("<title>Feed</title><item><title> A &amp; B </title><link>http://a/</link>"
+                    "<guid>1</guid><category>Sport</category>"
+                    "<content:encoded>whole</content:encoded>"
+                    "<description><![CDATA[<p>short</p>]]></description>"
+                    "<pubDate>Fri, 07 Mar 2008 10:15:00 GMT</pubDate></item>"
+                    "<item><Title>case</Title><media:title>m</media:title><link>http://b/</link>"
+                    "<title></title><description> </description></item>"),
+              Result::Done);
+    EXPECT_EQ(device_.titles(u"ch"_s), (QStringList{u"A & B"_s, u"DEFAULT"_s}));
+    const ArticleDetail first = detail(u"A & B"_s);
+    EXPECT_EQ(first.description, u"<p>short</p>");
+    EXPECT_EQ(first.itemLink, u"http://a/");
+    EXPECT_EQ(first.publicationDate, u"2008-03-07");
+    const ArticleDetail second = detail(u"DEFAULT"_s);
+    EXPECT_EQ(second.description, u"DEFAULT");
+    EXPECT_EQ(second.publicationDate, u"");
+    ReadFlagCounts counts;
+    device_.store->CountReadFlags(u"C"_s, u"ch"_s, counts);
+    EXPECT_EQ(counts.total, 2) << "the category of the run is stored, not the item's";
+}
+
+TEST_F(ParserTest, AFaultyItemEndsTheParseAndKeepsWhatCameBefore) {
+    EXPECT_EQ(parse("<item><title>before</title><guid>1</guid></item>"
+                    "<item><title>neither guid nor link</title></item>"
+                    "<item><title>after</title><guid>2</guid></item>"),
+              Result::NotIngested);
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"before"_s));
+}
+
+TEST_F(ParserTest, TheFirstChildOfTheRootIsTheChannelWhateverItIs) {
+    EXPECT_EQ(parseDocument("<rss><anything><item><title>t</title><guid>1</guid></item></anything>"
+                            "<channel><item><title>u</title><guid>2</guid></item></channel></rss>"),
+              Result::Done);
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"t"_s));
+}
+
+TEST_F(ParserTest, AChannelWithoutItemsIsDoneAndOneWithoutAnythingIsNot) {
+    EXPECT_EQ(parse("<title>Feed</title>"), Result::Done);
+    EXPECT_EQ(parse(""), Result::Unreadable);
+    EXPECT_EQ(parseDocument("<rss/>"), Result::Unreadable);
+    EXPECT_EQ(parseDocument("<rss>text<channel><title>t</title></channel></rss>"),
+              Result::Unreadable);
+}
+
+TEST_F(ParserTest, OnlyWhatFollowsTheLastItemIsLeftOfTheChannel) {
+    parse("<title>Feed</title><image><url>u</url><title>i</title></image>");
+    EXPECT_EQ(header_.title, u"Feed");
+    EXPECT_EQ(header_.imageUrl, u"u");
+    EXPECT_EQ(header_.imageTitle, u"i");
+    EXPECT_EQ(header_.link, u"DEFAULT");
+    parse("<title>Feed</title><item><guid>1</guid></item><link>http://l/</link>");
+    EXPECT_EQ(header_.title, u"");
+    EXPECT_EQ(header_.link, u"http://l/");
+}
+
+} // namespace
+} // namespace tidebrook

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringView>
+
+#include <chrono>
+#include <memory>
+#include <utility>
+
+namespace tidebrook {
+
+/// An HTTP server on the loopback device that answers what it is told to, faults included. It
+/// listens on 127.0.0.1 in a thread of its own and serves 64 connections at once.
+///
+/// Paths are given percent-decoded and without a query; a query in a request does not change the
+/// answer. What was said last about a path holds, also for requests that come while the server
+/// is running; answers that have begun are ended as they began. Paths that nothing was said about
+/// are looked for in the directories and the generated feeds, and then answered with 404.
+///
+/// Thread-safe.
+class FeedServer {
+public:
+    using Headers = QList<std::pair<QByteArray, QByteArray>>;
+
+    struct Request {
+        QByteArray method;
+        QByteArray path; // as sent: percent-encoded, with the query
+        Headers headers; // ordered by name
+
+        /// The value of the first header of that name, whatever its case; null if there is none.
+        QByteArray header(QByteArrayView name) const;
+    };
+
+    /// Listens on `port`, or on a free one if it is 0. Requests can be made as soon as it returns.
+    /// Throws std::runtime_error if it cannot listen there.
+    explicit FeedServer(int port = 0);
+
+    /// Drops every connection, whatever it is doing, and joins all threads.
+    ~FeedServer();
+
+    FeedServer(const FeedServer &) = delete;
+    FeedServer &operator=(const FeedServer &) = delete;
+
+    int port() const;
+
+    /// The address of `path`, which begins with a slash and is already percent-encoded.
+    QString url(QStringView path) const;
+
+    /// Bodies are sent as they are, never compressed, with their length announced.
+    void serve(const QString &path, const QByteArray &body,
+               const QByteArray &contentType = "text/xml");
+
+    /// Sends the body compressed, whether the client asked for that or not.
+    void serveGzip(const QString &path, const QByteArray &body,
+                   const QByteArray &contentType = "text/xml");
+
+    /// Serves the files below `directory` below `prefix`, as they are when they are asked for.
+    void serveDirectory(const QString &prefix, const QString &directory);
+
+    /// Serves generatedFeed(ITEMS, SEED) as `prefix`/ITEMS/SEED; each is made once and kept.
+    void serveGenerated(const QString &prefix);
+
+    /// How long every request, from now on, waits for its answer.
+    void setDelay(std::chrono::milliseconds delay);
+
+    void answerStatus(const QString &path, int status, const QByteArray &body = {},
+                      const Headers &headers = {});
+
+    /// `location` is sent as it is, so that it can be relative, of any scheme, or wrong.
+    void redirect(const QString &path, const QByteArray &location, int status = 302);
+
+    /// Takes the request and answers nothing until the client leaves or the server stops.
+    void hang(const QString &path);
+
+    /// Announces the whole length, sends the first half, and closes the connection.
+    void resetHalfWay(const QString &path, const QByteArray &body);
+
+    /// Sends the body a byte at a time.
+    void trickle(const QString &path, const QByteArray &body,
+                 std::chrono::milliseconds interval = std::chrono::milliseconds(100));
+
+    /// Sends the beginning of a feed and then items without end, in chunks, as fast as they are
+    /// taken.
+    void endless(const QString &path);
+
+    /// The requests so far, in the order in which they arrived.
+    QList<Request> requests() const;
+    void clearRequests();
+
+private:
+    class Private;
+    std::unique_ptr<Private> d_;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,140 @@
+#include "store/category_list.h"
+#include "store/provisioning.h"
+#include "store/seeding.h"
+#include "store/store_check.h"
+#include "support/test_device.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class CategoryTest : public testing::Test {
+protected:
+    CategoryTest() {
+        quint32 count = 0;
+        settings_.RegReadDword(programKey, u"CategoryNumber", count); // as a start does
+    }
+
+    quint32 count() { return settings_.dword(programKey, u"CategoryNumber", 99); }
+
+    QStringList names() {
+        CategoryList list;
+        return categories_.ReadCategoryList(list) ? list : QStringList(u"failed"_s);
+    }
+
+    TestDevice device_;
+    SettingsStore settings_{*device_.registry};
+    CategoryListStore categories_{*device_.registry};
+};
+
+TEST_F(CategoryTest, TheFirstAddWithoutACountOnlyMakesTheCount) {
+    device_.registry->remove(programKey, u"CategoryNumber");
+    EXPECT_FALSE(categories_.AddCategory(u"News"_s));
+    EXPECT_EQ(count(), 0u);
+    EXPECT_TRUE(categories_.AddCategory(u"News"_s));
+    EXPECT_EQ(names(), QStringList(u"News"_s));
+}
+
+TEST_F(CategoryTest, ChangesKeepTheCountAndTheOrder) {
+    for (const QString &name : {u"b"_s, u"a"_s, u"Ünï😀 'q'"_s})
+        EXPECT_TRUE(categories_.AddCategory(name));
+    EXPECT_FALSE(categories_.AddCategory(u"a"_s));
+    EXPECT_EQ(count(), 3u);
+    EXPECT_TRUE(categories_.RenameCategory(u"a"_s, u"c"_s));
+    EXPECT_FALSE(categories_.RenameCategory(u"a"_s, u"d"_s));
+    EXPECT_TRUE(categories_.RenameCategory(u"c"_s, u"c"_s));
+    EXPECT_EQ(names(), (QStringList{u"b"_s, u"Ünï😀 'q'"_s, u"c"_s}));
+    EXPECT_TRUE(categories_.DeleteCategory(u"b"_s));
+    EXPECT_FALSE(categories_.DeleteCategory(u"b"_s));
+    EXPECT_EQ(count(), 2u);
+    EXPECT_TRUE(categories_.DeleteCategory(u"c"_s));
+    EXPECT_TRUE(categories_.DeleteCategory(u"Ünï😀 'q'"_s));
+    EXPECT_EQ(count(), 0u);
+    EXPECT_EQ(names(), QStringList(u"failed"_s));
+}
+
+TEST_F(CategoryTest, RenamingOntoAnotherNameLeavesTheCountOneTooHigh) {
+    categories_.AddCategory(u"a"_s);
+    categories_.AddCategory(u"b"_s);
+    EXPECT_TRUE(categories_.RenameCategory(u"a"_s, u"b"_s));
+    EXPECT_EQ(names(), (QStringList{u"b"_s, QString()}));
+}
+
+TEST_F(CategoryTest, ADamagedEntryIsTakenOutByTheReadThatMeetsIt) {
+    categories_.AddCategory(u"good"_s);
+    device_.registry->write(u"Software\\Tamrel\\Feedlark\\Categories", u"bad", u"text"_s);
+    device_.registry->write(programKey, u"CategoryNumber", quint32{2});
+    EXPECT_EQ(names(), QStringList(u"failed"_s));
+    EXPECT_EQ(names(), (QStringList{u"good"_s, QString()}));
+    device_.registry->write(programKey, u"CategoryNumber", quint32{0xFFFFFFFF});
+    EXPECT_EQ(names().first(), u"good") << "a damaged count must not exhaust the memory";
+}
+
+TEST_F(CategoryTest, AMissingSettingIsMadeAsZeroAndAMistypedOneStays) {
+    quint32 value = 5;
+    EXPECT_FALSE(settings_.RegReadDword(programKey, u"SortMode", value));
+    EXPECT_EQ(value, 5u);
+    EXPECT_TRUE(settings_.RegReadDword(programKey, u"SortMode", value));
+    EXPECT_EQ(value, 0u);
+    device_.registry->write(programKey, u"FontSize", u"big"_s);
+    EXPECT_FALSE(settings_.RegReadDword(programKey, u"FontSize", value));
+    EXPECT_EQ(device_.registry->read(programKey, u"FontSize"), RegistryValue(u"big"_s));
+}
+
+TEST_F(CategoryTest, SeedingTakesEveryThirdFieldWithNoHeedToLines) {
+    const QString path = device_.root.filePath(u"\\windows\\RSSChannels.txt");
+    writeFile(path, utf16(u"\uFEFFa\tu\tOne \r\nb\tu\tTwo\nc\tu\tOne\r\nd\t\tu\tThree"_s));
+    EXPECT_TRUE(seedCategories(device_.root, categories_));
+    EXPECT_EQ(names(), (QStringList{u"One"_s, u"Two"_s, u"Three"_s}));
+    QFile::remove(path);
+    EXPECT_FALSE(seedCategories(device_.root, categories_));
+}
+
+TEST(Provisioning, LeavesADeviceAsAnInstallerDoes) {
+    const QTemporaryDir folder;
+    const DeviceRoot root(folder.filePath(u"device"_s));
+    const QByteArray seed = utf16(u"a\tu\tOne\r\n"_s);
+    ASSERT_TRUE(provisionDevice(root, seed, testTodayKey.toString()));
+    Registry registry(root);
+    EXPECT_EQ(registry.read(programKey, u"UpdateInterval"), RegistryValue(quint32{1}));
+    EXPECT_EQ(registry.read(testTodayKey, u"TodayTimer"), RegistryValue(quint32{1}));
+    QFile file(root.filePath(u"\\windows\\RSSChannels.txt"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), seed);
+}
+
+TEST(Check, NamesEveryFault) {
+    TestDevice device;
+    ASSERT_TRUE(device.store->Open());
+    CategoryListStore categories(*device.registry);
+    device.registry->write(programKey, u"CategoryNumber", quint32{0});
+    categories.AddCategory(u"C"_s);
+    device.addChannel(u"C"_s, u"one"_s, {u"a"_s, u"b"_s});
+    device.addChannel(u"C"_s, u"two"_s, {u"a"_s});
+    EXPECT_EQ(checkStore(device.root, *device.registry), QStringList());
+
+    device.store->changeAtOnce([](SqlCommand &command) {
+        for (const QString &fault :
+             {u"UPDATE RSSRecord SET READ_UNREAD = 1 WHERE CHANNEL_NAME='one' and TITLE='a'"_s,
+              u"DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='two'"_s}) {
+            command.setText(fault);
+            command.execute();
+        }
+        return true;
+    });
+    device.addChannel(u"Unlisted"_s, u"three"_s);
+    device.registry->write(programKey, u"CategoryNumber", quint32{3});
+    EXPECT_EQ(checkStore(device.root, *device.registry),
+              (QStringList{u"categories: the count is 3, but 1 are listed"_s,
+                           u"channel \"one\": counts 2/2, but has 1/2 articles"_s,
+                           u"channel \"two\": missing, but has 1 articles"_s,
+                           u"channel \"three\": its category \"Unlisted\" is not listed"_s}));
+}
+
+} // namespace
+} // namespace tidebrook

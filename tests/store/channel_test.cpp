@@ -1,0 +1,151 @@
+#include "support/test_device.h"
+
+#include <gtest/gtest.h>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class ChannelTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
+
+    FeedStore &store() { return *device_.store; }
+    QString link(const QString &category, const QString &name) {
+        QString found;
+        EXPECT_TRUE(store().GetChannelLink(category, name, found));
+        return found;
+    }
+
+    TestDevice device_;
+};
+
+TEST_F(ChannelTest, ATakenNameIsStoredWithASuffix) {
+    const QString name45(45, u'n');
+    QString stored;
+    EXPECT_TRUE(store().InsertChannel({u"A"_s, u"World"_s, u"l"_s}, &stored));
+    EXPECT_EQ(stored, u"World");
+    EXPECT_TRUE(store().InsertChannel({u"B"_s, u"World  "_s, u"l"_s}, &stored));
+    EXPECT_TRUE(stored.startsWith(u"World  -"));
+    EXPECT_LT(stored.sliced(8).toInt(), 10'000);
+    EXPECT_EQ(device_.channelNames(u"B"_s), QStringList(stored));
+    EXPECT_TRUE(store().InsertChannel({u"A"_s, name45, u"l"_s}));
+    EXPECT_FALSE(store().InsertChannel({u"A"_s, name45, u"l"_s}));
+    EXPECT_EQ(device_.channelNames(u"A"_s).size(), 2);
+}
+
+struct NameCase {
+    const char *what;
+    QString name;
+};
+
+class AnyName : public ChannelTest, public testing::WithParamInterface<NameCase> {};
+
+TEST_P(AnyName, GoesThroughEveryOperation) {
+    const QString name = GetParam().name;
+    const QString category = name.left(39).trimmed();
+    device_.addChannel(category, name, {u"one"_s, name.left(200)});
+    EXPECT_EQ(device_.channelNames(category), QStringList(name));
+    EXPECT_EQ(link(category, name), u"http://example.org/feed");
+    EXPECT_EQ(device_.counts(category, name), u"2/2");
+
+    EXPECT_TRUE(store().SetChannelLink(name, u"http://example.org/%1?a=%20  "_s));
+    EXPECT_EQ(link(category, name), u"http://example.org/%1?a=%20");
+    EXPECT_TRUE(store().MarkChannelRead(name));
+    EXPECT_TRUE(store().MoveChannel(name, u"Other's"_s));
+    EXPECT_EQ(device_.counts(u"Other's"_s, name), u"0/2");
+    ReadFlagCounts counts;
+    EXPECT_TRUE(store().CountReadFlags(u"Other's"_s, name, counts));
+    EXPECT_EQ(counts.total, 2);
+
+    EXPECT_TRUE(store().RenameChannel(name, u"Plain"_s));
+    EXPECT_EQ(device_.titles(u"Plain"_s).size(), 2);
+    EXPECT_TRUE(store().RenameChannel(u"Plain"_s, name));
+    EXPECT_TRUE(store().MoveCategory(u"Other's"_s, category));
+    EXPECT_EQ(device_.channelNames(category), QStringList(name));
+    EXPECT_TRUE(store().DeleteChannel(name));
+    EXPECT_EQ(device_.channelNames(category), QStringList());
+    EXPECT_EQ(device_.titles(name), QStringList());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, AnyName,
+    testing::Values(NameCase{"Plain", u"World"_s}, NameCase{"Quote", u"Bob's"_s},
+                    NameCase{"Sql", u"'; DELETE FROM RSSCHRecord --"_s},
+                    NameCase{"OnlyQuotes", u"''''"_s}, NameCase{"Percent", u"100%1 %s ? \\"_s},
+                    NameCase{"Emoji", u"😀😀😀 ✈"_s}, NameCase{"Full", QString(50, u'x')},
+                    NameCase{"RightToLeft", u"\u202Eעברית"_s}),
+    [](const auto &test) { return std::string(test.param.what); });
+
+TEST_F(ChannelTest, ALinkWithAQuoteNeverBecomesSql) {
+    device_.addChannel(u"C"_s, u"victim"_s);
+    const QString attack = u"x', NULL, NULL, NULL); DELETE FROM RSSCHRecord --"_s;
+    EXPECT_FALSE(store().InsertChannel({u"C"_s, u"attack"_s, attack}));
+    EXPECT_FALSE(store().InsertChannel({u"C"_s, u"attack"_s, u"x', 'a', 'b', 'c')"_s}));
+    EXPECT_FALSE(store().SetChannelLink(u"victim"_s, u"x', CATEGORY = 'y"_s));
+    EXPECT_EQ(device_.channelNames(u"C"_s), QStringList(u"victim"_s));
+    EXPECT_EQ(link(u"C"_s, u"victim"_s), u"http://example.org/feed");
+}
+
+TEST_F(ChannelTest, RenamingOntoATakenNameFailsWithTheArticlesRenamed) {
+    device_.addChannel(u"C"_s, u"old"_s, {u"a"_s});
+    device_.addChannel(u"C"_s, u"taken"_s, {u"b"_s});
+    EXPECT_FALSE(store().RenameChannel(u"old"_s, u"taken"_s));
+    EXPECT_EQ(store().error(), 1001u);
+    EXPECT_EQ(device_.channelNames(u"C"_s), (QStringList{u"old"_s, u"taken"_s}));
+    EXPECT_EQ(device_.titles(u"taken"_s).size(), 2);
+    EXPECT_EQ(device_.titles(u"old"_s), QStringList());
+}
+
+TEST_F(ChannelTest, DeletingAChannelLeavesTheOthersAlone) {
+    device_.addChannel(u"C"_s, u"gone"_s, {u"a"_s, u"b"_s});
+    device_.addChannel(u"C"_s, u"kept"_s, {u"a"_s, u"b"_s});
+    EXPECT_TRUE(store().DeleteChannel(u"gone"_s));
+    EXPECT_EQ(device_.counts(u"C"_s, u"kept"_s), u"2/2");
+    EXPECT_EQ(device_.titles(u"kept"_s).size(), 2);
+}
+
+TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
+    store().changeAtOnce([](SqlCommand &command) {
+        for (int i = 0; i < 700; ++i) {
+            command.setText(u"INSERT INTO RSSCHRecord VALUES ('Big', 'channel %1', 0, 0, 'l', "
+                            "NULL, NULL, NULL)"_s.arg(i));
+            command.execute();
+        }
+        return true;
+    });
+    EXPECT_EQ(device_.channelNames(u"Big"_s).size(), 606);
+    EXPECT_TRUE(store().MoveCategory(u"Big"_s, u"Moved"_s));
+    EXPECT_EQ(device_.channelNames(u"Big"_s), QStringList());
+    EXPECT_EQ(device_.channelNames(u"Moved"_s).size(), 606);
+    EXPECT_TRUE(store().DeleteCategoryChannels(u"Moved"_s));
+    EXPECT_EQ(device_.channelNames(u"Moved"_s), QStringList());
+}
+
+TEST_F(ChannelTest, RowsAreWalkedByCursorOrByIndex) {
+    for (const QString &name : {u"a"_s, u"b"_s})
+        device_.addChannel(u"C"_s, name);
+    store().ListChannels(u"C"_s);
+    ChannelRow row{};
+    EXPECT_TRUE(store().NextRow(&row, 1));
+    EXPECT_EQ(row.nameText(), u"b");
+    EXPECT_TRUE(store().NextRow(&row));
+    EXPECT_EQ(row.nameText(), u"a");
+    EXPECT_TRUE(store().NextRow(&row));
+    EXPECT_FALSE(store().NextRow(&row));
+    EXPECT_FALSE(store().NextRow(&row, -2));
+    EXPECT_FALSE(store().NextRow(nullptr));
+    store().ListChannels(u"Empty"_s);
+    EXPECT_FALSE(store().NextRow(&row));
+}
+
+TEST_F(ChannelTest, TheTodayItemIsToldTheSumOfAllUnread) {
+    device_.addChannel(u"A"_s, u"one"_s, {u"a"_s, u"b"_s});
+    device_.addChannel(u"B"_s, u"two"_s, {u"c"_s});
+    ASSERT_TRUE(store().PublishTotalUnread());
+    EXPECT_EQ(device_.registry->read(testTodayKey, u"UnreadItems"), RegistryValue(quint32{3}));
+}
+
+} // namespace
+} // namespace tidebrook

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "platform/registry.h"
+#include "store/feed_store.h"
+#include "support/text_printing.h"
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace tidebrook {
+
+inline constexpr QStringView testTodayKey = u"Software\\Microsoft\\Today\\Items\\Tidebrook";
+
+/// A device root of its own for one test, with whatever seed file it is given.
+class TestDevice {
+public:
+    /// The seed file's text; a null text leaves the device without one.
+    explicit TestDevice(const QString &seed = QStringLiteral(""));
+
+    /// Ends the store and starts another over the same files, as a restart does.
+    void restart();
+
+    /// Adds a channel to the open store and an article for each title, unread and dated today.
+    void addChannel(const QString &category, const QString &name, const QStringList &titles = {});
+
+    QStringList titles(const QString &channel, SortMode mode = SortMode::Date);
+    /// "unread/total" of a channel as its category's list shows it; null when it is not there.
+    QString counts(const QString &category, const QString &channel);
+    QStringList channelNames(const QString &category);
+    quint32 lastErrorCode();
+
+private:
+    QTemporaryDir folder_;
+
+public:
+    const DeviceRoot root;
+    std::unique_ptr<Registry> registry;
+    std::unique_ptr<FeedStore> store;
+};
+
+/// A text as it stands in a UTF-16LE file.
+QByteArray utf16(const QString &text);
+bool writeFile(const QString &path, const QByteArray &content);
+
+} // namespace tidebrook

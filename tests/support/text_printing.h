@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <ostream>
+
+QT_BEGIN_NAMESPACE
+
+// Lets a failing test show a text instead of its bytes.
+inline void PrintTo(const QString &text, std::ostream *out) {
+    *out << '"' << text.toUtf8().constData() << '"';
+}
+
+inline void PrintTo(const QByteArray &bytes, std::ostream *out) {
+    *out << '"' << bytes.constData() << '"';
+}
+
+QT_END_NAMESPACE
