@@ -48,9 +48,8 @@ QList<ListedChannel> Device::channels(const QString &category) {
 
 std::optional<ListedChannel> Device::findChannel(const QString &name) {
     const QList<ListedChannel> all = channels();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const ListedChannel &channel) {
-        return channel.name == name;
-    });
+    const auto found = std::find_if(
+        all.begin(), all.end(), [&](const ListedChannel &channel) { return channel.name == name; });
     return found == all.end() ? std::nullopt : std::optional(*found);
 }
 

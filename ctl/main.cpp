@@ -1,8 +1,8 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 
-#include <array>
 #include <algorithm>
+#include <array>
 
 namespace tidebrook {
 
@@ -31,14 +31,13 @@ constexpr std::array commands{
             u"add a category"},
     Command{u"rename-category", 2, 2, u"", Needs::Store, runRenameCategory,
             u"rename-category OLD NEW", u"rename a category; its channels go with it"},
-    Command{u"delete-category", 1, 1, u"", Needs::Store, runDeleteCategory,
-            u"delete-category NAME", u"delete a category, its channels and their articles"},
+    Command{u"delete-category", 1, 1, u"", Needs::Store, runDeleteCategory, u"delete-category NAME",
+            u"delete a category, its channels and their articles"},
     Command{u"channels", 0, 1, u"", Needs::Store, runChannels, u"channels [CATEGORY]",
             u"list channels: unread/total, name, address, category"},
     Command{u"add", 3, 3, u"", Needs::Store, runAdd, u"add CATEGORY NAME URL",
             u"subscribe to a feed; prints the name that was stored"},
-    Command{u"rename", 2, 2, u"", Needs::Store, runRename, u"rename OLD NEW",
-            u"rename a channel"},
+    Command{u"rename", 2, 2, u"", Needs::Store, runRename, u"rename OLD NEW", u"rename a channel"},
     Command{u"move", 2, 2, u"", Needs::Store, runMove, u"move NAME CATEGORY",
             u"move a channel to another category"},
     Command{u"relink", 2, 2, u"", Needs::Store, runRelink, u"relink NAME URL",
@@ -56,7 +55,8 @@ constexpr std::array commands{
             u"update [CATEGORY [CHANNEL]] [--jobs N] [--pauses]",
             u"refresh channels, N at a time (8); or one by one, as for the screens"},
     Command{u"setting", 1, 2, u"today", Needs::Registry, runSetting,
-            u"setting NAME [VALUE] [--today]", u"read or write a setting (--today: the Today item's)"},
+            u"setting NAME [VALUE] [--today]",
+            u"read or write a setting (--today: the Today item's)"},
     Command{u"check", 0, 0, u"", Needs::Registry, runCheck, u"check",
             u"examine what is stored; a line for each fault"},
 };
@@ -65,7 +65,8 @@ void printHelp() {
     printText(QStringLiteral("Usage: tidebrookctl [--home DIR] COMMAND [...]\n\n"
                              "Works on the feeds, articles and settings of a Tidebrook device.\n"));
     for (const Command &command : commands)
-        printText(QStringLiteral("  %1\n      %2").arg(QStringView(command.usage), QStringView(command.help)));
+        printText(QStringLiteral("  %1\n      %2")
+                      .arg(QStringView(command.usage), QStringView(command.help)));
     printText(QStringLiteral(
         "\nOptions:\n"
         "  --home DIR   the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook\n"
@@ -114,9 +115,10 @@ int run(const QStringList &commandLine) {
             return candidate.name == arguments->command;
         });
     if (command == commands.end())
-        return failUsage(arguments->command.isEmpty()
-                             ? QStringLiteral("no command")
-                             : QStringLiteral("there is no command \"%1\"").arg(arguments->command));
+        return failUsage(
+            arguments->command.isEmpty()
+                ? QStringLiteral("no command")
+                : QStringLiteral("there is no command \"%1\"").arg(arguments->command));
     const qsizetype operands = arguments->operands.size();
     if (operands < command->leastOperands || operands > command->mostOperands ||
         !hasOnlyItsOptions(*command, *arguments))

@@ -71,9 +71,9 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     const qsizetype length = qMin(item.description.size(), storedDescriptionLength);
     const QString description = escapeFeedText(item.description, descriptionCapacity);
     const auto stamp = static_cast<quint32>(item.timestamp);
-    statement_ = u"INSERT INTO RSSRecord VALUES ('" % channelName_ % u"', '" % item.guid %
-                 u"', '" % escapeFeedText(item.title, titleCapacity) % u"', '" % item.link %
-                 u"' ,'" % cutDescription(description, length) % u"' ,'" % date % u"',0, " %
+    statement_ = u"INSERT INTO RSSRecord VALUES ('" % channelName_ % u"', '" % item.guid % u"', '" %
+                 escapeFeedText(item.title, titleCapacity) % u"', '" % item.link % u"' ,'" %
+                 cutDescription(description, length) % u"' ,'" % date % u"',0, " %
                  QString::number(stamp) % u" ,'" % category_ % u"')";
     const bool isIngested = execute();
     storedCount_ += lastStatus_ == ExecuteStatus::Done ? 1 : 0;

@@ -115,8 +115,7 @@ bool FeedFetcher::downloadToTempFile(const QString &url, QTemporaryFile &file) {
                        QFile::encodeName(device_.filePath(tempFile)).constData()) == 0;
 }
 
-bool FeedFetcher::parse(SqlCommand &command, const QString &channelName,
-                        const QString &category) {
+bool FeedFetcher::parse(SqlCommand &command, const QString &channelName, const QString &category) {
     if (!document_) // the request ended quietly
         return true;
     RssParser parser(command, channelName, category);

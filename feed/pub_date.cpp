@@ -69,8 +69,8 @@ qint64 ingestionClock(quint16 daysBack) {
     const QDate date = now.date();
     const QTime time = now.time();
     // In 32 bits, as every stamp that is stored already was made.
-    const auto days = static_cast<quint32>((date.year() - 2000) * 365 + date.month() * 30 +
-                                           date.day());
+    const auto days =
+        static_cast<quint32>((date.year() - 2000) * 365 + date.month() * 30 + date.day());
     const auto seconds =
         static_cast<quint32>((time.hour() * 60 + time.minute()) * 60 + time.second());
     const auto stamp = static_cast<qint32>(days * secondsPerDay + seconds);

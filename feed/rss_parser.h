@@ -17,8 +17,8 @@ class RssParser {
 public:
     enum class Result {
         Done,
-        Unreadable,   ///< the channel or one of its parts has no children to walk
-        NotIngested,  ///< pruning failed, or an item could not be stored
+        Unreadable,  ///< the channel or one of its parts has no children to walk
+        NotIngested, ///< pruning failed, or an item could not be stored
     };
 
     /// `category` is what the articles are stored under; without one it is empty, and items keep

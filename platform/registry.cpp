@@ -40,8 +40,8 @@ std::optional<RegistryValue> Registry::read(QStringView key, QStringView name) {
         return std::nullopt;
     const QByteArray path = key.toUtf8();
     const QByteArray valueName = name.toUtf8();
-    SqliteStatement query = database_->prepare(
-        "SELECT type, data FROM registry_values WHERE path = ? AND name = ?");
+    SqliteStatement query =
+        database_->prepare("SELECT type, data FROM registry_values WHERE path = ? AND name = ?");
     if (!query)
         return std::nullopt;
     query.bind(1, path);
@@ -82,8 +82,8 @@ bool Registry::remove(QStringView key, QStringView name) {
         return false;
     const QByteArray path = key.toUtf8();
     const QByteArray valueName = name.toUtf8();
-    SqliteStatement statement = database_->prepare(
-        "DELETE FROM registry_values WHERE path = ? AND name = ? RETURNING id");
+    SqliteStatement statement =
+        database_->prepare("DELETE FROM registry_values WHERE path = ? AND name = ? RETURNING id");
     if (!statement)
         return false;
     statement.bind(1, path);

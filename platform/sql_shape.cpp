@@ -96,8 +96,11 @@ private:
         bool isWhole = false;
         const qint64 number = word.toLongLong(&isWhole);
         const qsizetype behind = position_ + word.size();
-        const bool isFraction = behind < text_.size() && text_[behind] == u'.';
-        if (!takesLiterals_ || !isWhole || isFraction) {
+        if (behind < text_.size() && text_[behind] == u'.') {
+            copy(word.size() + 1 + wordAt(behind + 1).size());
+            return;
+        }
+        if (!takesLiterals_ || !isWhole) {
             copy(word.size());
             return;
         }

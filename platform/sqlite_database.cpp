@@ -104,14 +104,19 @@ bool SqliteDatabase::configure(const Options &options) {
     // A file of somebody else's making must not bring code along in its schema.
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    // SQLite opens a file lazily; reading the schema is what tells a damaged one.
-    const bool isDatabase = run("SELECT count(*) FROM sqlite_master") == SqliteStep::Row;
-    // A read-only file keeps the journal mode that it has, and can still be read.
-    if (isDatabase)
-        run("PRAGMA journal_mode = WAL");
-    return isDatabase &&
-           run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
+    if (!options.create && !hasSchema())
+        return false;
+    // A file that may only be read keeps the journal mode that it has.
+    run("PRAGMA journal_mode = WAL");
+    return run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
                                        : "PRAGMA synchronous = NORMAL") == SqliteStep::Done;
+}
+
+// SQLite opens a file lazily: reading the schema is what tells a damaged one, or an empty one,
+// before anything writes to it.
+bool SqliteDatabase::hasSchema() {
+    SqliteStatement query = prepare("SELECT count(*) FROM sqlite_master");
+    return query && query.step() == SqliteStep::Row && query.integer(0) > 0;
 }
 
 SqliteStatement SqliteDatabase::prepare(const QByteArray &utf8) {

@@ -62,7 +62,8 @@ public:
         int busyTimeout = 5000;
     };
 
-    /// Null when the file cannot be opened or is no database; `error` then says why.
+    /// Null when the file cannot be opened, is no database or (unless it may be made) an empty
+    /// one; `error` then says why.
     static std::unique_ptr<SqliteDatabase> open(const QString &path, const Options &options,
                                                 QString *error = nullptr);
     ~SqliteDatabase();
@@ -84,6 +85,7 @@ private:
     friend class SqliteStatement;
     explicit SqliteDatabase(sqlite3 *handle) : handle_(handle) {}
     bool configure(const Options &options);
+    bool hasSchema();
     void giveBack(const QByteArray &text, sqlite3_stmt *statement);
 
     sqlite3 *handle_;

@@ -52,9 +52,8 @@ public:
             static_cast<XmlBuilder *>(self)->addText(text, size);
         });
         // A comment, an instruction or the edge of a CDATA section ends a run of text.
-        XML_SetCommentHandler(parser, [](void *self, const char *) {
-            static_cast<XmlBuilder *>(self)->endText();
-        });
+        XML_SetCommentHandler(
+            parser, [](void *self, const char *) { static_cast<XmlBuilder *>(self)->endText(); });
         XML_SetProcessingInstructionHandler(parser, [](void *self, const char *, const char *) {
             static_cast<XmlBuilder *>(self)->endText();
         });
@@ -172,9 +171,7 @@ std::string_view XmlNode::name() const {
     return {name.constData(), static_cast<std::size_t>(name.size())};
 }
 
-int XmlNode::childCount() const {
-    return static_cast<int>(document_->nodes_[index_].childCount);
-}
+int XmlNode::childCount() const { return static_cast<int>(document_->nodes_[index_].childCount); }
 
 XmlNode XmlNode::firstChild() const {
     const std::uint32_t child = document_->nodes_[index_].firstChild;

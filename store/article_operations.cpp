@@ -61,9 +61,8 @@ bool FeedStore::markChannel(const QString &channel, int readFlag) {
     const QString name = escapedChannelName(channel);
     return recordFailure(
         transaction.isOpen() &&
-        runStatement(
-            QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = %1 WHERE CHANNEL_NAME='%2'")
-                .arg(QString::number(readFlag), name)) &&
+        runStatement(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = %1 WHERE CHANNEL_NAME='%2'")
+                         .arg(QString::number(readFlag), name)) &&
         RecountChannel(name) && transaction.commit());
 }
 

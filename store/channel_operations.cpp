@@ -120,8 +120,8 @@ bool FeedStore::DeleteChannel(const QString &name) {
 }
 
 bool FeedStore::deleteChannelRows(const QString &escapedName) {
-    return runStatement(
-               QStringLiteral("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%1'").arg(escapedName)) &&
+    return runStatement(QStringLiteral("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%1'")
+                            .arg(escapedName)) &&
            runStatement(
                QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(escapedName));
 }

@@ -55,9 +55,7 @@ QString escapedChannelName(const QString &name) {
     return escapedWithinCapacity(name, TextKind::ChannelName);
 }
 
-QString escapedTitle(const QString &title) {
-    return escapedWithinCapacity(title, TextKind::Title);
-}
+QString escapedTitle(const QString &title) { return escapedWithinCapacity(title, TextKind::Title); }
 
 QString escapeFeedText(QStringView source, qsizetype capacity) {
     QString out;

@@ -25,9 +25,9 @@ QString escapedCategory(const QString &category);
 QString escapedChannelName(const QString &name);
 QString escapedTitle(const QString &title);
 
-/// EscapeSql's rule, but cut by what comes out instead of what goes in: ends with the text, or as soon as
-/// `capacity` characters or more are out. A doubled quote is never halved, so the result may be
-/// one longer. This is the rule for what a feed brings.
+/// EscapeSql's rule, but cut by what comes out instead of what goes in: ends with the text, or as
+/// soon as `capacity` characters or more are out. A doubled quote is never halved, so the result
+/// may be one longer. This is the rule for what a feed brings.
 QString escapeFeedText(QStringView source, qsizetype capacity);
 
 } // namespace tidebrook

@@ -61,9 +61,7 @@ void FeedStore::recordError(quint32 code) {
     error_ = code;
 }
 
-std::unique_lock<std::recursive_mutex> FeedStore::lock() const {
-    return std::unique_lock(mutex_);
-}
+std::unique_lock<std::recursive_mutex> FeedStore::lock() const { return std::unique_lock(mutex_); }
 
 bool FeedStore::Open() {
     const auto guard = lock();

@@ -39,8 +39,7 @@ bool FeedStore::runStatement(const QString &statement) {
     return ExecuteNonQuery(command);
 }
 
-bool FeedStore::query(const QString &statement,
-                      const std::function<bool(SqlCommand &)> &executor) {
+bool FeedStore::query(const QString &statement, const std::function<bool(SqlCommand &)> &executor) {
     if (!session_)
         return recordFailure(false);
     statement_ = statement;

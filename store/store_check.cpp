@@ -46,18 +46,18 @@ private:
     }
 
     void checkCounts() {
-        forEachRow("SELECT c.CHANNEL_NAME, c.NUM_OF_UNREAD, c.TOTAL_ITEMS, "
-                   "count(a.CHANNEL_NAME), coalesce(sum(a.READ_UNREAD = 0), 0) "
-                   "FROM RSSCHRecord c LEFT JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
-                   "GROUP BY c.CHANNEL_NAME",
-                   [this](SqliteStatement &row) {
-                       if (row.integer(1) == row.integer(4) && row.integer(2) == row.integer(3))
-                           return;
-                       faults_.append(
-                           QStringLiteral("channel \"%1\": counts %2/%3, but has %4/%5 articles")
-                               .arg(row.text(0), row.text(1), row.text(2), row.text(4),
-                                    row.text(3)));
-                   });
+        forEachRow(
+            "SELECT c.CHANNEL_NAME, c.NUM_OF_UNREAD, c.TOTAL_ITEMS, "
+            "count(a.CHANNEL_NAME), coalesce(sum(a.READ_UNREAD = 0), 0) "
+            "FROM RSSCHRecord c LEFT JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+            "GROUP BY c.CHANNEL_NAME",
+            [this](SqliteStatement &row) {
+                if (row.integer(1) == row.integer(4) && row.integer(2) == row.integer(3))
+                    return;
+                faults_.append(
+                    QStringLiteral("channel \"%1\": counts %2/%3, but has %4/%5 articles")
+                        .arg(row.text(0), row.text(1), row.text(2), row.text(4), row.text(3)));
+            });
     }
 
     void checkOwners() {
@@ -87,7 +87,8 @@ private:
 QStringList listedCategories(Registry &registry, QStringList &faults) {
     SettingsStore settings(registry);
     QStringList names;
-    for (const Registry::NamedValue &value : registry.values(u"Software\\Tamrel\\Feedlark\\Categories"))
+    for (const Registry::NamedValue &value :
+         registry.values(u"Software\\Tamrel\\Feedlark\\Categories"))
         names.append(trimTrailingBlanks(value.name).toString());
     const quint32 count = settings.dword(programKey, u"CategoryNumber");
     if (count != static_cast<quint32>(names.size()))

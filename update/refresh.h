@@ -38,9 +38,9 @@ struct RefreshTarget {
 /// change of the database, which syncs once. Waits for the network; thread-safe.
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job);
 
-/// Refreshes channels, up to `parallel` (1 or more) at a time on threads of its own, which have ended when it
-/// returns. `observer` is told of each channel as it ends (its index, and its result), on the
-/// calling thread.
+/// Refreshes channels, up to `parallel` (1 or more) at a time on threads of its own, which have
+/// ended when it returns. `observer` is told of each channel as it ends (its index, and its
+/// result), on the calling thread.
 QList<RefreshResult>
 refreshChannels(const RefreshTarget &target, const QList<RefreshJob> &jobs, int parallel,
                 const std::function<void(qsizetype, const RefreshResult &)> &observer);

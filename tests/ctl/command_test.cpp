@@ -13,7 +13,8 @@ using namespace Qt::StringLiterals;
 const QByteArray feed =
     "<rss><channel><title>Feed</title>"
     "<item><title>Don't panic</title><link>http://example.org/1</link>"
-    "<pubDate>Sat, 07 Nov 2026 10:00:00 GMT</pubDate><description>&lt;p&gt;Text</description></item>"
+    "<pubDate>Sat, 07 Nov 2026 10:00:00 "
+    "GMT</pubDate><description>&lt;p&gt;Text</description></item>"
     "<item><title>Tab\there\xC2\x9B\x31m</title><link>http://example.org/2</link>"
     "<pubDate>Fri, 06 Nov 2026 10:00:00 GMT</pubDate></item></channel></rss>";
 

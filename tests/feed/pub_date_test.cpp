@@ -22,18 +22,19 @@ TEST_P(PubDate, SortsByTime) {
               QString::fromUtf8(GetParam().normal));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Feeds, PubDate,
-    testing::Values(DateCase{"Fri, 07 Mar 2008 10:15:00 GMT", "2008-03-07"},
-                    DateCase{"Fri, 7 Mar 2008 10:15:00 GMT", "2008-03-07"},
-                    DateCase{"Fri,  07  Mar  2008 10:15:00 GMT", "2008-03-07"},
-                    DateCase{"07 Mar 2008", "2008-03-07"}, DateCase{"7 Mar 08", "08-03-08"},
-                    DateCase{"Fri Mar 07 10:15:00 GMT 2008", "2008-03-07"},
-                    DateCase{"2008-03-07T10:15:00Z", "2026-11-05"},
-                    DateCase{"Fri, 07 MAR 2008", "2008-11-07"},
-                    DateCase{"Fri, 07 March 2008", "2008-11-07"}, DateCase{"", "2026-11-05"},
-                    DateCase{"DEFAULT", ""}, DateCase{"DEFAULT date", ""},
-                    DateCase{"nonsense", "2026-11-05"}));
+INSTANTIATE_TEST_SUITE_P(Feeds, PubDate,
+                         testing::Values(DateCase{"Fri, 07 Mar 2008 10:15:00 GMT", "2008-03-07"},
+                                         DateCase{"Fri, 7 Mar 2008 10:15:00 GMT", "2008-03-07"},
+                                         DateCase{"Fri,  07  Mar  2008 10:15:00 GMT", "2008-03-07"},
+                                         DateCase{"07 Mar 2008", "2008-03-07"},
+                                         DateCase{"7 Mar 08", "08-03-08"},
+                                         DateCase{"Fri Mar 07 10:15:00 GMT 2008", "2008-03-07"},
+                                         DateCase{"2008-03-07T10:15:00Z", "2026-11-05"},
+                                         DateCase{"Fri, 07 MAR 2008", "2008-11-07"},
+                                         DateCase{"Fri, 07 March 2008", "2008-11-07"},
+                                         DateCase{"", "2026-11-05"}, DateCase{"DEFAULT", ""},
+                                         DateCase{"DEFAULT date", ""},
+                                         DateCase{"nonsense", "2026-11-05"}));
 
 TEST(IngestionClock, CountsMonthsOf30DaysAndTakesTwoDaysBackForNone) {
     const FixedClock clock(QDateTime({2026, 3, 1}, {1, 2, 3}, Qt::UTC));

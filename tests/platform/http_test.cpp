@@ -86,10 +86,9 @@ TEST_F(HttpTest, ADirectDownloadThatIsCutOffOrDoesNotFitFails) {
     server_.resetHalfWay(u"/reset"_s, QByteArray(5000, 'x'));
     server_.endless(u"/endless"_s);
     server_.serve(u"/feed"_s, "body");
-    for (const QString &url :
-         {u"http://localhost/reset"_s, u"http://localhost/endless"_s,
-          QString(u"http://" + QString(100, u'h') + u"/feed"),
-          QString(u"http://localhost/" + QString(510, u'p'))}) {
+    for (const QString &url : {u"http://localhost/reset"_s, u"http://localhost/endless"_s,
+                               QString(u"http://" + QString(100, u'h') + u"/feed"),
+                               QString(u"http://localhost/" + QString(510, u'p'))}) {
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
         EXPECT_FALSE(httpDownloadDirect(url, buffer, hastyLimits)) << url.toUtf8().constData();

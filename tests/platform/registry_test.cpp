@@ -15,7 +15,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-
 constexpr QStringView key = u"Software\\Test";
 
 class RegistryTest : public testing::Test {

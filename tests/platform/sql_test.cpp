@@ -12,8 +12,8 @@ namespace {
 class SqlTest : public testing::Test {
 protected:
     void SetUp() override {
-        session_ = SqliteDatabase::open(folder_.filePath(QStringLiteral("test.db")),
-                                        {.create = true});
+        session_ =
+            SqliteDatabase::open(folder_.filePath(QStringLiteral("test.db")), {.create = true});
         ASSERT_TRUE(session_);
         ASSERT_EQ(run(u"CREATE TABLE T (NAME NCHAR(51)  PRIMARY KEY, LINK NVARCHAR(513), "
                       u"N SMALLINT, FLAG BIT, STAMP BIGINT)"),

@@ -1,7 +1,7 @@
 #include "feed_server/feed_server.h"
 #include "feed_server/generated_feed.h"
-#include "store/store_check.h"
 #include "store/category_list.h"
+#include "store/store_check.h"
 #include "support/test_device.h"
 #include "update/refresh.h"
 
