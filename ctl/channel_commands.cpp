@@ -38,8 +38,7 @@ int runChannels(Device &device, const Arguments &arguments) {
     for (const ListedChannel &channel : device.channels(category)) {
         QString link;
         device.store.GetChannelLink(channel.category, channel.name, link);
-        printFields({QStringLiteral("%1/%2").arg(channel.unread).arg(channel.total), channel.name,
-                     link, channel.category});
+        printFields({counts(channel.unread, channel.total), channel.name, link, channel.category});
     }
     return ExitDone;
 }

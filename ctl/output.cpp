@@ -17,8 +17,9 @@ void write(std::FILE *stream, const QString &text) {
 
 QString withoutControls(QString text, bool hasLines) {
     for (QChar &c : text) {
+        const bool isControl = c < u' ' || (c >= QChar(0x7F) && c <= QChar(0x9F));
         const bool isLayout = hasLines && (c == u'\n' || c == u'\t');
-        if (c.category() == QChar::Other_Control && !isLayout)
+        if (isControl && !isLayout)
             c = u' ';
     }
     return text;
@@ -36,6 +37,10 @@ void printFields(const QStringList &fields) {
 }
 
 void printText(const QString &text) { write(stdout, withoutControls(text, true) + u'\n'); }
+
+QString counts(int unread, int total) {
+    return QString::number(unread) + u'/' + QString::number(total);
+}
 
 bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 

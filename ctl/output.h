@@ -15,6 +15,9 @@ void printFields(const QStringList &fields);
 /// The same for a text of several lines, which may have line ends and tabs.
 void printText(const QString &text);
 
+/// Unread and total articles as they are shown everywhere.
+QString counts(int unread, int total);
+
 /// Writes what was printed so far. False when standard output did not take it.
 bool flushOutput();
 

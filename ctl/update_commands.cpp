@@ -40,8 +40,7 @@ void printResult(const RefreshJob &job, const RefreshResult &result) {
         return;
     }
     printFields({QStringLiteral("ok"), QString::number(result.storedCount),
-                 QStringLiteral("%1/%2").arg(result.counts.unread).arg(result.counts.total),
-                 job.channelName});
+                 counts(result.counts.unread, result.counts.total), job.channelName});
 }
 
 } // namespace

@@ -21,9 +21,9 @@ struct DateParts {
     QString day;
 };
 
-QString monthPart(qsizetype number) {
-    return QStringLiteral("-%1-").arg(number, 2, 10, QChar(u'0'));
-}
+QString twoDigits(qsizetype number) { return (number < 10 ? u"0" : u"") + QString::number(number); }
+
+QString monthPart(qsizetype number) { return u'-' + twoDigits(number) + u'-'; }
 
 void readToken(QStringView token, int position, DateParts &parts) {
     const qsizetype length = token.size();
@@ -59,7 +59,7 @@ QString normalisePubDate(QStringView text) {
         if (parts.month.isEmpty())
             parts.month = monthPart(today.month());
         if (parts.day.isEmpty())
-            parts.day = QStringLiteral("%1").arg(today.day(), 2, 10, QChar(u'0'));
+            parts.day = twoDigits(today.day());
     }
     return parts.year + parts.month + parts.day;
 }

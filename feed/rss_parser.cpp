@@ -50,9 +50,10 @@ void applyRules(const std::array<FieldRule<Record>, count> &rules, XmlNode node,
     for (const FieldRule<Record> &rule : rules) {
         if (rule.element != node.name())
             continue;
-        const QString text = node.text();
+        QString text = node.text();
+        text.truncate(cutText(text, rule.capacity).size());
         if (!text.isEmpty())
-            record.*rule.field = cutText(text, rule.capacity).toString();
+            record.*rule.field = std::move(text);
         return;
     }
 }
@@ -61,7 +62,12 @@ void applyRules(const std::array<FieldRule<Record>, count> &rules, XmlNode node,
 
 RssParser::RssParser(SqlCommand &command, const QString &channelName,
                      const std::optional<QString> &category)
-    : category_(category), ingestion_(command, channelName, category.value_or(QString())) {}
+    : category_(category), ingestion_(command, channelName, category.value_or(QString())) {
+    const QString missing = missingText.toString();
+    emptyItem_ = {missing, missing, missing, missing, missing, missing, 0};
+    if (category_)
+        emptyItem_.category = cutText(*category_, itemCategoryCapacity).toString();
+}
 
 RssParser::Result RssParser::parse(XmlNode root) {
     if (!ingestion_.pruneChannel())
@@ -92,10 +98,8 @@ void RssParser::readImage(XmlNode image) {
 }
 
 bool RssParser::readItem(XmlNode item) {
-    const QString missing = missingText.toString();
-    item_ = {missing, missing, missing, missing, missing, missing, ingestionClock(0)};
-    if (category_)
-        item_.category = cutText(*category_, itemCategoryCapacity).toString();
+    item_ = emptyItem_;
+    item_.timestamp = ingestionClock(0);
     for (XmlNode node = item.firstChild(); !node.isNull(); node = node.nextSibling()) {
         if (category_ || node.name() != "category")
             applyRules(itemRules, node, item_);

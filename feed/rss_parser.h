@@ -42,6 +42,7 @@ private:
 
     const std::optional<QString> category_;
     ArticleIngestion ingestion_;
+    ItemRecord emptyItem_; // what each item begins as
     ItemRecord item_;
     ChannelHeaderRecord header_;
 };

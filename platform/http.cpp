@@ -97,6 +97,13 @@ public:
         return QByteArray(type);
     }
 
+    /// The length of the body as the server tells it; 0 when it does not, or less than 0.
+    qint64 announcedSize() const {
+        curl_off_t size = 0;
+        curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &size);
+        return qint64{size};
+    }
+
     bool wasAnswered() const {
         long status = 0;
         curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
@@ -167,7 +174,9 @@ HttpAnswer httpGet(const QString &url, const HttpLimits &limits) {
         return answer;
     }
     Transfer transfer(
-        [&answer](const char *data, qint64 size) {
+        [&](const char *data, qint64 size) {
+            if (answer.body.isEmpty())
+                answer.body.reserve(qBound(0LL, transfer.announcedSize(), limits.bodyBytes));
             answer.body.append(data, size);
             return true;
         },

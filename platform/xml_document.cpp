@@ -4,6 +4,8 @@
 
 #include <expat.h>
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 #include <unordered_map>
 
@@ -13,7 +15,7 @@ namespace {
 
 constexpr std::size_t depthLimit = 1000;
 constexpr std::size_t nodeLimit = 2'000'000;
-constexpr qsizetype textLimit = 64 * 1024 * 1024;
+constexpr std::size_t textLimit = 64 * 1024 * 1024;
 constexpr std::uint32_t textName = 0; // "#text" is the first name of every document
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -60,13 +62,14 @@ public:
         XML_SetCdataSectionHandler(
             parser, [](void *self) { static_cast<XmlBuilder *>(self)->endText(); },
             [](void *self) { static_cast<XmlBuilder *>(self)->endText(); });
-        if (utf8.size() > textLimit)
+        if (static_cast<std::size_t>(utf8.size()) > textLimit)
             return std::nullopt;
-        document_.text_.reserve(utf8.size());
+        document_.text_ = QByteArray(utf8.size(), Qt::Uninitialized);
         const XML_Status status =
             XML_Parse(parser, utf8.data(), static_cast<int>(utf8.size()), XML_TRUE);
         if (status != XML_STATUS_OK)
             return std::nullopt;
+        document_.text_.truncate(textEnd_);
         return std::move(document_);
     }
 
@@ -75,8 +78,6 @@ private:
         std::uint32_t node;
         std::uint32_t lastChild = 0;
     };
-
-    std::uint32_t textSize() const { return static_cast<std::uint32_t>(document_.text_.size()); }
 
     // The parser may still tell of what it has begun to tell of; nothing of it is wanted.
     void stop() {
@@ -99,7 +100,7 @@ private:
         const auto index = static_cast<std::uint32_t>(document_.nodes_.size());
         XmlDocument::Node &node = document_.nodes_.emplace_back();
         node.name = name;
-        node.textBegin = textSize();
+        node.textBegin = textEnd_;
         if (!open_.empty()) {
             OpenElement &parent = open_.back();
             XmlDocument::Node &parentNode = document_.nodes_[parent.node];
@@ -132,30 +133,35 @@ private:
         endText();
         if (isStopped_)
             return;
-        document_.nodes_[open_.back().node].textEnd = textSize();
+        document_.nodes_[open_.back().node].textEnd = textEnd_;
         open_.pop_back();
     }
 
     void addText(const char *text, int size) {
-        if (document_.text_.size() + size > textLimit) {
+        // There is room for the text of every document but one that lets entities grow.
+        if (size > document_.text_.size() - qsizetype{textEnd_})
+            document_.text_.resize(2 * document_.text_.size() + size);
+        std::memcpy(textData() + textEnd_, text, static_cast<std::size_t>(size));
+        textEnd_ += static_cast<std::uint32_t>(size);
+        if (textEnd_ > textLimit)
             stop();
-            return;
-        }
-        document_.text_.append(text, size);
     }
+
+    // Nobody shares the text while it is being built, so this never copies it.
+    char *textData() { return document_.text_.data(); }
 
     void endText() {
         if (isStopped_)
             return;
-        const QByteArrayView run = QByteArrayView(document_.text_).sliced(textBegin_);
-        if (trimmedSpace(run).isEmpty()) {
-            document_.text_.truncate(textBegin_);
+        const char *text = textData();
+        if (std::all_of(text + textBegin_, text + textEnd_, isSpace)) {
+            textEnd_ = textBegin_;
             return;
         }
         const std::uint32_t index = addNode(textName);
         document_.nodes_[index].textBegin = textBegin_;
-        document_.nodes_[index].textEnd = textSize();
-        textBegin_ = textSize();
+        document_.nodes_[index].textEnd = textEnd_;
+        textBegin_ = textEnd_;
     }
 
     std::unique_ptr<XML_ParserStruct, ParserFree> parser_;
@@ -164,6 +170,7 @@ private:
     std::vector<OpenElement> open_;
     bool isStopped_ = false;
     std::uint32_t textBegin_ = 0; // where the run of text being read began
+    std::uint32_t textEnd_ = 0;   // how much of the text is filled
 };
 
 std::string_view XmlNode::name() const {

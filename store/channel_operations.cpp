@@ -126,7 +126,7 @@ bool FeedStore::deleteChannelRows(const QString &escapedName) {
                QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(escapedName));
 }
 
-bool FeedStore::RecountChannel(const QString &escapedName) {
+bool FeedStore::RecountChannel(const QString &escapedName, ReadFlagCounts *counts) {
     const auto guard = lock();
     if (!session_)
         return recordFailure(false);
@@ -142,12 +142,15 @@ bool FeedStore::RecountChannel(const QString &escapedName) {
         query(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1'")
                   .arg(escapedName),
               [&](SqlCommand &command) { return CountRows(command, total); });
-    return recordFailure(
+    const bool isDone =
         isCounted &&
         runStatement(QStringLiteral("UPDATE RSSCHRecord SET NUM_OF_UNREAD='%1', TOTAL_ITEMS='%2' "
                                     "WHERE CHANNEL_NAME='%3'")
                          .arg(QString::number(unread), QString::number(total), escapedName)) &&
-        transaction.commit());
+        transaction.commit();
+    if (isDone && counts)
+        *counts = {unread, total};
+    return recordFailure(isDone);
 }
 
 bool FeedStore::PublishTotalUnread() {

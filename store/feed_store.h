@@ -101,8 +101,8 @@ public:
     bool RenameChannel(const QString &old, const QString &to);
     bool MoveChannel(const QString &name, const QString &category);
     bool DeleteChannel(const QString &name);
-    /// Counts a channel's articles anew.
-    bool RecountChannel(const QString &escapedName);
+    /// Counts a channel's articles anew, and tells what it counted.
+    bool RecountChannel(const QString &escapedName, ReadFlagCounts *counts = nullptr);
     /// Tells the Today item the sum of all unread counts.
     bool PublishTotalUnread();
 

@@ -15,10 +15,6 @@ namespace {
 
 constexpr quint32 databaseError = 1001;
 
-bool count(FeedStore &store, const RefreshJob &job) {
-    return store.RecountChannel(escapeFeedText(job.channelName, channelNameCapacity));
-}
-
 // The workers take the next job from a common counter and put its index here when it is done.
 class DoneQueue {
 public:
@@ -47,20 +43,19 @@ private:
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job) {
     FeedFetcher fetcher(target.device, target.registry, target.store, target.limits);
     const bool isFetched = fetcher.fetch(job.url, job.channelName);
+    ReadFlagCounts counts;
     bool isCounted = false;
     const bool isStored = target.store.changeAtOnce([&](SqlCommand &command) {
         if (isFetched)
             fetcher.parse(command, job.channelName, job.category);
-        isCounted = count(target.store, job);
+        isCounted = target.store.RecountChannel(
+            escapeFeedText(job.channelName, channelNameCapacity), &counts);
         return isCounted;
     });
-    RefreshResult result{fetcher.error(), fetcher.storedCount(), {}};
-    if (!isStored || !isCounted) {
-        result = {databaseError, 0, {}};
-        SetLastErrorCode(target.registry, databaseError);
-    }
-    target.store.CountReadFlags(job.category, job.channelName, result.counts);
-    return result;
+    if (isStored && isCounted)
+        return {fetcher.error(), fetcher.storedCount(), counts};
+    SetLastErrorCode(target.registry, databaseError);
+    return {databaseError, 0, {}};
 }
 
 QList<RefreshResult>

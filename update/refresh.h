@@ -21,9 +21,9 @@ struct RefreshJob {
 
 /// How a channel's refresh ended.
 struct RefreshResult {
-    quint32 error = 0;   ///< 0, or the code of the failure
-    int storedCount = 0; ///< articles that are new
-    ReadFlagCounts counts;
+    quint32 error = 0;     ///< 0, or the code of the failure
+    int storedCount = 0;   ///< articles that are new
+    ReadFlagCounts counts; ///< 0/0 when the database failed
 };
 
 /// The parts that a refresh works on. They outlive it.

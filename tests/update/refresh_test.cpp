@@ -77,7 +77,7 @@ TEST_F(RefreshTest, ADatabaseThatIsLockedFailsTheRefreshAndLosesNothing) {
     observed_.clear();
     const QList<RefreshResult> results = refresh(1);
     EXPECT_EQ(results[0].error, 1001u);
-    EXPECT_EQ(results[0].counts.total, 5);
+    EXPECT_EQ(device_.counts(u"C"_s, u"feed 0"_s), u"5/5");
     EXPECT_EQ(device_.lastErrorCode(), 1001u);
 }
 
