@@ -39,7 +39,7 @@ int runInit(const DeviceRoot &root) {
     quint32 categoryCount = 0;
     SettingsStore(device.registry).RegReadDword(programKey, u"CategoryNumber", categoryCount);
     if (categoryCount == 0)
-        seedCategories(root, device.categoryStore);
+        seedCategories(root, device.registry);
     if (!device.open())
         return ExitFailed;
     printLine(QStringLiteral("%1 categories, %2 channels")

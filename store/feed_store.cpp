@@ -1,10 +1,10 @@
 #include "store/feed_store.h"
 
+#include "platform/file_lock.h"
 #include "store/seeding.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QTemporaryDir>
 
 namespace tidebrook {
@@ -13,7 +13,6 @@ namespace {
 
 constexpr QStringView databaseName = u"RSSVault.sdf";
 constexpr QStringView creationLock = u"\\run\\create.lock";
-constexpr int creationWait = 10'000; // ms
 
 constexpr quint32 databaseError = 1001;
 constexpr quint32 seedFileError = 1006;
@@ -82,8 +81,10 @@ bool FeedStore::CreateDatabase() {
     const auto guard = lock();
     ReleaseSession();
     const QString path = device_.filePath(databaseName);
-    QLockFile creation(device_.filePath(creationLock));
-    if (!device_.makeFolders() || !creation.tryLock(creationWait))
+    if (!device_.makeFolders())
+        return recordFailure(false);
+    const FileLock creation(device_.filePath(creationLock));
+    if (!creation.isHeld())
         return recordFailure(false);
     if (QFileInfo::exists(path)) // another process was first
         return true;

@@ -44,10 +44,12 @@ std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
     return channels;
 }
 
-bool seedCategories(const DeviceRoot &device, CategoryListStore &categories) {
+bool seedCategories(const DeviceRoot &device, Registry &registry) {
     const std::optional<QString> text = readSeedFile(device);
     if (!text)
         return false;
+    CategoryListStore categories(registry);
+    Registry::Batch batch(registry);
     // Fields are taken in threes with no heed to lines, and empty ones vanish.
     QString delimited = *text;
     delimited.replace(u'\t', u'\n').replace(u'\r', u'\n');
@@ -56,6 +58,8 @@ bool seedCategories(const DeviceRoot &device, CategoryListStore &categories) {
         categories.AddCategory(
             trimTrailingBlanks(cutText(tokens[category], categoryCapacity)).toString());
     }
+    if (batch.commit())
+        registry.flush();
     return true;
 }
 

@@ -22,8 +22,8 @@ struct SeedChannel {
 /// fields that a line does not have are empty. Nothing when the file cannot be read.
 std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device);
 
-/// Adds every category that the seed file names to the list. False only when the file cannot be
-/// read.
-bool seedCategories(const DeviceRoot &device, CategoryListStore &categories);
+/// Adds every category that the seed file names to the list, as one change of the registry: a
+/// start that is cut short leaves them all to the next. False only when the file cannot be read.
+bool seedCategories(const DeviceRoot &device, Registry &registry);
 
 } // namespace tidebrook

@@ -89,10 +89,10 @@ TEST_F(CategoryTest, AMissingSettingIsMadeAsZeroAndAMistypedOneStays) {
 TEST_F(CategoryTest, SeedingTakesEveryThirdFieldWithNoHeedToLines) {
     const QString path = device_.root.filePath(u"\\windows\\RSSChannels.txt");
     writeFile(path, utf16(u"\uFEFFa\tu\tOne \r\nb\tu\tTwo\nc\tu\tOne\r\nd\t\tu\tThree"_s));
-    EXPECT_TRUE(seedCategories(device_.root, categories_));
+    EXPECT_TRUE(seedCategories(device_.root, *device_.registry));
     EXPECT_EQ(names(), (QStringList{u"One"_s, u"Two"_s, u"Three"_s}));
     QFile::remove(path);
-    EXPECT_FALSE(seedCategories(device_.root, categories_));
+    EXPECT_FALSE(seedCategories(device_.root, *device_.registry));
 }
 
 TEST(Provisioning, LeavesADeviceAsAnInstallerDoes) {
