@@ -54,16 +54,27 @@ int runCategories(Device &device, const Arguments &) {
     return ExitDone;
 }
 
-int runAddCategory(Device &device, const Arguments &arguments) {
-    const QString name = categoryName(arguments.operands[0]);
-    if (name.isEmpty())
-        return fail(QStringLiteral("a category needs a name"));
+QString ensureCategory(Device &device, const QString &name) {
     if (device.categories().contains(name))
-        return fail(resourceString(nameExistsString));
+        return name;
+    const QString stored = categoryName(name);
+    if (stored.isEmpty()) {
+        fail(QStringLiteral("a category needs a name"));
+        return {};
+    }
     // On a device without a count the first call makes the count.
-    if (!device.categoryStore.AddCategory(name) && !device.categoryStore.AddCategory(name))
-        return fail(QStringLiteral("the category could not be stored"));
-    return ExitDone;
+    const bool isListed = device.categories().contains(stored) ||
+                          device.categoryStore.AddCategory(stored) ||
+                          device.categoryStore.AddCategory(stored);
+    if (!isListed)
+        fail(QStringLiteral("the category could not be stored"));
+    return isListed ? stored : QString();
+}
+
+int runAddCategory(Device &device, const Arguments &arguments) {
+    if (device.categories().contains(categoryName(arguments.operands[0])))
+        return fail(resourceString(nameExistsString));
+    return ensureCategory(device, arguments.operands[0]).isEmpty() ? ExitFailed : ExitDone;
 }
 
 int runRenameCategory(Device &device, const Arguments &arguments) {

@@ -9,6 +9,7 @@ namespace {
 
 constexpr int wrongUrlString = 27;
 constexpr int nameExistsString = 34;
+constexpr quint32 databaseError = 1001; // an insert that fails keeps no code of its own
 
 QString channelName(const QString &text) {
     return cutText(text.trimmed(), channelNameCapacity).toString().trimmed();
@@ -18,15 +19,6 @@ bool isStorableLink(const QString &link) {
     return link.size() <= linkCapacity && !link.contains(u'\'') &&
            std::none_of(link.begin(), link.end(),
                         [](QChar c) { return c.category() == QChar::Other_Control; });
-}
-
-// What the category list refuses, `add` refuses too; a category that is there serves.
-bool ensureCategory(Device &device, const QString &name) {
-    if (device.categories().contains(name))
-        return true;
-    Arguments arguments;
-    arguments.operands = QStringList{name};
-    return runAddCategory(device, arguments) == ExitDone;
 }
 
 } // namespace
@@ -44,20 +36,23 @@ int runChannels(Device &device, const Arguments &arguments) {
 }
 
 int runAdd(Device &device, const Arguments &arguments) {
-    const QString category = cutText(arguments.operands[0].trimmed(), 39).toString();
+    const QString category = arguments.operands[0].trimmed();
     const QString name = channelName(arguments.operands[1]);
     const QString link = arguments.operands[2].trimmed();
     if (name.isEmpty())
         return fail(QStringLiteral("a channel needs a name"));
     if (!isStorableLink(link))
         return fail(resourceString(wrongUrlString));
-    if (!ensureCategory(device, category))
+    const QString listed = ensureCategory(device, category);
+    if (listed.isEmpty())
         return ExitFailed;
     QString storedName;
-    if (!device.store.InsertChannel({category, name, link}, &storedName))
-        return fail(resourceString(nameExistsString));
-    printLine(storedName);
-    return ExitDone;
+    if (device.store.InsertChannel({listed, name, link}, &storedName)) {
+        printLine(storedName);
+        return ExitDone;
+    }
+    return fail(device.findChannel(name) ? resourceString(nameExistsString)
+                                         : messageWithCode(databaseError));
 }
 
 int runRename(Device &device, const Arguments &arguments) {

@@ -25,6 +25,10 @@ int runUpdate(Device &device, const Arguments &arguments);
 int runSetting(Device &device, const Arguments &arguments);
 int runCheck(Device &device, const Arguments &arguments);
 
+/// The name of a category as the list has it, made if it is missing. Empty, with the failure told,
+/// when it cannot be made.
+QString ensureCategory(Device &device, const QString &name);
+
 /// Failures that several commands tell alike.
 int failUnknownCategory(const QString &name);
 int failUnknownChannel(const QString &name);

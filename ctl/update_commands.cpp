@@ -21,8 +21,8 @@ QList<RefreshResult> updateOneByOne(Device &device, const QList<RefreshJob> &job
     QList<RefreshResult> results;
     for (const RefreshJob &job : jobs) {
         RefreshResult result;
-        const bool isOpen = updateChannel(device.root, device.registry, device.store, job.url,
-                                          job.channelName, job.category, &result.storedCount);
+        const bool isOpen =
+            updateChannel({device.root, device.registry, device.store}, job, &result.storedCount);
         result.error = device.store.error();
         if (!isOpen && result.error == 0)
             result.error = 1001;

@@ -48,7 +48,7 @@ QByteArray partOf(const ParsedUrl &url, CURLUPart part) {
     char *value = nullptr;
     if (curl_url_get(url.get(), part, &value, 0) != CURLUE_OK)
         return {};
-    const QByteArray copy(value);
+    QByteArray copy(value);
     curl_free(value);
     return copy;
 }

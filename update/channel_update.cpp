@@ -22,19 +22,17 @@ bool recountAndReopen(FeedStore &store, const QString &channelName) {
 
 } // namespace
 
-bool updateChannel(const DeviceRoot &device, Registry &registry, FeedStore &store,
-                   const QString &url, const QString &channelName, const QString &category,
-                   int *storedCount, const HttpLimits &limits) {
-    if (url.isNull() || channelName.isNull() || category.isNull())
+bool updateChannel(const RefreshTarget &target, const RefreshJob &job, int *storedCount) {
+    if (job.url.isNull() || job.channelName.isNull() || job.category.isNull())
         return false;
-    store.clearError();
-    FeedFetcher fetcher(device, registry, store, limits);
+    target.store.clearError();
+    FeedFetcher fetcher(target.device, target.registry, target.store, target.limits);
     Pause(fetcherPause);
-    if (!fetcher.fetchAndParse(url, channelName, category))
-        store.recordError(fetcher.error());
+    if (!fetcher.fetchAndParse(job.url, job.channelName, job.category))
+        target.store.recordError(fetcher.error());
     if (storedCount)
         *storedCount = fetcher.storedCount();
-    const bool isOpen = recountAndReopen(store, channelName);
+    const bool isOpen = recountAndReopen(target.store, job.channelName);
     Pause(fetcherPause);
     return isOpen;
 }

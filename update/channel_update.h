@@ -1,11 +1,6 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/http.h"
-#include "platform/registry.h"
-#include "store/feed_store.h"
-
-#include <QString>
+#include "update/refresh_job.h"
 
 namespace tidebrook {
 
@@ -13,11 +8,10 @@ namespace tidebrook {
 /// second each), and with the database closed and opened again at the end. Takes up to 52
 /// seconds; call it on a thread that may wait.
 ///
-/// The result tells whether the database is open again and the channel counted. Whether the
-/// refresh itself succeeded is told by the store's error field, which is 0 then: it is cleared at
-/// the start. `storedCount` is given how many articles are new.
-bool updateChannel(const DeviceRoot &device, Registry &registry, FeedStore &store,
-                   const QString &url, const QString &channelName, const QString &category,
-                   int *storedCount = nullptr, const HttpLimits &limits = {});
+/// The result tells whether the database is open again and the channel counted; false at once
+/// when a text of the job is null. Whether the refresh itself succeeded is told by the store's
+/// error field, which is 0 then: it is cleared at the start. `storedCount` is given how many
+/// articles are new.
+bool updateChannel(const RefreshTarget &target, const RefreshJob &job, int *storedCount = nullptr);
 
 } // namespace tidebrook

@@ -1,37 +1,18 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/http.h"
-#include "platform/registry.h"
-#include "store/feed_store.h"
+#include "update/refresh_job.h"
 
 #include <QList>
-#include <QString>
 
 #include <functional>
 
 namespace tidebrook {
-
-/// A channel that is to be refreshed.
-struct RefreshJob {
-    QString url;
-    QString channelName;
-    QString category;
-};
 
 /// How a channel's refresh ended.
 struct RefreshResult {
     quint32 error = 0;     ///< 0, or the code of the failure
     int storedCount = 0;   ///< articles that are new
     ReadFlagCounts counts; ///< 0/0 when the database failed
-};
-
-/// The parts that a refresh works on. They outlive it.
-struct RefreshTarget {
-    const DeviceRoot &device;
-    Registry &registry;
-    FeedStore &store;
-    HttpLimits limits = {};
 };
 
 /// Refreshes one channel without pauses: fetches, and then stores, prunes and counts as one

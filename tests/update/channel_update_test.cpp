@@ -22,8 +22,8 @@ protected:
     }
 
     bool update(const QString &url, int *stored = nullptr) {
-        return updateChannel(device_.root, *device_.registry, *device_.store, url, u"It's"_s,
-                             u"C"_s, stored);
+        return updateChannel({device_.root, *device_.registry, *device_.store},
+                             {url, u"It's"_s, u"C"_s}, stored);
     }
 
     FeedServer server_;

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "platform/http.h"
+#include "platform/registry.h"
+#include "store/feed_store.h"
+
+#include <QString>
+
+namespace tidebrook {
+
+/// A channel that is to be refreshed.
+struct RefreshJob {
+    QString url;
+    QString channelName;
+    QString category;
+};
+
+/// The parts that a refresh works on. They outlive it.
+struct RefreshTarget {
+    const DeviceRoot &device;
+    Registry &registry;
+    FeedStore &store;
+    HttpLimits limits = {};
+};
+
+} // namespace tidebrook
