@@ -68,16 +68,23 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote) ||
         category_.contains(quote))
         return false;
+    formatInsert(item, date);
+    const bool isIngested = execute();
+    storedCount_ += lastStatus_ == ExecuteStatus::Done ? 1 : 0;
+    return isIngested;
+}
+
+void ArticleIngestion::formatInsert(const ItemRecord &item, const QString &date) {
+    // A title of dropped characters alone is none; stored empty, it would end the list it is in.
+    QString title = escapeFeedText(item.title, titleCapacity);
+    if (title.isEmpty())
+        title = missingText.toString();
     const qsizetype length = qMin(item.description.size(), storedDescriptionLength);
     const QString description = escapeFeedText(item.description, descriptionCapacity);
     const auto stamp = static_cast<quint32>(item.timestamp);
     statement_ = u"INSERT INTO RSSRecord VALUES ('" % channelName_ % u"', '" % item.guid % u"', '" %
-                 escapeFeedText(item.title, titleCapacity) % u"', '" % item.link % u"' ,'" %
-                 cutDescription(description, length) % u"' ,'" % date % u"',0, " %
-                 QString::number(stamp) % u" ,'" % category_ % u"')";
-    const bool isIngested = execute();
-    storedCount_ += lastStatus_ == ExecuteStatus::Done ? 1 : 0;
-    return isIngested;
+                 title % u"', '" % item.link % u"' ,'" % cutDescription(description, length) %
+                 u"' ,'" % date % u"',0, " % QString::number(stamp) % u" ,'" % category_ % u"')";
 }
 
 } // namespace tidebrook

@@ -29,6 +29,7 @@ public:
 
 private:
     bool execute();
+    void formatInsert(const ItemRecord &item, const QString &date);
 
     SqlCommand &command_;
     const QString channelName_; // escaped

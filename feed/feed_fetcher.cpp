@@ -55,10 +55,8 @@ bool FeedFetcher::fetchAndParse(const QString &url, const QString &channelName,
     if (!fetch(url, channelName))
         return false;
     bool isParsed = false;
-    const bool isStored = store_.changeAtOnce([&](SqlCommand &command) {
-        isParsed = parse(command, channelName, category);
-        return isParsed;
-    });
+    const bool isStored = store_.changeAtOnce(
+        [&](SqlCommand &command) { isParsed = parse(command, channelName, category); });
     return (isStored || fail(ParserFailed)) && isParsed;
 }
 

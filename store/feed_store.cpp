@@ -158,7 +158,7 @@ bool FeedStore::changeAndReopen(const std::function<bool()> &work) {
     return isDone;
 }
 
-bool FeedStore::changeAtOnce(const std::function<bool(SqlCommand &)> &work) {
+bool FeedStore::changeAtOnce(const std::function<void(SqlCommand &)> &work) {
     const auto guard = lock();
     if (!session_)
         return recordFailure(false);

@@ -134,10 +134,10 @@ public:
 
     // --- for those who bring articles in ---
 
-    /// Runs `work` as one change of the database: what it wrote is there, whole, when this
-    /// returns true, whatever `work` returned; false, with nothing changed, when the change could
-    /// not be begun or stored (the code is 1001). The store is locked meanwhile.
-    bool changeAtOnce(const std::function<bool(SqlCommand &)> &work);
+    /// Runs `work` as one change of the database: all that it wrote is there when this returns
+    /// true. False, with nothing changed, when the change could not be begun or stored (the code
+    /// is 1001). The store is locked meanwhile.
+    bool changeAtOnce(const std::function<void(SqlCommand &)> &work);
 
 private:
     static constexpr std::size_t rowBufferSize = 65536;
@@ -152,7 +152,7 @@ private:
     bool CountReadFlags(SqlCommand &command, ReadFlagCounts &counts);
     bool readRows(SqlCommand &command, const std::function<bool(const SqlRowset &)> &takeRow);
 
-    bool beginList(quint32 rowWidth);
+    void beginList(quint32 rowWidth);
     bool putRow(const void *row);
     SqlCommand newCommand();
     bool query(const QString &statement, const std::function<bool(SqlCommand &)> &executor);

@@ -63,12 +63,11 @@ bool FeedStore::readRows(SqlCommand &command,
     return !rows.failed();
 }
 
-bool FeedStore::beginList(quint32 rowWidth) {
+void FeedStore::beginList(quint32 rowWidth) {
     rowCursor_ = 0;
     rowWidth_ = rowWidth;
     rowsFilled_ = 0;
     rows_.fill(0);
-    return true;
 }
 
 bool FeedStore::putRow(const void *row) {

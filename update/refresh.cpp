@@ -50,7 +50,6 @@ RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job)
             fetcher.parse(command, job.channelName, job.category);
         isCounted = target.store.RecountChannel(
             escapeFeedText(job.channelName, channelNameCapacity), &counts);
-        return isCounted;
     });
     if (isStored && isCounted)
         return {fetcher.error(), fetcher.storedCount(), counts};

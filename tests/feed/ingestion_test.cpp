@@ -23,7 +23,6 @@ protected:
         device_.store->changeAtOnce([&](SqlCommand &command) {
             ArticleIngestion ingestion(command, channel, category);
             isInserted = ingestion.pruneChannel() && ingestion.insertItem(item);
-            return isInserted;
         });
         return isInserted;
     }
@@ -118,6 +117,16 @@ TEST_F(IngestionTest, LongTextsAreCutAndNeverInTheMiddleOfAQuote) {
     EXPECT_TRUE(insert(record));
     EXPECT_TRUE(device_.titles(u"ch"_s).contains(u"other long guid"_s))
         << "guids are told apart behind their column's width too";
+}
+
+TEST_F(IngestionTest, ATitleThatShowsNothingHidesNoOtherArticle) {
+    ItemRecord record = item(u"\uFEFF"_s, u"1"_s);
+    record.publicationDate = u"DEFAULT"_s;
+    EXPECT_TRUE(insert(record));
+    record.title = u"other"_s;
+    record.guid = u"2"_s;
+    EXPECT_TRUE(insert(record));
+    EXPECT_EQ(device_.titles(u"ch"_s), (QStringList{u"DEFAULT"_s, u"other"_s}));
 }
 
 TEST_F(IngestionTest, AnArticleLivesForFiveDaysWhateverItsDate) {

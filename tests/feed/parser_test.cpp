@@ -29,7 +29,6 @@ protected:
             RssParser parser(command, u"ch"_s, category);
             result = parser.parse(document->root());
             header_ = parser.header();
-            return true;
         });
         return result;
     }

@@ -125,7 +125,6 @@ TEST(Check, NamesEveryFault) {
             command.setText(fault);
             command.execute();
         }
-        return true;
     });
     device.addChannel(u"Unlisted"_s, u"three"_s);
     device.registry->write(programKey, u"CategoryNumber", quint32{3});

@@ -113,7 +113,6 @@ TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
                             "NULL, NULL, NULL)"_s.arg(i));
             command.execute();
         }
-        return true;
     });
     EXPECT_EQ(device_.channelNames(u"Big"_s).size(), 606);
     EXPECT_TRUE(store().MoveCategory(u"Big"_s, u"Moved"_s));

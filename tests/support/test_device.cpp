@@ -46,7 +46,7 @@ void TestDevice::addChannel(const QString &category, const QString &name,
             command.execute();
             ++number;
         }
-        return store->RecountChannel(escapedChannelName(name));
+        store->RecountChannel(escapedChannelName(name));
     });
 }
 
