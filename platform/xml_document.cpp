@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t depthLimit = 1000;
 constexpr std::size_t nodeLimit = 2'000'000;
+constexpr int attributeLimit = 2 * 1000; // names and values of one element
 constexpr std::size_t textLimit = 64 * 1024 * 1024;
 constexpr std::uint32_t textName = 0; // "#text" is the first name of every document
 
@@ -114,8 +115,10 @@ private:
 
     void beginElement(const char *name, const char **attributes) {
         endText();
-        if (open_.size() >= depthLimit || document_.nodes_.size() >= nodeLimit ||
-            document_.attributes_.size() >= nodeLimit) {
+        const bool isTooMuch = open_.size() >= depthLimit || document_.nodes_.size() >= nodeLimit ||
+                               document_.attributes_.size() >= nodeLimit ||
+                               XML_GetSpecifiedAttributeCount(parser_.get()) > attributeLimit;
+        if (isTooMuch) {
             stop();
             return;
         }

@@ -50,7 +50,8 @@ private:
 ///
 /// Reading touches nothing but the bytes it is given: no file, no network, no external or
 /// parameter entity, no external DTD. A document that is not well-formed, nests deeper than 1,000
-/// elements, has more than two million nodes or grows past 64 MiB of text is refused.
+/// elements, has more than two million nodes, a thousand attributes in one element or 64 MiB of
+/// text is refused.
 class XmlDocument {
 public:
     /// `charset` as `xmlAsUtf8` takes it.

@@ -62,6 +62,10 @@ TEST(Xml, DocumentsThatAreNotWellFormedOrTryToReachOutAreRefused) {
         laughs += "<!ENTITY l" + QByteArray::number(i) + " \"" + lower.repeated(10) + "\">";
     }
     laughs += "]><a>&l11;</a>";
+    QByteArray wide = "<a";
+    for (int i = 0; i < 2000; ++i)
+        wide += " a" + QByteArray::number(i) + "=''";
+    wide += "/>";
     const QList<QByteArray> documents{"",
                                       " ",
                                       "text",
@@ -79,6 +83,7 @@ TEST(Xml, DocumentsThatAreNotWellFormedOrTryToReachOutAreRefused) {
                                       "<?xml version='1.0' encoding='UTF-16'?><a/>",
                                       "<?xml version='1.0' encoding='UTF-8//IGNORE'?><a/>",
                                       deep,
+                                      wide,
                                       laughs};
     for (const QByteArray &document : documents)
         EXPECT_EQ(sketchOf(document), QStringLiteral("refused")) << document.left(60).constData();
