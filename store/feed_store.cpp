@@ -91,15 +91,18 @@ bool FeedStore::CreateDatabase() {
     const QTemporaryDir aside(device_.filePath(u"\\Temp\\RSSVault-XXXXXX"));
     const QString built = aside.filePath(databaseName.toString());
     auto database = SqliteDatabase::open(built, {.create = true});
-    if (!database || !buildDatabase(*database))
-        return error_ == seedFileError ? false : recordFailure(false);
+    const quint32 failure = database ? buildDatabase(*database) : databaseError;
+    if (failure != 0) {
+        error_ = failure;
+        return false;
+    }
     database.reset();
     removeStrayJournal(path);
     return recordFailure(QFile::rename(built, path));
 }
 
-bool FeedStore::buildDatabase(SqliteDatabase &database) {
-    error_ = 0;
+// 0, or the code of the failure.
+quint32 FeedStore::buildDatabase(SqliteDatabase &database) {
     SqliteTransaction transaction(database);
     SqlCommand command(database);
     const auto run = [this, &command](const char16_t *statement) {
@@ -107,18 +110,17 @@ bool FeedStore::buildDatabase(SqliteDatabase &database) {
         return ExecuteNonQuery(command);
     };
     if (!run(articleTable) || !run(channelTable))
-        return false;
+        return databaseError;
     const std::optional<QList<SeedChannel>> seed = readSeedChannels(device_);
-    if (!seed) {
-        error_ = seedFileError;
-        return false;
-    }
+    if (!seed)
+        return seedFileError;
     for (const SeedChannel &channel : *seed) {
         if (!insertChannel(command, {channel.category, channel.name, channel.link}, nullptr))
-            return false;
+            return databaseError;
     }
     // Only now, so that the seed is held to the columns' own constraints alone.
-    return run(articleIndex) && run(channelIndex) && transaction.commit();
+    const bool isBuilt = run(articleIndex) && run(channelIndex) && transaction.commit();
+    return isBuilt ? 0 : databaseError;
 }
 
 bool FeedStore::ReleaseSession() {

@@ -161,7 +161,7 @@ private:
     void reopen();
     bool changeAndReopen(const std::function<bool()> &work);
     bool insertChannel(SqlCommand &command, const ChannelRecord &record, QString *storedName);
-    bool buildDatabase(SqliteDatabase &database);
+    quint32 buildDatabase(SqliteDatabase &database);
     bool deleteChannelRows(const QString &escapedName);
     bool moveChannelRows(const QString &escapedName, const QString &escapedCategory);
     bool changeCategory(const QString &category,
