@@ -20,6 +20,11 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     }
     Arguments arguments;
     arguments.home = parser.value(home);
+    // An unset variable in a script must not lead to the user's own device.
+    if (parser.isSet(home) && arguments.home.isEmpty()) {
+        *error = QStringLiteral("--home takes a folder");
+        return std::nullopt;
+    }
     arguments.operands = parser.positionalArguments();
     if (!arguments.operands.isEmpty())
         arguments.command = arguments.operands.takeFirst();

@@ -1,13 +1,10 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
-
-#include <QHash>
+#include "feed/feed_records.h"
 
 namespace tidebrook {
 
 namespace {
-
-constexpr QStringView missingText = u"DEFAULT";
 
 std::optional<SortMode> sortMode(const QString &order) {
     if (order.isEmpty() || order == u"date")
@@ -19,6 +16,25 @@ std::optional<SortMode> sortMode(const QString &order) {
     return std::nullopt;
 }
 
+// The title as it is stored, for one that was copied from the list, where tabs and line ends are
+// blanks.
+QString listedTitle(Device &device, const QString &channel, const QString &title) {
+    const auto guard = device.store.lock();
+    if (!device.store.ListArticles(channel, SortMode::Date))
+        return title;
+    QString found = title;
+    for (const ArticleRow &article : device.store.takeArticleRows()) {
+        const QString listed = article.titleText();
+        if (listed == title)
+            return title;
+        if (printable(listed) == title)
+            found = listed;
+    }
+    return found;
+}
+
+QString shown(const QString &text) { return text.startsWith(missingText) ? QString() : text; }
+
 } // namespace
 
 int runArticles(Device &device, const Arguments &arguments) {
@@ -26,8 +42,8 @@ int runArticles(Device &device, const Arguments &arguments) {
     const std::optional<SortMode> mode = sortMode(arguments.order);
     if (!mode)
         return failUsage(QStringLiteral("there is no order \"%1\"").arg(arguments.order));
-    if (!device.findChannel(channel))
-        return failUnknownChannel(channel);
+    if (!device.hasChannel(channel))
+        return ExitFailed;
     const auto guard = device.store.lock();
     if (!device.store.ListArticles(channel, *mode))
         return failStore(device);
@@ -39,21 +55,21 @@ int runArticles(Device &device, const Arguments &arguments) {
 
 int runShow(Device &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
-    const QString title = arguments.operands[1];
-    if (!device.findChannel(channel))
-        return failUnknownChannel(channel);
+    if (!device.hasChannel(channel))
+        return ExitFailed;
+    const QString title = listedTitle(device, channel, arguments.operands[1]);
     ArticleDetail detail;
-    if (!device.store.GetArticleDetail(channel, title, detail))
-        return failStore(device);
+    const bool isMarked = device.store.GetArticleDetail(channel, title, detail);
     // Every stored article has a link, be it only the mark of a missing one.
     if (detail.itemLink.isEmpty())
-        return fail(QStringLiteral("there is no article \"%1\"").arg(title));
+        return isMarked ? fail(QStringLiteral("there is no article \"%1\"").arg(title))
+                        : failStore(device);
     printLine(detail.publicationDate);
-    printLine(detail.itemLink);
+    printLine(shown(detail.itemLink));
     printLine({});
-    printText(detail.description.startsWith(missingText) ? QString() : detail.description);
+    printText(shown(detail.description));
     device.store.PublishTotalUnread();
-    return ExitDone;
+    return isMarked ? ExitDone : failStore(device);
 }
 
 int runMark(Device &device, const Arguments &arguments) {
@@ -61,8 +77,8 @@ int runMark(Device &device, const Arguments &arguments) {
     const QString flag = arguments.operands[1];
     if (flag != u"read" && flag != u"unread")
         return failUsage(QStringLiteral("a channel is marked \"read\" or \"unread\""));
-    if (!device.findChannel(channel))
-        return failUnknownChannel(channel);
+    if (!device.hasChannel(channel))
+        return ExitFailed;
     const bool isMarked = flag == u"read" ? device.store.MarkChannelRead(channel)
                                           : device.store.MarkChannelUnread(channel);
     if (!isMarked)

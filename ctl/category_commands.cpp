@@ -3,6 +3,7 @@
 #include "platform/text.h"
 #include "res/default_channels.h"
 #include "res/strings.h"
+#include "store/error_codes.h"
 #include "store/provisioning.h"
 #include "store/seeding.h"
 
@@ -11,24 +12,20 @@ namespace tidebrook {
 namespace {
 
 constexpr qsizetype categoryLabelLimit = 39; // what the reader's label editor takes
-constexpr int nameExistsString = 34;
 
 // As the label editor stores a name.
 QString categoryName(const QString &text) {
-    return cutText(text.trimmed(), categoryLabelLimit).toString();
+    const QString name = withoutDropped(printable(text)).trimmed();
+    return cutText(name, categoryLabelLimit).toString().trimmed();
 }
 
 } // namespace
 
-int failUnknownCategory(const QString &name) {
-    return fail(QStringLiteral("there is no category \"%1\"").arg(name));
+// Not every operation that fails leaves a code.
+int failStore(const Device &device) {
+    const quint32 code = device.store.error();
+    return fail(messageWithCode(code != 0 ? code : quint32{DatabaseFailed}));
 }
-
-int failUnknownChannel(const QString &name) {
-    return fail(QStringLiteral("there is no channel \"%1\"").arg(name));
-}
-
-int failStore(const Device &device) { return fail(messageWithCode(device.store.error())); }
 
 int runInit(const DeviceRoot &root) {
     if (!provisionDevice(root, defaultChannelsFile(), todayItemKey()))
@@ -36,15 +33,21 @@ int runInit(const DeviceRoot &root) {
     if (!root.makeFolders())
         return fail(QStringLiteral("%1: the device's folders cannot be made").arg(root.path()));
     Device device(root);
+    const FileLock channelsLock(device.channelsLockPath());
+    if (!device.openRegistry())
+        return ExitFailed;
     quint32 categoryCount = 0;
     SettingsStore(device.registry).RegReadDword(programKey, u"CategoryNumber", categoryCount);
     if (categoryCount == 0)
         seedCategories(root, device.registry);
-    if (!device.open())
+    if (!device.openStore())
+        return ExitFailed;
+    const auto channels = device.channels();
+    if (!channels)
         return ExitFailed;
     printLine(QStringLiteral("%1 categories, %2 channels")
                   .arg(device.categories().size())
-                  .arg(device.channels().size()));
+                  .arg(channels->size()));
     return ExitDone;
 }
 
@@ -80,27 +83,28 @@ int runAddCategory(Device &device, const Arguments &arguments) {
 int runRenameCategory(Device &device, const Arguments &arguments) {
     const QString old = arguments.operands[0];
     const QString name = categoryName(arguments.operands[1]);
-    const QStringList categories = device.categories();
-    if (!categories.contains(old))
-        return failUnknownCategory(old);
-    if (name.isEmpty())
-        return fail(QStringLiteral("a category needs a name"));
+    if (!device.hasCategory(old))
+        return ExitFailed;
     if (name == old)
         return ExitDone;
-    if (categories.contains(name))
+    if (device.categories().contains(name))
         return fail(resourceString(nameExistsString));
-    if (!device.categoryStore.RenameCategory(old, name))
-        return fail(QStringLiteral("the category could not be stored"));
-    if (device.store.MoveCategory(old, name))
-        return ExitDone;
-    device.categoryStore.RenameCategory(name, old);
-    return failStore(device);
+    // In this order the channels are in a listed category at every moment.
+    if (ensureCategory(device, name).isEmpty())
+        return ExitFailed;
+    if (!device.store.MoveCategory(old, name)) {
+        device.categoryStore.DeleteCategory(name);
+        return failStore(device);
+    }
+    return device.categoryStore.DeleteCategory(old)
+               ? ExitDone
+               : fail(QStringLiteral("\"%1\" is empty now, but could not be deleted").arg(old));
 }
 
 int runDeleteCategory(Device &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
-    if (!device.categories().contains(name))
-        return failUnknownCategory(name);
+    if (!device.hasCategory(name))
+        return ExitFailed;
     if (!device.store.DeleteCategoryChannels(name))
         return failStore(device);
     if (!device.categoryStore.DeleteCategory(name))

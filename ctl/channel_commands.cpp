@@ -7,12 +7,10 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int wrongUrlString = 27;
-constexpr int nameExistsString = 34;
-constexpr quint32 databaseError = 1001; // an insert that fails keeps no code of its own
-
+// What is left of a name when it is stored and listed.
 QString channelName(const QString &text) {
-    return cutText(text.trimmed(), channelNameCapacity).toString().trimmed();
+    const QString name = withoutDropped(printable(text)).trimmed();
+    return cutText(name, channelNameCapacity).toString().trimmed();
 }
 
 bool isStorableLink(const QString &link) {
@@ -25,13 +23,14 @@ bool isStorableLink(const QString &link) {
 
 int runChannels(Device &device, const Arguments &arguments) {
     const QString category = arguments.operands.value(0);
-    if (!category.isNull() && !device.categories().contains(category))
-        return failUnknownCategory(category);
-    for (const ListedChannel &channel : device.channels(category)) {
-        QString link;
-        device.store.GetChannelLink(channel.category, channel.name, link);
-        printFields({counts(channel.unread, channel.total), channel.name, link, channel.category});
-    }
+    if (!category.isNull() && !device.hasCategory(category))
+        return ExitFailed;
+    const auto channels = device.channels(category);
+    if (!channels)
+        return ExitFailed;
+    for (const ListedChannel &channel : *channels)
+        printFields(
+            {counts(channel.unread, channel.total), channel.name, channel.link, channel.category});
     return ExitDone;
 }
 
@@ -51,18 +50,20 @@ int runAdd(Device &device, const Arguments &arguments) {
         printLine(storedName);
         return ExitDone;
     }
-    return fail(device.findChannel(name) ? resourceString(nameExistsString)
-                                         : messageWithCode(databaseError));
+    QString other;
+    device.store.FindCategory(name, other);
+    return other.isNull() ? failStore(device) : fail(resourceString(nameExistsString));
 }
 
 int runRename(Device &device, const Arguments &arguments) {
     const QString old = arguments.operands[0];
     const QString name = channelName(arguments.operands[1]);
-    if (!device.findChannel(old))
-        return failUnknownChannel(old);
+    if (!device.hasChannel(old))
+        return ExitFailed;
     if (name.isEmpty())
         return fail(QStringLiteral("a channel needs a name"));
-    if (name != old && device.findChannel(name))
+    QString other;
+    if (name != old && (!device.store.FindCategory(name, other) || !other.isNull()))
         return fail(resourceString(nameExistsString));
     return device.store.RenameChannel(old, name) ? ExitDone : failStore(device);
 }
@@ -70,18 +71,16 @@ int runRename(Device &device, const Arguments &arguments) {
 int runMove(Device &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     const QString category = arguments.operands[1];
-    if (!device.findChannel(name))
-        return failUnknownChannel(name);
-    if (!device.categories().contains(category))
-        return failUnknownCategory(category);
+    if (!device.hasChannel(name) || !device.hasCategory(category))
+        return ExitFailed;
     return device.store.MoveChannel(name, category) ? ExitDone : failStore(device);
 }
 
 int runRelink(Device &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     const QString link = arguments.operands[1].trimmed();
-    if (!device.findChannel(name))
-        return failUnknownChannel(name);
+    if (!device.hasChannel(name))
+        return ExitFailed;
     if (!isStorableLink(link))
         return fail(resourceString(wrongUrlString));
     return device.store.SetChannelLink(name, link) ? ExitDone : failStore(device);
@@ -89,8 +88,8 @@ int runRelink(Device &device, const Arguments &arguments) {
 
 int runDelete(Device &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
-    if (!device.findChannel(name))
-        return failUnknownChannel(name);
+    if (!device.hasChannel(name))
+        return ExitFailed;
     if (!device.store.DeleteChannel(name))
         return failStore(device);
     device.store.PublishTotalUnread();

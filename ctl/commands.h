@@ -29,9 +29,7 @@ int runCheck(Device &device, const Arguments &arguments);
 /// when it cannot be made.
 QString ensureCategory(Device &device, const QString &name);
 
-/// Failures that several commands tell alike.
-int failUnknownCategory(const QString &name);
-int failUnknownChannel(const QString &name);
+/// Tells that the database failed.
 int failStore(const Device &device);
 
 } // namespace tidebrook

@@ -1,9 +1,8 @@
 #include "ctl/device.h"
 
+#include "ctl/commands.h"
 #include "ctl/output.h"
 #include "res/strings.h"
-
-#include <algorithm>
 
 namespace tidebrook {
 
@@ -13,44 +12,72 @@ Device::Device(const DeviceRoot &deviceRoot)
     : root(deviceRoot), registry(root), store(root, registry, todayItemKey()),
       categoryStore(registry) {}
 
-bool Device::open() {
-    if (!registry.isOpen()) {
+QString Device::channelsLockPath() const { return root.filePath(u"\\run\\channels.lock"); }
+
+bool Device::openRegistry() {
+    const bool isReadable =
+        registry.isOpen() && registry.values(programKey) && registry.values(categoriesKey);
+    if (!isReadable)
         fail(QStringLiteral("%1: the settings cannot be read: %2")
-                 .arg(root.registryPath(), registry.error()));
-        return false;
-    }
-    if (!store.Open()) {
-        fail(QStringLiteral("%1: %2").arg(root.path(), messageWithCode(store.error())));
-        return false;
-    }
-    return true;
+                 .arg(root.registryPath(), registry.faults().value(0)));
+    return isReadable;
 }
 
-QStringList Device::categories() {
-    CategoryList list;
-    // A read that comes upon a damaged entry takes it out and fails; the next one is whole.
-    if (!categoryStore.ReadCategoryList(list))
-        categoryStore.ReadCategoryList(list);
-    list.removeAll(QString());
-    return list;
+bool Device::openStore() {
+    if (!openRegistry())
+        return false;
+    if (store.Open())
+        return true;
+    fail(QStringLiteral("%1: %2").arg(root.path(), messageWithCode(store.error())));
+    return false;
 }
 
-QList<ListedChannel> Device::channels(const QString &category) {
+bool Device::hasChannel(const QString &name) {
+    QString category;
+    if (!store.FindCategory(name, category)) {
+        failStore(*this);
+        return false;
+    }
+    if (category.isNull())
+        fail(QStringLiteral("there is no channel \"%1\"").arg(name));
+    return !category.isNull();
+}
+
+bool Device::hasCategory(const QString &name) {
+    const bool isListed = categories().contains(name);
+    if (!isListed)
+        fail(QStringLiteral("there is no category \"%1\"").arg(name));
+    return isListed;
+}
+
+std::optional<QList<ListedChannel>> Device::channels(const QString &category) {
     const auto guard = store.lock();
     QList<ListedChannel> listed;
     for (const QString &name : category.isNull() ? categories() : QStringList{category}) {
-        store.ListChannels(escapedCategory(name));
-        for (const ChannelRow &row : store.takeChannelRows())
-            listed.append({row.nameText(), name, row.unread, row.total});
+        bool isRead = store.ListChannels(escapedCategory(name));
+        for (const ChannelRow &row : store.takeChannelRows()) {
+            ListedChannel channel{row.nameText(), name, {}, row.unread, row.total};
+            isRead = isRead && store.GetChannelLink(name, channel.name, channel.link);
+            listed.append(channel);
+        }
+        if (!isRead) {
+            failStore(*this);
+            return std::nullopt;
+        }
     }
     return listed;
 }
 
-std::optional<ListedChannel> Device::findChannel(const QString &name) {
-    const QList<ListedChannel> all = channels();
-    const auto found = std::find_if(
-        all.begin(), all.end(), [&](const ListedChannel &channel) { return channel.name == name; });
-    return found == all.end() ? std::nullopt : std::optional(*found);
+QStringList Device::categories() {
+    // A read that comes upon a damaged entry takes it out and fails; the next one does without it.
+    constexpr int damagedEntryLimit = 100;
+    CategoryList list;
+    for (int i = 0; i < damagedEntryLimit; ++i) {
+        if (categoryStore.ReadCategoryList(list) || list.isEmpty())
+            break;
+    }
+    list.removeAll(QString());
+    return list;
 }
 
 } // namespace tidebrook

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/device_root.h"
+#include "platform/file_lock.h"
 #include "platform/registry.h"
 #include "store/category_list.h"
 #include "store/feed_store.h"
@@ -19,6 +20,7 @@ QString todayItemKey();
 struct ListedChannel {
     QString name;
     QString category;
+    QString link;
     int unread = 0;
     int total = 0;
 };
@@ -33,13 +35,21 @@ public:
     FeedStore store;
     CategoryListStore categoryStore;
 
-    /// Tells on standard error why the device cannot be used, if it cannot.
-    bool open();
+    /// The file to lock against other commands: then the categories and channels that are listed
+    /// stay so, and a change of several steps is seen whole.
+    QString channelsLockPath() const;
+
+    // Each of these tells on standard error why it failed, if it did.
+
+    bool openRegistry();
+    bool openStore();
+    /// Whether there is such a channel, in a listed category or not.
+    bool hasChannel(const QString &name);
+    bool hasCategory(const QString &name);
+    /// The channels of one category, or of all listed ones.
+    std::optional<QList<ListedChannel>> channels(const QString &category = {});
 
     QStringList categories();
-    /// The channels of one category, or of all listed ones.
-    QList<ListedChannel> channels(const QString &category = {});
-    std::optional<ListedChannel> findChannel(const QString &name);
 };
 
 } // namespace tidebrook

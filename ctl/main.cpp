@@ -3,13 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 namespace tidebrook {
 
 namespace {
 
-/// What a command needs before it runs.
-enum class Needs { Root, Registry, Store };
+/// What a command needs before it runs: the last, the store and nobody else at its channels.
+enum class Needs { Root, Registry, Store, Channels };
 
 struct Command {
     QStringView name;
@@ -25,24 +26,25 @@ struct Command {
 constexpr std::array commands{
     Command{u"init", 0, 0, u"", Needs::Root, nullptr, u"init",
             u"make the device if it is missing, and what its first start makes"},
-    Command{u"categories", 0, 0, u"", Needs::Store, runCategories, u"categories",
+    Command{u"categories", 0, 0, u"", Needs::Channels, runCategories, u"categories",
             u"list the categories"},
-    Command{u"add-category", 1, 1, u"", Needs::Store, runAddCategory, u"add-category NAME",
+    Command{u"add-category", 1, 1, u"", Needs::Channels, runAddCategory, u"add-category NAME",
             u"add a category"},
-    Command{u"rename-category", 2, 2, u"", Needs::Store, runRenameCategory,
+    Command{u"rename-category", 2, 2, u"", Needs::Channels, runRenameCategory,
             u"rename-category OLD NEW", u"rename a category; its channels go with it"},
-    Command{u"delete-category", 1, 1, u"", Needs::Store, runDeleteCategory, u"delete-category NAME",
-            u"delete a category, its channels and their articles"},
-    Command{u"channels", 0, 1, u"", Needs::Store, runChannels, u"channels [CATEGORY]",
+    Command{u"delete-category", 1, 1, u"", Needs::Channels, runDeleteCategory,
+            u"delete-category NAME", u"delete a category, its channels and their articles"},
+    Command{u"channels", 0, 1, u"", Needs::Channels, runChannels, u"channels [CATEGORY]",
             u"list channels: unread/total, name, address, category"},
-    Command{u"add", 3, 3, u"", Needs::Store, runAdd, u"add CATEGORY NAME URL",
+    Command{u"add", 3, 3, u"", Needs::Channels, runAdd, u"add CATEGORY NAME URL",
             u"subscribe to a feed; prints the name that was stored"},
-    Command{u"rename", 2, 2, u"", Needs::Store, runRename, u"rename OLD NEW", u"rename a channel"},
-    Command{u"move", 2, 2, u"", Needs::Store, runMove, u"move NAME CATEGORY",
+    Command{u"rename", 2, 2, u"", Needs::Channels, runRename, u"rename OLD NEW",
+            u"rename a channel"},
+    Command{u"move", 2, 2, u"", Needs::Channels, runMove, u"move NAME CATEGORY",
             u"move a channel to another category"},
-    Command{u"relink", 2, 2, u"", Needs::Store, runRelink, u"relink NAME URL",
+    Command{u"relink", 2, 2, u"", Needs::Channels, runRelink, u"relink NAME URL",
             u"give a channel another address"},
-    Command{u"delete", 1, 1, u"", Needs::Store, runDelete, u"delete NAME",
+    Command{u"delete", 1, 1, u"", Needs::Channels, runDelete, u"delete NAME",
             u"delete a channel and its articles"},
     Command{u"articles", 1, 1, u"order", Needs::Store, runArticles,
             u"articles CHANNEL [--order date|status|unread]",
@@ -92,7 +94,10 @@ int runCommand(const Command &command, const Arguments &arguments) {
                         .arg(root.path()));
     root.makeFolders();
     Device device(root);
-    if (command.needs == Needs::Store && !device.open())
+    const auto channels = command.needs == Needs::Channels
+                              ? std::make_unique<FileLock>(device.channelsLockPath())
+                              : nullptr;
+    if (command.needs != Needs::Registry && !device.openStore())
         return ExitFailed;
     return command.run(device, arguments);
 }

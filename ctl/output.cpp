@@ -1,5 +1,6 @@
 #include "ctl/output.h"
 
+#include "platform/text.h"
 #include "res/strings.h"
 
 #include <unistd.h>
@@ -36,6 +37,8 @@ void printFields(const QStringList &fields) {
     write(stdout, clean.join(u'\t') + u'\n');
 }
 
+QString printable(const QString &text) { return withoutControls(text, false); }
+
 void printText(const QString &text) { write(stdout, withoutControls(text, true) + u'\n'); }
 
 QString counts(int unread, int total) {
@@ -65,7 +68,7 @@ ProgressLine::~ProgressLine() { show({}); }
 
 void ProgressLine::show(const QString &text) {
     if (isTerminal_)
-        write(stderr, u"\r\x1b[K" + withoutControls(text, false).left(70));
+        write(stderr, u"\r\x1b[K" + cutText(withoutControls(text, false), 70));
 }
 
 } // namespace tidebrook

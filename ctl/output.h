@@ -14,6 +14,8 @@ void printLine(const QString &line);
 void printFields(const QStringList &fields);
 /// The same for a text of several lines, which may have line ends and tabs.
 void printText(const QString &text);
+/// A text as `printLine` shows it.
+QString printable(const QString &text);
 
 /// Unread and total articles as they are shown everywhere.
 QString counts(int unread, int total);

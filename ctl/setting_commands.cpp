@@ -33,6 +33,8 @@ int printSetting(Device &device, const QString &key, const QString &name) {
 } // namespace
 
 int runSetting(Device &device, const Arguments &arguments) {
+    if (!device.openRegistry())
+        return ExitFailed;
     const QString name = arguments.operands[0];
     const bool isToday = arguments.options.contains(QStringLiteral("today"));
     const QString key = keyOf(name, isToday);

@@ -1,6 +1,7 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "res/strings.h"
+#include "store/error_codes.h"
 #include "update/channel_update.h"
 #include "update/refresh.h"
 
@@ -25,7 +26,7 @@ QList<RefreshResult> updateOneByOne(Device &device, const QList<RefreshJob> &job
             updateChannel({device.root, device.registry, device.store}, job, &result.storedCount);
         result.error = device.store.error();
         if (!isOpen && result.error == 0)
-            result.error = 1001;
+            result.error = DatabaseFailed;
         device.store.CountReadFlags(job.category, job.channelName, result.counts);
         observer(results.size(), result);
         results.append(result);
@@ -43,6 +44,41 @@ void printResult(const RefreshJob &job, const RefreshResult &result) {
                  counts(result.counts.unread, result.counts.total), job.channelName});
 }
 
+std::optional<QList<RefreshJob>> jobOf(Device &device, const QString &category,
+                                       const QString &channel) {
+    QString actual;
+    QString link;
+    if (!device.hasChannel(channel))
+        return std::nullopt;
+    if (!device.store.FindCategory(channel, actual) ||
+        !device.store.GetChannelLink(actual, channel, link)) {
+        failStore(device);
+        return std::nullopt;
+    }
+    if (actual != category) {
+        fail(QStringLiteral("\"%1\" is not in \"%2\"").arg(channel, category));
+        return std::nullopt;
+    }
+    return QList<RefreshJob>{{link, channel, category}};
+}
+
+// The channels that the operands name; nothing, with the failure told, when there are none such.
+std::optional<QList<RefreshJob>> wantedJobs(Device &device, const QString &category,
+                                            const QString &channel) {
+    const FileLock lock(device.channelsLockPath());
+    if (!category.isNull() && !device.hasCategory(category))
+        return std::nullopt;
+    if (!channel.isNull())
+        return jobOf(device, category, channel);
+    const auto channels = device.channels(category);
+    if (!channels)
+        return std::nullopt;
+    QList<RefreshJob> jobs;
+    for (const ListedChannel &listed : *channels)
+        jobs.append({listed.link, listed.name, listed.category});
+    return jobs;
+}
+
 } // namespace
 
 int runUpdate(Device &device, const Arguments &arguments) {
@@ -52,19 +88,13 @@ int runUpdate(Device &device, const Arguments &arguments) {
     const int parallel = arguments.jobs.isEmpty() ? defaultJobs : arguments.jobs.toInt(&isNumber);
     if (!isNumber || parallel < 1 || parallel > jobLimit)
         return failUsage(QStringLiteral("--jobs takes a number from 1 to %1").arg(jobLimit));
-    if (!category.isNull() && !device.categories().contains(category))
-        return failUnknownCategory(category);
-
-    QList<RefreshJob> jobs;
-    for (const ListedChannel &listed : device.channels(category)) {
-        if (!channel.isNull() && listed.name != channel)
-            continue;
-        QString link;
-        device.store.GetChannelLink(listed.category, listed.name, link);
-        jobs.append({link, listed.name, listed.category});
-    }
-    if (!channel.isNull() && jobs.isEmpty())
-        return failUnknownChannel(channel);
+    const bool isOneByOne = arguments.options.contains(QStringLiteral("pauses"));
+    if (isOneByOne && !arguments.jobs.isEmpty())
+        return failUsage(QStringLiteral("--pauses goes without --jobs"));
+    const std::optional<QList<RefreshJob>> wanted = wantedJobs(device, category, channel);
+    if (!wanted)
+        return ExitFailed;
+    const QList<RefreshJob> &jobs = *wanted;
 
     bool hasFailure = false;
     QList<RefreshResult> results;
@@ -79,10 +109,9 @@ int runUpdate(Device &device, const Arguments &arguments) {
                               .arg(jobs[index].channelName));
         };
         progress.show(QStringLiteral("0 of %1").arg(jobs.size()));
-        results = arguments.options.contains(QStringLiteral("pauses"))
-                      ? updateOneByOne(device, jobs, observer)
-                      : refreshChannels({device.root, device.registry, device.store}, jobs,
-                                        parallel, observer);
+        results = isOneByOne ? updateOneByOne(device, jobs, observer)
+                             : refreshChannels({device.root, device.registry, device.store}, jobs,
+                                               parallel, observer);
     }
     device.store.PublishTotalUnread();
     for (qsizetype i = 0; i < jobs.size(); ++i)

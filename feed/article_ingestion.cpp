@@ -35,8 +35,7 @@ QStringView cutDescription(QStringView escaped, qsizetype length) {
 
 ArticleIngestion::ArticleIngestion(SqlCommand &command, const QString &channelName,
                                    const QString &category)
-    : command_(command), channelName_(escapeFeedText(channelName, channelNameCapacity)),
-      category_(category) {}
+    : command_(command), channelName_(escapedChannelName(channelName)), category_(category) {}
 
 bool ArticleIngestion::execute() {
     command_.setText(statement_);

@@ -2,6 +2,7 @@
 
 #include "feed/rss_parser.h"
 #include "platform/pause.h"
+#include "store/settings_store.h"
 
 #include <QTemporaryFile>
 
@@ -11,24 +12,13 @@ namespace tidebrook {
 
 namespace {
 
-enum FetchError : quint32 {
-    ParserFailed = 1001,
-    FileNotXml = 1002,
-    NoRssRoot = 1003,
-    NotSent = 1007,
-    NotComplete = 1008,
-    NotDownloaded = 1009,
-    NothingAsked = 1012,
-};
-
 constexpr QStringView tempFile = u"\\Temp\\TmpXml.xml";
 constexpr int loadPause = 1000; // ms
 
 } // namespace
 
-FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, FeedStore &store,
-                         const HttpLimits &limits)
-    : device_(device), registry_(registry), store_(store), limits_(limits) {}
+FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits)
+    : device_(device), registry_(registry), limits_(limits) {}
 
 void FeedFetcher::recordError(quint32 code) {
     error_ = code;
@@ -50,23 +40,13 @@ bool FeedFetcher::isRoaming() const {
     return status == 1;
 }
 
-bool FeedFetcher::fetchAndParse(const QString &url, const QString &channelName,
-                                const QString &category) {
-    if (!fetch(url, channelName))
-        return false;
-    bool isParsed = false;
-    const bool isStored = store_.changeAtOnce(
-        [&](SqlCommand &command) { isParsed = parse(command, channelName, category); });
-    return (isStored || fail(ParserFailed)) && isParsed;
-}
-
 bool FeedFetcher::fetch(const QString &url, const QString &channelName) {
     if (url.isEmpty() || channelName.isEmpty())
-        return fail(NothingAsked);
+        return fail(NothingKnown);
     if (!fetchFromRequestObject(url))
         return false;
     if (document_ && document_->root().name() != "rss")
-        return fail(NoRssRoot);
+        return fail(FeedNotRss);
     return true;
 }
 
@@ -75,9 +55,9 @@ bool FeedFetcher::fetchFromRequestObject(const QString &url) {
     switch (answer.progress) {
     case HttpProgress::NotOpened:
     case HttpProgress::NotSent:
-        return endQuietlyOrFail(NotSent);
+        return endQuietlyOrFail(FeedNotSent);
     case HttpProgress::Incomplete:
-        return endQuietlyOrFail(NotComplete);
+        return endQuietlyOrFail(FeedNotComplete);
     case HttpProgress::Complete:
         break;
     }
@@ -86,8 +66,8 @@ bool FeedFetcher::fetchFromRequestObject(const QString &url) {
         return true;
     if (answer.body.isEmpty()) {
         // The user is told of a feed that says nothing; the run itself ends as a failed download.
-        recordError(NoRssRoot);
-        error_ = NotDownloaded;
+        recordError(FeedNotRss);
+        error_ = FeedNotDownloaded;
         return false;
     }
     return fetchThroughFile(url);
@@ -98,11 +78,11 @@ bool FeedFetcher::fetchThroughFile(const QString &url) {
     // into a file without a name, reads that, and puts it in the fixed place when it is whole.
     QTemporaryFile file(device_.filePath(tempFile) + u".XXXXXX");
     if (!file.open() || !downloadToTempFile(url, file))
-        return fail(NotDownloaded);
+        return fail(FeedNotDownloaded);
     Pause(loadPause);
     file.seek(0);
     document_ = XmlDocument::parse(file.readAll());
-    return document_.has_value() || fail(FileNotXml);
+    return document_.has_value() || fail(FeedNotXml);
 }
 
 bool FeedFetcher::downloadToTempFile(const QString &url, QTemporaryFile &file) {
@@ -119,7 +99,7 @@ bool FeedFetcher::parse(SqlCommand &command, const QString &channelName, const Q
     RssParser parser(command, channelName, category);
     const RssParser::Result result = parser.parse(document_->root());
     storedCount_ = parser.storedCount();
-    return result == RssParser::Result::Done || fail(ParserFailed);
+    return result == RssParser::Result::Done || fail(DatabaseFailed);
 }
 
 } // namespace tidebrook

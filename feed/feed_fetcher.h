@@ -3,8 +3,9 @@
 #include "platform/device_root.h"
 #include "platform/http.h"
 #include "platform/registry.h"
+#include "platform/sql.h"
 #include "platform/xml_document.h"
-#include "store/feed_store.h"
+#include "store/error_codes.h"
 
 #include <QString>
 
@@ -21,21 +22,21 @@ namespace tidebrook {
 /// leaves the database untouched, except that articles stored before a faulty item stay.
 class FeedFetcher {
 public:
-    FeedFetcher(const DeviceRoot &device, Registry &registry, FeedStore &store,
-                const HttpLimits &limits = {});
+    FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {});
 
     /// 0 while nothing has failed.
     quint32 error() const { return error_; }
-
-    /// `fetch`, then `parse` as a change of the database of its own.
-    bool fetchAndParse(const QString &url, const QString &channelName, const QString &category);
 
     /// Gets the document and sees that it is an RSS document. Waits for the network, for 50
     /// seconds at most; the store is not touched.
     bool fetch(const QString &url, const QString &channelName);
 
-    /// Stores what `fetch` got, inside a change of the database that the caller has begun.
+    /// Stores what `fetch` got, once it has succeeded, inside a change of the database that the
+    /// caller has begun.
     bool parse(SqlCommand &command, const QString &channelName, const QString &category);
+
+    /// Records a failure that is none of the fetch's own. Always false.
+    bool fail(quint32 code);
 
     /// How many articles `parse` stored.
     int storedCount() const { return storedCount_; }
@@ -46,12 +47,10 @@ private:
     bool downloadToTempFile(const QString &url, QTemporaryFile &file);
     bool isRoaming() const;
     bool endQuietlyOrFail(quint32 code);
-    bool fail(quint32 code);
     void recordError(quint32 code);
 
     const DeviceRoot device_;
     Registry &registry_;
-    FeedStore &store_;
     const HttpLimits limits_;
     quint32 error_ = 0;
     std::optional<XmlDocument> document_;

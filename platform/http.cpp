@@ -1,7 +1,5 @@
 #include "platform/http.h"
 
-#include <QUrl>
-
 #include <curl/curl.h>
 
 #include <functional>
@@ -71,6 +69,7 @@ public:
         if (!easy_)
             return;
         set(CURLOPT_NOSIGNAL, 1L);
+        set(CURLOPT_QUICK_EXIT, 1L); // a time limit does not wait for a slow name server
         set(CURLOPT_FOLLOWLOCATION, 1L);
         set(CURLOPT_MAXREDIRS, redirectLimit);
         set(CURLOPT_PROTOCOLS_STR, webSchemes);
@@ -104,6 +103,12 @@ public:
         return qint64{size};
     }
 
+    bool wasConnected() const {
+        curl_off_t time = 0;
+        curl_easy_getinfo(easy_.get(), CURLINFO_CONNECT_TIME_T, &time);
+        return time > 0;
+    }
+
     bool wasAnswered() const {
         long status = 0;
         curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
@@ -124,7 +129,7 @@ private:
     qint64 bodyLeft_;
 };
 
-HttpProgress progressOf(CURLcode code, bool wasAnswered) {
+HttpProgress progressOf(CURLcode code, const Transfer &transfer) {
     switch (code) {
     case CURLE_OK:
         return HttpProgress::Complete;
@@ -136,10 +141,12 @@ HttpProgress progressOf(CURLcode code, bool wasAnswered) {
     case CURLE_TOO_MANY_REDIRECTS:
     case CURLE_UNSUPPORTED_PROTOCOL:
         return HttpProgress::NotSent;
+    case CURLE_FAILED_INIT:
+        return HttpProgress::NotSent;
     case CURLE_OPERATION_TIMEDOUT:
-        return HttpProgress::Incomplete;
+        return transfer.wasConnected() ? HttpProgress::Incomplete : HttpProgress::NotSent;
     default:
-        return wasAnswered ? HttpProgress::Incomplete : HttpProgress::NotSent;
+        return transfer.wasAnswered() ? HttpProgress::Incomplete : HttpProgress::NotSent;
     }
 }
 
@@ -153,14 +160,18 @@ QByteArray charsetOf(const QByteArray &contentType) {
     return {};
 }
 
-// The path and query are decoded, as this transport always sent them, and only what no request
-// line can carry is encoded again.
+// The path and query, decoded as this transport has always sent them.
 QByteArray directTarget(const ParsedUrl &url) {
     QByteArray target = partOf(url, CURLUPART_PATH);
     const QByteArray query = partOf(url, CURLUPART_QUERY);
     if (!query.isEmpty())
         target += '?' + query;
-    return QByteArray::fromPercentEncoding(target).toPercentEncoding("/?&=:@+$,;!*'()~[]-._");
+    return QByteArray::fromPercentEncoding(target);
+}
+
+// Only what no request line can carry is encoded again.
+QByteArray requestLineTarget(const QByteArray &decoded) {
+    return decoded.toPercentEncoding("/?&=:@+$,;!*'()~[]-._");
 }
 
 } // namespace
@@ -190,7 +201,7 @@ HttpAnswer httpGet(const QString &url, const HttpLimits &limits) {
     transfer.setTimeLimits(limits, limits.requestObject);
 
     const CURLcode code = transfer.perform();
-    answer.progress = progressOf(code, code != CURLE_FAILED_INIT && transfer.wasAnswered());
+    answer.progress = progressOf(code, transfer);
     if (answer.progress != HttpProgress::Complete)
         answer.detail = QString::fromUtf8(curl_easy_strerror(code));
     else
@@ -204,7 +215,8 @@ bool httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &l
         return false;
     const QByteArray host = partOf(parsed, CURLUPART_HOST);
     const QByteArray target = directTarget(parsed);
-    if (host.isEmpty() || host.size() > directHostLimit || target.size() > directPathLimit)
+    if (host.isEmpty() || host.size() > directHostLimit ||
+        QString::fromUtf8(target).size() > directPathLimit)
         return false;
 
     Transfer transfer(
@@ -212,7 +224,7 @@ bool httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &l
         limits.bodyBytes);
     const List headers =
         stringList({"Content-Type: text/xml", "Accept: text/xml", "Pragma: no-cache"});
-    const QByteArray address = "http://" + host + target;
+    const QByteArray address = "http://" + host + requestLineTarget(target);
     const QByteArray port = qgetenv("TIDEBROOK_HTTP_PORT");
     const QByteArray portRule = ":80::" + port;
     const List otherPort = port.isEmpty() ? List() : stringList({portRule.constData()});

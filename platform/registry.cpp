@@ -52,28 +52,38 @@ std::optional<RegistryValue> Registry::read(QStringView key, QStringView name) {
 }
 
 bool Registry::write(QStringView key, QStringView name, const RegistryValue &value) {
+    return insert(key, name, value,
+                  "ON CONFLICT (path, name) DO UPDATE SET type = excluded.type, "
+                  "data = excluded.data");
+}
+
+bool Registry::create(QStringView key, QStringView name, const RegistryValue &value) {
+    return insert(key, name, value, "ON CONFLICT (path, name) DO NOTHING");
+}
+
+bool Registry::insert(QStringView key, QStringView name, const RegistryValue &value,
+                      const QByteArray &onConflict) {
     const std::lock_guard lock(mutex_);
     if (!database_)
         return false;
     const QByteArray path = key.toUtf8();
     const QByteArray valueName = name.toUtf8();
-    SqliteStatement insert = database_->prepare(
-        "INSERT INTO registry_values (path, name, type, data) VALUES (?, ?, ?, ?) "
-        "ON CONFLICT (path, name) DO UPDATE SET type = excluded.type, data = excluded.data");
-    if (!insert)
+    SqliteStatement statement = database_->prepare(
+        "INSERT INTO registry_values (path, name, type, data) VALUES (?, ?, ?, ?) " + onConflict);
+    if (!statement)
         return false;
-    insert.bind(1, path);
-    insert.bind(2, valueName);
+    statement.bind(1, path);
+    statement.bind(2, valueName);
     QByteArray text;
     if (const quint32 *number = std::get_if<quint32>(&value)) {
-        insert.bind(3, StoredDword);
-        insert.bind(4, qint64{*number});
+        statement.bind(3, StoredDword);
+        statement.bind(4, qint64{*number});
     } else {
         text = std::get<QString>(value).toUtf8();
-        insert.bind(3, StoredText);
-        insert.bind(4, text);
+        statement.bind(3, StoredText);
+        statement.bind(4, text);
     }
-    return insert.step() == SqliteStep::Done;
+    return statement.step() == SqliteStep::Done;
 }
 
 bool Registry::remove(QStringView key, QStringView name) {
@@ -91,25 +101,33 @@ bool Registry::remove(QStringView key, QStringView name) {
     return statement.step() == SqliteStep::Row && statement.step() == SqliteStep::Done;
 }
 
-QList<Registry::NamedValue> Registry::values(QStringView key) {
+std::optional<QList<Registry::NamedValue>> Registry::values(QStringView key) {
     const std::lock_guard lock(mutex_);
-    QList<NamedValue> found;
     if (!database_)
-        return found;
+        return std::nullopt;
     const QByteArray path = key.toUtf8();
     SqliteStatement query = database_->prepare(
         "SELECT name, type, data FROM registry_values WHERE path = ? ORDER BY id");
     if (!query)
-        return found;
+        return std::nullopt;
     query.bind(1, path);
-    while (query.step() == SqliteStep::Row)
+    QList<NamedValue> found;
+    SqliteStep step = query.step();
+    for (; step == SqliteStep::Row; step = query.step())
         found.append({query.text(0), valueOf(query, 1, 2)});
-    return found;
+    return step == SqliteStep::Done ? std::optional(found) : std::nullopt;
 }
 
 bool Registry::flush() {
     const std::lock_guard lock(mutex_);
     return database_ && (database_->inTransaction() || database_->flush());
+}
+
+QStringList Registry::faults() {
+    const std::lock_guard lock(mutex_);
+    if (!database_)
+        return {error_};
+    return database_->faults();
 }
 
 Registry::Batch::Batch(Registry &registry) : lock_(registry.mutex_) {

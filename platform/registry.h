@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 #include <memory>
@@ -38,6 +39,8 @@ public:
 
     std::optional<RegistryValue> read(QStringView key, QStringView name);
     bool write(QStringView key, QStringView name, const RegistryValue &value);
+    /// Writes a value where there is none; one that is there stays. False when it failed.
+    bool create(QStringView key, QStringView name, const RegistryValue &value);
     /// True when there was such a value and it is gone.
     bool remove(QStringView key, QStringView name);
 
@@ -45,15 +48,21 @@ public:
         QString name;
         RegistryValue value;
     };
-    QList<NamedValue> values(QStringView key);
+    /// All values of a key; nothing when they could not be read.
+    std::optional<QList<NamedValue>> values(QStringView key);
 
     bool flush();
+
+    /// What is damaged in the registry's file, a line each; none when it is sound.
+    QStringList faults();
 
     /// Holds the registry for this thread and process alone, so that several calls are one
     /// change: `commit` writes all of it, and without that none of it is written.
     class Batch {
     public:
         explicit Batch(Registry &registry);
+        /// False when the registry could not be had within its time: then nothing may be written.
+        bool isOpen() const { return transaction_ && transaction_->isOpen(); }
         bool commit();
 
     private:
@@ -62,6 +71,9 @@ public:
     };
 
 private:
+    bool insert(QStringView key, QStringView name, const RegistryValue &value,
+                const QByteArray &onConflict);
+
     std::recursive_mutex mutex_; // guards database_
     std::unique_ptr<SqliteDatabase> database_;
     QString error_;

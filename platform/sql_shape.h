@@ -21,8 +21,9 @@ struct SqlShape {
 
 /// Takes one statement apart. Only the literals of a SELECT, INSERT, UPDATE or DELETE are taken
 /// out. In a CREATE TABLE every `NCHAR(n)` column is made to ignore trailing blanks when it is
-/// compared. Nothing comes back for a text with an unfinished literal, or with anything but
-/// blanks behind the statement's end: a second statement is never run.
+/// compared, and nothing else is looked at. For the others nothing comes back when a literal is
+/// unfinished, when there is a comment, or when anything but blanks stands behind the statement's
+/// end: a second statement is never run.
 std::optional<SqlShape> takeSqlApart(QStringView statement);
 
 } // namespace tidebrook

@@ -89,7 +89,8 @@ std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const 
     if (code == SQLITE_OK && database->configure(options))
         return database;
     if (error)
-        *error = database->lastError();
+        *error = sqlite3_errcode(handle) == SQLITE_OK ? QStringLiteral("the file is empty")
+                                                      : database->lastError();
     return nullptr;
 }
 
@@ -151,11 +152,30 @@ void SqliteDatabase::giveBack(const QByteArray &text, sqlite3_stmt *statement) {
 bool SqliteDatabase::inTransaction() const { return sqlite3_get_autocommit(handle_) == 0; }
 
 bool SqliteDatabase::flush() {
-    return sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
-                                     nullptr) == SQLITE_OK;
+    // What was committed is in the journal. A checkpoint would sync it too, but gives up while
+    // another connection is at one.
+    sqlite3_file *journal = nullptr;
+    const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &journal);
+    if (code != SQLITE_OK)
+        return false;
+    const bool isThere = journal && journal->pMethods;
+    return !isThere || journal->pMethods->xSync(journal, SQLITE_SYNC_NORMAL) == SQLITE_OK;
 }
 
 QString SqliteDatabase::lastError() const { return QString::fromUtf8(sqlite3_errmsg(handle_)); }
+
+QStringList SqliteDatabase::faults() {
+    QStringList found;
+    SqliteStatement check = prepare("PRAGMA integrity_check");
+    SqliteStep step = check ? check.step() : SqliteStep::Failed;
+    for (; step == SqliteStep::Row; step = check.step()) {
+        if (check.text(0) != u"ok")
+            found.append(check.text(0));
+    }
+    if (step != SqliteStep::Done)
+        found.append(lastError());
+    return found;
+}
 
 SqliteTransaction::SqliteTransaction(SqliteDatabase &database)
     : database_(database), isOuter_(!database.inTransaction()),

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 #include <memory>
@@ -78,8 +79,12 @@ public:
     SqliteStep run(const QByteArray &utf8);
 
     bool inTransaction() const;
+    /// Makes everything that was committed outlive a power cut. Waits for nobody.
     bool flush();
     QString lastError() const;
+
+    /// What is damaged in the file, a line each; none when it is sound.
+    QStringList faults();
 
 private:
     friend class SqliteStatement;

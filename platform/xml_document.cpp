@@ -21,14 +21,6 @@ constexpr std::uint32_t textName = 0; // "#text" is the first name of every docu
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-QByteArrayView trimmedSpace(QByteArrayView text) {
-    while (!text.isEmpty() && isSpace(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && isSpace(text.back()))
-        text.chop(1);
-    return text;
-}
-
 struct ParserFree {
     void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
@@ -195,8 +187,8 @@ XmlNode XmlNode::nextSibling() const {
 
 QString XmlNode::text() const {
     const XmlDocument::Node &node = document_->nodes_[index_];
-    return QString::fromUtf8(trimmedSpace(
-        QByteArrayView(document_->text_).sliced(node.textBegin, node.textEnd - node.textBegin)));
+    const QByteArrayView text(document_->text_);
+    return QString::fromUtf8(text.sliced(node.textBegin, node.textEnd - node.textBegin).trimmed());
 }
 
 QString XmlNode::attribute(std::string_view name) const {

@@ -12,7 +12,8 @@ namespace {
 
 struct Encoding {
     QByteArray name;
-    qsizetype markSize = 0; // bytes of the byte-order mark
+    qsizetype markSize = 0;     // bytes of the byte-order mark
+    bool isOnlyAssumed = false; // by the transport; the document itself says nothing
 };
 
 std::optional<Encoding> encodingOfMark(QByteArrayView bytes) {
@@ -101,7 +102,7 @@ Encoding encodingOf(QByteArrayView bytes, QByteArrayView charset) {
     const QByteArray declared = declaredEncoding(bytes);
     if (!declared.isEmpty())
         return {declared, 0};
-    return {charset.isEmpty() ? QByteArray("UTF-8") : charset.toByteArray(), 0};
+    return {charset.isEmpty() ? QByteArray("UTF-8") : charset.toByteArray(), 0, true};
 }
 
 // iconv takes options behind slashes ("UTF-8//IGNORE"), which no document may choose.
@@ -115,10 +116,10 @@ std::optional<QByteArrayView> xmlAsUtf8(QByteArrayView bytes, QByteArrayView cha
     bytes = bytes.sliced(encoding.markSize);
     if (isUtf8(encoding.name))
         return bytes;
-    if (!isPlainName(encoding.name))
-        return std::nullopt;
-    Converter converter(encoding.name);
-    if (!converter.isKnown() || !converter.convert(bytes, storage))
+    Converter converter(isPlainName(encoding.name) ? encoding.name : QByteArray("none"));
+    if (!converter.isKnown())
+        return encoding.isOnlyAssumed ? std::optional(bytes) : std::nullopt;
+    if (!converter.convert(bytes, storage))
         return std::nullopt;
     return QByteArrayView(storage);
 }

@@ -20,10 +20,10 @@ constexpr char16_t memoryProblem[] = u"Encountering Memory Problem";
 
 constexpr std::array table{
     Entry{1, u"Tidebrook"},
-    Entry{27, u"The URL format is wrong!"},
+    Entry{wrongUrlString, u"The URL format is wrong!"},
     Entry{28, u"Error"},
     Entry{29, u"No Category Exist!"},
-    Entry{34, u"The name is exist!"},
+    Entry{nameExistsString, u"The name is exist!"},
     Entry{44, databaseProblem},
     Entry{45, databaseProblem},
     Entry{46, feedProblem},

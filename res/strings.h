@@ -11,6 +11,8 @@ QString resourceString(int id);
 /// a problem that nothing is known of.
 QString errorMessage(quint32 code);
 
+inline constexpr int wrongUrlString = 27;
+inline constexpr int nameExistsString = 34;
 inline constexpr int todayItemNameString = 60;
 
 } // namespace tidebrook

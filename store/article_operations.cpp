@@ -30,16 +30,18 @@ bool FeedStore::ListArticles(const QString &channel, SortMode mode) {
 
 bool FeedStore::GetArticleDetail(const QString &channel, const QString &title,
                                  ArticleDetail &detail) {
+    const auto guard = lock();
     detail = {};
-    return changeAndReopen([&] {
-        const QString name = escapedChannelName(channel);
-        const QString titleText = escapedTitle(title);
-        return query(QStringLiteral("SELECT PUBDATE, DESCRIPTION, ITEM_LINK FROM RSSRecord WHERE "
-                                    "CHANNEL_NAME = '%1' and TITLE = '%2'")
-                         .arg(name, titleText),
-                     [&](SqlCommand &command) { return ReadArticleDetail(command, detail); }) &&
-               MarkArticleRead(name, titleText) && RecountChannel(name);
-    });
+    const QString name = escapedChannelName(channel);
+    const QString titleText = escapedTitle(title);
+    // Read before the change is begun: an article can be read while another process writes.
+    const bool isRead =
+        query(QStringLiteral("SELECT PUBDATE, DESCRIPTION, ITEM_LINK FROM RSSRecord WHERE "
+                             "CHANNEL_NAME = '%1' and TITLE = '%2'")
+                  .arg(name, titleText),
+              [&](SqlCommand &command) { return ReadArticleDetail(command, detail); });
+    return changeAndReopen(
+        [&] { return isRead && MarkArticleRead(name, titleText) && RecountChannel(name); });
 }
 
 bool FeedStore::MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle) {

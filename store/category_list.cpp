@@ -7,7 +7,6 @@ namespace tidebrook {
 namespace {
 
 constexpr QStringView countName = u"CategoryNumber";
-constexpr QStringView categoriesKey = u"Software\\Tamrel\\Feedlark\\Categories";
 // A damaged count must not make a list of four thousand million slots.
 constexpr quint32 slotLimit = 65536;
 
@@ -27,13 +26,16 @@ bool CategoryListStore::ReadCategoryList(CategoryList &list) {
     if (!readCount(count) || count == 0)
         return false;
     list.resize(qMin(count, slotLimit));
-    const QList<Registry::NamedValue> values = settings_.registry().values(categoriesKey);
-    for (qsizetype i = 0; i < values.size() && i < list.size(); ++i) {
-        if (!std::holds_alternative<quint32>(values[i].value)) {
-            settings_.registry().remove(categoriesKey, values[i].name);
+    const auto values = settings_.registry().values(categoriesKey);
+    if (!values)
+        return false;
+    for (qsizetype i = 0; i < values->size() && i < list.size(); ++i) {
+        const Registry::NamedValue &value = values->at(i);
+        if (!std::holds_alternative<quint32>(value.value)) {
+            settings_.registry().remove(categoriesKey, value.name);
             return false;
         }
-        list[i] = cutText(values[i].name, categoryCapacity).toString();
+        list[i] = cutText(value.name, categoryCapacity).toString();
     }
     return true;
 }
@@ -43,6 +45,8 @@ bool CategoryListStore::AddCategory(const QString &name) {
         return false;
     Registry::Batch batch(settings_.registry());
     quint32 count = 0;
+    if (!batch.isOpen())
+        return false;
     if (!readCount(count)) {
         commit(batch); // the count that the read has made
         return false;
@@ -58,7 +62,7 @@ bool CategoryListStore::RenameCategory(const QString &old, const QString &to) {
     if (to.isNull())
         return false;
     Registry::Batch batch(settings_.registry());
-    return settings_.registry().remove(categoriesKey, old) &&
+    return batch.isOpen() && settings_.registry().remove(categoriesKey, old) &&
            settings_.RegWriteDword(categoriesKey, to, 0) && commit(batch);
 }
 
@@ -67,8 +71,8 @@ bool CategoryListStore::DeleteCategory(const QString &name) {
         return false;
     Registry::Batch batch(settings_.registry());
     quint32 count = 0;
-    return readCount(count) && settings_.registry().remove(categoriesKey, name) &&
-           settings_.RegWriteDword(programKey, countName, count - 1) && commit(batch);
+    return batch.isOpen() && readCount(count) && settings_.registry().remove(categoriesKey, name) &&
+           settings_.RegWriteDword(programKey, countName, qMax(count, 1U) - 1) && commit(batch);
 }
 
 } // namespace tidebrook

@@ -4,9 +4,6 @@
 
 #include <QRandomGenerator>
 
-#include <algorithm>
-#include <utility>
-
 namespace tidebrook {
 
 namespace {
@@ -34,7 +31,7 @@ bool FeedStore::insertChannel(SqlCommand &command, const ChannelRecord &record,
     if (!isSafeLink(link) || record.category.isNull() || record.channelName.isNull())
         return false;
     const QString category = escapedCategory(record.category);
-    QString name = cutText(record.channelName, channelNameCapacity).toString();
+    QString name = withoutDropped(cutText(record.channelName, channelNameCapacity));
     const auto insert = [&] {
         statement_ = QStringLiteral("INSERT INTO RSSCHRecord VALUES ('%1', '%2', 0, 0, '")
                          .arg(category, escapedChannelName(name)) +
@@ -61,6 +58,19 @@ bool FeedStore::ListChannels(const QString &escapedCategory) {
                                 "WHERE CATEGORY = '%1'")
                      .arg(escapedCategory),
                  [this](SqlCommand &command) { return ReadChannelRows(command); });
+}
+
+bool FeedStore::FindCategory(const QString &name, QString &category) {
+    const auto guard = lock();
+    category = QString();
+    return query(QStringLiteral("SELECT CATEGORY FROM RSSCHRecord WHERE CHANNEL_NAME='%1'")
+                     .arg(escapedChannelName(name)),
+                 [&](SqlCommand &command) {
+                     return readRows(command, [&](const SqlRowset &rows) {
+                         category = trimTrailingBlanks(rows.text(0)).toString();
+                         return false;
+                     });
+                 });
 }
 
 bool FeedStore::GetChannelLink(const QString &category, const QString &name, QString &link) {
@@ -97,33 +107,23 @@ bool FeedStore::RenameChannel(const QString &old, const QString &to) {
 }
 
 bool FeedStore::MoveChannel(const QString &name, const QString &category) {
-    return changeAndReopen(
-        [&] { return moveChannelRows(escapedChannelName(name), escapedCategory(category)); });
-}
-
-bool FeedStore::moveChannelRows(const QString &escapedName, const QString &escapedCategory) {
-    return runStatement(
-               QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
-                   .arg(escapedCategory, escapedName)) &&
-           runStatement(
-               QStringLiteral("UPDATE RSSCHRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
-                   .arg(escapedCategory, escapedName));
+    return changeAndReopen([&] {
+        const QString newCategory = escapedCategory(category);
+        const QString channel = escapedChannelName(name);
+        return runStatement(
+                   QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
+                       .arg(newCategory, channel)) &&
+               runStatement(
+                   QStringLiteral("UPDATE RSSCHRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
+                       .arg(newCategory, channel));
+    });
 }
 
 bool FeedStore::DeleteChannel(const QString &name) {
-    const auto guard = lock();
-    if (!session_)
-        return recordFailure(false);
-    SqliteTransaction transaction(*session_);
-    const bool isDone = transaction.isOpen() && deleteChannelRows(escapedChannelName(name));
-    return recordFailure(transaction.commit() && isDone);
-}
-
-bool FeedStore::deleteChannelRows(const QString &escapedName) {
-    return runStatement(QStringLiteral("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%1'")
-                            .arg(escapedName)) &&
-           runStatement(
-               QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(escapedName));
+    const QString channel = escapedChannelName(name);
+    return runStatements(
+        {QStringLiteral("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%1'").arg(channel),
+         QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(channel)});
 }
 
 bool FeedStore::RecountChannel(const QString &escapedName, ReadFlagCounts *counts) {
@@ -162,40 +162,23 @@ bool FeedStore::PublishTotalUnread() {
 }
 
 bool FeedStore::MoveCategory(const QString &from, const QString &to) {
+    const QString old = escapedCategory(from);
     const QString category = escapedCategory(to);
-    if (category == escapedCategory(from))
-        return true;
-    return changeCategory(from, [&](const QString &name) {
-        return moveChannelRows(escapedChannelName(name), category);
-    });
+    return runStatements(
+        {QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME IN "
+                        "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%2')")
+             .arg(category, old),
+         QStringLiteral("UPDATE RSSCHRecord SET CATEGORY = '%1' WHERE CATEGORY = '%2'")
+             .arg(category, old)});
 }
 
 bool FeedStore::DeleteCategoryChannels(const QString &category) {
-    return changeCategory(
-        category, [&](const QString &name) { return deleteChannelRows(escapedChannelName(name)); });
-}
-
-// A list holds only so many rows, so it is taken again until the category is empty.
-bool FeedStore::changeCategory(const QString &category,
-                               const std::function<bool(const QString &)> &changeChannel) {
-    const auto guard = lock();
-    if (!session_)
-        return recordFailure(false);
-    SqliteTransaction transaction(*session_);
-    const QString escaped = escapedCategory(category);
-    bool isDone = transaction.isOpen();
-    QStringList names;
-    QStringList namesBefore;
-    do {
-        namesBefore = std::exchange(names, {});
-        isDone = isDone && ListChannels(escaped);
-        for (const ChannelRow &channel : takeChannelRows())
-            names.append(channel.nameText());
-        // Channels that are still there would be there for ever.
-        isDone = isDone && (names.isEmpty() || names != namesBefore) &&
-                 std::all_of(names.cbegin(), names.cend(), changeChannel);
-    } while (isDone && !names.isEmpty());
-    return recordFailure(isDone && transaction.commit());
+    const QString old = escapedCategory(category);
+    return runStatements(
+        {QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME IN "
+                        "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%1')")
+             .arg(old),
+         QStringLiteral("DELETE FROM RSSCHRecord WHERE CATEGORY = '%1'").arg(old)});
 }
 
 } // namespace tidebrook

@@ -31,6 +31,16 @@ bool hasDropped(QStringView text) {
     return found != 0;
 }
 
+} // namespace
+
+QString withoutDropped(QStringView text) {
+    QString kept = text.toString();
+    kept.removeIf(isDropped);
+    return kept;
+}
+
+namespace {
+
 // Appends the text with its quotes doubled until it ends or `out` has `capacity` characters or
 // more. Every text of a feed comes through here, so what lies between quotes is copied whole.
 void appendQuoted(QStringView text, QString &out, qsizetype capacity) {
@@ -50,9 +60,7 @@ QString escaped(QStringView text, qsizetype capacity) {
     QString out;
     out.reserve(qMin(text.size(), capacity) + 2);
     if (hasDropped(text)) {
-        QString kept = text.toString();
-        kept.removeIf(isDropped);
-        appendQuoted(kept, out, capacity);
+        appendQuoted(withoutDropped(text), out, capacity);
     } else {
         appendQuoted(text, out, capacity);
     }

@@ -20,6 +20,9 @@ inline constexpr qsizetype descriptionCapacity = 3000;
 /// capacity. False, with `destination` untouched, when the source is null.
 bool EscapeSql(QStringView source, QString &destination, TextKind kind);
 
+/// A text without the characters that EscapeSql drops: what is stored of it.
+QString withoutDropped(QStringView text);
+
 /// A name cut to its capacity and escaped; empty for a null text.
 QString escapedCategory(const QString &category);
 QString escapedChannelName(const QString &name);

@@ -1,8 +1,10 @@
 #include "store/feed_store.h"
 
 #include "platform/file_lock.h"
+#include "store/error_codes.h"
 #include "store/seeding.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -13,9 +15,6 @@ namespace {
 
 constexpr QStringView databaseName = u"RSSVault.sdf";
 constexpr QStringView creationLock = u"\\run\\create.lock";
-
-constexpr quint32 databaseError = 1001;
-constexpr quint32 seedFileError = 1006;
 
 constexpr char16_t articleTable[] =
     u"CREATE TABLE RSSRecord (CHANNEL_NAME NCHAR(51), GUID NCHAR(256) UNIQUE, TITLE NCHAR(256), "
@@ -34,6 +33,13 @@ constexpr char16_t channelIndex[] =
 void removeStrayJournal(const QString &database) {
     QFile::remove(database + u"-wal");
     QFile::remove(database + u"-shm");
+}
+
+// What a killed process was building; nobody else builds while the lock is held.
+void removeUnfinished(const DeviceRoot &device) {
+    QDir temp(device.filePath(u"\\Temp"));
+    for (const QString &name : temp.entryList({QStringLiteral("RSSVault-*")}, QDir::Dirs))
+        QDir(temp.filePath(name)).removeRecursively();
 }
 
 bool hasTables(SqliteDatabase &database) {
@@ -64,6 +70,8 @@ std::unique_lock<std::recursive_mutex> FeedStore::lock() const { return std::uni
 
 bool FeedStore::Open() {
     const auto guard = lock();
+    if (isEnded_)
+        return recordFailure(false);
     if (QFileInfo::exists(device_.filePath(databaseName)))
         return OpenExisting();
     return CreateDatabase() && OpenExisting();
@@ -88,10 +96,11 @@ bool FeedStore::CreateDatabase() {
         return recordFailure(false);
     if (QFileInfo::exists(path)) // another process was first
         return true;
+    removeUnfinished(device_);
     const QTemporaryDir aside(device_.filePath(u"\\Temp\\RSSVault-XXXXXX"));
     const QString built = aside.filePath(databaseName.toString());
     auto database = SqliteDatabase::open(built, {.create = true});
-    const quint32 failure = database ? buildDatabase(*database) : databaseError;
+    const quint32 failure = database ? buildDatabase(*database) : DatabaseFailed;
     if (failure != 0) {
         error_ = failure;
         return false;
@@ -110,17 +119,17 @@ quint32 FeedStore::buildDatabase(SqliteDatabase &database) {
         return ExecuteNonQuery(command);
     };
     if (!run(articleTable) || !run(channelTable))
-        return databaseError;
+        return DatabaseFailed;
     const std::optional<QList<SeedChannel>> seed = readSeedChannels(device_);
     if (!seed)
-        return seedFileError;
+        return SeedFileMissing;
     for (const SeedChannel &channel : *seed) {
         if (!insertChannel(command, {channel.category, channel.name, channel.link}, nullptr))
-            return databaseError;
+            return DatabaseFailed;
     }
     // Only now, so that the seed is held to the columns' own constraints alone.
     const bool isBuilt = run(articleIndex) && run(channelIndex) && transaction.commit();
-    return isBuilt ? 0 : databaseError;
+    return isBuilt ? 0U : quint32{DatabaseFailed};
 }
 
 bool FeedStore::ReleaseSession() {
@@ -129,13 +138,17 @@ bool FeedStore::ReleaseSession() {
     return true;
 }
 
-bool FeedStore::Close() { return ReleaseSession(); }
+bool FeedStore::Close() {
+    const auto guard = lock();
+    isEnded_ = true;
+    return ReleaseSession();
+}
 
 SqlCommand FeedStore::newCommand() { return SqlCommand(*session_); }
 
 bool FeedStore::recordFailure(bool isDone) {
     if (!isDone)
-        error_ = databaseError;
+        error_ = DatabaseFailed;
     return isDone;
 }
 

@@ -80,9 +80,10 @@ public:
     /// Builds the database aside and puts it in place whole. False, with nothing left behind,
     /// when a part of it failed.
     bool CreateDatabase();
-    /// Closes the file; every operation fails until the next Open. Always true.
+    /// Closes the file. An operation that ends by opening it anew does so all the same; every other
+    /// one fails until the next Open. Always true.
     bool ReleaseSession();
-    /// Ends the store for good. Always true.
+    /// Ends the store for good: nothing opens it again. Always true.
     bool Close();
 
     // --- channels ---
@@ -94,6 +95,8 @@ public:
     /// Lists a category's channels into the row buffer; `escapedCategory` has been through
     /// EscapeSql. At most 606 rows.
     bool ListChannels(const QString &escapedCategory);
+    /// The category that a channel is in; null when there is no such channel.
+    bool FindCategory(const QString &name, QString &category);
     /// An empty link when there is no such channel.
     bool GetChannelLink(const QString &category, const QString &name, QString &link);
     bool SetChannelLink(const QString &name, const QString &link);
@@ -115,7 +118,8 @@ public:
 
     /// Lists a channel's articles into the row buffer. At most 110 rows.
     bool ListArticles(const QString &channel, SortMode mode);
-    /// Reads an article and marks it read. `detail` is empty when there is no such article.
+    /// Reads an article and marks it read. `detail` is empty when there is no such article. It is
+    /// filled also when only the marking failed.
     bool GetArticleDetail(const QString &channel, const QString &title, ArticleDetail &detail);
     bool MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle);
     bool MarkChannelRead(const QString &channel);
@@ -136,7 +140,8 @@ public:
 
     /// Runs `work` as one change of the database: all that it wrote is there when this returns
     /// true. False, with nothing changed, when the change could not be begun or stored (the code
-    /// is 1001). The store is locked meanwhile.
+    /// is 1001). The store is locked meanwhile. `work` may call operations of the store, but none
+    /// that opens the file anew: SetChannelLink, RenameChannel, MoveChannel, GetArticleDetail.
     bool changeAtOnce(const std::function<void(SqlCommand &)> &work);
 
 private:
@@ -162,10 +167,7 @@ private:
     bool changeAndReopen(const std::function<bool()> &work);
     bool insertChannel(SqlCommand &command, const ChannelRecord &record, QString *storedName);
     quint32 buildDatabase(SqliteDatabase &database);
-    bool deleteChannelRows(const QString &escapedName);
-    bool moveChannelRows(const QString &escapedName, const QString &escapedCategory);
-    bool changeCategory(const QString &category,
-                        const std::function<bool(const QString &)> &changeChannel);
+    bool runStatements(const QStringList &statements);
     bool markChannel(const QString &channel, int readFlag);
 
     mutable std::recursive_mutex mutex_; // guards everything below
@@ -174,6 +176,7 @@ private:
     const QString todayItemKey_;
 
     quint32 error_ = 0;
+    bool isEnded_ = false;
     std::unique_ptr<SqliteDatabase> session_; // null while closed
     QString statement_;                       // the one being run
     std::array<char, rowBufferSize> rows_{};

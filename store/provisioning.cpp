@@ -29,6 +29,8 @@ bool writeSeedFile(const DeviceRoot &device, const QByteArray &content) {
 bool writeFirstValues(const DeviceRoot &device, const QString &todayItemKey) {
     Registry registry(device);
     Registry::Batch batch(registry);
+    if (!batch.isOpen())
+        return false;
     for (const FirstValue &setting : updateSettings)
         registry.write(programKey, setting.name, setting.value);
     for (const FirstValue &setting : todaySettings)

@@ -9,10 +9,14 @@ namespace tidebrook {
 
 namespace {
 
+constexpr qsizetype untypedCapacity = 40; // of a column that is declared as no text
+
 // A value that fills its column loses its last character on the way out, and so fits the
 // callers' buffers.
 QString columnText(const SqlRowset &rows, int column) {
-    const qsizetype capacity = rows.columns()[static_cast<size_t>(column)].declaredSize - 1;
+    const SqlColumn &type = rows.columns()[static_cast<std::size_t>(column)];
+    const qsizetype capacity =
+        type.type == SqlColumn::Type::Text ? type.declaredSize - 1 : untypedCapacity;
     const QString text = rows.text(column);
     return trimTrailingBlanks(cutText(text, capacity)).toString();
 }
@@ -33,10 +37,22 @@ bool FeedStore::ExecuteNonQuery(SqlCommand &command) {
 
 bool FeedStore::runStatement(const QString &statement) {
     if (!session_)
-        return false;
+        return recordFailure(false);
     statement_ = statement;
     SqlCommand command = newCommand();
     return ExecuteNonQuery(command);
+}
+
+// All of them, or none.
+bool FeedStore::runStatements(const QStringList &statements) {
+    const auto guard = lock();
+    if (!session_)
+        return recordFailure(false);
+    SqliteTransaction transaction(*session_);
+    const bool isDone = transaction.isOpen() &&
+                        std::all_of(statements.begin(), statements.end(),
+                                    [this](const QString &one) { return runStatement(one); });
+    return recordFailure(isDone && transaction.commit());
 }
 
 bool FeedStore::query(const QString &statement, const std::function<bool(SqlCommand &)> &executor) {

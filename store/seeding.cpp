@@ -37,6 +37,8 @@ std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
     for (QStringView line : lines) {
         if (line.endsWith(u'\r'))
             line.chop(1);
+        if (line.isEmpty()) // a channel without a name would end every list that it is in
+            continue;
         const QList<QStringView> fields = line.split(u'\t');
         channels.append({field(fields, 0, channelNameCapacity), field(fields, 1, linkCapacity),
                          field(fields, 2, categoryCapacity)});
@@ -50,6 +52,8 @@ bool seedCategories(const DeviceRoot &device, Registry &registry) {
         return false;
     CategoryListStore categories(registry);
     Registry::Batch batch(registry);
+    if (!batch.isOpen())
+        return true;
     // Fields are taken in threes with no heed to lines, and empty ones vanish.
     QString delimited = *text;
     delimited.replace(u'\t', u'\n').replace(u'\r', u'\n');

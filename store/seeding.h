@@ -18,8 +18,9 @@ struct SeedChannel {
     QString category;
 };
 
-/// The channels of the device's seed file, `\windows\RSSChannels.txt`, one for each of its lines;
-/// fields that a line does not have are empty. Nothing when the file cannot be read.
+/// The channels of the device's seed file, `\windows\RSSChannels.txt`, one for each of its lines
+/// that is not empty; fields that a line does not have are empty. Nothing when the file cannot be
+/// read.
 std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device);
 
 /// Adds every category that the seed file names to the list, as one change of the registry: a

@@ -7,7 +7,9 @@ namespace tidebrook {
 bool SettingsStore::RegReadDword(QStringView key, QStringView name, quint32 &out) {
     const std::optional<RegistryValue> value = registry_.read(key, name);
     if (!value) {
-        RegWriteDword(key, name, 0);
+        // Never over a value that is there: a read may also fail because the file is locked.
+        if (registry_.create(key, name, quint32{0}))
+            registry_.flush();
         return false;
     }
     const quint32 *number = std::get_if<quint32>(&*value);

@@ -9,6 +9,8 @@ namespace tidebrook {
 
 /// The key of the system's own settings.
 inline constexpr QStringView programKey = u"Software\\Tamrel\\Feedlark";
+/// The key of the list of categories.
+inline constexpr QStringView categoriesKey = u"Software\\Tamrel\\Feedlark\\Categories";
 /// The key of the Today item: this, followed by the item's name.
 inline constexpr QStringView todayItemsKey = u"Software\\Microsoft\\Today\\Items\\";
 /// The keys of the two platform values that are read: "Cradled" and "Status".

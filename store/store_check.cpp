@@ -23,6 +23,7 @@ public:
             return faults_;
         checkCounts();
         checkOwners();
+        checkArticleCategories();
         checkCategories();
         return faults_;
     }
@@ -39,10 +40,13 @@ private:
     }
 
     void checkFile() {
-        forEachRow("PRAGMA integrity_check", [this](SqliteStatement &row) {
-            if (row.text(0) != u"ok")
-                faults_.append(QStringLiteral("database: %1").arg(row.text(0)));
-        });
+        for (const QString &fault : database_.faults())
+            faults_.append(QStringLiteral("database: %1").arg(fault));
+        forEachRow("SELECT count(*) FROM sqlite_master WHERE name IN ('PK_RECORD', 'PK_CHRD')",
+                   [this](SqliteStatement &row) {
+                       if (row.integer(0) != 2)
+                           faults_.append(QStringLiteral("database: an index is missing"));
+                   });
     }
 
     void checkCounts() {
@@ -70,6 +74,17 @@ private:
                    });
     }
 
+    void checkArticleCategories() {
+        forEachRow("SELECT c.CHANNEL_NAME, count(*) FROM RSSCHRecord c "
+                   "JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+                   "WHERE a.CATEGORY <> c.CATEGORY GROUP BY c.CHANNEL_NAME",
+                   [this](SqliteStatement &row) {
+                       faults_.append(
+                           QStringLiteral("channel \"%1\": %2 articles have another category")
+                               .arg(row.text(0), row.text(1)));
+                   });
+    }
+
     void checkCategories() {
         forEachRow("SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord", [this](SqliteStatement &row) {
             const QString category = trimTrailingBlanks(row.text(1)).toString();
@@ -86,10 +101,15 @@ private:
 
 QStringList listedCategories(Registry &registry, QStringList &faults) {
     SettingsStore settings(registry);
+    for (const QString &fault : registry.faults())
+        faults.append(QStringLiteral("registry: %1").arg(fault));
     QStringList names;
-    for (const Registry::NamedValue &value :
-         registry.values(u"Software\\Tamrel\\Feedlark\\Categories"))
+    const auto values = registry.values(categoriesKey);
+    for (const Registry::NamedValue &value : values.value_or(QList<Registry::NamedValue>())) {
         names.append(trimTrailingBlanks(value.name).toString());
+        if (!std::holds_alternative<quint32>(value.value))
+            faults.append(QStringLiteral("categories: \"%1\" is damaged").arg(value.name));
+    }
     const quint32 count = settings.dword(programKey, u"CategoryNumber");
     if (count != static_cast<quint32>(names.size()))
         faults.append(QStringLiteral("categories: the count is %1, but %2 are listed")

@@ -1,21 +1,16 @@
 #include "update/channel_update.h"
 
-#include "feed/feed_fetcher.h"
 #include "platform/pause.h"
+#include "update/refresh.h"
 
 namespace tidebrook {
 
 namespace {
 
-constexpr int fetcherPause = 1000; // ms, after the fetcher is made and before it goes
-constexpr quint32 recountFailed = 1001;
+constexpr int fetcherPause = 1000; // ms, before the channel is fetched and after it is stored
 
-bool recountAndReopen(FeedStore &store, const QString &channelName) {
+bool reopen(FeedStore &store) {
     const auto guard = store.lock();
-    if (!store.RecountChannel(escapeFeedText(channelName, channelNameCapacity))) {
-        store.recordError(recountFailed);
-        return false;
-    }
     store.ReleaseSession();
     return store.Open();
 }
@@ -26,13 +21,13 @@ bool updateChannel(const RefreshTarget &target, const RefreshJob &job, int *stor
     if (job.url.isNull() || job.channelName.isNull() || job.category.isNull())
         return false;
     target.store.clearError();
-    FeedFetcher fetcher(target.device, target.registry, target.store, target.limits);
     Pause(fetcherPause);
-    if (!fetcher.fetchAndParse(job.url, job.channelName, job.category))
-        target.store.recordError(fetcher.error());
+    const RefreshResult result = refreshChannel(target, job);
+    if (result.error != 0)
+        target.store.recordError(result.error);
     if (storedCount)
-        *storedCount = fetcher.storedCount();
-    const bool isOpen = recountAndReopen(target.store, job.channelName);
+        *storedCount = result.storedCount;
+    const bool isOpen = result.isCounted && reopen(target.store);
     Pause(fetcherPause);
     return isOpen;
 }

@@ -6,14 +6,13 @@
 #include <condition_variable>
 #include <mutex>
 #include <queue>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 namespace tidebrook {
 
 namespace {
-
-constexpr quint32 databaseError = 1001;
 
 // The workers take the next job from a common counter and put its index here when it is done.
 class DoneQueue {
@@ -38,23 +37,42 @@ private:
     std::queue<qsizetype> indices_;
 };
 
+// As many threads as there are to be had.
+std::vector<std::jthread> startWorkers(qsizetype count, const std::function<void()> &work) {
+    std::vector<std::jthread> workers;
+    try {
+        while (static_cast<qsizetype>(workers.size()) < count)
+            workers.emplace_back(work);
+    } catch (const std::system_error &) {
+        // The system has no more; those that have begun do the work.
+    }
+    return workers;
+}
+
 } // namespace
 
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job) {
-    FeedFetcher fetcher(target.device, target.registry, target.store, target.limits);
+    FeedFetcher fetcher(target.device, target.registry, target.limits);
     const bool isFetched = fetcher.fetch(job.url, job.channelName);
-    ReadFlagCounts counts;
-    bool isCounted = false;
-    const bool isStored = target.store.changeAtOnce([&](SqlCommand &command) {
-        if (isFetched)
-            fetcher.parse(command, job.channelName, job.category);
-        isCounted = target.store.RecountChannel(
-            escapeFeedText(job.channelName, channelNameCapacity), &counts);
+    RefreshResult result;
+    const bool isChanged = target.store.changeAtOnce([&](SqlCommand &command) {
+        // While the network was waited for, the channel may have been moved or deleted.
+        QString category;
+        if (!target.store.FindCategory(job.channelName, category))
+            return;
+        if (isFetched && category.isNull())
+            fetcher.fail(NothingKnown);
+        else if (isFetched)
+            fetcher.parse(command, job.channelName, category);
+        result.isCounted =
+            target.store.RecountChannel(escapedChannelName(job.channelName), &result.counts);
     });
-    if (isStored && isCounted)
-        return {fetcher.error(), fetcher.storedCount(), counts};
-    SetLastErrorCode(target.registry, databaseError);
-    return {databaseError, 0, {}};
+    result.isCounted = result.isCounted && isChanged;
+    if (!result.isCounted)
+        fetcher.fail(DatabaseFailed);
+    result.error = fetcher.error();
+    result.storedCount = isChanged ? fetcher.storedCount() : 0;
+    return result;
 }
 
 QList<RefreshResult>
@@ -69,9 +87,9 @@ refreshChannels(const RefreshTarget &target, const QList<RefreshJob> &jobs, int 
             done.put(index);
         }
     };
-    std::vector<std::jthread> workers;
-    for (qsizetype i = 0; i < qMin(qsizetype{parallel}, jobs.size()); ++i)
-        workers.emplace_back(work);
+    std::vector<std::jthread> workers = startWorkers(qMin(qsizetype{parallel}, jobs.size()), work);
+    if (workers.empty())
+        work();
     for (qsizetype i = 0; i < jobs.size(); ++i) {
         const qsizetype index = done.take();
         observer(index, results[static_cast<std::size_t>(index)]);

@@ -25,8 +25,9 @@ protected:
 
 QStringList names(Registry &registry) {
     QStringList all;
-    for (const Registry::NamedValue &value : registry.values(key))
-        all.append(value.name);
+    const auto values = registry.values(key);
+    for (qsizetype i = 0; values && i < values->size(); ++i)
+        all.append(values->at(i).name);
     return all;
 }
 
