@@ -56,6 +56,29 @@ TEST_F(BadGroundTest, APageThatIsDamagedIsFoundByCheck) {
     EXPECT_TRUE(check.out.startsWith(u"database: "));
 }
 
+TEST_F(BadGroundTest, DamageBehindTheHeaderIsNeverTakenForEmptiness) {
+    for (const QString &file : {u"RSSVault.sdf"_s, u"registry.db"_s}) {
+        QFile damaged(ctl_.filePath(file));
+        ASSERT_TRUE(damaged.open(QIODevice::ReadWrite));
+        const QByteArray sound = damaged.readAll();
+        damaged.seek(4096);
+        damaged.write(QByteArray(sound.size() - 4096, '\xFF'));
+        damaged.close();
+        for (const QStringList &call : QList<QStringList>{{u"channels"_s},
+                                                          {u"articles"_s, u"ch"_s},
+                                                          {u"update"_s},
+                                                          {u"init"_s},
+                                                          {u"check"_s}}) {
+            const CtlRun run = ctl_.run(call);
+            EXPECT_EQ(run.exitCode, 1) << call.join(u' ').toUtf8().constData();
+            EXPECT_FALSE(run.out.isEmpty() && run.err.isEmpty());
+        }
+        ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
+        damaged.write(sound);
+    }
+    EXPECT_EQ(ctl_.run({u"articles"_s, u"ch"_s}).lines().size(), 10);
+}
+
 TEST_F(BadGroundTest, ADamagedRegistryIsToldAndSeedsNothing) {
     damage(u"registry.db"_s);
     for (const QStringList &call : QList<QStringList>{{u"channels"_s}, {u"init"_s}}) {

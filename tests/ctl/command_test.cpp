@@ -91,6 +91,12 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         {{u"channels"_s, u"--no-such"_s}, 2},
         {{u"articles"_s, u"one"_s, u"--order"_s, u"size"_s}, 2},
         {{u"update"_s, u"--jobs"_s, u"0"_s}, 2},
+        {{u"update"_s, u"--jobs"_s, u"2"_s, u"--pauses"_s}, 2},
+        {{u"--home"_s, u""_s, u"channels"_s}, 2},
+        {{u"add-category"_s, u"A\uFEFF"_s}, 1},
+        {{u"add"_s, u"A"_s, u"\uFEFF"_s, u"http://x/"_s}, 1},
+        {{u"rename"_s, u"one"_s, u"\uFFFEtwo"_s}, 1},
+        {{u"rename"_s, u"one"_s, u"\t"_s}, 1},
         {{u"mark"_s, u"one"_s, u"seen"_s}, 2},
         {{u"setting"_s, u"SortMode"_s, u"big"_s}, 2},
         {{u"setting"_s, u"SortMode"_s}, 1},
@@ -120,6 +126,22 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         EXPECT_FALSE(run.err.isEmpty());
     }
     EXPECT_EQ(ok({u"channels"_s}) + ok({u"categories"_s}), before);
+}
+
+TEST_F(CommandTest, WhatAListShowsIsWhatACommandTakes) {
+    server_.serve(u"/feed"_s, "<rss><channel><item><title>Two\nlines</title><guid>1</guid>"
+                              "<description>Text</description></item></channel></rss>");
+    const QString name = QString(44, u'n') + u"'''''''";
+    EXPECT_EQ(ok({u"add"_s, u"C"_s, u"a\tb\uFEFFc"_s, u"http://x/"_s}), u"a bc\n");
+    ok({u"rename"_s, u"a bc"_s, u"d\te"_s});
+    ok({u"delete"_s, u"d e"_s});
+    const QString stored = ok({u"add"_s, u"C"_s, name, server_.url(u"/feed")}).chopped(1);
+    EXPECT_EQ(stored, name.left(50));
+    EXPECT_EQ(ok({u"update"_s}), QString(u"ok\t1\t1/1\t" + stored + u'\n'));
+    EXPECT_TRUE(ok({u"channels"_s}).startsWith(u"1/1\t"));
+    EXPECT_EQ(ok({u"articles"_s, stored}).section(u'\t', 2), u"Two lines\n");
+    EXPECT_TRUE(ok({u"show"_s, stored, u"Two lines"_s}).endsWith(u"Text\n"));
+    EXPECT_EQ(ok({u"check"_s}), u"");
 }
 
 TEST_F(CommandTest, AMissingDeviceIsMadeByInitAlone) {

@@ -40,27 +40,39 @@ protected:
     CtlProcess ctl_;
 };
 
-TEST_F(KillTest, ARefreshKilledAtAnyMomentLeavesASoundStore) {
+struct KillCase {
+    const char *what;
+    QStringList command;
+    QStringList nextCommand; // of every second round
+};
+
+class KilledCommand : public KillTest, public testing::WithParamInterface<KillCase> {};
+
+TEST_P(KilledCommand, AtAnyMomentLeavesASoundStore) {
     publish(0);
     for (int i = 0; i < channelCount; ++i)
         ctl_.run({u"add"_s, u"C"_s, u"ch %1"_s.arg(i), server_.url(u"/%1"_s.arg(i))});
+    ASSERT_EQ(ctl_.run({u"update"_s}).exitCode, 0);
+    publish(1);
     QElapsedTimer timer;
     timer.start();
-    ASSERT_EQ(ctl_.run({u"update"_s}).exitCode, 0);
-    const qint64 wholeRun = timer.elapsed();
+    ASSERT_EQ(ctl_.run(GetParam().command).exitCode, 0);
+    const qint64 wholeRun = timer.nsecsElapsed() / 1000;
 
     std::mt19937 random(2026); // the moments still differ, with the machine's load
     int killed = 0;
-    for (int round = 1; round <= killCount(); ++round) {
+    for (int round = 2; round < 2 + killCount(); ++round) {
         publish(round);
-        const auto update = ctl_.start({u"update"_s});
-        ASSERT_TRUE(update->waitForStarted());
-        QThread::msleep(std::uniform_int_distribution<unsigned long>(
+        const auto command =
+            ctl_.start(round % 2 == 0 ? GetParam().nextCommand : GetParam().command);
+        ASSERT_TRUE(command->waitForStarted());
+        QThread::usleep(std::uniform_int_distribution<unsigned long>(
             0, static_cast<unsigned long>(wholeRun))(random));
-        update->kill();
-        ASSERT_TRUE(update->waitForFinished());
-        killed += update->exitStatus() == QProcess::CrashExit ? 1 : 0;
+        command->kill();
+        ASSERT_TRUE(command->waitForFinished());
+        killed += command->exitStatus() == QProcess::CrashExit ? 1 : 0;
         expectSound();
+        EXPECT_EQ(ctl_.run({u"channels"_s}).lines().size(), channelCount);
     }
     EXPECT_GT(killed, 0) << "the kills came too late to mean anything";
 
@@ -70,6 +82,16 @@ TEST_F(KillTest, ARefreshKilledAtAnyMomentLeavesASoundStore) {
     EXPECT_EQ(ctl_.run({u"articles"_s, u"ch 0"_s}).out, newest);
     expectSound();
 }
+
+INSTANTIATE_TEST_SUITE_P(All, KilledCommand,
+                         testing::Values(KillCase{"Update", {u"update"_s}, {u"update"_s}},
+                                         KillCase{"UpdateAsForTheScreens",
+                                                  {u"update"_s, u"--pauses"_s},
+                                                  {u"update"_s, u"--pauses"_s}},
+                                         KillCase{"RenameCategory",
+                                                  {u"rename-category"_s, u"C"_s, u"D"_s},
+                                                  {u"rename-category"_s, u"D"_s, u"C"_s}}),
+                         [](const auto &test) { return std::string(test.param.what); });
 
 TEST_F(KillTest, AFirstStartKilledAtAnyMomentIsMadeGoodByTheNext) {
     const QString root = ctl_.filePath(u"fresh"_s);

@@ -85,7 +85,8 @@ TEST_F(RegistryTest, CountsOfConcurrentWritersAddUp) {
             Registry::Batch batch(registry);
             const auto value = registry.read(key, u"count");
             registry.write(key, u"count", std::get<quint32>(*value) + 1);
-            batch.commit();
+            EXPECT_TRUE(batch.commit());
+            EXPECT_TRUE(registry.flush()) << "what is stored must not be told to have failed";
         }
     };
     std::thread one(count);
@@ -93,6 +94,15 @@ TEST_F(RegistryTest, CountsOfConcurrentWritersAddUp) {
     one.join();
     other.join();
     EXPECT_EQ(Registry(root_).read(key, u"count"), RegistryValue(2 * rounds));
+}
+
+TEST_F(RegistryTest, ABatchThatCannotBeginSaysSo) {
+    Registry holder(root_);
+    Registry other(root_);
+    const Registry::Batch held(holder);
+    ASSERT_TRUE(held.isOpen());
+    const Registry::Batch refused(other);
+    EXPECT_FALSE(refused.isOpen());
 }
 
 TEST_F(RegistryTest, ADamagedFileIsToldAndLeftAsItIs) {

@@ -124,6 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
                      "<?xml version='1.0' encoding=\"windows-1251\"?><a>\xE9</a>", "ISO-8859-1",
                      QStringLiteral("й")},
         EncodingCase{"ContentType", "<a>\xE9</a>", "ISO-8859-1", QStringLiteral("é")},
+        EncodingCase{"UnknownContentType", "<a>\xC3\xA9</a>", "no-such", QStringLiteral("é")},
         EncodingCase{"ShiftJis", "<?xml version='1.0' encoding='Shift_JIS'?><a>\x93\xFA</a>", "",
                      QStringLiteral("日")},
         EncodingCase{"Utf16", encoded(QStringConverter::Utf16LE, QStringLiteral("<a>é😀</a>")), "",
