@@ -23,11 +23,9 @@ QList<RefreshResult> updateOneByOne(Device &device, const QList<RefreshJob> &job
     for (const RefreshJob &job : jobs) {
         RefreshResult result;
         const bool isOpen =
-            updateChannel({device.root, device.registry, device.store}, job, &result.storedCount);
-        result.error = device.store.error();
+            updateChannel({device.root, device.registry, device.store}, job, &result);
         if (!isOpen && result.error == 0)
             result.error = DatabaseFailed;
-        device.store.CountReadFlags(job.category, job.channelName, result.counts);
         observer(results.size(), result);
         results.append(result);
     }

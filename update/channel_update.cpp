@@ -1,7 +1,6 @@
 #include "update/channel_update.h"
 
 #include "platform/pause.h"
-#include "update/refresh.h"
 
 namespace tidebrook {
 
@@ -17,17 +16,17 @@ bool reopen(FeedStore &store) {
 
 } // namespace
 
-bool updateChannel(const RefreshTarget &target, const RefreshJob &job, int *storedCount) {
+bool updateChannel(const RefreshTarget &target, const RefreshJob &job, RefreshResult *result) {
     if (job.url.isNull() || job.channelName.isNull() || job.category.isNull())
         return false;
     target.store.clearError();
     Pause(fetcherPause);
-    const RefreshResult result = refreshChannel(target, job);
-    if (result.error != 0)
-        target.store.recordError(result.error);
-    if (storedCount)
-        *storedCount = result.storedCount;
-    const bool isOpen = result.isCounted && reopen(target.store);
+    const RefreshResult refreshed = refreshChannel(target, job);
+    if (refreshed.error != 0)
+        target.store.recordError(refreshed.error);
+    if (result)
+        *result = refreshed;
+    const bool isOpen = refreshed.isCounted && reopen(target.store);
     Pause(fetcherPause);
     return isOpen;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "update/refresh_job.h"
+#include "update/refresh.h"
 
 namespace tidebrook {
 
@@ -10,8 +10,8 @@ namespace tidebrook {
 ///
 /// The result tells whether the database is open again and the channel counted; false at once
 /// when a text of the job is null. Whether the refresh itself succeeded is told by the store's
-/// error field, which is 0 then: it is cleared at the start. `storedCount` is given how many
-/// articles are new.
-bool updateChannel(const RefreshTarget &target, const RefreshJob &job, int *storedCount = nullptr);
+/// error field, which is 0 then: it is cleared at the start. `result` is given what came of it.
+bool updateChannel(const RefreshTarget &target, const RefreshJob &job,
+                   RefreshResult *result = nullptr);
 
 } // namespace tidebrook

@@ -21,9 +21,9 @@ protected:
                                   "<item><title>b</title><guid>2</guid></item></channel></rss>");
     }
 
-    bool update(const QString &url, int *stored = nullptr) {
+    bool update(const QString &url, RefreshResult *result = nullptr) {
         return updateChannel({device_.root, *device_.registry, *device_.store},
-                             {url, u"It's"_s, u"C"_s}, stored);
+                             {url, u"It's"_s, u"C"_s}, result);
     }
 
     FeedServer server_;
@@ -31,13 +31,13 @@ protected:
 };
 
 TEST_F(ChannelUpdateTest, StoresCountsAndOpensTheDatabaseAgain) {
-    int stored = 0;
-    EXPECT_TRUE(update(server_.url(u"/feed"), &stored));
-    EXPECT_EQ(stored, 2);
+    RefreshResult result;
+    EXPECT_TRUE(update(server_.url(u"/feed"), &result));
+    EXPECT_EQ(result.storedCount, 2);
     EXPECT_EQ(device_.store->error(), 0u);
     EXPECT_EQ(device_.counts(u"C"_s, u"It's"_s), u"2/2");
-    EXPECT_TRUE(update(server_.url(u"/feed"), &stored));
-    EXPECT_EQ(stored, 0);
+    EXPECT_TRUE(update(server_.url(u"/feed"), &result));
+    EXPECT_EQ(result.storedCount, 0);
     EXPECT_EQ(device_.counts(u"C"_s, u"It's"_s), u"2/2");
 }
 
