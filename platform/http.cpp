@@ -135,16 +135,15 @@ HttpProgress progressOf(CURLcode code, const Transfer &transfer) {
         return HttpProgress::Complete;
     case CURLE_URL_MALFORMAT:
         return HttpProgress::NotOpened;
+    case CURLE_OPERATION_TIMEDOUT:
+        return transfer.wasConnected() ? HttpProgress::Incomplete : HttpProgress::NotSent;
+    // These may come behind a redirect, which is an answer, but not the one that was asked for.
     case CURLE_COULDNT_RESOLVE_HOST:
     case CURLE_COULDNT_RESOLVE_PROXY:
     case CURLE_COULDNT_CONNECT:
     case CURLE_TOO_MANY_REDIRECTS:
     case CURLE_UNSUPPORTED_PROTOCOL:
         return HttpProgress::NotSent;
-    case CURLE_FAILED_INIT:
-        return HttpProgress::NotSent;
-    case CURLE_OPERATION_TIMEDOUT:
-        return transfer.wasConnected() ? HttpProgress::Incomplete : HttpProgress::NotSent;
     default:
         return transfer.wasAnswered() ? HttpProgress::Incomplete : HttpProgress::NotSent;
     }
