@@ -16,7 +16,7 @@ constexpr qsizetype storedDescriptionLength = 2999;
 
 void trim(QString &text) {
     if (!text.startsWith(missingText))
-        text.truncate(trimTrailingBlanks(text).size());
+        text.truncate(TrimTrailingBlanks(text).size());
 }
 
 // The description loses as many characters at its end as it has quotes: its length counts before
@@ -29,6 +29,13 @@ QStringView cutDescription(QStringView escaped, qsizetype length) {
     if (quotes % 2 != 0)
         cut.chop(1);
     return cut;
+}
+
+QString insertStatement(const ArticleRecord &article) {
+    return u"INSERT INTO RSSRecord VALUES ('" % article.channelName % u"', '" % article.guid %
+           u"', '" % article.title % u"', '" % article.itemLink % u"' ,'" % article.description %
+           u"' ,'" % article.publicationDate % u"'," % (article.isRead ? u'1' : u'0') % u", " %
+           QString::number(article.timestamp) % u" ,'" % article.category % u"')";
 }
 
 } // namespace
@@ -67,23 +74,23 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote) ||
         category_.contains(quote))
         return false;
-    formatInsert(item, date);
+    statement_ = insertStatement(articleOf(item, date));
     const bool isIngested = execute();
     storedCount_ += lastStatus_ == ExecuteStatus::Done ? 1 : 0;
     return isIngested;
 }
 
-void ArticleIngestion::formatInsert(const ItemRecord &item, const QString &date) {
+ArticleRecord ArticleIngestion::articleOf(const ItemRecord &item, const QString &date) const {
     // A title of dropped characters alone is none; stored empty, it would end the list it is in.
     QString title = escapeFeedText(item.title, titleCapacity);
     if (title.isEmpty())
         title = missingText.toString();
     const qsizetype length = qMin(item.description.size(), storedDescriptionLength);
-    const QString description = escapeFeedText(item.description, descriptionCapacity);
-    const auto stamp = static_cast<quint32>(item.timestamp);
-    statement_ = u"INSERT INTO RSSRecord VALUES ('" % channelName_ % u"', '" % item.guid % u"', '" %
-                 title % u"', '" % item.link % u"' ,'" % cutDescription(description, length) %
-                 u"' ,'" % date % u"',0, " % QString::number(stamp) % u" ,'" % category_ % u"')";
+    QString description = escapeFeedText(item.description, descriptionCapacity);
+    description.truncate(cutDescription(description, length).size());
+    return {channelName_, item.guid, title, item.link,
+            description,  date,      false, static_cast<quint32>(item.timestamp),
+            category_};
 }
 
 } // namespace tidebrook

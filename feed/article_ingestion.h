@@ -2,6 +2,7 @@
 
 #include "feed/feed_records.h"
 #include "platform/sql.h"
+#include "store/article_record.h"
 
 #include <QString>
 
@@ -29,7 +30,7 @@ public:
 
 private:
     bool execute();
-    void formatInsert(const ItemRecord &item, const QString &date);
+    ArticleRecord articleOf(const ItemRecord &item, const QString &date) const;
 
     SqlCommand &command_;
     const QString channelName_; // escaped

@@ -10,7 +10,7 @@ QStringView cutText(QStringView text, qsizetype capacity) {
     return text.first(capacity);
 }
 
-QStringView trimTrailingBlanks(QStringView text) {
+QStringView TrimTrailingBlanks(QStringView text) {
     while (text.size() > 1 && (text.back() == u' ' || text.back() == u'\0'))
         text.chop(1);
     return text;

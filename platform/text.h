@@ -11,6 +11,6 @@ QStringView cutText(QStringView text, qsizetype capacity);
 
 /// The text without the blanks (U+0020) and terminators (U+0000) at its end. The first character
 /// is never taken, so a text of blanks alone keeps one.
-QStringView trimTrailingBlanks(QStringView text);
+QStringView TrimTrailingBlanks(QStringView text);
 
 } // namespace tidebrook

@@ -67,7 +67,7 @@ bool FeedStore::FindCategory(const QString &name, QString &category) {
                      .arg(escapedChannelName(name)),
                  [&](SqlCommand &command) {
                      return readRows(command, [&](const SqlRowset &rows) {
-                         category = trimTrailingBlanks(rows.text(0)).toString();
+                         category = TrimTrailingBlanks(rows.text(0)).toString();
                          return false;
                      });
                  });
@@ -84,7 +84,7 @@ bool FeedStore::GetChannelLink(const QString &category, const QString &name, QSt
 
 bool FeedStore::SetChannelLink(const QString &name, const QString &link) {
     return changeAndReopen([&] {
-        const QStringView trimmed = trimTrailingBlanks(cutText(link, linkCapacity));
+        const QStringView trimmed = TrimTrailingBlanks(cutText(link, linkCapacity));
         return isSafeLink(link) &&
                runStatement(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_LINK = '%1' WHERE "
                                            "CHANNEL_NAME='%2'")

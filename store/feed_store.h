@@ -49,7 +49,8 @@ enum class SortMode {
 ///
 /// Operations return whether they succeeded. The reason of a failure is kept as a code in
 /// `error()`, until another failure or `clearError()`; an operation that names no code leaves it
-/// as it is. No operation throws, shows anything, or waits for the network.
+/// as it is. No operation throws, shows anything, or waits for the network; one that writes waits
+/// up to five seconds for another process that does.
 ///
 /// A name is a category of 40, a channel of 50 or a title of 255 UTF-16 units at most; more is
 /// cut. Quotes and any other character are welcome in names; a link with a quote is refused.

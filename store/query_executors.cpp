@@ -18,7 +18,7 @@ QString columnText(const SqlRowset &rows, int column) {
     const qsizetype capacity =
         type.type == SqlColumn::Type::Text ? type.declaredSize - 1 : untypedCapacity;
     const QString text = rows.text(column);
-    return trimTrailingBlanks(cutText(text, capacity)).toString();
+    return TrimTrailingBlanks(cutText(text, capacity)).toString();
 }
 
 template <std::size_t capacity> void copyText(const QString &text, char16_t (&out)[capacity]) {

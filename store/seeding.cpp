@@ -21,7 +21,7 @@ std::optional<QString> readSeedFile(const DeviceRoot &device) {
 QString field(const QList<QStringView> &fields, qsizetype index, qsizetype capacity) {
     if (index >= fields.size())
         return QStringLiteral("");
-    return trimTrailingBlanks(cutText(fields[index], capacity)).toString();
+    return TrimTrailingBlanks(cutText(fields[index], capacity)).toString();
 }
 
 } // namespace
@@ -60,7 +60,7 @@ bool seedCategories(const DeviceRoot &device, Registry &registry) {
     const QStringList tokens = delimited.split(u'\n', Qt::SkipEmptyParts);
     for (qsizetype category = 2; category < tokens.size(); category += 3) {
         categories.AddCategory(
-            trimTrailingBlanks(cutText(tokens[category], categoryCapacity)).toString());
+            TrimTrailingBlanks(cutText(tokens[category], categoryCapacity)).toString());
     }
     if (batch.commit())
         registry.flush();

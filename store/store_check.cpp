@@ -87,7 +87,7 @@ private:
 
     void checkCategories() {
         forEachRow("SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord", [this](SqliteStatement &row) {
-            const QString category = trimTrailingBlanks(row.text(1)).toString();
+            const QString category = TrimTrailingBlanks(row.text(1)).toString();
             if (!categories_.contains(category))
                 faults_.append(QStringLiteral("channel \"%1\": its category \"%2\" is not listed")
                                    .arg(row.text(0), category));
@@ -106,7 +106,7 @@ QStringList listedCategories(Registry &registry, QStringList &faults) {
     QStringList names;
     const auto values = registry.values(categoriesKey);
     for (const Registry::NamedValue &value : values.value_or(QList<Registry::NamedValue>())) {
-        names.append(trimTrailingBlanks(value.name).toString());
+        names.append(TrimTrailingBlanks(value.name).toString());
         if (!std::holds_alternative<quint32>(value.value))
             faults.append(QStringLiteral("categories: \"%1\" is damaged").arg(value.name));
     }

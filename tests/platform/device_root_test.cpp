@@ -53,9 +53,9 @@ TEST(Text, CutsNeverHalveASurrogatePair) {
 }
 
 TEST(Text, TrimmingKeepsTheFirstCharacter) {
-    EXPECT_EQ(trimTrailingBlanks(u"  name  "), u"  name");
-    EXPECT_EQ(trimTrailingBlanks(u"   "), u" ");
-    EXPECT_EQ(trimTrailingBlanks(u""), u"");
+    EXPECT_EQ(TrimTrailingBlanks(u"  name  "), u"  name");
+    EXPECT_EQ(TrimTrailingBlanks(u"   "), u" ");
+    EXPECT_EQ(TrimTrailingBlanks(u""), u"");
 }
 
 } // namespace
