@@ -3,6 +3,8 @@
 #include "platform/text.h"
 #include "res/strings.h"
 
+#include <algorithm>
+
 namespace tidebrook {
 
 namespace {

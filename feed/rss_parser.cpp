@@ -11,7 +11,6 @@ namespace tidebrook {
 namespace {
 
 constexpr qsizetype dateCapacity = 40;
-constexpr qsizetype itemCategoryCapacity = 40;
 
 // Which field of a record an element fills, and how much of its text.
 template <typename Record> struct FieldRule {
@@ -41,7 +40,7 @@ constexpr std::array itemRules{
     FieldRule<ItemRecord>{"pubDate", &ItemRecord::publicationDate, dateCapacity},
     FieldRule<ItemRecord>{"link", &ItemRecord::link, linkCapacity},
     FieldRule<ItemRecord>{"guid", &ItemRecord::guid, linkCapacity},
-    FieldRule<ItemRecord>{"category", &ItemRecord::category, itemCategoryCapacity},
+    FieldRule<ItemRecord>{"category", &ItemRecord::category, categoryCapacity},
 };
 
 // An element without text leaves its field as it was.
@@ -66,7 +65,7 @@ RssParser::RssParser(SqlCommand &command, const QString &channelName,
     const QString missing = missingText.toString();
     emptyItem_ = {missing, missing, missing, missing, missing, missing, 0};
     if (category_)
-        emptyItem_.category = cutText(*category_, itemCategoryCapacity).toString();
+        emptyItem_.category = cutText(*category_, categoryCapacity).toString();
 }
 
 RssParser::Result RssParser::parse(XmlNode root) {

@@ -1,6 +1,7 @@
 #include "store/category_list.h"
 
 #include "platform/text.h"
+#include "store/escape_sql.h"
 
 namespace tidebrook {
 

@@ -7,8 +7,6 @@
 
 namespace tidebrook {
 
-inline constexpr qsizetype categoryCapacity = 40; // UTF-16 units of a category's name
-
 /// The categories' names in their stored order. A slot is null where the registry counts more
 /// categories than it holds.
 using CategoryList = QStringList;

@@ -9,7 +9,7 @@ namespace {
 qsizetype capacityOf(TextKind kind) {
     switch (kind) {
     case TextKind::Category:
-        return 40;
+        return categoryCapacity;
     case TextKind::ChannelName:
         return channelNameCapacity;
     case TextKind::Description:
@@ -30,16 +30,6 @@ bool hasDropped(QStringView text) {
         found |= static_cast<unsigned>(isDropped(c));
     return found != 0;
 }
-
-} // namespace
-
-QString withoutDropped(QStringView text) {
-    QString kept = text.toString();
-    kept.removeIf(isDropped);
-    return kept;
-}
-
-namespace {
 
 // Appends the text with its quotes doubled until it ends or `out` has `capacity` characters or
 // more. Every text of a feed comes through here, so what lies between quotes is copied whole.
@@ -73,6 +63,12 @@ QString escapedWithinCapacity(const QString &text, TextKind kind) {
 }
 
 } // namespace
+
+QString withoutDropped(QStringView text) {
+    QString kept = text.toString();
+    kept.removeIf(isDropped);
+    return kept;
+}
 
 bool EscapeSql(QStringView source, QString &destination, TextKind kind) {
     if (source.isNull())

@@ -9,6 +9,8 @@ namespace tidebrook {
 /// store have always passed.
 enum class TextKind { Category = 8, ChannelName = 9, Description = 10, Title = 11 };
 
+/// Capacities in UTF-16 units.
+inline constexpr qsizetype categoryCapacity = 40;
 inline constexpr qsizetype channelNameCapacity = 50;
 inline constexpr qsizetype titleCapacity = 255;
 inline constexpr qsizetype linkCapacity = 512;
