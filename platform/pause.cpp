@@ -1,5 +1,7 @@
 #include "platform/pause.h"
 
+#include "platform/stop_signal.h"
+
 #include <QtGlobal>
 
 #include <atomic>
@@ -23,10 +25,13 @@ std::atomic<int> &scale() {
 
 } // namespace
 
-void Pause(int milliseconds) {
+bool Pause(int milliseconds, const StopSignal *stop) {
     const auto scaled = std::chrono::milliseconds(milliseconds) * scale().load() / 100;
+    if (stop != nullptr)
+        return !stop->wait(scaled);
     if (scaled.count() > 0)
         std::this_thread::sleep_for(scaled);
+    return true;
 }
 
 void setPauseScale(int percent) { scale() = percent; }

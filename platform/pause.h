@@ -2,9 +2,12 @@
 
 namespace tidebrook {
 
+class StopSignal;
+
 /// Sleeps for one of the system's fixed pauses, given in milliseconds and scaled by
-/// `setPauseScale`. Never call it on the user-interface thread.
-void Pause(int milliseconds);
+/// `setPauseScale`; a `stop` that is raised ends it at once. False when `stop` is raised
+/// afterwards. Never call it on the user-interface thread.
+bool Pause(int milliseconds, const StopSignal *stop = nullptr);
 
 /// Scales every later pause to this many percent. The scale starts at the environment's
 /// TIDEBROOK_PAUSES, or at 100 where that is not set or no number. Thread-safe.
