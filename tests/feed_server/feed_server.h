@@ -11,6 +11,8 @@
 
 namespace tidebrook {
 
+class AnsweringServer;
+
 /// An HTTP server on the loopback device that answers what it is told to, faults included. It
 /// listens on 127.0.0.1 in a thread of its own and serves 64 connections at once.
 ///
@@ -26,8 +28,9 @@ public:
 
     struct Request {
         QByteArray method;
-        QByteArray path; // as sent: percent-encoded, with the query
-        Headers headers; // ordered by name
+        QByteArray path;                               // as sent: percent-encoded, with the query
+        Headers headers;                               // as sent, ordered by name
+        std::chrono::steady_clock::time_point arrived; // when its first byte was there
 
         /// The value of the first header of that name, whatever its case; null if there is none.
         QByteArray header(QByteArrayView name) const;
@@ -52,6 +55,12 @@ public:
     void serve(const QString &path, const QByteArray &body,
                const QByteArray &contentType = "text/xml");
 
+    /// Sends ETag and Last-Modified as they are given; an empty one is not sent. Answers 304,
+    /// with both and without a body, if the request's If-None-Match is the ETag byte for byte, or,
+    /// in a request without If-None-Match, if If-Modified-Since is the Last-Modified so.
+    void serveWithValidators(const QString &path, const QByteArray &body, const QByteArray &etag,
+                             const QByteArray &lastModified = {});
+
     /// Sends the body compressed, whether the client asked for that or not.
     void serveGzip(const QString &path, const QByteArray &body,
                    const QByteArray &contentType = "text/xml");
@@ -59,12 +68,21 @@ public:
     /// Serves the files below `directory` below `prefix`, as they are when they are asked for.
     void serveDirectory(const QString &prefix, const QString &directory);
 
+    /// Whether files of directories are sent with an ETag, which differs whenever their content
+    /// does, and are answered with 304 to whom has it. Not unless told.
+    void setDirectoryValidators(bool areSent);
+
     /// Serves generatedFeed(ITEMS, SEED) as `prefix`/ITEMS/SEED; each is made once and kept.
     void serveGenerated(const QString &prefix);
+
+    /// Whether generated feeds are sent with the ETag "ITEMS-SEED", in its quotes, and are answered
+    /// with 304 to whom has it. Not unless told.
+    void setGeneratedValidators(bool areSent);
 
     /// How long every request, from now on, waits for its answer.
     void setDelay(std::chrono::milliseconds delay);
 
+    /// Any status, as 503 with a Retry-After among the headers.
     void answerStatus(const QString &path, int status, const QByteArray &body = {},
                       const Headers &headers = {});
 
@@ -89,9 +107,26 @@ public:
     QList<Request> requests() const;
     void clearRequests();
 
+    /// What has passed the sockets of all connections, headers included. All that a client has
+    /// got of an answer, and has sent for it, is counted by then.
+    qint64 bytesReceived() const;
+    qint64 bytesSent() const;
+
+    /// How many connections have been accepted and begun to be served.
+    int connections() const;
+
+    /// The most requests that were being answered at once, in all or with that Host header
+    /// ("127.0.0.1:" and the port, for url()). A request is being answered from when its headers
+    /// were read, while it waits for the delay too, until its client can get the answer's last
+    /// byte or has closed the connection: one that makes its next request then counts as one.
+    int peakRequests() const;
+    int peakRequests(const QByteArray &host) const;
+
+    /// Sets the counts above to 0, and the peaks to the requests that are being answered now.
+    void clearCounts();
+
 private:
-    class Private;
-    std::unique_ptr<Private> d_;
+    std::unique_ptr<AnsweringServer> d_;
 };
 
 } // namespace tidebrook

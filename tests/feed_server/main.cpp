@@ -22,6 +22,7 @@ struct Options {
     int port = 0;
     QString portFile;
     std::chrono::milliseconds delay{0};
+    bool hasValidators = false;
     pid_t parent = 0; // 0: whichever it is
 };
 
@@ -52,6 +53,8 @@ void describe(QCommandLineParser &parser) {
          QStringLiteral("FILE")},
         {QStringLiteral("delay"), QStringLiteral("Wait MS milliseconds before every answer."),
          QStringLiteral("MS"), QStringLiteral("0")},
+        {QStringLiteral("validators"),
+         QStringLiteral("Send ETags, and answer 304 to clients that have the newest.")},
         {QStringLiteral("parent-pid"),
          QStringLiteral("End at once if the parent is no longer process PID."),
          QStringLiteral("PID"), QStringLiteral("0")},
@@ -80,6 +83,7 @@ std::optional<Options> read(const QCommandLineParser &parser) {
     options.port = *port;
     options.delay = std::chrono::milliseconds(*delay);
     options.parent = *parent;
+    options.hasValidators = parser.isSet(QStringLiteral("validators"));
     return options;
 }
 
@@ -120,6 +124,8 @@ int serve(const Options &options, const sigset_t &endingSignals) {
         if (!options.directory.isEmpty())
             server.serveDirectory(QStringLiteral("/"), options.directory);
         server.serveGenerated(QStringLiteral("/generated"));
+        server.setDirectoryValidators(options.hasValidators);
+        server.setGeneratedValidators(options.hasValidators);
         server.setDelay(options.delay);
         if (!announce(server, options.portFile))
             return 1;
