@@ -31,7 +31,12 @@ bool FeedFetcher::fail(quint32 code) {
 }
 
 // While roaming a request that does not get through is no failure to tell the user of.
-bool FeedFetcher::endQuietlyOrFail(quint32 code) { return isRoaming() || fail(code); }
+FeedFetcher::Taken FeedFetcher::endQuietlyOrFail(quint32 code) {
+    if (isRoaming())
+        return Taken::Document;
+    fail(code);
+    return Taken::Failed;
+}
 
 bool FeedFetcher::isRoaming() const {
     // The mask leaves out bit 0, which the comparison asks for, so this never holds. The test is
@@ -43,15 +48,11 @@ bool FeedFetcher::isRoaming() const {
 bool FeedFetcher::fetch(const QString &url, const QString &channelName) {
     if (url.isEmpty() || channelName.isEmpty())
         return fail(NothingKnown);
-    if (!fetchFromRequestObject(url))
-        return false;
-    if (document_ && document_->root().name() != "rss")
-        return fail(FeedNotRss);
-    return true;
+    const Taken taken = takeAnswer(httpGet({url}, limits_));
+    return taken == Taken::Unclear ? download(url) : taken != Taken::Failed;
 }
 
-bool FeedFetcher::fetchFromRequestObject(const QString &url) {
-    const HttpAnswer answer = httpGet(url, limits_);
+FeedFetcher::Taken FeedFetcher::takeAnswer(const HttpAnswer &answer) {
     switch (answer.progress) {
     case HttpProgress::NotOpened:
     case HttpProgress::NotSent:
@@ -61,28 +62,32 @@ bool FeedFetcher::fetchFromRequestObject(const QString &url) {
     case HttpProgress::Complete:
         break;
     }
+    isUnchanged_ = answer.isUnchanged;
+    if (isUnchanged_)
+        return Taken::Unchanged;
     document_ = XmlDocument::parse(answer.body, answer.charset);
     if (document_)
-        return true;
-    if (answer.body.isEmpty()) {
-        // The user is told of a feed that says nothing; the run itself ends as a failed download.
-        recordError(FeedNotRss);
-        error_ = FeedNotDownloaded;
-        return false;
-    }
-    return fetchThroughFile(url);
+        return checkRoot() ? Taken::Document : Taken::Failed;
+    if (!answer.body.isEmpty())
+        return Taken::Unclear;
+    // The user is told of a feed that says nothing; the run itself ends as a failed download.
+    recordError(FeedNotRss);
+    error_ = FeedNotDownloaded;
+    return Taken::Failed;
 }
 
-bool FeedFetcher::fetchThroughFile(const QString &url) {
+bool FeedFetcher::checkRoot() { return document_->root().name() == "rss" || fail(FeedNotRss); }
+
+bool FeedFetcher::download(const QString &url) {
     // The file has one fixed place, and several channels may be refreshed at once: each downloads
     // into a file without a name, reads that, and puts it in the fixed place when it is whole.
     QTemporaryFile file(device_.filePath(tempFile) + u".XXXXXX");
     if (!file.open() || !downloadToTempFile(url, file))
         return fail(FeedNotDownloaded);
-    Pause(loadPause);
+    Pause(loadPause, limits_.stop);
     file.seek(0);
     document_ = XmlDocument::parse(file.readAll());
-    return document_.has_value() || fail(FeedNotXml);
+    return document_.has_value() ? checkRoot() : fail(FeedNotXml);
 }
 
 bool FeedFetcher::downloadToTempFile(const QString &url, QTemporaryFile &file) {
@@ -94,6 +99,9 @@ bool FeedFetcher::downloadToTempFile(const QString &url, QTemporaryFile &file) {
 }
 
 bool FeedFetcher::parse(SqlCommand &command, const QString &channelName, const QString &category) {
+    if (isUnchanged_)
+        return ArticleIngestion(command, channelName, category).pruneChannel() ||
+               fail(DatabaseFailed);
     if (!document_) // the request ended quietly
         return true;
     RssParser parser(command, channelName, category);

@@ -31,8 +31,22 @@ public:
     /// seconds at most; the store is not touched.
     bool fetch(const QString &url, const QString &channelName);
 
+    /// What has become of an answer.
+    enum class Taken {
+        Document,  ///< it is an RSS document, or nothing to tell of
+        Unchanged, ///< the document that was stored last is still the newest
+        Unclear,   ///< a text that is no document: `download` is left to try
+        Failed,
+    };
+
+    /// The first half of `fetch`, for whoever has made the request himself.
+    Taken takeAnswer(const HttpAnswer &answer);
+
+    /// The second half: gets the document once more by the direct transport.
+    bool download(const QString &url);
+
     /// Stores what `fetch` got, once it has succeeded, inside a change of the database that the
-    /// caller has begun.
+    /// caller has begun. Where nothing has changed it only prunes.
     bool parse(SqlCommand &command, const QString &channelName, const QString &category);
 
     /// Records a failure that is none of the fetch's own. Always false.
@@ -42,11 +56,10 @@ public:
     int storedCount() const { return storedCount_; }
 
 private:
-    bool fetchFromRequestObject(const QString &url);
-    bool fetchThroughFile(const QString &url);
     bool downloadToTempFile(const QString &url, QTemporaryFile &file);
     bool isRoaming() const;
-    bool endQuietlyOrFail(quint32 code);
+    Taken endQuietlyOrFail(quint32 code);
+    bool checkRoot();
     void recordError(quint32 code);
 
     const DeviceRoot device_;
@@ -54,6 +67,7 @@ private:
     const HttpLimits limits_;
     quint32 error_ = 0;
     std::optional<XmlDocument> document_;
+    bool isUnchanged_ = false;
     int storedCount_ = 0;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/clock.h"
 
+#include <time.h>
+
 #include <atomic>
 #include <limits>
 
@@ -19,6 +21,13 @@ QDateTime utcNow() {
 }
 
 QDateTime localNow() { return utcNow().toLocalTime(); }
+
+std::chrono::milliseconds uptime() {
+    timespec time{};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+}
 
 FixedClock::FixedClock(const QDateTime &moment) { fixedMsecs = moment.toMSecsSinceEpoch(); }
 

@@ -8,6 +8,8 @@
 
 namespace tidebrook {
 
+class StopSignal;
+
 /// What one transfer may take. Both transports one after the other, with the pause between them,
 /// answer within 50 seconds under these.
 struct HttpLimits {
@@ -15,27 +17,46 @@ struct HttpLimits {
     std::chrono::milliseconds requestObject{25'000}; // a whole transfer of the request object
     std::chrono::milliseconds direct{22'000};        // a whole transfer of the direct download
     qint64 bodyBytes = 32 * 1024 * 1024;             // after decompression
+    const StopSignal *stop = nullptr;                // ends a transfer at once when it is raised
+};
+
+/// What a server told of the state of a document, byte for byte; empty where it told nothing or
+/// more than a kilobyte. Sent back, it has the server answer 304 while the document is the same.
+struct HttpValidators {
+    QByteArray etag;
+    QByteArray lastModified;
+
+    bool isEmpty() const { return etag.isEmpty() && lastModified.isEmpty(); }
+};
+
+struct HttpRequest {
+    QString url;
+    HttpValidators validators = {};
 };
 
 /// How far a request got.
 enum class HttpProgress {
     NotOpened,  ///< the address is none that can be requested: malformed, or not http or https
     NotSent,    ///< the server could not be reached, or sent on for ever or to another scheme
-    Incomplete, ///< the answer did not come whole: cut off, too slow or too large
+    Incomplete, ///< the answer did not come whole: cut off, too slow, too large or stopped
     Complete,   ///< the answer is here, whatever its status
 };
 
 struct HttpAnswer {
     HttpProgress progress = HttpProgress::NotOpened;
+    int status = 0;           ///< 0 when the server did not answer
+    bool isUnchanged = false; ///< the document is the one that the request's validators are of
     QByteArray body;
     QByteArray charset; ///< of the Content-Type; empty when it names none
-    QString detail;     ///< for the log: why the request is not complete
+    HttpValidators validators;
+    std::chrono::seconds retryAfter{0}; ///< how long the server asks to be left alone
+    QString detail;                     ///< for the log: why the request is not complete
 };
 
 /// A synchronous GET with the settings of the system's request object: its proxy, http or https,
 /// the address's own port. At most 10 redirects are followed, to http and https only, and gzip is
 /// accepted. Thread-safe.
-HttpAnswer httpGet(const QString &url, const HttpLimits &limits = {});
+HttpAnswer httpGet(const HttpRequest &request, const HttpLimits &limits = {});
 
 /// A synchronous plain download past any proxy: always http on port 80, whatever scheme and port
 /// the address has. The body goes into `sink` byte for byte as it comes. Where the environment's

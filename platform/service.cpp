@@ -10,7 +10,10 @@
 #include <QStandardPaths>
 
 #include <signal.h>
+
+extern "C" { // glibc 2.36 forgot to say so itself
 #include <sys/pidfd.h>
+}
 
 namespace tidebrook {
 

@@ -20,14 +20,14 @@ bool updateChannel(const RefreshTarget &target, const RefreshJob &job, RefreshRe
     if (job.url.isNull() || job.channelName.isNull() || job.category.isNull())
         return false;
     target.store.clearError();
-    Pause(fetcherPause);
+    Pause(fetcherPause, target.limits.stop);
     const RefreshResult refreshed = refreshChannel(target, job);
     if (refreshed.error != 0)
         target.store.recordError(refreshed.error);
     if (result)
         *result = refreshed;
     const bool isOpen = refreshed.isCounted && reopen(target.store);
-    Pause(fetcherPause);
+    Pause(fetcherPause, target.limits.stop);
     return isOpen;
 }
 

@@ -1,7 +1,5 @@
 #include "update/refresh.h"
 
-#include "feed/feed_fetcher.h"
-
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -53,7 +51,11 @@ std::vector<std::jthread> startWorkers(qsizetype count, const std::function<void
 
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job) {
     FeedFetcher fetcher(target.device, target.registry, target.limits);
-    const bool isFetched = fetcher.fetch(job.url, job.channelName);
+    return storeFetched(target, job, fetcher, fetcher.fetch(job.url, job.channelName));
+}
+
+RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, FeedFetcher &fetcher,
+                           bool isFetched) {
     RefreshResult result;
     const bool isChanged = target.store.changeAtOnce([&](SqlCommand &command) {
         // While the network was waited for, the channel may have been moved or deleted.

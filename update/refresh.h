@@ -1,5 +1,6 @@
 #pragma once
 
+#include "feed/feed_fetcher.h"
 #include "update/refresh_job.h"
 
 #include <QList>
@@ -19,6 +20,11 @@ struct RefreshResult {
 /// Refreshes one channel without pauses: fetches, and then stores, prunes and counts as one
 /// change of the database, which syncs once. Waits for the network; thread-safe.
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job);
+
+/// The second half of a refresh, for whoever has driven the fetcher himself: stores what it got,
+/// if `isFetched`, and counts. Waits for no network.
+RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, FeedFetcher &fetcher,
+                           bool isFetched);
 
 /// Refreshes channels, up to `parallel` (1 or more) at a time on threads of its own, which have
 /// ended when it returns. `observer` is told of each channel as it ends (its index, and its

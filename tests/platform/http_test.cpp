@@ -23,7 +23,7 @@ const HttpLimits hastyLimits{milliseconds(300), milliseconds(300), milliseconds(
 class HttpTest : public testing::Test {
 protected:
     HttpAnswer get(const QString &path, const HttpLimits &limits = smallLimits) {
-        return httpGet(server_.url(path), limits);
+        return httpGet({server_.url(path)}, limits);
     }
 
     FeedServer server_;
@@ -60,10 +60,10 @@ TEST_F(HttpTest, ServersThatFailAreToldApart) {
     for (const QStringView path : {u"/circle", u"/file", u"/refused"})
         EXPECT_EQ(get(path.toString()).progress, HttpProgress::NotSent)
             << path.toUtf8().constData();
-    EXPECT_EQ(httpGet(u"http://127.0.0.1:1/"_s).progress, HttpProgress::NotSent);
+    EXPECT_EQ(httpGet({u"http://127.0.0.1:1/"_s}).progress, HttpProgress::NotSent);
     for (const QStringView url : {u"", u"file:///etc/passwd", u"ftp://127.0.0.1/", u"http://",
                                   u"no address", u"gopher://127.0.0.1/"})
-        EXPECT_EQ(httpGet(url.toString()).progress, HttpProgress::NotOpened)
+        EXPECT_EQ(httpGet({url.toString()}).progress, HttpProgress::NotOpened)
             << url.toUtf8().constData();
 }
 

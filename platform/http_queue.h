@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/http.h"
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+namespace tidebrook {
+
+/// What a queue of requests tells, on the thread that runs it, by the requests' indices.
+struct HttpQueueObserver {
+    /// Asked when it is a request's turn; false leaves it out.
+    std::function<bool(std::size_t)> isWanted;
+    /// The answer to a request that was sent.
+    std::function<void(std::size_t, const HttpAnswer &)> takeAnswer;
+};
+
+/// Makes GETs as `httpGet` does, up to `parallel` at a time on the calling thread, in their order
+/// but for those whose host is busy: there are never two connections at once to one host, also
+/// when others redirect there. Connections serve one request after another and are closed when it
+/// returns. When `limits.stop` is raised it returns at once, and what has no answer gets none.
+void httpGetAll(const std::vector<HttpRequest> &requests, int parallel, const HttpLimits &limits,
+                const HttpQueueObserver &observer);
+
+} // namespace tidebrook

@@ -1,0 +1,217 @@
+#include "platform/http_transfer.h"
+
+#include "platform/stop_signal.h"
+
+namespace tidebrook {
+
+namespace {
+
+constexpr char webSchemes[] = "http,https";
+constexpr long redirectLimit = 10;
+constexpr long receiveBuffer = 128 * 1024; // bytes; fewer and larger pieces cost less
+constexpr qsizetype validatorLimit = 1024; // bytes; servers send far shorter ones
+constexpr int notModified = 304;
+constexpr int longestPoll = 60'000; // ms; curl asks for less when it has to do something
+
+// The library wants to be set up once, before a second thread uses it.
+bool isCurlReady() {
+    static const bool isReady = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    return isReady;
+}
+
+HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
+    switch (code) {
+    case CURLE_OK:
+        return HttpProgress::Complete;
+    case CURLE_URL_MALFORMAT:
+        return HttpProgress::NotOpened;
+    case CURLE_OPERATION_TIMEDOUT:
+        return transfer.number(CURLINFO_CONNECT_TIME_T) > 0 ? HttpProgress::Incomplete
+                                                            : HttpProgress::NotSent;
+    case CURLE_ABORTED_BY_CALLBACK:
+        return HttpProgress::Incomplete;
+    // These may come behind a redirect, which is an answer, but not the one that was asked for.
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_TOO_MANY_REDIRECTS:
+    case CURLE_UNSUPPORTED_PROTOCOL:
+        return HttpProgress::NotSent;
+    default:
+        return transfer.status() != 0 ? HttpProgress::Incomplete : HttpProgress::NotSent;
+    }
+}
+
+QByteArray charsetOf(const QByteArray &contentType) {
+    const QList<QByteArray> parts = contentType.split(';');
+    for (const QByteArray &part : parts) {
+        const QByteArray parameter = part.trimmed();
+        if (parameter.first(qMin(parameter.size(), qsizetype(8))).toLower() == "charset=")
+            return parameter.sliced(8).replace('"', "").replace('\'', "").trimmed();
+    }
+    return {};
+}
+
+// A longer one would only be sent back for nothing.
+QByteArray keptValidator(const QByteArray &value) {
+    return value.size() <= validatorLimit ? value : QByteArray();
+}
+
+} // namespace
+
+CurlUrl parseUrl(const QString &text) {
+    CurlUrl url(curl_url());
+    const QByteArray utf8 = text.trimmed().toUtf8();
+    const CURLUcode code =
+        curl_url_set(url.get(), CURLUPART_URL, utf8.constData(), CURLU_URLENCODE);
+    return code == CURLUE_OK ? std::move(url) : nullptr;
+}
+
+QByteArray partOf(const CurlUrl &url, CURLUPart part) {
+    char *value = nullptr;
+    if (curl_url_get(url.get(), part, &value, 0) != CURLUE_OK)
+        return {};
+    QByteArray copy(value);
+    curl_free(value);
+    return copy;
+}
+
+CurlList headerList(std::initializer_list<QByteArray> headers) {
+    CurlList list;
+    for (const QByteArray &header : headers) {
+        if (!header.isEmpty())
+            list.reset(curl_slist_append(list.release(), header.constData()));
+    }
+    return list;
+}
+
+CurlMulti newMulti() { return CurlMulti(isCurlReady() ? curl_multi_init() : nullptr); }
+
+HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
+    : easy_(isCurlReady() ? curl_easy_init() : nullptr), sink_(std::move(sink)),
+      bodyLeft_(bodyLimit) {
+    if (!easy_)
+        return;
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_QUICK_EXIT, 1L); // a time limit does not wait for a slow name server
+    set(CURLOPT_FOLLOWLOCATION, 1L);
+    set(CURLOPT_MAXREDIRS, redirectLimit);
+    set(CURLOPT_PROTOCOLS_STR, webSchemes);
+    set(CURLOPT_REDIR_PROTOCOLS_STR, webSchemes);
+    set(CURLOPT_BUFFERSIZE, receiveBuffer);
+    set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_WRITEFUNCTION, &HttpTransfer::receive);
+}
+
+HttpTransfer::~HttpTransfer() { curl_easy_cleanup(easy_); }
+
+void HttpTransfer::setTimeLimits(const HttpLimits &limits, std::chrono::milliseconds whole) {
+    set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count()));
+    set(CURLOPT_TIMEOUT_MS, static_cast<long>(whole.count()));
+}
+
+void HttpTransfer::setHeaders(CurlList headers) {
+    headers_ = std::move(headers);
+    set(CURLOPT_HTTPHEADER, headers_.get());
+}
+
+CURLcode HttpTransfer::perform(const StopSignal *stop) {
+    if (!easy_)
+        return CURLE_FAILED_INIT;
+    if (!stop)
+        return curl_easy_perform(easy_);
+    const CurlMulti multi = newMulti();
+    if (!multi || curl_multi_add_handle(multi.get(), easy_) != CURLM_OK)
+        return CURLE_FAILED_INIT;
+    curl_waitfd stopped{stop->descriptor(), CURL_WAIT_POLLIN, 0};
+    CURLcode result = CURLE_ABORTED_BY_CALLBACK;
+    while (!stop->isRaised()) {
+        int running = 0;
+        if (curl_multi_perform(multi.get(), &running) != CURLM_OK)
+            break;
+        int left = 0;
+        const CURLMsg *message = curl_multi_info_read(multi.get(), &left);
+        if (message) {
+            result = message->data.result;
+            break;
+        }
+        curl_multi_poll(multi.get(), &stopped, 1, longestPoll, nullptr);
+    }
+    curl_multi_remove_handle(multi.get(), easy_);
+    return result;
+}
+
+QByteArray HttpTransfer::header(const char *name) const {
+    curl_header *found = nullptr;
+    if (curl_easy_header(easy_, name, 0, CURLH_HEADER, -1, &found) != CURLHE_OK)
+        return {};
+    return QByteArray(found->value);
+}
+
+qint64 HttpTransfer::number(CURLINFO info) const {
+    curl_off_t number = 0;
+    curl_easy_getinfo(easy_, info, &number);
+    return qint64{number};
+}
+
+long HttpTransfer::status() const {
+    long status = 0;
+    curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
+    return status;
+}
+
+size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
+    auto *transfer = static_cast<HttpTransfer *>(self);
+    transfer->bodyLeft_ -= static_cast<qint64>(size);
+    const bool isTaken =
+        transfer->bodyLeft_ >= 0 && transfer->sink_(data, static_cast<qint64>(size));
+    return isTaken ? size : 0;
+}
+
+HttpGet::HttpGet(const HttpRequest &request, const HttpLimits &limits)
+    : limits_(limits), transfer_([this](const char *data, qint64 size) { return keep(data, size); },
+                                 limits.bodyBytes),
+      isConditional_(!request.validators.isEmpty()) {
+    const CurlUrl parsed = parseUrl(request.url);
+    const QByteArray scheme = parsed ? partOf(parsed, CURLUPART_SCHEME).toLower() : QByteArray();
+    isOpened_ = transfer_.handle() && (scheme == "http" || scheme == "https");
+    if (!isOpened_) {
+        answer_.detail = QStringLiteral("not an address of the web");
+        return;
+    }
+    const auto headerOf = [](const QByteArray &name, const QByteArray &value) {
+        return value.isEmpty() ? QByteArray() : QByteArray(name + ": " + value);
+    };
+    transfer_.setHeaders(
+        headerList({"Content-Type: text/xml", headerOf("If-None-Match", request.validators.etag),
+                    headerOf("If-Modified-Since", request.validators.lastModified)}));
+    transfer_.set(CURLOPT_URL, partOf(parsed, CURLUPART_URL).constData());
+    transfer_.set(CURLOPT_USERAGENT, "Tidebrook/" TIDEBROOK_VERSION);
+    transfer_.set(CURLOPT_ACCEPT_ENCODING, "");
+    transfer_.setTimeLimits(limits, limits.requestObject);
+}
+
+bool HttpGet::keep(const char *data, qint64 size) {
+    if (answer_.body.isEmpty())
+        answer_.body.reserve(
+            qBound(0LL, transfer_.number(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T), limits_.bodyBytes));
+    answer_.body.append(data, size);
+    return true;
+}
+
+HttpAnswer HttpGet::takeAnswer(CURLcode code) {
+    answer_.progress = progressOf(code, transfer_);
+    answer_.status = static_cast<int>(transfer_.status());
+    answer_.retryAfter = std::chrono::seconds(transfer_.number(CURLINFO_RETRY_AFTER));
+    if (answer_.progress != HttpProgress::Complete) {
+        answer_.detail = QString::fromUtf8(curl_easy_strerror(code));
+        return std::move(answer_);
+    }
+    answer_.isUnchanged = isConditional_ && answer_.status == notModified;
+    answer_.charset = charsetOf(transfer_.header("Content-Type"));
+    answer_.validators = {keptValidator(transfer_.header("ETag")),
+                          keptValidator(transfer_.header("Last-Modified"))};
+    return std::move(answer_);
+}
+
+} // namespace tidebrook

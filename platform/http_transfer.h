@@ -1,0 +1,92 @@
+#pragma once
+
+#include "platform/http.h"
+
+#include <curl/curl.h>
+
+#include <functional>
+#include <initializer_list>
+#include <memory>
+
+namespace tidebrook {
+
+// What the transports of this room share over libcurl. Nobody else includes this.
+
+struct CurlMultiCleanup {
+    void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }
+};
+struct CurlListFree {
+    void operator()(curl_slist *list) const { curl_slist_free_all(list); }
+};
+struct CurlUrlCleanup {
+    void operator()(CURLU *url) const { curl_url_cleanup(url); }
+};
+using CurlMulti = std::unique_ptr<CURLM, CurlMultiCleanup>;
+using CurlList = std::unique_ptr<curl_slist, CurlListFree>;
+using CurlUrl = std::unique_ptr<CURLU, CurlUrlCleanup>;
+
+/// Null for a text that is no address.
+CurlUrl parseUrl(const QString &text);
+QByteArray partOf(const CurlUrl &url, CURLUPart part);
+CurlList headerList(std::initializer_list<QByteArray> headers);
+CurlMulti newMulti();
+
+/// One transfer: hands the body on piece by piece and keeps its size within the limit. It is on
+/// its way between its curl handle's being added to a multi handle and being taken out of it.
+class HttpTransfer {
+public:
+    using Sink = std::function<bool(const char *, qint64)>;
+
+    HttpTransfer(Sink sink, qint64 bodyLimit);
+    ~HttpTransfer();
+    HttpTransfer(const HttpTransfer &) = delete;
+    HttpTransfer &operator=(const HttpTransfer &) = delete;
+
+    CURL *handle() const { return easy_; }
+
+    template <typename Value> void set(CURLoption option, Value value) {
+        curl_easy_setopt(easy_, option, value);
+    }
+    void setTimeLimits(const HttpLimits &limits, std::chrono::milliseconds whole);
+    /// The list is copied by nobody, so this keeps it.
+    void setHeaders(CurlList headers);
+
+    /// Runs it on this thread to its end, or until `stop` is raised.
+    CURLcode perform(const StopSignal *stop);
+
+    /// The value of a header of the answer, or nothing.
+    QByteArray header(const char *name) const;
+    qint64 number(CURLINFO info) const;
+    long status() const;
+
+private:
+    static size_t receive(char *data, size_t, size_t size, void *self);
+
+    CURL *easy_;
+    CurlList headers_;
+    Sink sink_;
+    qint64 bodyLeft_;
+};
+
+/// A GET with the settings of the system's request object.
+class HttpGet {
+public:
+    HttpGet(const HttpRequest &request, const HttpLimits &limits);
+
+    /// False when the address is none that can be requested; then there is nothing to run.
+    bool isOpened() const { return isOpened_; }
+    HttpTransfer &transfer() { return transfer_; }
+    /// The answer, once the transfer has ended so.
+    HttpAnswer takeAnswer(CURLcode code);
+
+private:
+    bool keep(const char *data, qint64 size);
+
+    const HttpLimits limits_;
+    HttpTransfer transfer_;
+    HttpAnswer answer_;
+    bool isOpened_ = false;
+    const bool isConditional_;
+};
+
+} // namespace tidebrook
