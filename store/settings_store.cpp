@@ -4,6 +4,8 @@
 
 namespace tidebrook {
 
+QString todayItemKey(const QString &itemName) { return todayItemsKey + itemName; }
+
 bool SettingsStore::RegReadDword(QStringView key, QStringView name, quint32 &out) {
     const std::optional<RegistryValue> value = registry_.read(key, name);
     if (!value) {

@@ -13,6 +13,7 @@ inline constexpr QStringView programKey = u"Software\\Tamrel\\Feedlark";
 inline constexpr QStringView categoriesKey = u"Software\\Tamrel\\Feedlark\\Categories";
 /// The key of the Today item: this, followed by the item's name.
 inline constexpr QStringView todayItemsKey = u"Software\\Microsoft\\Today\\Items\\";
+QString todayItemKey(const QString &itemName);
 /// The keys of the two platform values that are read: "Cradled" and "Status".
 inline constexpr QStringView hardwareStateKey = u"System\\State\\Hardware";
 inline constexpr QStringView phoneStateKey = u"System\\State\\Phone";

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "platform/http.h"
+#include "platform/sqlite_database.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace tidebrook {
+
+/// What is remembered of a channel's updates. Moments are UTC, and invalid where there was none.
+struct UpdateState {
+    QDateTime lastAttempt;
+    QDateTime lastSuccess;
+    quint32 lastError = 0;     ///< of the last attempt; 0 when it succeeded
+    bool wasUnchanged = false; ///< the last attempt: the server had nothing new to send
+    int storedCount = 0;       ///< new articles of the last attempt
+    int failures = 0;          ///< automatic attempts that failed since the last success or request
+    QDateTime leftAloneUntil;  ///< what the server asked for
+
+    /// What the server said of the document that was stored last, which address it is of, and how
+    /// many articles the channel had then.
+    HttpValidators validators;
+    QString url;
+    int total = 0;
+};
+
+/// The updates' memory: a file beside the database that holds nothing that the user would miss.
+/// Whoever deletes it, also while it is in use, has the next update fetch everything anew. A file
+/// that is damaged is replaced. Not thread-safe; several processes may use it at once.
+class UpdateStateStore {
+public:
+    /// Opens the file, making it when it is missing. Where that fails every read finds nothing and
+    /// every write returns false.
+    explicit UpdateStateStore(const DeviceRoot &device);
+
+    /// What is remembered of each channel, by its name.
+    QHash<QString, UpdateState> readAll();
+    UpdateState read(const QString &channelName);
+    bool write(const QString &channelName, const UpdateState &state);
+
+private:
+    bool open(const QString &path);
+
+    std::unique_ptr<SqliteDatabase> database_;
+};
+
+} // namespace tidebrook
