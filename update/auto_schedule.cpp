@@ -1,0 +1,125 @@
+#include "update/auto_schedule.h"
+
+#include "store/settings_store.h"
+
+#include <array>
+
+namespace tidebrook {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr QStringView lastRoundValue = u"LastAutoUpdate";
+constexpr quint32 roamingBit = 0x200;
+constexpr quint32 hoursOfDay = 24;
+constexpr std::array<std::chrono::seconds, 6> intervals{30min, 1h, 2h, 4h, 8h, 16h};
+
+// A clock that is merely kept in step is not a clock that was changed.
+constexpr std::chrono::milliseconds clockStep = 10s;
+
+QDateTime firstAfter(const QDateTime &moment, quint32 hour) {
+    const QDateTime local = moment.toLocalTime();
+    const QTime time(static_cast<int>(hour), 0);
+    const QDateTime sameDay(local.date(), time);
+    return (sameDay > local ? sameDay : QDateTime(local.date().addDays(1), time)).toUTC();
+}
+
+QDateTime addTo(const QDateTime &moment, std::chrono::milliseconds time) {
+    return moment.addMSecs(time.count());
+}
+
+} // namespace
+
+AutoUpdateSettings AutoUpdateSettings::read(Registry &registry) {
+    SettingsStore settings(registry);
+    AutoUpdateSettings read;
+    read.mode = settings.dword(programKey, u"UpdateMode");
+    read.interval = settings.dword(programKey, u"UpdateInterval");
+    read.hour = settings.dword(programKey, u"UpdateTime");
+    read.onlyCradled = settings.dword(programKey, u"ACTOPTION") != 0;
+    read.neverRoaming = settings.dword(programKey, u"NoRoaming") != 0;
+    read.isCradled = settings.dword(hardwareStateKey, u"Cradled") == 1;
+    read.isRoaming = (settings.dword(phoneStateKey, u"Status") & roamingBit) != 0;
+    return read;
+}
+
+std::optional<std::chrono::seconds> roundPeriod(const AutoUpdateSettings &settings) {
+    const bool isInterval = settings.mode == AutoUpdateSettings::Interval &&
+                            settings.interval >= 1 && settings.interval <= intervals.size();
+    if (isInterval)
+        return intervals[settings.interval - 1];
+    if (settings.mode == AutoUpdateSettings::Daily && settings.hour < hoursOfDay)
+        return 24h;
+    return std::nullopt;
+}
+
+std::optional<QDateTime> nextRound(const AutoUpdateSettings &settings, const QDateTime &lastRound,
+                                   const QDateTime &now) {
+    const std::optional<std::chrono::seconds> period = roundPeriod(settings);
+    if (!period)
+        return std::nullopt;
+    if (settings.mode == AutoUpdateSettings::Daily)
+        return firstAfter(lastRound.isValid() ? lastRound : now, settings.hour);
+    return lastRound.isValid() ? addTo(lastRound, *period) : now;
+}
+
+QDateTime storedLastRound(Registry &registry) {
+    const quint32 seconds = SettingsStore(registry).dword(programKey, lastRoundValue);
+    return seconds == 0 ? QDateTime() : QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+}
+
+void AutoSchedule::store(const QDateTime &lastRound) {
+    const auto seconds = static_cast<quint32>(lastRound.toSecsSinceEpoch());
+    const bool isStored =
+        SettingsStore(registry_).RegWriteDword(programKey, lastRoundValue, seconds);
+    unstored_ = isStored ? QDateTime() : lastRound;
+}
+
+// What an interval has left of it does not depend on what the clock says: when the clock is
+// changed, the last round moves with it. A round at an hour of the day goes by the clock.
+void AutoSchedule::followClock(const QDateTime &now, std::chrono::milliseconds uptime,
+                               bool isInterval) {
+    if (lastNow_.isValid()) {
+        const std::chrono::milliseconds clock(lastNow_.msecsTo(now));
+        const std::chrono::milliseconds step = clock - (uptime - lastUptime_);
+        const QDateTime last = unstored_.isValid() ? unstored_ : storedLastRound(registry_);
+        if (isInterval && last.isValid() && std::chrono::abs(step) > clockStep)
+            store(addTo(last, step));
+    }
+    lastNow_ = now;
+    lastUptime_ = uptime;
+}
+
+// A last round in the future was written before the clock was set back while nobody looked. What
+// is meant by it is not known, but it must not keep the next one waiting for years.
+QDateTime AutoSchedule::lastRound(const QDateTime &now, const AutoUpdateSettings &settings) {
+    QDateTime last = unstored_.isValid() ? unstored_ : storedLastRound(registry_);
+    const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
+    const bool isTooLate = last.isValid() && last > (isDaily ? now.addDays(1) : now);
+    // A first round at an hour of the day that has passed is not one that was missed.
+    if (isTooLate || (isDaily && !last.isValid())) {
+        last = now;
+        store(last);
+    }
+    return last;
+}
+
+std::optional<AutoSchedule::Round> AutoSchedule::dueRound(const QDateTime &now,
+                                                          std::chrono::milliseconds uptime) {
+    const AutoUpdateSettings settings = AutoUpdateSettings::read(registry_);
+    followClock(now, uptime, settings.mode == AutoUpdateSettings::Interval);
+    const std::optional<std::chrono::seconds> period = roundPeriod(settings);
+    next_ = period ? nextRound(settings, lastRound(now, settings), now) : std::nullopt;
+    if (!next_ || *next_ > now)
+        return std::nullopt;
+    // A round that a restart has broken off goes on, but not when another was due meanwhile.
+    const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
+    const QDateTime latest =
+        isDaily ? firstAfter(now.addDays(-1), settings.hour) : addTo(now, -*period);
+    return Round{qMax(*next_, latest), isDaily, settings.isBarred()};
+}
+
+void AutoSchedule::endRound(const QDateTime &start) { store(start); }
+
+} // namespace tidebrook

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "platform/registry.h"
+
+#include <QDateTime>
+
+#include <chrono>
+#include <optional>
+
+namespace tidebrook {
+
+/// The settings of the automatic updates, with the state of the platform that they depend on.
+struct AutoUpdateSettings {
+    enum Mode : quint32 { Never = 0, Interval = 1, Daily = 2 };
+
+    quint32 mode = Never;
+    quint32 interval = 0; ///< 1 to 6: half an hour, then 1, 2, 4, 8, 16 hours
+    quint32 hour = 0;     ///< of the day, local time, for the daily mode
+    bool onlyCradled = false;
+    bool isCradled = false;
+    bool neverRoaming = false;
+    bool isRoaming = false;
+
+    static AutoUpdateSettings read(Registry &registry);
+
+    /// Whether a round that is due now must be left out.
+    bool isBarred() const { return (onlyCradled && !isCradled) || (neverRoaming && isRoaming); }
+};
+
+/// The time from one round to the next; nothing when there are no rounds.
+std::optional<std::chrono::seconds> roundPeriod(const AutoUpdateSettings &settings);
+
+/// When the round behind `lastRound` (invalid: there was none) is due. One in the past is due now,
+/// once for all that were missed. Nothing when there are no automatic updates.
+std::optional<QDateTime> nextRound(const AutoUpdateSettings &settings, const QDateTime &lastRound,
+                                   const QDateTime &now);
+
+/// Keeps the time of the last round through restarts (in the registry, as "LastAutoUpdate") and
+/// through changes of the clock: none of them skips a round or has it run twice. For one thread.
+class AutoSchedule {
+public:
+    explicit AutoSchedule(Registry &registry) : registry_(registry) {}
+
+    struct Round {
+        /// Channels that were tried since then have had their turn in this round.
+        QDateTime since;
+        bool isDaily = false;
+        bool isBarred = false;
+    };
+
+    /// The round that is due, if one is. Reads the settings anew. `uptime` counts on through
+    /// suspends and changes of the clock. Call it every minute or so.
+    std::optional<Round> dueRound(const QDateTime &now, std::chrono::milliseconds uptime);
+
+    /// The round that began at `start` is over, or was left out.
+    void endRound(const QDateTime &start);
+
+    /// When the next round is due, as the settings were last time; nothing for never.
+    std::optional<QDateTime> next() const { return next_; }
+
+private:
+    QDateTime lastRound(const QDateTime &now, const AutoUpdateSettings &settings);
+    void followClock(const QDateTime &now, std::chrono::milliseconds uptime, bool isInterval);
+    void store(const QDateTime &lastRound);
+
+    Registry &registry_;
+    QDateTime lastNow_; // at the last call, with the uptime then
+    std::chrono::milliseconds lastUptime_{0};
+    QDateTime unstored_; // the last round, where the registry did not take it
+    std::optional<QDateTime> next_;
+};
+
+/// The time of the last round as the registry has it; invalid when there was none.
+QDateTime storedLastRound(Registry &registry);
+
+} // namespace tidebrook

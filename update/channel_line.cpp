@@ -1,0 +1,40 @@
+#include "update/channel_line.h"
+
+#include "platform/text.h"
+#include "store/escape_sql.h"
+
+#include <QStringDecoder>
+#include <QStringEncoder>
+
+namespace tidebrook {
+
+QByteArray encodeChannelFile(const QString &text) {
+    return QStringEncoder(QStringConverter::Utf16LE).encode(text);
+}
+
+QString decodeChannelFile(const QByteArray &bytes) {
+    QString text = QStringDecoder(QStringConverter::Utf16LE).decode(bytes);
+    if (bytes.size() % 2 != 0)
+        text.chop(text.endsWith(QChar::ReplacementCharacter) ? 1 : 0);
+    return text;
+}
+
+QString channelLine(const RefreshJob &job) {
+    return job.channelName + u'\t' + job.url + u'\t' + job.category + u'\n';
+}
+
+std::optional<RefreshJob> parseChannelLine(QStringView line) {
+    const QList<QStringView> fields = line.split(u'\t');
+    if (fields.size() != 3)
+        return std::nullopt;
+    const auto field = [&fields](qsizetype index, qsizetype capacity) {
+        return cutText(TrimTrailingBlanks(fields[index]), capacity).toString();
+    };
+    const RefreshJob job{field(1, linkCapacity), field(0, channelNameCapacity),
+                         field(2, categoryCapacity)};
+    if (job.url.isEmpty() || job.channelName.isEmpty() || job.category.isEmpty())
+        return std::nullopt;
+    return job;
+}
+
+} // namespace tidebrook

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "update/refresh_job.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace tidebrook {
+
+// The files by which channels are handed to the downloader are UTF-16LE text without a byte-order
+// mark, a line a channel: name, tab, address, tab, category, line feed.
+
+QByteArray encodeChannelFile(const QString &text);
+/// Tolerates a byte-order mark and drops half of a character at the end.
+QString decodeChannelFile(const QByteArray &bytes);
+
+QString channelLine(const RefreshJob &job);
+
+/// A line without its line feed, its texts cut to their capacities; nothing when it is not three
+/// texts that are not empty.
+std::optional<RefreshJob> parseChannelLine(QStringView line);
+
+} // namespace tidebrook

@@ -1,0 +1,52 @@
+#include "update/request_file.h"
+
+#include "platform/named_event.h"
+#include "store/settings_store.h"
+#include "update/channel_line.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr qint64 lineLimit = 612 * 2; // bytes; the longest line that requesters write
+
+std::optional<RefreshJob> readJob(const QString &path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray bytes = file.read(lineLimit + 1);
+    // One that is longer, or has no end, is not what a requester writes.
+    const QString text = decodeChannelFile(bytes);
+    if (bytes.size() > lineLimit || text.indexOf(u'\n') != text.size() - 1)
+        return std::nullopt;
+    return parseChannelLine(QStringView(text).chopped(1));
+}
+
+} // namespace
+
+QString requestFilePath(const DeviceRoot &device) {
+    return device.filePath(u"\\windows\\UpdateChannel.single");
+}
+
+RequestFile::RequestFile(const DeviceRoot &device)
+    : path_(requestFilePath(device)), identity_(identify(path_)), job_(readJob(path_)) {}
+
+RequestFile::Identity RequestFile::identify(const QString &path) {
+    struct stat status {};
+    if (stat(QFile::encodeName(path).constData(), &status) != 0)
+        return {};
+    return {static_cast<qint64>(status.st_dev), static_cast<qint64>(status.st_ino),
+            qint64{status.st_size}, qint64{status.st_mtim.tv_sec}, qint64{status.st_mtim.tv_nsec}};
+}
+
+void answerDownload(const DeviceRoot &device, Registry &registry, quint32 code) {
+    if (code != 0)
+        SetLastErrorCode(registry, code);
+    NamedEvent(device, code == 0 ? doneEvent : failedEvent, NamedEvent::Reset::Auto).set();
+}
+
+} // namespace tidebrook

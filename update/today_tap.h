@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "platform/registry.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace tidebrook {
+
+/// A headline of the Today item that the user has tapped; no text is empty.
+struct TodayTap {
+    QString category;
+    QString channel;
+    QString title;
+};
+
+/// Takes the tap that is waiting, if there is one: it is told by the event "CLKTODAY", and by the
+/// Today item's values "CATEGORY", "CHANNEL" and "TITLE". One that lacks a text is taken and comes
+/// to nothing. Does not wait.
+std::optional<TodayTap> takeTodayTap(const DeviceRoot &device, Registry &registry,
+                                     const QString &todayItemKey);
+
+} // namespace tidebrook
