@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+namespace tidebrook {
+
+/// Puts a program into the background: the process that was started waits until the service is
+/// ready or has failed, and ends. One thread only, and no file opened yet that fork or the change
+/// of the standard streams would hurt.
+class Detachment {
+public:
+    /// Goes on in a new process without a terminal, and returns there; ends the one that was
+    /// started, with 0 once the new one is ready, else with 1. False, in the process that was
+    /// started, when there is no new one.
+    bool begin();
+
+    /// The service is ready: lets the started process end, and turns standard error to the log
+    /// file and the other streams to nothing.
+    void ready(const QString &logPath);
+
+private:
+    int readyPipe_ = -1;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "platform/named_event.h"
+#include "platform/registry.h"
+#include "platform/stop_signal.h"
+#include "service/request_server.h"
+#include "service/service_log.h"
+#include "service/wake_signal.h"
+#include "update/auto_round.h"
+#include "update/auto_schedule.h"
+
+#include <QString>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace tidebrook {
+
+/// The background downloader: answers requests, and runs the automatic updates when they are due.
+/// While there is nothing to do it sleeps, and looks once a minute whether there is.
+class Downloader {
+public:
+    Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log);
+    /// Ends what is under way.
+    ~Downloader();
+    Downloader(const Downloader &) = delete;
+    Downloader &operator=(const Downloader &) = delete;
+
+    /// False when requests cannot be heard, or settings cannot be read.
+    bool isReady() const { return request_.isOpen() && registry_.isOpen(); }
+
+    /// Works until it is stopped or the device is gone.
+    void run();
+
+    /// Ends `run`, also what it has under way. From any thread, and from a signal handler.
+    void stop();
+
+private:
+    std::chrono::milliseconds timeToSleep() const;
+    void lookAfterRound();
+    void startRound(const AutoRound &round);
+    void runRound(const AutoRound &round);
+
+    const DeviceRoot device_;
+    const QString todayItemKey_;
+    ServiceLog &log_;
+    Registry registry_;
+    NamedEvent request_;
+    StopSignal stop_;
+    WakeSignal wake_;
+    AutoSchedule schedule_;
+
+    QDateTime roundStart_; // of the round that is running, or whose end is still to be noted
+    std::atomic<bool> isRoundOver_ = false;
+    RequestServer server_;
+    std::jthread round_; // the first to end
+};
+
+} // namespace tidebrook

@@ -1,0 +1,140 @@
+#include "platform/process_lock.h"
+#include "platform/service.h"
+#include "res/strings.h"
+#include "service/detach.h"
+#include "service/downloader.h"
+#include "service/service_log.h"
+#include "store/settings_store.h"
+
+#include <QCommandLineParser>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <optional>
+
+namespace tidebrook {
+
+namespace {
+
+enum ExitStatus { ExitEnded = 0, ExitFailed = 1, ExitUsage = 2 };
+
+constexpr char help[] = R"(Usage: feedlarkd [--home DIR] [--foreground] [--verbose]
+
+Tidebrook's background downloader: answers the requests of the reader, and keeps
+the channels of the automatic list up to date as the settings say. One runs for
+each device; a second one ends at once.
+
+  --home DIR     the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook
+  --foreground   stay in the foreground and log to standard error; else the log is
+                 run/feedlarkd.log below the device root
+  --verbose      log every channel
+  --help         print this
+  --version      print the version
+
+SIGTERM and SIGINT end it, also in the middle of a download.
+Exit status: 0 ended or already running, 1 failed, 2 wrong usage.
+)";
+
+struct Options {
+    DeviceRoot root = DeviceRoot::standard();
+    bool isForeground = false;
+    bool isVerbose = false;
+};
+
+std::atomic<Downloader *> runningDownloader = nullptr;
+
+void stopDownloader(int) {
+    if (Downloader *downloader = runningDownloader)
+        downloader->stop();
+}
+
+void handleSignals(Downloader &downloader) {
+    runningDownloader = &downloader;
+    struct sigaction action {};
+    action.sa_handler = stopDownloader;
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sigaction(signal, &action, nullptr);
+    // A server that hangs up is told by the write that fails.
+    action.sa_handler = SIG_IGN;
+    sigaction(SIGPIPE, &action, nullptr);
+}
+
+int runService(const Options &options) {
+    Detachment detachment;
+    if (!options.isForeground && !detachment.begin())
+        return ExitFailed;
+    ServiceLog log(options.isVerbose, !options.isForeground);
+    std::optional<ProcessLock> lock; // let go last, when nothing is under way any more
+    // It hears requests before it is known to run, so that none is told of too early.
+    Downloader downloader(options.root, todayItemKey(resourceString(todayItemNameString)), log);
+    if (!downloader.isReady()) {
+        log.error(QStringLiteral("%1: the device cannot be used").arg(options.root.path()));
+        return ExitFailed;
+    }
+    lock.emplace(serviceLockPath(options.root));
+    if (!lock->isHeld() && !runningService(options.root)) {
+        log.error(QStringLiteral("%1: cannot be locked").arg(serviceLockPath(options.root)));
+        return ExitFailed;
+    }
+    if (lock->isHeld())
+        handleSignals(downloader);
+    if (!options.isForeground)
+        detachment.ready(options.root.filePath(u"\\run\\feedlarkd.log"));
+    if (!lock->isHeld()) // another one was first
+        return ExitEnded;
+    log.info(QStringLiteral("feedlarkd " TIDEBROOK_VERSION " serves %1").arg(options.root.path()));
+    downloader.run();
+    runningDownloader = nullptr;
+    log.info(QStringLiteral("feedlarkd ends"));
+    return ExitEnded;
+}
+
+int failUsage(const QString &message) {
+    std::fprintf(stderr, "feedlarkd: %s\nTry 'feedlarkd --help'.\n", qUtf8Printable(message));
+    return ExitUsage;
+}
+
+int run(const QStringList &commandLine) {
+    const QCommandLineOption helpOption(QStringList{QStringLiteral("help"), QStringLiteral("h")});
+    const QCommandLineOption version(QStringLiteral("version"));
+    const QCommandLineOption home(QStringLiteral("home"), {}, QStringLiteral("DIR"));
+    const QCommandLineOption foreground(QStringLiteral("foreground"));
+    const QCommandLineOption verbose(QStringLiteral("verbose"));
+    QCommandLineParser parser;
+    parser.addOptions({helpOption, version, home, foreground, verbose});
+    if (!parser.parse(commandLine))
+        return failUsage(parser.errorText());
+    if (!parser.positionalArguments().isEmpty())
+        return failUsage(QStringLiteral("it takes options only"));
+    if (parser.isSet(home) && parser.value(home).isEmpty())
+        return failUsage(QStringLiteral("--home takes a folder"));
+    if (parser.isSet(helpOption) || parser.isSet(version)) {
+        std::fputs(parser.isSet(helpOption) ? help : "feedlarkd " TIDEBROOK_VERSION "\n", stdout);
+        return ExitEnded;
+    }
+    Options options{.isForeground = parser.isSet(foreground), .isVerbose = parser.isSet(verbose)};
+    if (parser.isSet(home))
+        options.root = DeviceRoot(parser.value(home));
+    if (!options.root.exists() || !options.root.makeFolders()) {
+        std::fprintf(stderr, "feedlarkd: there is no usable device at %s\n",
+                     qUtf8Printable(options.root.path()));
+        return ExitFailed;
+    }
+    if (const auto pid = runningService(options.root)) {
+        std::fprintf(stderr, "feedlarkd: it runs already, as process %d\n", static_cast<int>(*pid));
+        return ExitEnded;
+    }
+    return runService(options);
+}
+
+} // namespace
+
+} // namespace tidebrook
+
+int main(int argc, char **argv) {
+    QStringList commandLine;
+    for (int i = 0; i < argc; ++i)
+        commandLine.append(QString::fromUtf8(argv[i]));
+    return tidebrook::run(commandLine);
+}

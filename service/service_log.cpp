@@ -1,0 +1,46 @@
+#include "service/service_log.h"
+
+#include "platform/clock.h"
+
+#include <unistd.h>
+
+namespace tidebrook {
+
+namespace {
+
+// A file of the service's own begins anew at this size, so that it never fills the device.
+constexpr off_t fileLimit = 1024 * 1024; // bytes
+
+QByteArray oneLine(QString message) {
+    for (QChar &c : message) {
+        if (c.category() == QChar::Other_Control)
+            c = u' ';
+    }
+    return message.toUtf8();
+}
+
+} // namespace
+
+ServiceLog::ServiceLog(bool isVerbose, bool ownsFile)
+    : isVerbose_(isVerbose), ownsFile_(ownsFile),
+      isForJournal_(qEnvironmentVariableIsSet("JOURNAL_STREAM")) {}
+
+void ServiceLog::detail(const QString &message) {
+    if (isVerbose_)
+        write(7, message);
+}
+
+void ServiceLog::write(int priority, const QString &message) {
+    const QByteArray prefix = isForJournal_ ? QByteArray('<' + QByteArray::number(priority) + '>')
+                                            : localNow().toString(Qt::ISODate).toUtf8() + ' ';
+    const QByteArray line = prefix + oneLine(message) + '\n';
+    const std::lock_guard lock(mutex_);
+    if (ownsFile_ && lseek(STDERR_FILENO, 0, SEEK_CUR) > fileLimit &&
+        ftruncate(STDERR_FILENO, 0) == 0)
+        lseek(STDERR_FILENO, 0, SEEK_SET);
+    // A log that cannot be written must not stop the service.
+    [[maybe_unused]] const ssize_t written =
+        ::write(STDERR_FILENO, line.constData(), static_cast<size_t>(line.size()));
+}
+
+} // namespace tidebrook
