@@ -11,9 +11,10 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     const QCommandLineOption order(QStringLiteral("order"), {}, QStringLiteral("ORDER"));
     const QCommandLineOption jobs(QStringLiteral("jobs"), {}, QStringLiteral("N"));
     const QCommandLineOption pauses(QStringLiteral("pauses"));
+    const QCommandLineOption timeout(QStringLiteral("timeout"), {}, QStringLiteral("SECONDS"));
     const QCommandLineOption today(QStringLiteral("today"));
     QCommandLineParser parser;
-    parser.addOptions({help, version, home, order, jobs, pauses, today});
+    parser.addOptions({help, version, home, order, jobs, pauses, timeout, today});
     if (!parser.parse(commandLine)) {
         *error = parser.errorText();
         return std::nullopt;
@@ -28,12 +29,13 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     arguments.operands = parser.positionalArguments();
     if (!arguments.operands.isEmpty())
         arguments.command = arguments.operands.takeFirst();
-    for (const QCommandLineOption &option : {order, jobs, pauses, today}) {
+    for (const QCommandLineOption &option : {order, jobs, pauses, timeout, today}) {
         if (parser.isSet(option))
             arguments.options.append(option.names());
     }
     arguments.order = parser.value(order);
     arguments.jobs = parser.value(jobs);
+    arguments.timeout = parser.value(timeout);
     arguments.wantsHelp = parser.isSet(help);
     arguments.wantsVersion = parser.isSet(version);
     return arguments;

@@ -15,6 +15,7 @@ struct Arguments {
     QStringList options;  // the command's own options that were given, without their dashes
     QString order;
     QString jobs;
+    QString timeout;
     bool wantsHelp = false;
     bool wantsVersion = false;
 };

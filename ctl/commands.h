@@ -2,6 +2,9 @@
 
 #include "ctl/arguments.h"
 #include "ctl/device.h"
+#include "update/refresh_job.h"
+
+#include <optional>
 
 namespace tidebrook {
 
@@ -22,12 +25,23 @@ int runArticles(Device &device, const Arguments &arguments);
 int runShow(Device &device, const Arguments &arguments);
 int runMark(Device &device, const Arguments &arguments);
 int runUpdate(Device &device, const Arguments &arguments);
+int runRequest(Device &device, const Arguments &arguments);
+int runAuto(Device &device, const Arguments &arguments);
+int runService(Device &device, const Arguments &arguments);
+int runUpdates(Device &device, const Arguments &arguments);
 int runSetting(Device &device, const Arguments &arguments);
 int runCheck(Device &device, const Arguments &arguments);
 
 /// The name of a category as the list has it, made if it is missing. Empty, with the failure told,
 /// when it cannot be made.
 QString ensureCategory(Device &device, const QString &name);
+
+/// What refreshes a channel, which must be in that category. Nothing, with the failure told, when
+/// there is none such.
+std::optional<RefreshJob> jobOf(Device &device, const QString &category, const QString &channel);
+
+/// Takes a channel out of the automatic updates. False when the list could not be stored.
+bool dropAutomatic(Device &device, const QString &name);
 
 /// Tells that the database failed.
 int failStore(const Device &device);

@@ -6,7 +6,7 @@
 
 namespace tidebrook {
 
-QString todayItemKey() { return todayItemsKey + resourceString(todayItemNameString); }
+QString todayItemKey() { return todayItemKey(resourceString(todayItemNameString)); }
 
 Device::Device(const DeviceRoot &deviceRoot)
     : root(deviceRoot), registry(root), store(root, registry, todayItemKey()),

@@ -2,6 +2,7 @@
 #include "ctl/output.h"
 #include "res/strings.h"
 #include "store/error_codes.h"
+#include "update/auto_round.h"
 #include "update/channel_update.h"
 #include "update/refresh.h"
 
@@ -42,8 +43,28 @@ void printResult(const RefreshJob &job, const RefreshResult &result) {
                  counts(result.counts.unread, result.counts.total), job.channelName});
 }
 
-std::optional<QList<RefreshJob>> jobOf(Device &device, const QString &category,
-                                       const QString &channel) {
+// The channels that the operands name; nothing, with the failure told, when there are none such.
+std::optional<QList<RefreshJob>> wantedJobs(Device &device, const QString &category,
+                                            const QString &channel) {
+    const FileLock lock(device.channelsLockPath());
+    if (!category.isNull() && !device.hasCategory(category))
+        return std::nullopt;
+    if (!channel.isNull()) {
+        const std::optional<RefreshJob> job = jobOf(device, category, channel);
+        return job ? std::optional(QList<RefreshJob>{*job}) : std::nullopt;
+    }
+    const auto channels = device.channels(category);
+    if (!channels)
+        return std::nullopt;
+    QList<RefreshJob> jobs;
+    for (const ListedChannel &listed : *channels)
+        jobs.append({listed.link, listed.name, listed.category});
+    return jobs;
+}
+
+} // namespace
+
+std::optional<RefreshJob> jobOf(Device &device, const QString &category, const QString &channel) {
     QString actual;
     QString link;
     if (!device.hasChannel(channel))
@@ -57,27 +78,8 @@ std::optional<QList<RefreshJob>> jobOf(Device &device, const QString &category,
         fail(QStringLiteral("\"%1\" is not in \"%2\"").arg(channel, category));
         return std::nullopt;
     }
-    return QList<RefreshJob>{{link, channel, category}};
+    return RefreshJob{link, channel, category};
 }
-
-// The channels that the operands name; nothing, with the failure told, when there are none such.
-std::optional<QList<RefreshJob>> wantedJobs(Device &device, const QString &category,
-                                            const QString &channel) {
-    const FileLock lock(device.channelsLockPath());
-    if (!category.isNull() && !device.hasCategory(category))
-        return std::nullopt;
-    if (!channel.isNull())
-        return jobOf(device, category, channel);
-    const auto channels = device.channels(category);
-    if (!channels)
-        return std::nullopt;
-    QList<RefreshJob> jobs;
-    for (const ListedChannel &listed : *channels)
-        jobs.append({listed.link, listed.name, listed.category});
-    return jobs;
-}
-
-} // namespace
 
 int runUpdate(Device &device, const Arguments &arguments) {
     const QString category = arguments.operands.value(0);
@@ -98,9 +100,11 @@ int runUpdate(Device &device, const Arguments &arguments) {
     QList<RefreshResult> results;
     {
         ProgressLine progress;
+        UpdateStateStore states(device.root);
         int ended = 0;
         const Observer observer = [&](qsizetype index, const RefreshResult &result) {
             hasFailure = hasFailure || result.error != 0;
+            noteRequested(states, jobs[index], result);
             progress.show(QStringLiteral("%1 of %2  %3")
                               .arg(++ended)
                               .arg(jobs.size())

@@ -1,0 +1,175 @@
+#include "ctl/commands.h"
+#include "ctl/output.h"
+#include "platform/clock.h"
+#include "platform/service.h"
+#include "res/strings.h"
+#include "store/error_codes.h"
+#include "store/update_state.h"
+#include "update/auto_list.h"
+#include "update/auto_round.h"
+#include "update/auto_schedule.h"
+#include "update/download_request.h"
+
+#include <QSet>
+
+namespace tidebrook {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int answerTimeout = 60;    // seconds, as the reader waits
+constexpr int longestTimeout = 3600; // seconds
+
+QString displayed(const QDateTime &moment) {
+    return moment.isValid() ? moment.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
+                            : QStringLiteral("never");
+}
+
+QString resultInWords(const UpdateState &state) {
+    if (!state.lastAttempt.isValid())
+        return QStringLiteral("not updated yet");
+    if (state.lastError != 0)
+        return messageWithCode(state.lastError);
+    if (state.storedCount == 0)
+        return QStringLiteral("nothing new");
+    return state.storedCount == 1 ? QStringLiteral("1 new article")
+                                  : QStringLiteral("%1 new articles").arg(state.storedCount);
+}
+
+/// When channels are tried automatically.
+class NextTries {
+public:
+    explicit NextTries(Device &device)
+        : now_(utcNow()), settings_(AutoUpdateSettings::read(device.registry)),
+          round_(nextRound(settings_, storedLastRound(device.registry), now_)) {
+        for (const RefreshJob &job : autoUpdatedChannels(device.root))
+            listed_.insert(job.channelName);
+    }
+
+    QString of(const QString &channel, const UpdateState &state) const {
+        if (!listed_.contains(channel))
+            return QStringLiteral("not automatic");
+        if (!round_)
+            return QStringLiteral("automatic updates are off");
+        const bool isDaily = settings_.mode == AutoUpdateSettings::Daily;
+        const QDateTime wish = nextTry(state, isDaily, now_);
+        const QDateTime next = wish.isValid() ? qMax(wish, *round_) : *round_;
+        return next <= now_ ? QStringLiteral("now") : displayed(next);
+    }
+
+private:
+    const QDateTime now_;
+    const AutoUpdateSettings settings_;
+    const std::optional<QDateTime> round_;
+    QSet<QString> listed_;
+};
+
+int listAutomatic(Device &device) {
+    for (const RefreshJob &job : autoUpdatedChannels(device.root))
+        printFields({job.channelName, job.category, job.url});
+    return ExitDone;
+}
+
+int addAutomatic(Device &device, const QString &name) {
+    RefreshJob job{{}, name, {}};
+    if (!device.hasChannel(name))
+        return ExitFailed;
+    if (!device.store.FindCategory(name, job.category) ||
+        !device.store.GetChannelLink(job.category, name, job.url))
+        return failStore(device);
+    if (isAutoUpdated(device.root, name) || setAutoUpdate(device.root, job, true))
+        return ExitDone;
+    return fail(QStringLiteral("the list could not be stored"));
+}
+
+int removeAutomatic(Device &device, const QString &name) {
+    if (!isAutoUpdated(device.root, name))
+        return fail(QStringLiteral("\"%1\" is not on the list").arg(name));
+    return dropAutomatic(device, name) ? ExitDone
+                                       : fail(QStringLiteral("the list could not be stored"));
+}
+
+int tellService(Device &device) {
+    const std::optional<pid_t> process = runningService(device.root);
+    printLine(process ? QStringLiteral("running, as process %1").arg(*process)
+                      : QStringLiteral("not running"));
+    return process ? ExitDone : ExitFailed;
+}
+
+int startService(Device &device) {
+    QString error;
+    return activateService(device.root, &error) == Activation::Failed ? fail(error) : ExitDone;
+}
+
+} // namespace
+
+bool dropAutomatic(Device &device, const QString &name) {
+    return setAutoUpdate(device.root, {QStringLiteral(""), name, QStringLiteral("")}, false);
+}
+
+int runRequest(Device &device, const Arguments &arguments) {
+    bool isNumber = true;
+    const int timeout =
+        arguments.timeout.isEmpty() ? answerTimeout : arguments.timeout.toInt(&isNumber);
+    if (!isNumber || timeout < 1 || timeout > longestTimeout)
+        return failUsage(
+            QStringLiteral("--timeout takes seconds from 1 to %1").arg(longestTimeout));
+    const auto job = jobOf(device, arguments.operands[0], arguments.operands[1]);
+    if (!job || startService(device) != ExitDone)
+        return ExitFailed;
+    DownloadAnswers answers(device.root);
+    answers.request(*job);
+    switch (answers.wait(std::chrono::seconds(timeout))) {
+    case DownloadAnswer::Done:
+        printLine(QStringLiteral("done"));
+        return ExitDone;
+    case DownloadAnswer::Failed:
+        return fail(messageWithCode(SettingsStore(device.registry).dword(programKey, u"ERRORNO")));
+    case DownloadAnswer::TimedOut:
+    case DownloadAnswer::Input:
+        break;
+    }
+    SetLastErrorCode(device.registry, NothingKnown);
+    return fail(messageWithCode(NothingKnown));
+}
+
+int runAuto(Device &device, const Arguments &arguments) {
+    const QString action = arguments.operands[0];
+    const QString name = arguments.operands.value(1);
+    if (action == u"list" && name.isNull())
+        return listAutomatic(device);
+    if (action == u"add" && !name.isNull())
+        return addAutomatic(device, name);
+    if (action == u"remove" && !name.isNull())
+        return removeAutomatic(device, name);
+    return failUsage(QStringLiteral("usage: tidebrookctl auto list | add NAME | remove NAME"));
+}
+
+int runService(Device &device, const Arguments &arguments) {
+    const QString action = arguments.operands[0];
+    if (action == u"status")
+        return tellService(device);
+    if (action == u"start")
+        return startService(device);
+    if (action != u"stop")
+        return failUsage(QStringLiteral("usage: tidebrookctl service status|start|stop"));
+    return stopService(device.root, 10s) ? ExitDone
+                                         : fail(QStringLiteral("the service does not end"));
+}
+
+int runUpdates(Device &device, const Arguments &) {
+    const auto channels = device.channels();
+    if (!channels)
+        return ExitFailed;
+    const QHash<QString, UpdateState> states = UpdateStateStore(device.root).readAll();
+    const NextTries nextTries(device);
+    for (const ListedChannel &channel : *channels) {
+        const UpdateState state = states.value(channel.name);
+        printFields({channel.name, displayed(state.lastSuccess), resultInWords(state),
+                     nextTries.of(channel.name, state)});
+    }
+    return ExitDone;
+}
+
+} // namespace tidebrook
