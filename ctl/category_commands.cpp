@@ -105,8 +105,13 @@ int runDeleteCategory(Device &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     if (!device.hasCategory(name))
         return ExitFailed;
+    const auto channels = device.channels(name);
+    if (!channels)
+        return ExitFailed;
     if (!device.store.DeleteCategoryChannels(name))
         return failStore(device);
+    for (const ListedChannel &channel : *channels)
+        dropAutomatic(device, channel.name);
     if (!device.categoryStore.DeleteCategory(name))
         return fail(QStringLiteral("the list of categories could not be stored"));
     device.store.PublishTotalUnread();

@@ -67,7 +67,9 @@ int runRename(Device &device, const Arguments &arguments) {
     QString other;
     if (name != old && (!device.store.FindCategory(name, other) || !other.isNull()))
         return fail(resourceString(nameExistsString));
-    return device.store.RenameChannel(old, name) ? ExitDone : failStore(device);
+    if (!device.store.RenameChannel(old, name))
+        return failStore(device);
+    return name == old ? ExitDone : renameAutomatic(device, old, name);
 }
 
 int runMove(Device &device, const Arguments &arguments) {
@@ -94,6 +96,7 @@ int runDelete(Device &device, const Arguments &arguments) {
         return ExitFailed;
     if (!device.store.DeleteChannel(name))
         return failStore(device);
+    dropAutomatic(device, name);
     device.store.PublishTotalUnread();
     return ExitDone;
 }

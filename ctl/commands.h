@@ -42,6 +42,8 @@ std::optional<RefreshJob> jobOf(Device &device, const QString &category, const Q
 
 /// Takes a channel out of the automatic updates. False when the list could not be stored.
 bool dropAutomatic(Device &device, const QString &name);
+/// Has the automatic updates go on with a channel that was renamed; the exit code.
+int renameAutomatic(Device &device, const QString &old, const QString &name);
 
 /// Tells that the database failed.
 int failStore(const Device &device);

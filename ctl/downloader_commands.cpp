@@ -21,6 +21,8 @@ using namespace std::chrono_literals;
 constexpr int answerTimeout = 60;    // seconds, as the reader waits
 constexpr int longestTimeout = 3600; // seconds
 
+const QString listFailure = QStringLiteral("the list of automatic updates could not be stored");
+
 QString displayed(const QDateTime &moment) {
     return moment.isValid() ? moment.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
                             : QStringLiteral("never");
@@ -80,14 +82,13 @@ int addAutomatic(Device &device, const QString &name) {
         return failStore(device);
     if (isAutoUpdated(device.root, name) || setAutoUpdate(device.root, job, true))
         return ExitDone;
-    return fail(QStringLiteral("the list could not be stored"));
+    return fail(listFailure);
 }
 
 int removeAutomatic(Device &device, const QString &name) {
     if (!isAutoUpdated(device.root, name))
         return fail(QStringLiteral("\"%1\" is not on the list").arg(name));
-    return dropAutomatic(device, name) ? ExitDone
-                                       : fail(QStringLiteral("the list could not be stored"));
+    return dropAutomatic(device, name) ? ExitDone : fail(listFailure);
 }
 
 int tellService(Device &device) {
@@ -105,7 +106,17 @@ int startService(Device &device) {
 } // namespace
 
 bool dropAutomatic(Device &device, const QString &name) {
-    return setAutoUpdate(device.root, {QStringLiteral(""), name, QStringLiteral("")}, false);
+    return !isAutoUpdated(device.root, name) ||
+           setAutoUpdate(device.root, {QStringLiteral(""), name, QStringLiteral("")}, false);
+}
+
+int renameAutomatic(Device &device, const QString &old, const QString &name) {
+    if (!isAutoUpdated(device.root, old))
+        return ExitDone;
+    const int added = addAutomatic(device, name);
+    if (added != ExitDone)
+        return added;
+    return dropAutomatic(device, old) ? ExitDone : fail(listFailure);
 }
 
 int runRequest(Device &device, const Arguments &arguments) {

@@ -35,6 +35,8 @@ void turnStream(int stream, const char *path, int flags) {
 } // namespace
 
 bool Detachment::begin() {
+    // Whoever reads to the end of what his command writes must not wait for the service's end.
+    close_range(STDERR_FILENO + 1, ~0U, 0);
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
         return false;

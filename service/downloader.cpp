@@ -3,7 +3,10 @@
 #include "platform/clock.h"
 #include "platform/wait_any.h"
 
+#include <QFile>
+
 #include <malloc.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <system_error>
@@ -33,7 +36,11 @@ QString summary(const AutoRoundResult &result) {
 Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log)
     : device_(device), todayItemKey_(todayItemKey), log_(log), registry_(device),
       request_(device, requestEvent, NamedEvent::Reset::Manual), schedule_(registry_),
-      server_(device, registry_, todayItemKey, log, stop_) {}
+      server_(device, registry_, todayItemKey, log, stop_) {
+    struct stat status {};
+    if (stat(QFile::encodeName(device_.path()).constData(), &status) == 0)
+        deviceFolder_ = status.st_ino;
+}
 
 Downloader::~Downloader() { stop_.raise(); }
 
@@ -46,8 +53,8 @@ void Downloader::run() {
     while (!stop_.isRaised()) {
         lookAfterRound();
         const WaitResult result = WaitAny({&request_}, wake_.descriptor(), timeToSleep());
-        if (result.kind == WaitResult::Kind::Failed || !device_.exists()) {
-            log_.error(QStringLiteral("%1: the device is gone").arg(device_.path()));
+        if (result.kind == WaitResult::Kind::Failed || !isDeviceThere()) {
+            log_.error(QStringLiteral("%1: the device is no longer there").arg(device_.path()));
             return;
         }
         if (result.kind == WaitResult::Kind::Event) {
@@ -58,6 +65,13 @@ void Downloader::run() {
             wake_.clear();
         }
     }
+}
+
+// One that was put in its place, as from a backup, is another: what is open here is not of it.
+bool Downloader::isDeviceThere() const {
+    struct stat status {};
+    return stat(QFile::encodeName(device_.path()).constData(), &status) == 0 &&
+           status.st_ino == deviceFolder_;
 }
 
 // Settings and the clock are looked at every minute; who changes them tells nobody.
@@ -108,16 +122,11 @@ void Downloader::runRound(const AutoRound &round) {
     if (store.Open()) {
         HttpLimits limits;
         limits.stop = &stop_;
-        const AutoRoundResult result = runAutoRound(
-            {device_, registry_, store, limits}, round,
-            [this](const RefreshJob &job, const RefreshResult &ended) {
-                if (ended.error != 0)
-                    log_.warning(
-                        QStringLiteral("%1: failed with %2").arg(job.channelName).arg(ended.error));
-                else
-                    log_.detail(
-                        QStringLiteral("%1: %2 new").arg(job.channelName).arg(ended.storedCount));
-            });
+        const AutoRoundResult result =
+            runAutoRound({device_, registry_, store, limits}, round,
+                         [this](const RefreshJob &job, const RefreshResult &ended) {
+                             log_.result(job.channelName, ended.error, ended.storedCount);
+                         });
         log_.info(summary(result));
     } else {
         log_.error(QStringLiteral("the database cannot be opened: %1").arg(store.error()));

@@ -12,6 +12,8 @@
 
 #include <QString>
 
+#include <sys/types.h>
+
 #include <atomic>
 #include <chrono>
 #include <thread>
@@ -38,6 +40,7 @@ public:
     void stop();
 
 private:
+    bool isDeviceThere() const;
     std::chrono::milliseconds timeToSleep() const;
     void lookAfterRound();
     void startRound(const AutoRound &round);
@@ -48,6 +51,7 @@ private:
     ServiceLog &log_;
     Registry registry_;
     NamedEvent request_;
+    ino_t deviceFolder_ = 0;
     StopSignal stop_;
     WakeSignal wake_;
     AutoSchedule schedule_;

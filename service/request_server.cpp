@@ -94,16 +94,14 @@ quint32 RequestServer::update(const RefreshJob &job) {
     limits.stop = &stop_;
     log_.detail(QStringLiteral("requested: %1").arg(job.channelName));
     updateChannel({device_, registry_, store, limits}, job, &result);
+    const quint32 code = store.error();
     store.PublishTotalUnread();
     if (!stop_.isRaised()) {
         UpdateStateStore states(device_);
         noteRequested(states, job, result);
     }
-    if (store.error() != 0)
-        log_.warning(QStringLiteral("%1: failed with %2").arg(job.channelName).arg(store.error()));
-    else
-        log_.info(QStringLiteral("%1: %2 new").arg(job.channelName).arg(result.storedCount));
-    return store.error();
+    log_.result(job.channelName, code, result.storedCount);
+    return code;
 }
 
 } // namespace tidebrook

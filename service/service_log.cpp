@@ -1,6 +1,7 @@
 #include "service/service_log.h"
 
 #include "platform/clock.h"
+#include "res/strings.h"
 
 #include <unistd.h>
 
@@ -28,6 +29,13 @@ ServiceLog::ServiceLog(bool isVerbose, bool ownsFile)
 void ServiceLog::detail(const QString &message) {
     if (isVerbose_)
         write(7, message);
+}
+
+void ServiceLog::result(const QString &channelName, quint32 code, int storedCount) {
+    if (code != 0)
+        warning(QStringLiteral("%1: %2 (%3)").arg(channelName, errorMessage(code)).arg(code));
+    else
+        detail(QStringLiteral("%1: %2 new").arg(channelName).arg(storedCount));
 }
 
 void ServiceLog::write(int priority, const QString &message) {

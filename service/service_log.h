@@ -17,6 +17,8 @@ public:
     void error(const QString &message) { write(3, message); }
     void warning(const QString &message) { write(4, message); }
     void info(const QString &message) { write(6, message); }
+    /// How a channel's update ended.
+    void result(const QString &channelName, quint32 code, int storedCount);
     /// Written only by a verbose log.
     void detail(const QString &message);
 
