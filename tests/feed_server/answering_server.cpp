@@ -115,8 +115,9 @@ AnsweringServer::~AnsweringServer() {
 }
 
 QList<FeedServer::Request> AnsweringServer::requests() const {
+    // A shared list would be grown in place while its reader, who holds no lock, lets go of it.
     const std::lock_guard lock(requestsMutex_);
-    return requests_;
+    return {requests_.begin(), requests_.end()};
 }
 
 void AnsweringServer::clearRequests() {
