@@ -18,11 +18,22 @@ constexpr std::array<std::chrono::seconds, 6> intervals{30min, 1h, 2h, 4h, 8h, 1
 // A clock that is merely kept in step is not a clock that was changed.
 constexpr std::chrono::milliseconds clockStep = 10s;
 
-QDateTime firstAfter(const QDateTime &moment, quint32 hour) {
-    const QDateTime local = moment.toLocalTime();
+// The beginning of an hour of a day. Where summer time takes the hour away that is the next one's,
+// and where the hour comes twice, the first.
+QDateTime beginOfHour(const QDate &date, quint32 hour) {
+    constexpr int wholeHour = 3600; // seconds
     const QTime time(static_cast<int>(hour), 0);
-    const QDateTime sameDay(local.date(), time);
-    return (sameDay > local ? sameDay : QDateTime(local.date().addDays(1), time)).toUTC();
+    const QDateTime begin(date, time);
+    if (!begin.isValid())
+        return QDateTime(date, time.addSecs(wholeHour)).toUTC();
+    const QDateTime earlier = begin.toUTC().addSecs(-wholeHour);
+    return earlier.toLocalTime().time() == time ? earlier : begin.toUTC();
+}
+
+QDateTime firstAfter(const QDateTime &moment, quint32 hour) {
+    const QDate date = moment.toLocalTime().date();
+    const QDateTime sameDay = beginOfHour(date, hour);
+    return sameDay > moment ? sameDay : beginOfHour(date.addDays(1), hour);
 }
 
 QDateTime addTo(const QDateTime &moment, std::chrono::milliseconds time) {
