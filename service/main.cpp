@@ -86,7 +86,7 @@ int runService(const Options &options) {
     log.info(QStringLiteral("feedlarkd " TIDEBROOK_VERSION " serves %1").arg(options.root.path()));
     downloader.run();
     runningDownloader = nullptr;
-    log.info(QStringLiteral("feedlarkd ends"));
+    log.info(QStringLiteral("feedlarkd is ending"));
     return ExitEnded;
 }
 

@@ -25,7 +25,7 @@ QString channelLine(const RefreshJob &job) {
 
 std::optional<RefreshJob> parseChannelLine(QStringView line) {
     const QList<QStringView> fields = line.split(u'\t');
-    if (fields.size() != 3)
+    if (fields.size() != 3 || line.contains(u'\n'))
         return std::nullopt;
     const auto field = [&fields](qsizetype index, qsizetype capacity) {
         return cutText(TrimTrailingBlanks(fields[index]), capacity).toString();

@@ -1,0 +1,84 @@
+#include "service/running_service.h"
+
+#include "platform/service.h"
+#include "store/settings_store.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <csignal>
+
+namespace tidebrook {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+RunningService::RunningService() {
+    // The second, direct download of a feed goes to the server too.
+    ctl_.setEnvironment(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
+    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
+    ctl_.run({u"init"_s});
+}
+
+RunningService::~RunningService() {
+    if (isRunning()) {
+        process_->kill();
+        process_->waitForFinished();
+    }
+    stopService(root_, 10s);
+}
+
+void RunningService::start() {
+    process_ = std::make_unique<QProcess>();
+    process_->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process_->start(QStringLiteral(FEEDLARKD), {u"--foreground"_s, u"--home"_s, root_.path()});
+    ASSERT_TRUE(process_->waitForStarted());
+    waitFor([this] { return runningService(root_) == process_->processId(); });
+}
+
+int RunningService::end(int signal) {
+    kill(static_cast<pid_t>(process_->processId()), signal);
+    if (!process_->waitForFinished(10'000) || process_->exitStatus() != QProcess::NormalExit)
+        return -1;
+    return process_->exitCode();
+}
+
+RefreshJob RunningService::addChannel(const QString &name) {
+    const RefreshJob job{server_.url(QString(u'/' + name)), name, u"C"_s};
+    EXPECT_EQ(ctl_.run({u"add"_s, job.category, name, job.url}).out.trimmed(), name);
+    return job;
+}
+
+DownloadAnswer RunningService::request(const RefreshJob &job) {
+    DownloadAnswers answers(root_);
+    answers.request(job);
+    return answers.wait(30s);
+}
+
+QString RunningService::counts(const QString &channel) {
+    for (const QString &line : ctl_.run({u"channels"_s}).lines()) {
+        if (line.section(u'\t', 1, 1) == channel)
+            return line.section(u'\t', 0, 0);
+    }
+    return {};
+}
+
+quint32 RunningService::errorCode() {
+    Registry registry(root_);
+    return SettingsStore(registry).dword(programKey, u"ERRORNO");
+}
+
+void RunningService::waitFor(const std::function<bool()> &condition) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition() && timer.elapsed() < 20'000)
+        QThread::msleep(5);
+    ASSERT_TRUE(condition());
+}
+
+void RunningService::expectSound() {
+    const CtlRun check = ctl_.run({u"check"_s});
+    EXPECT_EQ(check.exitCode, 0) << (check.out + check.err).toUtf8().constData();
+}
+
+} // namespace tidebrook

@@ -1,0 +1,255 @@
+#include "feed_server/feed_server.h"
+#include "feed_server/generated_feed.h"
+#include "platform/clock.h"
+#include "platform/stop_signal.h"
+#include "support/test_device.h"
+#include "update/auto_list.h"
+#include "update/auto_round.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+class AutoRoundTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
+
+    void addChannel(const QString &name, const QString &url) {
+        device_.store->InsertChannel({u"C"_s, name, url});
+        isAutoUpdated(device_.root, name); // makes the list
+        ASSERT_TRUE(setAutoUpdate(device_.root, {url, name, u"C"_s}, true));
+    }
+
+    /// Runs the round that is due at `moment` hours after the start.
+    AutoRoundResult runRound(double moment = 0, const StopSignal *stop = nullptr) {
+        const QDateTime now = start_.addSecs(static_cast<qint64>(moment * 3600));
+        const FixedClock clock(now);
+        server_.clearRequests();
+        HttpLimits limits;
+        limits.stop = stop;
+        return runAutoRound({device_.root, *device_.registry, *device_.store, limits},
+                            {now, now, false}, [](const RefreshJob &, const RefreshResult &) {});
+    }
+
+    QByteArray sentHeader(QByteArrayView name) {
+        const auto requests = server_.requests();
+        return requests.size() == 1 ? requests.first().header(name)
+                                    : QByteArray::number(requests.size()) + " requests";
+    }
+
+    const QDateTime start_ = QDateTime(QDate(2026, 6, 10), QTime(0, 0), Qt::UTC);
+    FeedServer server_;
+    TestDevice device_;
+};
+
+TEST_F(AutoRoundTest, AnUnchangedFeedIsNotSentAgainUntilItsArticlesAreGone) {
+    const QByteArray etag = "W/\"a%20b,\xC3\xA9\\\"";
+    const QByteArray lastModified = "Fri, 01 Jan 2026 00:00:00 +1 (sic)";
+    server_.serveWithValidators(u"/f"_s, generatedFeed(5, 1), etag, lastModified);
+    addChannel(u"f"_s, server_.url(u"/f"));
+    EXPECT_EQ(runRound().storedCount, 5);
+    EXPECT_EQ(sentHeader("If-None-Match"), QByteArray());
+
+    EXPECT_EQ(runRound(1).unchanged, 1);
+    EXPECT_EQ(sentHeader("If-None-Match"), etag);
+    EXPECT_EQ(sentHeader("If-Modified-Since"), lastModified);
+    EXPECT_EQ(device_.counts(u"C"_s, u"f"_s), u"5/5");
+
+    // Six days on, what was stored is too old, and gone with the next round, as it would be if the
+    // whole feed had come. The one after that brings the articles that the feed still has.
+    EXPECT_EQ(runRound(6 * 24).unchanged, 1);
+    EXPECT_EQ(device_.counts(u"C"_s, u"f"_s), u"0/0");
+    EXPECT_EQ(runRound(6 * 24 + 1).storedCount, 5);
+    EXPECT_EQ(runRound(6 * 24 + 2).unchanged, 1);
+}
+
+TEST_F(AutoRoundTest, WhatIsNotStoredIsAskedForWhole) {
+    server_.serveWithValidators(u"/f"_s, generatedFeed(5, 1), "\"1\"");
+    server_.serveWithValidators(u"/g"_s, generatedFeed(3, 2), "\"1\"");
+    addChannel(u"f"_s, server_.url(u"/f"));
+    runRound();
+    const auto expectWhole = [this](double moment, const char *why) {
+        EXPECT_GT(runRound(moment).storedCount, 0) << why;
+        EXPECT_EQ(sentHeader("If-None-Match"), QByteArray()) << why;
+        EXPECT_EQ(runRound(moment + 0.5).unchanged, 1) << why;
+    };
+    device_.store->DeleteChannel(u"f"_s);
+    device_.store->InsertChannel({u"C"_s, u"f"_s, server_.url(u"/f")});
+    expectWhole(1, "the channel was deleted and added again");
+    device_.store->SetChannelLink(u"f"_s, server_.url(u"/g"));
+    expectWhole(2, "the channel has another address");
+    device_.store->DeleteChannel(u"f"_s);
+    device_.store->InsertChannel({u"C"_s, u"f"_s, server_.url(u"/g")});
+    QFile::remove(device_.root.filePath(u"UpdateState.db"));
+    expectWhole(3, "the state was deleted");
+    device_.store->DeleteChannel(u"f"_s);
+    device_.store->InsertChannel({u"C"_s, u"f"_s, server_.url(u"/g")});
+    ASSERT_TRUE(writeFile(device_.root.filePath(u"UpdateState.db"), QByteArray(9000, 'x')));
+    expectWhole(4, "the state was damaged");
+}
+
+TEST_F(AutoRoundTest, AFeedWhoseItemsCouldNotAllBeStoredIsSentAgain) {
+    server_.serveWithValidators(u"/f"_s,
+                                "<rss><channel><item><title>a</title><guid>1</guid></item>"
+                                "<item><title>b</title></item></channel></rss>",
+                                "\"1\"");
+    addChannel(u"f"_s, server_.url(u"/f"));
+    EXPECT_EQ(runRound().failed, 1);
+    runRound(24);
+    EXPECT_EQ(sentHeader("If-None-Match"), QByteArray());
+}
+
+TEST_F(AutoRoundTest, AFailingFeedIsTriedLessAndLessOften) {
+    addChannel(u"f"_s, server_.url(u"/f"));
+    QList<double> tries;
+    const auto live = [&](double from, double to) {
+        for (double hour = from; hour < to; hour += 0.5) {
+            if (runRound(hour).tried > 0)
+                tries.append(hour);
+        }
+    };
+    server_.answerStatus(u"/f"_s, 404);
+    live(0, 100);
+    EXPECT_EQ(tries, (QList<double>{0, 1, 3, 7, 15, 31, 55, 79}));
+
+    // A request of the user's is a new beginning, also when that fails.
+    tries.clear();
+    {
+        const FixedClock clock(start_.addSecs(100 * 3600 - 60));
+        UpdateStateStore states(device_.root);
+        noteRequested(states, {server_.url(u"/f"), u"f"_s, u"C"_s}, {1007, 0, {}, true});
+    }
+    live(100, 104);
+    EXPECT_EQ(tries, (QList<double>{100, 101, 103}));
+
+    // And so is success.
+    tries.clear();
+    server_.serve(u"/f"_s, generatedFeed(1, 1));
+    live(104, 108);
+    server_.answerStatus(u"/f"_s, 404);
+    live(108, 110);
+    EXPECT_EQ(tries, (QList<double>{107, 107.5, 108, 109}));
+}
+
+TEST_F(AutoRoundTest, ServersThatAskForItAreLeftAlone) {
+    struct Case {
+        const char *what;
+        int status;
+        QByteArray retryAfter;
+        double firstTry; // hours, in half-hourly rounds
+        bool isForHost = false;
+    };
+    const Case cases[] = {
+        {"seconds", 429, "7200", 2, true},
+        {"a date", 503, "Thu, 11 Jun 2099 00:00:00 GMT", 168}, // a week at most
+        {"longer than the back-off", 503, "36000", 10},
+        {"shorter than the back-off", 503, "1", 1},
+        {"nonsense", 503, "soon", 1},
+        {"nothing", 429, {}, 1},
+    };
+    addChannel(u"f"_s, server_.url(u"/f"));
+    addChannel(u"g"_s, server_.url(u"/g"));
+    server_.serve(u"/g"_s, generatedFeed(1, 1));
+    for (const Case &test : cases) {
+        SCOPED_TRACE(test.what);
+        QFile::remove(device_.root.filePath(u"UpdateState.db"));
+        FeedServer::Headers headers;
+        if (!test.retryAfter.isNull())
+            headers.append({"Retry-After", test.retryAfter});
+        server_.answerStatus(u"/f"_s, test.status, {}, headers);
+        EXPECT_EQ(runRound(0).tried, test.isForHost ? 1 : 2);
+        EXPECT_EQ(server_.requests().size(), test.isForHost ? 1 : 2);
+        server_.serve(u"/f"_s, generatedFeed(1, 2));
+        const double step = test.firstTry > 100 ? 12 : 0.5;
+        double hour = step;
+        while (hour < 200 && runRound(hour).leftAlone > 0)
+            hour += step;
+        EXPECT_EQ(hour, test.firstTry);
+    }
+}
+
+TEST_F(AutoRoundTest, FourAtATimeButNeverTwoOfOneHost) {
+    server_.setDelay(60ms);
+    const auto url = [this](const QString &host, const QString &path) {
+        return u"http://%1:%2%3"_s.arg(host).arg(server_.port()).arg(path);
+    };
+    for (int i = 0; i < 12; ++i) {
+        const QString path = u"/%1"_s.arg(i);
+        server_.serve(path, generatedFeed(2, static_cast<quint32>(i)));
+        addChannel(path, url(u"%1.localhost"_s.arg(i % 6), path));
+    }
+    EXPECT_EQ(runRound().storedCount, 24);
+    EXPECT_EQ(server_.peakRequests(), 4);
+
+    // Also when hosts send on to one and the same.
+    server_.clearCounts();
+    for (int i = 0; i < 6; ++i)
+        server_.redirect(u"/%1"_s.arg(i), url(u"6.localhost"_s, u"/1%1"_s.arg(i % 2)).toUtf8());
+    EXPECT_EQ(runRound(1).tried, 12);
+    for (int i = 0; i < 7; ++i)
+        EXPECT_EQ(server_.peakRequests(url(u"%1.localhost"_s.arg(i), {}).sliced(7).toLatin1()), 1)
+            << i;
+}
+
+TEST_F(AutoRoundTest, ABrokenDocumentIsDownloadedDirectlyAndOthersAreNotHeldUp) {
+    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
+    server_.serve(u"/broken"_s, "<rss><channel>");
+    server_.hang(u"/hangs"_s);
+    server_.serve(u"/good"_s, generatedFeed(3, 1));
+    for (const auto &name : {u"broken"_s, u"hangs"_s, u"good"_s})
+        addChannel(name, u"http://%1.localhost:%2/%1"_s.arg(name).arg(server_.port()));
+    addChannel(u"no address"_s, u"nonsense"_s);
+    StopSignal stop;
+    std::thread stopper([&] {
+        while (device_.counts(u"C"_s, u"good"_s) != u"3/3" || server_.requests().size() < 3)
+            std::this_thread::yield();
+        stop.raise();
+    });
+    const AutoRoundResult result = runRound(0, &stop);
+    stopper.join();
+    qunsetenv("TIDEBROOK_HTTP_PORT");
+    EXPECT_EQ(result.storedCount, 3);
+    EXPECT_EQ(result.failed, 1);
+
+    // What the stop has cut off has its turn when the round goes on; the others have had theirs.
+    server_.serve(u"/hangs"_s, generatedFeed(3, 2));
+    server_.serve(u"/broken"_s, generatedFeed(3, 3));
+    EXPECT_EQ(runRound().tried, 2);
+    EXPECT_EQ(device_.counts(u"C"_s, u"hangs"_s), u"3/3");
+    EXPECT_EQ(device_.counts(u"C"_s, u"broken"_s), u"3/3");
+}
+
+TEST_F(AutoRoundTest, ChannelsOfTheListThatAreGoneOrMovedAreNoTrouble) {
+    server_.serve(u"/f"_s, generatedFeed(2, 1));
+    addChannel(u"gone"_s, server_.url(u"/f"));
+    addChannel(u"moved"_s, server_.url(u"/elsewhere"));
+    device_.store->DeleteChannel(u"gone"_s);
+    device_.store->MoveChannel(u"moved"_s, u"D"_s);
+    device_.store->SetChannelLink(u"moved"_s, server_.url(u"/f"));
+    const AutoRoundResult result = runRound();
+    EXPECT_EQ(result.unknown, 1);
+    EXPECT_EQ(device_.counts(u"D"_s, u"moved"_s), u"2/2");
+}
+
+TEST_F(AutoRoundTest, ALockedDatabaseIsNotHeldAgainstTheFeed) {
+    server_.serve(u"/f"_s, generatedFeed(2, 1));
+    addChannel(u"f"_s, server_.url(u"/f"));
+    {
+        auto other = SqliteDatabase::open(device_.root.filePath(u"RSSVault.sdf"), {});
+        ASSERT_TRUE(other);
+        const SqliteTransaction lock(*other);
+        EXPECT_EQ(runRound().failed, 1);
+    }
+    EXPECT_EQ(runRound(0.5).storedCount, 2);
+}
+
+} // namespace
+} // namespace tidebrook
