@@ -1,0 +1,126 @@
+#include "feed_server/generated_feed.h"
+#include "platform/service.h"
+#include "service/running_service.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <csignal>
+#include <iostream>
+#include <random>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int channelCount = 4;
+
+// How long; TIDEBROOK_CHAOS asks for a longer test, in seconds.
+int chaosSeconds() {
+    const int asked = qEnvironmentVariableIntValue("TIDEBROOK_CHAOS");
+    return asked > 0 ? asked : 3;
+}
+
+/// The service, a requester and an updater at work on one device, each killed now and then.
+class ChaosTest : public RunningService {
+protected:
+    void publish(int round) {
+        for (int i = 0; i < channelCount; ++i)
+            server_.serve(u"/ch%1"_s.arg(i),
+                          generatedFeed(30, static_cast<quint32>(i), round * 10));
+    }
+
+    void live() {
+        keepGoing(requester_, {u"request"_s, u"C"_s, u"ch%1"_s.arg(random(channelCount)),
+                               u"--timeout"_s, u"5"_s});
+        keepGoing(updater_, {u"update"_s, u"--jobs"_s, u"2"_s});
+        QThread::msleep(static_cast<unsigned long>(random(60)));
+        if (random(3) == 0)
+            killOne();
+    }
+
+    void rest() {
+        for (const auto &process : {requester_.get(), updater_.get()}) {
+            process->kill();
+            process->waitForFinished();
+        }
+    }
+
+    void killOne() {
+        const std::optional<pid_t> service = runningService(root_);
+        switch (random(3)) {
+        case 0:
+            requester_->kill();
+            break;
+        case 1:
+            updater_->kill();
+            break;
+        default:
+            if (service)
+                serviceKills_ += kill(*service, SIGKILL) == 0 ? 1 : 0;
+        }
+    }
+
+    int random(int limit) { return std::uniform_int_distribution(0, limit - 1)(random_); }
+
+    int dones_ = 0;
+    int updates_ = 0;
+    int kills_ = 0;
+    int serviceKills_ = 0;
+
+private:
+    // Starts it, again when it has ended.
+    void keepGoing(std::unique_ptr<QProcess> &process, const QStringList &command) {
+        if (process && !process->waitForFinished(0) && process->state() != QProcess::NotRunning)
+            return;
+        if (process) {
+            const bool isDone =
+                process->exitStatus() == QProcess::NormalExit && process->exitCode() == 0;
+            kills_ += process->exitStatus() == QProcess::CrashExit ? 1 : 0;
+            (&process == &requester_ ? dones_ : updates_) += isDone ? 1 : 0;
+        }
+        process = ctl_.start(command);
+        process->waitForStarted();
+    }
+
+    std::mt19937 random_{2026}; // the moments differ all the same, with the machine's load
+    std::unique_ptr<QProcess> requester_;
+    std::unique_ptr<QProcess> updater_;
+};
+
+TEST_F(ChaosTest, NothingIsLostOrStuckWhoeverIsKilled) {
+    for (int i = 0; i < channelCount; ++i)
+        addChannel(u"ch%1"_s.arg(i));
+    publish(0);
+    QElapsedTimer timer;
+    timer.start();
+    qint64 soundAt = 0;
+    for (int round = 1; timer.elapsed() < chaosSeconds() * 1000; ++round) {
+        publish(round);
+        for (int i = 0; i < 20; ++i)
+            live();
+        if (timer.elapsed() - soundAt > 30'000) {
+            expectSound();
+            soundAt = timer.elapsed();
+        }
+    }
+    rest();
+    std::cout << dones_ << " requests done, " << updates_ << " updates done, " << kills_
+              << " commands and " << serviceKills_ << " services killed\n";
+    EXPECT_GT(dones_, 0);
+    EXPECT_GT(updates_, 0);
+    EXPECT_GT(kills_, 0);
+    EXPECT_GT(serviceKills_, 0);
+
+    ctl_.run({u"service"_s, u"stop"_s});
+    publish(100'000);
+    EXPECT_EQ(ctl_.run({u"request"_s, u"C"_s, u"ch0"_s}).out, u"done\n");
+    EXPECT_EQ(ctl_.run({u"update"_s}).exitCode, 0);
+    EXPECT_EQ(ctl_.run({u"add"_s, u"D"_s, u"new"_s, server_.url(u"/ch0")}).exitCode, 0);
+    EXPECT_EQ(ctl_.run({u"auto"_s, u"add"_s, u"new"_s}).exitCode, 0);
+    expectSound();
+}
+
+} // namespace
+} // namespace tidebrook
