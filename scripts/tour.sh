@@ -9,10 +9,12 @@ source scripts/building.sh
 readonly bin=build/release/bin
 readonly feeds=examples/feeds
 readonly brokenFeed=broken.xml
+readonly requestedFeed=carnet_des_rues.xml
 
 temporary=$(mktemp -d)
 serverId=
 cleanUp() {
+    "$bin/tidebrookctl" --home "$temporary/device" service stop >/dev/null 2>&1 || true
     if [[ -n $serverId ]]; then
         kill "$serverId" 2>/dev/null || true
         wait "$serverId" 2>/dev/null || true
@@ -70,6 +72,14 @@ newArticles() {
     awk -F'\t' '$1 == "ok" { sum += $2 } END { print sum + 0 }' <<<"$1"
 }
 
+itemsOf() {
+    grep -ac '<item>' "$feeds/$1"
+}
+
+categoryOf() {
+    awk -F'\t' -v file="$1" '$3 == file { print $1 }' "$feeds/channels.tsv"
+}
+
 countLines() {
     grep -c "^$2"$'\t' <<<"$1" || true
 }
@@ -101,7 +111,7 @@ makeDevice() {
 startServer() {
     local announcement=$temporary/announcement line=
     mkfifo "$announcement"
-    "$bin/feedserver" --directory "$feeds" >"$announcement" &
+    "$bin/feedserver" --directory "$feeds" --validators >"$announcement" &
     serverId=$!
     exec {announced}<"$announcement"
     if ! read -r -t 20 line <&"$announced" || [[ $line != "listening on http://127.0.0.1:"* ]]; then
@@ -136,9 +146,26 @@ addChannels() {
     fi
 }
 
+# What the reader does when somebody taps "Update".
+requestOne() {
+    local name=${nameOf[$requestedFeed]}
+    chapter "Asking the downloader"
+    explain "The reader does not fetch by itself: it asks a service in the background, feedlarkd, and" \
+        "waits for its answer. \"request\" does the same, and starts the service where none runs:"
+    try 0 request "$(categoryOf "$requestedFeed")" "$name"
+    if [[ $output != "done" ]]; then
+        fail "the request was not answered with \"done\"."
+    fi
+    try 0 service status
+    try 0 articles "$name"
+    if [[ $(countLines "$output" u) != "$(itemsOf "$requestedFeed")" ]]; then
+        fail "the articles of $name did not all arrive."
+    fi
+}
+
 updateFirst() {
     chapter "Fetching"
-    explain "\"update\" fetches every channel. Each line tells how it went: ok, the number of new" \
+    explain "\"update\" fetches every channel, without the service. Each line tells how it went: ok, the number of new" \
         "articles, unread/all articles, and the channel. One feed is broken on purpose, so the" \
         "command as a whole ends with exit status 1:"
     try 1 update
@@ -163,13 +190,17 @@ explainBrokenFeed() {
 
 # What arrived must be what the publishers wrote: as many articles as there are items.
 compareWithFiles() {
-    local file items expected
+    local file items new expected
     for file in "${!nameOf[@]}"; do
         if [[ $file == "$brokenFeed" ]]; then
             continue
         fi
-        items=$(grep -ac '<item>' "$feeds/$file")
-        expected=$(printf 'ok\t%s\t%s/%s\t%s' "$items" "$items" "$items" "${nameOf[$file]}")
+        items=$(itemsOf "$file")
+        new=$items
+        if [[ $file == "$requestedFeed" ]]; then
+            new=0
+        fi
+        expected=$(printf 'ok\t%s\t%s/%s\t%s' "$new" "$items" "$items" "${nameOf[$file]}")
         if ! grep -Fxq "$expected" <<<"$update"; then
             fail "${nameOf[$file]} has $items articles, and not all of them arrived."
         fi
@@ -216,6 +247,33 @@ updateAgain() {
     explain "" "Nothing doubled: $after unread/all articles, as before."
 }
 
+# The service looks at its settings once a minute; one that begins looks at once.
+automaticRounds() {
+    local name=${nameOf[$requestedFeed]} tries=200
+    chapter "Fetching on its own"
+    explain "Channels on the automatic list are updated by the service, here every 30 minutes. A first" \
+        "round is due at once:"
+    try 0 auto add "$name"
+    try 0 setting UpdateInterval 1
+    try 0 setting UpdateMode 1
+    try 0 service stop
+    try 0 service start
+    until "$bin/tidebrookctl" --home "$temporary/device" setting LastAutoUpdate \
+        >/dev/null 2>&1; do
+        if ((--tries == 0)); then
+            fail "the service did not run the round that is due."
+        fi
+        sleep 0.1
+    done
+    explain "" "Of each channel: its last success, what came of it, and when it is tried next:"
+    try 0 updates
+    if [[ $(grep -c "nothing new" <<<"$output") == 0 ||
+        $(grep -vc "not automatic$" <<<"$output") != 1 ]]; then
+        fail "one channel must be automatic, and must have nothing new."
+    fi
+    try 0 service stop
+}
+
 checkStore() {
     chapter "Examining what is stored"
     explain "\"check\" looks for damage and wrong counts, and prints a line for each fault:"
@@ -239,11 +297,13 @@ buildQuietly
 makeDevice
 startServer
 addChannels
+requestOne
 updateFirst
 compareWithFiles
 explainBrokenFeed
 readArticle
 updateAgain
+automaticRounds
 checkStore
 
 chapter "The end"
