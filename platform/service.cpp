@@ -9,7 +9,9 @@
 #include <QProcess>
 #include <QStandardPaths>
 
-#include <signal.h>
+#include <fcntl.h>
+
+#include <csignal>
 
 extern "C" { // glibc 2.36 forgot to say so itself
 #include <sys/pidfd.h>
