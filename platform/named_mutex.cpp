@@ -106,8 +106,9 @@ bool NamedMutex::lock(milliseconds timeout) {
         result = pthread_mutex_consistent(&shared_->mutex);
     if (result != 0)
         return false;
-    depth_ = owner_ == gettid() ? depth_ + 1 : 1;
-    owner_ = gettid();
+    const pid_t self = gettid();
+    depth_ = owner_ == self ? depth_ + 1 : 1;
+    owner_ = self;
     return true;
 }
 

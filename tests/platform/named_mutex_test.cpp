@@ -100,6 +100,7 @@ TEST_F(NamedMutexTest, GoesToTheNextWhenItsHolderIsKilled) {
 }
 
 TEST_F(NamedMutexTest, IsUnlockedWhenItsObjectEnds) {
+    const NamedMutex other(device_, u"mutex");
     NamedMutex(device_, u"mutex").lock(0ms);
     EXPECT_EQ(tryElsewhere(0ms), 0);
 }
@@ -165,11 +166,13 @@ bool waitsForFileLock(pid_t process) {
 }
 
 TEST_F(NamedMutexTest, WhoeverWaitsForAnInitialiserThatDiesTakesItsPlace) {
-    // The initialiser is alone with the file, and has not put anything into it.
+    // The initialiser is alone with the file, and what is in there is no mutex.
     auto initialiser = std::make_unique<Descriptor>(
         open(QFile::encodeName(path()).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
     ASSERT_EQ(flock(initialiser->number(), LOCK_EX), 0);
-    const auto inherited = initialiser->number();
+    const QByteArray content(4096, '\xFF');
+    ASSERT_EQ(write(initialiser->number(), content.constData(), 4096), 4096);
+    const int inherited = initialiser->number();
     ForkedProcess opener([&] {
         close(inherited);
         NamedMutex mutex(device_, u"mutex");

@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 
 namespace tidebrook {
 
-ForkedProcess::ForkedProcess(const std::function<int()> &work) : id_(fork()) {
+ForkedProcess::ForkedProcess(const std::function<int()> &work) {
+    std::fflush(nullptr); // a sanitizer writes in the child what is left in its buffers
+    id_ = fork();
     if (id_ != 0)
         return;
     alarm(60); // whatever goes wrong, it does not stay

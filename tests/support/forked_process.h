@@ -26,7 +26,7 @@ public:
     int wait();
 
 private:
-    pid_t id_;
+    pid_t id_ = -1;
 };
 
 using ForkedProcesses = std::vector<std::unique_ptr<ForkedProcess>>;
