@@ -6,9 +6,7 @@
 #include "support/forked_process.h"
 #include "support/text_printing.h"
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -81,70 +79,6 @@ TEST_F(ServiceTest, StoppingWaitsForTheEndOfTheService) {
     const auto deaf = startHolder([] { std::signal(SIGTERM, SIG_IGN); });
     EXPECT_FALSE(stopService(device_, 50ms));
     EXPECT_EQ(runningService(device_), deaf->id());
-}
-
-/// An activation by a program of its own, in a folder that can hold a service.
-class ActivationTest : public ServiceTest {
-protected:
-    void SetUp() override {
-        ServiceTest::SetUp();
-        ASSERT_TRUE(copyActor(u"user"_s));
-    }
-    void TearDown() override { EXPECT_TRUE(stopService(device_, 20s)); }
-
-    bool copyActor(const QString &path) const {
-        const QFileInfo copy(folder_.filePath(path));
-        return QDir().mkpath(copy.path()) &&
-               QFile::copy(QStringLiteral(SERVICE_ACTOR), copy.filePath());
-    }
-
-    /// "Started", "AlreadyRunning" or the error.
-    QString activate() const {
-        const QByteArray program = QFile::encodeName(folder_.filePath(u"user"_s));
-        const QByteArray root = QFile::encodeName(device_.path());
-        QFile words(folder_.filePath(u"words"_s));
-        ForkedProcess user([&] {
-            qputenv("PATH", QFile::encodeName(folder_.filePath(u"path"_s)));
-            if (words.open(QIODevice::WriteOnly) && dup2(words.handle(), STDOUT_FILENO) >= 0)
-                execl(program.constData(), program.constData(), root.constData(), nullptr);
-            return -1;
-        });
-        switch (static_cast<Activation>(user.wait())) {
-        case Activation::Started:
-            return u"Started"_s;
-        case Activation::AlreadyRunning:
-            return u"AlreadyRunning"_s;
-        case Activation::Failed:
-            break;
-        }
-        return words.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(words.readAll())
-                                               : QString();
-    }
-};
-
-TEST_F(ActivationTest, StartsTheServiceBesideTheProgramOrOnThePathOnce) {
-    EXPECT_EQ(activate(), u"the program feedlarkd was not found");
-    for (const QString &place : {u"path/feedlarkd"_s, u"feedlarkd"_s}) {
-        ASSERT_TRUE(copyActor(place));
-        EXPECT_EQ(activate(), u"Started");
-        const auto service = runningService(device_);
-        ASSERT_TRUE(service);
-        EXPECT_EQ(QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(*service)), folder_.filePath(place));
-        EXPECT_EQ(activate(), u"AlreadyRunning");
-        EXPECT_EQ(runningService(device_), service);
-        EXPECT_TRUE(stopService(device_, 20s));
-    }
-}
-
-TEST_F(ActivationTest, TellsWhyThereIsNoService) {
-    ASSERT_TRUE(copyActor(u"feedlarkd"_s));
-    ASSERT_TRUE(QDir(device_.path() + u"/run").removeRecursively());
-    EXPECT_EQ(activate(), u"the device is locked away");
-    QFile program(folder_.filePath(u"feedlarkd"_s));
-    ASSERT_TRUE(program.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    program.write("#!/no/such/interpreter\n");
-    program.close();
-    EXPECT_TRUE(activate().startsWith(program.fileName()));
 }
 
 StopSignal *signalledStop = nullptr;
