@@ -3,9 +3,10 @@
 #include "platform/file_lock.h"
 #include "platform/text.h"
 #include "store/escape_sql.h"
-#include "update/channel_line.h"
+#include "update/channel_file.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QSet>
 
@@ -14,6 +15,7 @@ namespace tidebrook {
 namespace {
 
 constexpr QStringView listFile = u"\\windows\\UpdateChannel.list";
+constexpr qint64 listLimit = 16 * 1024 * 1024; // bytes; room for more channels than any device has
 constexpr QStringView listLock = u"\\run\\list.lock";
 
 // Names on the list are told apart by as much of them as a channel's name can have.
@@ -30,6 +32,8 @@ QList<RefreshJob> readTriples(const QString &text) {
         channels.append({tokens[i + 1], tokens[i], tokens[i + 2]});
     return channels;
 }
+
+std::optional<QString> readList(const QString &path) { return readChannelFile(path, listLimit); }
 
 bool replaceList(const QString &path, const QString &text) {
     QSaveFile file(path);
@@ -55,11 +59,10 @@ QString withoutName(const QString &text, const QString &channelName) {
 } // namespace
 
 bool isAutoUpdated(const DeviceRoot &device, const QString &channelName) {
-    QFile file(device.filePath(listFile));
-    // Opening to write is what makes it.
-    if (!file.open(QIODevice::ReadWrite) && !file.open(QIODevice::ReadOnly))
-        return false;
-    for (const RefreshJob &channel : readTriples(decodeChannelFile(file.readAll()))) {
+    const QString path = device.filePath(listFile);
+    if (!QFileInfo::exists(path))
+        QFile(path).open(QIODevice::WriteOnly | QIODevice::Append); // which makes it
+    for (const RefreshJob &channel : readTriples(readList(path).value_or(QString()))) {
         if (comparable(channel.channelName) == comparable(channelName))
             return true;
     }
@@ -73,23 +76,18 @@ bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add) {
     if (add && !parseChannelLine(QStringView(channelLine(job)).chopped(1)))
         return false;
     const FileLock lock(device.filePath(listLock));
-    QFile file(device.filePath(listFile));
-    if (!file.exists())
+    const QString path = device.filePath(listFile);
+    if (!QFileInfo::exists(path))
         return true;
-    if (!lock.isHeld() || !file.open(QIODevice::ReadOnly))
-        return false;
-    const QString text = decodeChannelFile(file.readAll());
-    return replaceList(file.fileName(),
-                       add ? withLine(text, job) : withoutName(text, job.channelName));
+    const std::optional<QString> text = readList(path);
+    return lock.isHeld() && text &&
+           replaceList(path, add ? withLine(*text, job) : withoutName(*text, job.channelName));
 }
 
 QList<RefreshJob> autoUpdatedChannels(const DeviceRoot &device) {
-    QFile file(device.filePath(listFile));
+    const QString text = readList(device.filePath(listFile)).value_or(QString());
     QList<RefreshJob> channels;
-    if (!file.open(QIODevice::ReadOnly))
-        return channels;
     QSet<QString> names;
-    const QString text = decodeChannelFile(file.readAll());
     for (QStringView line : QStringView(text).split(u'\n')) {
         if (line.endsWith(u'\r'))
             line.chop(1);

@@ -2,7 +2,7 @@
 
 #include "platform/pause.h"
 #include "platform/wait_any.h"
-#include "update/channel_line.h"
+#include "update/channel_file.h"
 #include "update/request_file.h"
 
 #include <QFile>

@@ -2,7 +2,7 @@
 
 #include "platform/named_event.h"
 #include "store/settings_store.h"
-#include "update/channel_line.h"
+#include "update/channel_file.h"
 
 #include <QFile>
 
@@ -15,15 +15,11 @@ namespace {
 constexpr qint64 lineLimit = 612 * 2; // bytes; the longest line that requesters write
 
 std::optional<RefreshJob> readJob(const QString &path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    // What is longer, or has no end, is not what a requester writes.
+    const std::optional<QString> text = readChannelFile(path, lineLimit);
+    if (!text || text->indexOf(u'\n') != text->size() - 1)
         return std::nullopt;
-    const QByteArray bytes = file.read(lineLimit + 1);
-    // One that is longer, or has no end, is not what a requester writes.
-    const QString text = decodeChannelFile(bytes);
-    if (bytes.size() > lineLimit || text.indexOf(u'\n') != text.size() - 1)
-        return std::nullopt;
-    return parseChannelLine(QStringView(text).chopped(1));
+    return parseChannelLine(QStringView(*text).chopped(1));
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 
 #include <QFile>
 
+#include <sys/stat.h>
+
 #include <csignal>
 
 namespace tidebrook {
@@ -71,6 +73,14 @@ TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
         EXPECT_EQ(errorCode(), 1012u);
     }
     EXPECT_EQ(server_.requests().size(), 0);
+    EXPECT_EQ(request(job), DownloadAnswer::Done);
+
+    // Nor is what would be waited for.
+    ASSERT_TRUE(QFile::remove(path));
+    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    DownloadAnswers answers(root_);
+    signalRequest();
+    EXPECT_EQ(answers.wait(30s), DownloadAnswer::Failed);
     EXPECT_EQ(request(job), DownloadAnswer::Done);
 }
 

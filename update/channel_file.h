@@ -13,8 +13,9 @@ namespace tidebrook {
 // mark, a line a channel: name, tab, address, tab, category, line feed.
 
 QByteArray encodeChannelFile(const QString &text);
-/// Tolerates a byte-order mark and drops half of a character at the end.
-QString decodeChannelFile(const QByteArray &bytes);
+/// Nothing when there is no such file, or it is larger than `byteLimit`. Tolerates a byte-order
+/// mark and drops half of a character at the end. Never waits: what is no plain file is not read.
+std::optional<QString> readChannelFile(const QString &path, qint64 byteLimit);
 
 QString channelLine(const RefreshJob &job);
 

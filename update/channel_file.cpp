@@ -1,8 +1,10 @@
-#include "update/channel_line.h"
+#include "update/channel_file.h"
 
 #include "platform/text.h"
 #include "store/escape_sql.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QStringDecoder>
 #include <QStringEncoder>
 
@@ -12,7 +14,13 @@ QByteArray encodeChannelFile(const QString &text) {
     return QStringEncoder(QStringConverter::Utf16LE).encode(text);
 }
 
-QString decodeChannelFile(const QByteArray &bytes) {
+std::optional<QString> readChannelFile(const QString &path, qint64 byteLimit) {
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray bytes = file.read(byteLimit + 1);
+    if (bytes.size() > byteLimit)
+        return std::nullopt;
     QString text = QStringDecoder(QStringConverter::Utf16LE).decode(bytes);
     if (bytes.size() % 2 != 0)
         text.chop(text.endsWith(QChar::ReplacementCharacter) ? 1 : 0);
