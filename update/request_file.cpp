@@ -17,7 +17,7 @@ constexpr qint64 lineLimit = 612 * 2; // bytes; the longest line that requesters
 std::optional<RefreshJob> readJob(const QString &path) {
     // What is longer, or has no end, is not what a requester writes.
     const std::optional<QString> text = readChannelFile(path, lineLimit);
-    if (!text || text->indexOf(u'\n') != text->size() - 1)
+    if (!text || !text->endsWith(u'\n') || text->indexOf(u'\n') != text->size() - 1)
         return std::nullopt;
     return parseChannelLine(QStringView(*text).chopped(1));
 }
