@@ -130,7 +130,7 @@ int runRequest(Device &device, const Arguments &arguments) {
     if (!job || startService(device) != ExitDone)
         return ExitFailed;
     DownloadAnswers answers(device.root);
-    answers.request(*job);
+    requestDownload(device.root, *job, answers);
     switch (answers.wait(std::chrono::seconds(timeout))) {
     case DownloadAnswer::Done:
         printLine(QStringLiteral("done"));

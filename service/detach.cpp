@@ -57,7 +57,9 @@ void Detachment::ready(const QString &logPath) {
     turnStream(STDIN_FILENO, "/dev/null", O_RDONLY);
     turnStream(STDOUT_FILENO, "/dev/null", O_WRONLY);
     turnStream(STDERR_FILENO, "/dev/null", O_WRONLY);
-    turnStream(STDERR_FILENO, QFile::encodeName(logPath).constData(), O_WRONLY | O_CREAT | O_TRUNC);
+    if (!logPath.isEmpty())
+        turnStream(STDERR_FILENO, QFile::encodeName(logPath).constData(),
+                   O_WRONLY | O_CREAT | O_TRUNC);
     [[maybe_unused]] const ssize_t written = write(readyPipe_, &readyMark, 1);
     close(readyPipe_);
 }

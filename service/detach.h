@@ -15,7 +15,7 @@ public:
     bool begin();
 
     /// The service is ready: lets the started process end, and turns standard error to the log
-    /// file and the other streams to nothing.
+    /// file, or to nothing where its path is empty, and the other streams to nothing.
     void ready(const QString &logPath);
 
 private:

@@ -60,28 +60,30 @@ void handleSignals(Downloader &downloader) {
     sigaction(SIGPIPE, &action, nullptr);
 }
 
+int fail(const QString &message) {
+    std::fprintf(stderr, "feedlarkd: %s\n", qUtf8Printable(message));
+    return ExitFailed;
+}
+
 int runService(const Options &options) {
     Detachment detachment;
     if (!options.isForeground && !detachment.begin())
-        return ExitFailed;
+        return fail(QStringLiteral("there is no process to go into the background"));
     ServiceLog log(options.isVerbose, !options.isForeground);
     std::optional<ProcessLock> lock; // let go last, when nothing is under way any more
     // It hears requests before it is known to run, so that none is told of too early.
     Downloader downloader(options.root, todayItemKey(resourceString(todayItemNameString)), log);
-    if (!downloader.isReady()) {
-        log.error(QStringLiteral("%1: the device cannot be used").arg(options.root.path()));
-        return ExitFailed;
-    }
+    if (!downloader.isReady())
+        return fail(QStringLiteral("%1: the device cannot be used").arg(options.root.path()));
     lock.emplace(serviceLockPath(options.root));
-    if (!lock->isHeld() && !runningService(options.root)) {
-        log.error(QStringLiteral("%1: cannot be locked").arg(serviceLockPath(options.root)));
-        return ExitFailed;
-    }
-    if (lock->isHeld())
+    const bool isFirst = lock->isHeld();
+    if (!isFirst && !runningService(options.root))
+        return fail(QStringLiteral("%1: cannot be locked").arg(serviceLockPath(options.root)));
+    if (isFirst)
         handleSignals(downloader);
     if (!options.isForeground)
-        detachment.ready(options.root.filePath(u"\\run\\feedlarkd.log"));
-    if (!lock->isHeld()) // another one was first
+        detachment.ready(isFirst ? options.root.filePath(u"\\run\\feedlarkd.log") : QString());
+    if (!isFirst)
         return ExitEnded;
     log.info(QStringLiteral("feedlarkd " TIDEBROOK_VERSION " serves %1").arg(options.root.path()));
     downloader.run();
@@ -116,11 +118,8 @@ int run(const QStringList &commandLine) {
     Options options{.isForeground = parser.isSet(foreground), .isVerbose = parser.isSet(verbose)};
     if (parser.isSet(home))
         options.root = DeviceRoot(parser.value(home));
-    if (!options.root.exists() || !options.root.makeFolders()) {
-        std::fprintf(stderr, "feedlarkd: there is no usable device at %s\n",
-                     qUtf8Printable(options.root.path()));
-        return ExitFailed;
-    }
+    if (!options.root.exists() || !options.root.makeFolders())
+        return fail(QStringLiteral("there is no usable device at %1").arg(options.root.path()));
     if (const auto pid = runningService(options.root)) {
         std::fprintf(stderr, "feedlarkd: it runs already, as process %d\n", static_cast<int>(*pid));
         return ExitEnded;

@@ -24,31 +24,15 @@ void writeRequest(const DeviceRoot &device, const RefreshJob &job) {
     QFile(path).open(QIODevice::WriteOnly | QIODevice::Truncate);
 }
 
-void signalRequest(const DeviceRoot &device) {
-    NamedEvent(device, requestEvent, NamedEvent::Reset::Manual).set();
-}
-
 } // namespace
 
-bool requestDownload(const DeviceRoot &device, const RefreshJob &job) {
-    writeRequest(device, job);
-    Pause(signalPause);
-    signalRequest(device);
-    return true;
-}
-
 DownloadAnswers::DownloadAnswers(const DeviceRoot &device)
-    : device_(device), done_(device, doneEvent, NamedEvent::Reset::Auto),
+    : done_(device, doneEvent, NamedEvent::Reset::Auto),
       failed_(device, failedEvent, NamedEvent::Reset::Auto) {}
 
-void DownloadAnswers::request(const RefreshJob &job) {
-    writeRequest(device_, job);
-    Pause(signalPause);
-    // From here on only this request is answered: the downloader answers none but that in the
-    // file. What an earlier one was answered with is still in the events.
+void DownloadAnswers::forget() {
     done_.reset();
     failed_.reset();
-    signalRequest(device_);
 }
 
 DownloadAnswer DownloadAnswers::wait(std::chrono::milliseconds timeout, int inputDescriptor) {
@@ -63,6 +47,16 @@ DownloadAnswer DownloadAnswers::wait(std::chrono::milliseconds timeout, int inpu
         break;
     }
     return DownloadAnswer::TimedOut;
+}
+
+bool requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAnswers &answers) {
+    writeRequest(device, job);
+    Pause(signalPause);
+    // From the writing on, the downloader answers no other request. What it had said before that
+    // has long come by now.
+    answers.forget();
+    NamedEvent(device, requestEvent, NamedEvent::Reset::Manual).set();
+    return true;
 }
 
 } // namespace tidebrook

@@ -8,11 +8,6 @@
 
 namespace tidebrook {
 
-/// Asks the downloader to update a channel now: writes the one request file, which so holds only
-/// the latest request, and sets the event "RSS_NONAUTODL". Waits for nobody but pauses between
-/// the two. True also when writing failed: the downloader then finds nothing to do and says so.
-bool requestDownload(const DeviceRoot &device, const RefreshJob &job);
-
 /// How a request was answered.
 enum class DownloadAnswer {
     Done,
@@ -27,17 +22,21 @@ class DownloadAnswers {
 public:
     explicit DownloadAnswers(const DeviceRoot &device);
 
-    /// What `requestDownload` does, but for the caller: an answer to an earlier request of his, or
-    /// of somebody before him, is not taken for the one to this.
-    void request(const RefreshJob &job);
+    /// Forgets the answers to earlier requests, whoever made them.
+    void forget();
 
     /// Waits for the answer; `inputDescriptor` as WaitAny takes it, -1 for none.
     DownloadAnswer wait(std::chrono::milliseconds timeout, int inputDescriptor = -1);
 
 private:
-    const DeviceRoot device_;
     NamedEvent done_;
     NamedEvent failed_;
 };
+
+/// Asks the downloader to update a channel now: writes the one request file, which so holds only
+/// the latest request, and sets the event "RSS_NONAUTODL", with a pause between the two. What
+/// `answers` get from then on is the answer to this request. True also when writing failed: the
+/// downloader then finds no request and says so.
+bool requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAnswers &answers);
 
 } // namespace tidebrook

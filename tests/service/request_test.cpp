@@ -94,7 +94,7 @@ TEST_F(RequestTest, TenWithinASecondAreAllServed) {
     server_.setDelay(300ms);
     DownloadAnswers answers(root_);
     for (const RefreshJob &job : jobs) {
-        answers.request(job);
+        requestDownload(root_, job, answers);
         // As fast as a downloader sees them at all: the file holds the latest alone.
         waitFor(
             [this] { return !NamedEvent(root_, requestEvent, NamedEvent::Reset::Manual).test(); });
@@ -111,10 +111,10 @@ TEST_F(RequestTest, AnAnswerToOneThatWasGivenUpIsNotTakenForTheNext) {
         DownloadAnswers answers(root_);
         server_.clearRequests();
         server_.trickle(u"/first"_s, "<not-rss/>", 30ms);
-        answers.request(first);
+        requestDownload(root_, first, answers);
         waitFor([this] { return server_.requests().size() == 1; });
         server_.trickle(u'/' + next.channelName, smallFeed, 10ms);
-        answers.request(next);
+        requestDownload(root_, next, answers);
         EXPECT_EQ(answers.wait(30s), DownloadAnswer::Done);
         EXPECT_EQ(answers.wait(0s), DownloadAnswer::TimedOut);
     }
@@ -127,10 +127,10 @@ TEST_F(RequestTest, AServerThatNeverAnswersKeepsNobodyElseWaiting) {
     server_.serve(u"/good"_s, smallFeed);
     DownloadAnswers answers(root_);
     for (qsizetype i = 1; i <= 5; ++i) {
-        answers.request(stuck);
+        requestDownload(root_, stuck, answers);
         waitFor([&] { return server_.requests().size() == i; });
     }
-    answers.request(good);
+    requestDownload(root_, good, answers);
     EXPECT_EQ(answers.wait(10s), DownloadAnswer::Done);
 }
 
@@ -172,7 +172,7 @@ TEST_F(RequestTest, ASignalEndsADownloadAndTellsWhoWaitsForIt) {
         if (!isRunning())
             start();
         DownloadAnswers answers(root_);
-        answers.request(job);
+        requestDownload(root_, job, answers);
         waitFor([this] { return server_.requests().size() == 1; });
         EXPECT_EQ(end(signal), 0);
         EXPECT_EQ(answers.wait(0s), DownloadAnswer::Failed);

@@ -51,7 +51,7 @@ RefreshJob RunningService::addChannel(const QString &name) {
 
 DownloadAnswer RunningService::request(const RefreshJob &job) {
     DownloadAnswers answers(root_);
-    answers.request(job);
+    requestDownload(root_, job, answers);
     return answers.wait(30s);
 }
 
