@@ -6,9 +6,9 @@
 #include "store/error_codes.h"
 #include "store/update_state.h"
 #include "update/auto_list.h"
-#include "update/auto_round.h"
 #include "update/auto_schedule.h"
 #include "update/download_request.h"
+#include "update/update_history.h"
 
 #include <QSet>
 
@@ -33,6 +33,8 @@ QString resultInWords(const UpdateState &state) {
         return QStringLiteral("not updated yet");
     if (state.lastError != 0)
         return messageWithCode(state.lastError);
+    if (state.wasUnchanged)
+        return QStringLiteral("unchanged");
     if (state.storedCount == 0)
         return QStringLiteral("nothing new");
     return state.storedCount == 1 ? QStringLiteral("1 new article")

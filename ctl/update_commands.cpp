@@ -2,9 +2,9 @@
 #include "ctl/output.h"
 #include "res/strings.h"
 #include "store/error_codes.h"
-#include "update/auto_round.h"
 #include "update/channel_update.h"
 #include "update/refresh.h"
+#include "update/update_history.h"
 
 #include <functional>
 

@@ -17,8 +17,9 @@ constexpr int loadPause = 1000; // ms
 
 } // namespace
 
-FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits)
-    : device_(device), registry_(registry), limits_(limits) {}
+FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits,
+                         Pauses pauses)
+    : device_(device), registry_(registry), limits_(limits), pauses_(pauses) {}
 
 void FeedFetcher::recordError(quint32 code) {
     error_ = code;
@@ -84,7 +85,8 @@ bool FeedFetcher::download(const QString &url) {
     QTemporaryFile file(device_.filePath(tempFile) + u".XXXXXX");
     if (!file.open() || !downloadToTempFile(url, file))
         return fail(FeedNotDownloaded);
-    Pause(loadPause, limits_.stop);
+    if (pauses_ == Pauses::Kept)
+        Pause(loadPause, limits_.stop);
     file.seek(0);
     document_ = XmlDocument::parse(file.readAll());
     return document_.has_value() ? checkRoot() : fail(FeedNotXml);

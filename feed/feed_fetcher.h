@@ -15,6 +15,9 @@ class QTemporaryFile;
 
 namespace tidebrook {
 
+/// Whether a refresh keeps the fixed pauses between its steps, as it does for the screens.
+enum class Pauses { Kept, LeftOut };
+
 /// Refreshes one channel: gets its document over the network and hands it to the parser. Made for
 /// one channel and one thread, and used once.
 ///
@@ -22,7 +25,8 @@ namespace tidebrook {
 /// leaves the database untouched, except that articles stored before a faulty item stay.
 class FeedFetcher {
 public:
-    FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {});
+    FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {},
+                Pauses pauses = Pauses::Kept);
 
     /// 0 while nothing has failed.
     quint32 error() const { return error_; }
@@ -65,6 +69,7 @@ private:
     const DeviceRoot device_;
     Registry &registry_;
     const HttpLimits limits_;
+    const Pauses pauses_;
     quint32 error_ = 0;
     std::optional<XmlDocument> document_;
     bool isUnchanged_ = false;

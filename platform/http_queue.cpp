@@ -10,10 +10,8 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int longestPoll = 60'000; // ms; curl asks for less when it has to do something
-
-QByteArray hostOf(const HttpRequest &request) {
-    const CurlUrl url = parseUrl(request.url);
+QByteArray hostOf(const QString &address) {
+    const CurlUrl url = parseUrl(address);
     return url ? partOf(url, CURLUPART_HOST).toLower() : QByteArray();
 }
 
@@ -23,7 +21,7 @@ public:
           const HttpQueueObserver &observer)
         : requests_(requests), limits_(limits), observer_(observer), multi_(newMulti()) {
         for (std::size_t i = 0; i < requests.size(); ++i)
-            waiting_.push_back({i, hostOf(requests[i])});
+            waiting_.push_back({i, requests[i].url, hostOf(requests[i].url), 0});
     }
 
     ~Queue() {
@@ -34,30 +32,34 @@ public:
     Queue(const Queue &) = delete;
     Queue &operator=(const Queue &) = delete;
 
-    void run(int parallel) {
-        if (!multi_)
-            return;
-        // Redirects may lead several requests to one host; curl has them wait for each other.
-        curl_multi_setopt(multi_.get(), CURLMOPT_MAX_HOST_CONNECTIONS, 1L);
+    bool run(int parallel) {
         curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, static_cast<long>(parallel));
-        while (!isStopped()) {
+        while (multi_ && !isStopped()) {
             startAsMany(static_cast<std::size_t>(parallel));
+            if (running_.empty())
+                return true;
             int count = 0;
-            if (running_.empty() || curl_multi_perform(multi_.get(), &count) != CURLM_OK)
-                return;
+            if (curl_multi_perform(multi_.get(), &count) != CURLM_OK)
+                return false;
             if (!takeEnded())
                 wait();
         }
+        return false;
     }
 
 private:
     struct Waiting {
         std::size_t index;
+        QString url;
         QByteArray host;
+        int redirects;
     };
     struct Running {
-        Running(Waiting &&what, const HttpRequest &request, const HttpLimits &limits)
-            : waiting(std::move(what)), get(request, limits) {}
+        Running(Waiting &&what, const HttpValidators &validators, const HttpLimits &limits)
+            : waiting(std::move(what)), get({waiting.url, validators}, limits) {
+            // Other hosts are gone on to when they are free.
+            get.transfer().set(CURLOPT_FOLLOWLOCATION, 0L);
+        }
         Waiting waiting;
         HttpGet get;
     };
@@ -78,14 +80,14 @@ private:
                 return;
             Waiting waiting = std::move(*next);
             waiting_.erase(next);
-            if (observer_.isWanted(waiting.index))
+            if (waiting.redirects > 0 || observer_.isWanted(waiting.index))
                 start(std::move(waiting));
         }
     }
 
     void start(Waiting &&waiting) {
-        const HttpRequest &request = requests_[waiting.index];
-        running_.emplace_back(std::move(waiting), request, limits_);
+        const HttpValidators &validators = requests_[waiting.index].validators;
+        running_.emplace_back(std::move(waiting), validators, limits_);
         HttpGet &get = running_.back().get;
         if (!get.isOpened() ||
             curl_multi_add_handle(multi_.get(), get.transfer().handle()) != CURLM_OK)
@@ -109,11 +111,22 @@ private:
     }
 
     void end(std::list<Running>::iterator running, CURLcode result) {
-        const HttpAnswer answer = running->get.takeAnswer(result);
-        const std::size_t index = running->waiting.index;
+        const Waiting waiting = running->waiting;
+        const QString next = result == CURLE_OK ? running->get.transfer().redirect() : QString();
+        if (!next.isEmpty() && waiting.redirects < redirectLimit && hasWebScheme(parseUrl(next))) {
+            remove(running);
+            waiting_.push_front({waiting.index, next, hostOf(next), waiting.redirects + 1});
+            return;
+        }
+        const HttpAnswer answer =
+            running->get.takeAnswer(next.isEmpty() ? result : CURLE_TOO_MANY_REDIRECTS);
+        remove(running);
+        observer_.takeAnswer(waiting.index, answer);
+    }
+
+    void remove(std::list<Running>::iterator running) {
         curl_multi_remove_handle(multi_.get(), running->get.transfer().handle());
         running_.erase(running);
-        observer_.takeAnswer(index, answer);
     }
 
     void wait() {
@@ -131,9 +144,9 @@ private:
 
 } // namespace
 
-void httpGetAll(const std::vector<HttpRequest> &requests, int parallel, const HttpLimits &limits,
+bool httpGetAll(const std::vector<HttpRequest> &requests, int parallel, const HttpLimits &limits,
                 const HttpQueueObserver &observer) {
-    Queue(requests, limits, observer).run(parallel);
+    return Queue(requests, limits, observer).run(parallel);
 }
 
 } // namespace tidebrook

@@ -17,10 +17,11 @@ struct HttpQueueObserver {
 };
 
 /// Makes GETs as `httpGet` does, up to `parallel` at a time on the calling thread, in their order
-/// but for those whose host is busy: there are never two connections at once to one host, also
-/// when others redirect there. Connections serve one request after another and are closed when it
-/// returns. When `limits.stop` is raised it returns at once, and what has no answer gets none.
-void httpGetAll(const std::vector<HttpRequest> &requests, int parallel, const HttpLimits &limits,
+/// but for those whose host is busy: one host is asked for one document at a time, also when other
+/// hosts send on to it. Connections serve one request after another and are closed when it
+/// returns. False when `limits.stop` was raised, or nothing can be sent at all: it returns at once
+/// then, and what has no answer gets none.
+bool httpGetAll(const std::vector<HttpRequest> &requests, int parallel, const HttpLimits &limits,
                 const HttpQueueObserver &observer);
 
 } // namespace tidebrook

@@ -7,11 +7,9 @@ namespace tidebrook {
 namespace {
 
 constexpr char webSchemes[] = "http,https";
-constexpr long redirectLimit = 10;
 constexpr long receiveBuffer = 128 * 1024; // bytes; fewer and larger pieces cost less
 constexpr qsizetype validatorLimit = 1024; // bytes; servers send far shorter ones
 constexpr int notModified = 304;
-constexpr int longestPoll = 60'000; // ms; curl asks for less when it has to do something
 
 // The library wants to be set up once, before a second thread uses it.
 bool isCurlReady() {
@@ -74,6 +72,11 @@ QByteArray partOf(const CurlUrl &url, CURLUPart part) {
     QByteArray copy(value);
     curl_free(value);
     return copy;
+}
+
+bool hasWebScheme(const CurlUrl &url) {
+    const QByteArray scheme = url ? partOf(url, CURLUPART_SCHEME).toLower() : QByteArray();
+    return scheme == "http" || scheme == "https";
 }
 
 CurlList headerList(std::initializer_list<QByteArray> headers) {
@@ -160,6 +163,12 @@ long HttpTransfer::status() const {
     return status;
 }
 
+QString HttpTransfer::redirect() const {
+    const char *address = nullptr;
+    curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &address);
+    return QString::fromUtf8(address);
+}
+
 size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
     auto *transfer = static_cast<HttpTransfer *>(self);
     transfer->bodyLeft_ -= static_cast<qint64>(size);
@@ -173,8 +182,7 @@ HttpGet::HttpGet(const HttpRequest &request, const HttpLimits &limits)
                                  limits.bodyBytes),
       isConditional_(!request.validators.isEmpty()) {
     const CurlUrl parsed = parseUrl(request.url);
-    const QByteArray scheme = parsed ? partOf(parsed, CURLUPART_SCHEME).toLower() : QByteArray();
-    isOpened_ = transfer_.handle() && (scheme == "http" || scheme == "https");
+    isOpened_ = transfer_.handle() && hasWebScheme(parsed);
     if (!isOpened_) {
         answer_.detail = QStringLiteral("not an address of the web");
         return;

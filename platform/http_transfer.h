@@ -10,6 +10,10 @@
 
 namespace tidebrook {
 
+/// How many times a request is sent on to another address.
+inline constexpr long redirectLimit = 10;
+inline constexpr int longestPoll = 60'000; // ms; curl asks for less when it has to do something
+
 // What the transports of this room share over libcurl. Nobody else includes this.
 
 struct CurlMultiCleanup {
@@ -28,6 +32,8 @@ using CurlUrl = std::unique_ptr<CURLU, CurlUrlCleanup>;
 /// Null for a text that is no address.
 CurlUrl parseUrl(const QString &text);
 QByteArray partOf(const CurlUrl &url, CURLUPart part);
+/// Whether an address is one of http or https.
+bool hasWebScheme(const CurlUrl &url);
 CurlList headerList(std::initializer_list<QByteArray> headers);
 CurlMulti newMulti();
 
@@ -58,6 +64,8 @@ public:
     QByteArray header(const char *name) const;
     qint64 number(CURLINFO info) const;
     long status() const;
+    /// Where the answer sends on to; empty when it is no redirect.
+    QString redirect() const;
 
 private:
     static size_t receive(char *data, size_t, size_t size, void *self);

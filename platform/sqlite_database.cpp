@@ -164,6 +164,16 @@ bool SqliteDatabase::flush() {
 
 QString SqliteDatabase::lastError() const { return QString::fromUtf8(sqlite3_errmsg(handle_)); }
 
+bool SqliteDatabase::isDamaged(const QString &path) {
+    sqlite3 *handle = nullptr;
+    sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
+    SqliteDatabase database(handle);
+    SqliteStatement check = database.prepare("PRAGMA integrity_check");
+    const bool isChecked = check && check.step() == SqliteStep::Row;
+    const int code = sqlite3_errcode(handle) & 0xFF;
+    return isChecked ? check.text(0) != u"ok" : code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
 QStringList SqliteDatabase::faults() {
     QStringList found;
     SqliteStatement check = prepare("PRAGMA integrity_check");

@@ -67,6 +67,10 @@ public:
     /// one; `error` then says why.
     static std::unique_ptr<SqliteDatabase> open(const QString &path, const Options &options,
                                                 QString *error = nullptr);
+    /// Whether a file is damaged, or is no database; false also when that cannot be told, as of
+    /// one that others have locked.
+    static bool isDamaged(const QString &path);
+
     ~SqliteDatabase();
     SqliteDatabase(const SqliteDatabase &) = delete;
     SqliteDatabase &operator=(const SqliteDatabase &) = delete;

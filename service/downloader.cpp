@@ -31,16 +31,24 @@ QString summary(const AutoRoundResult &result) {
                                : QString());
 }
 
+std::pair<dev_t, ino_t> identify(const DeviceRoot &device) {
+    struct stat status {};
+    stat(QFile::encodeName(device.path()).constData(), &status);
+    return {status.st_dev, status.st_ino};
+}
+
+// Before a round is run again that came to nothing, without a network as a rule.
+std::chrono::milliseconds timeToRecover(int futileRounds) {
+    constexpr int mostDoublings = 10;
+    return 1min * (1 << std::min(futileRounds - 1, mostDoublings));
+}
+
 } // namespace
 
 Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log)
     : device_(device), todayItemKey_(todayItemKey), log_(log), registry_(device),
-      request_(device, requestEvent, NamedEvent::Reset::Manual), schedule_(registry_),
-      server_(device, registry_, todayItemKey, log, stop_) {
-    struct stat status {};
-    if (stat(QFile::encodeName(device_.path()).constData(), &status) == 0)
-        deviceFolder_ = status.st_ino;
-}
+      request_(device, requestEvent, NamedEvent::Reset::Manual), folder_(identify(device)),
+      schedule_(registry_), server_(device, registry_, todayItemKey, log, stop_) {}
 
 Downloader::~Downloader() { stop_.raise(); }
 
@@ -49,13 +57,14 @@ void Downloader::stop() {
     wake_.raise();
 }
 
-void Downloader::run() {
+bool Downloader::run() {
     while (!stop_.isRaised()) {
         lookAfterRound();
         const WaitResult result = WaitAny({&request_}, wake_.descriptor(), timeToSleep());
-        if (result.kind == WaitResult::Kind::Failed || !isDeviceThere()) {
+        // One that was put in its place, as from a backup, is another: what is open is not of it.
+        if (result.kind == WaitResult::Kind::Failed || identify(device_) != folder_) {
             log_.error(QStringLiteral("%1: the device is no longer there").arg(device_.path()));
-            return;
+            return false;
         }
         if (result.kind == WaitResult::Kind::Event) {
             // Before the file is read, so that a request that comes meanwhile is not lost.
@@ -65,13 +74,10 @@ void Downloader::run() {
             wake_.clear();
         }
     }
-}
-
-// One that was put in its place, as from a backup, is another: what is open here is not of it.
-bool Downloader::isDeviceThere() const {
-    struct stat status {};
-    return stat(QFile::encodeName(device_.path()).constData(), &status) == 0 &&
-           status.st_ino == deviceFolder_;
+    // One that has come too late to be served is answered all the same.
+    if (request_.test())
+        server_.serveLatest();
+    return true;
 }
 
 // Settings and the clock are looked at every minute; who changes them tells nobody.
@@ -84,15 +90,9 @@ std::chrono::milliseconds Downloader::timeToSleep() const {
 }
 
 void Downloader::lookAfterRound() {
-    if (isRoundOver_) {
-        round_.join();
-        isRoundOver_ = false;
-        schedule_.endRound(roundStart_);
-        roundStart_ = {};
-        // What a round has needed goes back: the service sleeps for most of its life.
-        malloc_trim(0);
-    }
-    if (roundStart_.isValid())
+    if (isRoundOver_)
+        noteEndOfRound();
+    if (roundStart_.isValid() || uptime() < notBefore_)
         return;
     const QDateTime now = utcNow();
     const std::optional<AutoSchedule::Round> due = schedule_.dueRound(now, uptime());
@@ -104,6 +104,17 @@ void Downloader::lookAfterRound() {
         return;
     }
     startRound({now, due->since, due->isDaily});
+}
+
+void Downloader::noteEndOfRound() {
+    round_.join();
+    isRoundOver_ = false;
+    futileRounds_ = isRoundDone_ ? 0 : futileRounds_ + 1;
+    notBefore_ = isRoundDone_ ? 0ms : uptime() + timeToRecover(futileRounds_);
+    if (isRoundDone_)
+        schedule_.endRound(roundStart_);
+    roundStart_ = {};
+    malloc_trim(0);
 }
 
 void Downloader::startRound(const AutoRound &round) {
@@ -119,21 +130,24 @@ void Downloader::startRound(const AutoRound &round) {
 
 void Downloader::runRound(const AutoRound &round) {
     FeedStore store(device_, registry_, todayItemKey_);
+    AutoRoundResult result;
     if (store.Open()) {
         HttpLimits limits;
         limits.stop = &stop_;
-        const AutoRoundResult result =
-            runAutoRound({device_, registry_, store, limits}, round,
-                         [this](const RefreshJob &job, const RefreshResult &ended) {
-                             log_.result(job.channelName, ended.error, ended.storedCount);
-                         });
+        result = runAutoRound({device_, registry_, store, limits}, round,
+                              [this](const RefreshJob &job, const RefreshResult &ended) {
+                                  log_.result(job.channelName, ended.error, ended.storedCount);
+                              });
         log_.info(summary(result));
     } else {
-        log_.error(QStringLiteral("the database cannot be opened: %1").arg(store.error()));
+        log_.error(QStringLiteral("the database cannot be opened (%1)").arg(store.error()));
     }
-    // A round that was broken off is not over: the next start goes on with it.
+    // A round that was stopped goes on at the next start.
     if (stop_.isRaised())
         return;
+    if (!result.isOver)
+        log_.warning(QStringLiteral("the automatic update will be tried again"));
+    isRoundDone_ = result.isOver;
     isRoundOver_ = true;
     wake_.raise();
 }

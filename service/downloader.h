@@ -10,6 +10,7 @@
 #include "update/auto_round.h"
 #include "update/auto_schedule.h"
 
+#include <QDateTime>
 #include <QString>
 
 #include <sys/types.h>
@@ -17,6 +18,7 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 namespace tidebrook {
 
@@ -33,16 +35,16 @@ public:
     /// False when requests cannot be heard, or settings cannot be read.
     bool isReady() const { return request_.isOpen() && registry_.isOpen(); }
 
-    /// Works until it is stopped or the device is gone.
-    void run();
+    /// Works until it is stopped (true) or the device is gone.
+    bool run();
 
     /// Ends `run`, also what it has under way. From any thread, and from a signal handler.
     void stop();
 
 private:
-    bool isDeviceThere() const;
     std::chrono::milliseconds timeToSleep() const;
     void lookAfterRound();
+    void noteEndOfRound();
     void startRound(const AutoRound &round);
     void runRound(const AutoRound &round);
 
@@ -51,12 +53,16 @@ private:
     ServiceLog &log_;
     Registry registry_;
     NamedEvent request_;
-    ino_t deviceFolder_ = 0;
+    const std::pair<dev_t, ino_t> folder_; // the device's
     StopSignal stop_;
     WakeSignal wake_;
     AutoSchedule schedule_;
 
-    QDateTime roundStart_; // of the round that is running, or whose end is still to be noted
+    int futileRounds_ = 0;                   // in a row, which have to be run again
+    std::chrono::milliseconds notBefore_{0}; // uptime; the next round
+
+    QDateTime roundStart_;     // of the round that is running, or whose end is still to be noted
+    bool isRoundDone_ = false; // every channel had its turn; written before isRoundOver_
     std::atomic<bool> isRoundOver_ = false;
     RequestServer server_;
     std::jthread round_; // the first to end

@@ -8,6 +8,8 @@
 
 #include <QCommandLineParser>
 
+#include <malloc.h>
+
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -70,6 +72,7 @@ int runService(const Options &options) {
     if (!options.isForeground && !detachment.begin())
         return fail(QStringLiteral("there is no process to go into the background"));
     ServiceLog log(options.isVerbose, !options.isForeground);
+    mallopt(M_ARENA_MAX, 2);         // threads come and go here, and none is in a hurry for memory
     std::optional<ProcessLock> lock; // let go last, when nothing is under way any more
     // It hears requests before it is known to run, so that none is told of too early.
     Downloader downloader(options.root, todayItemKey(resourceString(todayItemNameString)), log);
@@ -86,10 +89,10 @@ int runService(const Options &options) {
     if (!isFirst)
         return ExitEnded;
     log.info(QStringLiteral("feedlarkd " TIDEBROOK_VERSION " serves %1").arg(options.root.path()));
-    downloader.run();
+    const bool isStopped = downloader.run();
     runningDownloader = nullptr;
     log.info(QStringLiteral("feedlarkd is ending"));
-    return ExitEnded;
+    return isStopped ? ExitEnded : ExitFailed;
 }
 
 int failUsage(const QString &message) {

@@ -2,8 +2,10 @@
 
 #include "store/error_codes.h"
 #include "store/update_state.h"
-#include "update/auto_round.h"
 #include "update/channel_update.h"
+#include "update/update_history.h"
+
+#include <malloc.h>
 
 #include <algorithm>
 #include <system_error>
@@ -24,7 +26,6 @@ RequestServer::~RequestServer() {
     std::vector<std::jthread> threads;
     {
         const std::lock_guard lock(mutex_);
-        waiting_.clear();
         threads = std::move(threads_);
     }
     threads.clear(); // joined
@@ -63,6 +64,9 @@ std::optional<RequestFile> RequestServer::takeNewest() {
     const std::lock_guard lock(mutex_);
     if (waiting_.empty()) {
         ended_.push_back(std::this_thread::get_id());
+        // What the download has needed goes back: the service sleeps for most of its life.
+        if (underWay_.empty())
+            malloc_trim(0);
         return std::nullopt;
     }
     RequestFile request = std::move(waiting_.back());
@@ -76,12 +80,8 @@ void RequestServer::serve(const RequestFile &request) {
     if (!job)
         log_.warning(QStringLiteral("the request file holds no request"));
     const quint32 code = job ? update(*job) : quint32{NothingKnown};
-    // Its answer would be taken for that to the newer one.
-    if (!request.isLatest()) {
-        log_.detail(QStringLiteral("a newer request came meanwhile; no answer to this one"));
-        return;
-    }
-    answerDownload(device_, registry_, code);
+    if (!answerDownload(device_, registry_, request, code))
+        log_.detail(QStringLiteral("a newer request has come; no answer to this one"));
 }
 
 quint32 RequestServer::update(const RefreshJob &job) {

@@ -9,7 +9,6 @@
 
 #include <QString>
 
-#include <condition_variable>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -20,13 +19,13 @@ namespace tidebrook {
 /// Serves requests for downloads on threads of its own, several at once, so that a server that
 /// does not answer keeps nobody waiting but those who ask for its feeds. Of those that wait for a
 /// thread the newest is served first, since only it is answered: who asked for another has given
-/// up. Every request is served all the same. One thread calls it.
+/// up. Every request that was read is served all the same. One thread calls it.
 class RequestServer {
 public:
     /// The parts outlive it. When `stop` is raised, what is under way ends at once.
     RequestServer(const DeviceRoot &device, Registry &registry, const QString &todayItemKey,
                   ServiceLog &log, const StopSignal &stop);
-    /// Waits for its threads; raise `stop` first.
+    /// Waits for its threads, which answer what is still to be answered; raise `stop` first.
     ~RequestServer();
     RequestServer(const RequestServer &) = delete;
     RequestServer &operator=(const RequestServer &) = delete;

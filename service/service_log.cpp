@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "res/strings.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tidebrook {
@@ -20,11 +21,20 @@ QByteArray oneLine(QString message) {
     return message.toUtf8();
 }
 
+// The journal tells which stream is its own; others of the session's programs inherit what it
+// tells, but not the stream.
+bool isJournal(int stream) {
+    struct stat status {};
+    const QByteArray own = qgetenv("JOURNAL_STREAM");
+    return fstat(stream, &status) == 0 && own == QByteArray::number(quint64{status.st_dev}) + ':' +
+                                                     QByteArray::number(quint64{status.st_ino});
+}
+
 } // namespace
 
 ServiceLog::ServiceLog(bool isVerbose, bool ownsFile)
     : isVerbose_(isVerbose), ownsFile_(ownsFile),
-      isForJournal_(qEnvironmentVariableIsSet("JOURNAL_STREAM")) {}
+      isForJournal_(!ownsFile && isJournal(STDERR_FILENO)) {}
 
 void ServiceLog::detail(const QString &message) {
     if (isVerbose_)

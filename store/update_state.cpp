@@ -1,7 +1,6 @@
 #include "store/update_state.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 namespace tidebrook {
 
@@ -29,46 +28,52 @@ QByteArray storedBytes(const QByteArray &validator) {
 
 UpdateState stateOf(const SqliteStatement &row) {
     UpdateState state;
-    state.lastAttempt = momentOf(row.integer(1));
-    state.lastSuccess = momentOf(row.integer(2));
-    state.lastError = static_cast<quint32>(row.integer(3));
-    state.wasUnchanged = row.integer(4) != 0;
-    state.storedCount = static_cast<int>(row.integer(5));
-    state.failures = static_cast<int>(row.integer(6));
-    state.leftAloneUntil = momentOf(row.integer(7));
-    state.validators = {row.text(8).toLatin1(), row.text(9).toLatin1()};
-    state.url = row.text(10);
-    state.total = static_cast<int>(row.integer(11));
+    state.url = row.text(1);
+    state.lastAttempt = momentOf(row.integer(2));
+    state.lastTurn = momentOf(row.integer(3));
+    state.lastSuccess = momentOf(row.integer(4));
+    state.lastError = static_cast<quint32>(row.integer(5));
+    state.wasUnchanged = row.integer(6) != 0;
+    state.storedCount = static_cast<int>(row.integer(7));
+    state.failures = static_cast<int>(row.integer(8));
+    state.leftAloneUntil = momentOf(row.integer(9));
+    state.validators = {row.text(10).toLatin1(), row.text(11).toLatin1()};
+    state.total = static_cast<int>(row.integer(12));
     return state;
 }
 
+constexpr char layout[] =
+    "channel TEXT PRIMARY KEY, url TEXT, last_attempt INTEGER, last_turn INTEGER, "
+    "last_success INTEGER, last_error INTEGER, was_unchanged INTEGER, stored_count INTEGER, "
+    "failures INTEGER, left_alone_until INTEGER, etag TEXT, last_modified TEXT, total INTEGER";
+constexpr char insertion[] =
+    "INSERT OR REPLACE INTO update_states VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+
 } // namespace
 
-UpdateStateStore::UpdateStateStore(const DeviceRoot &device) {
-    const QString path = device.filePath(fileName);
-    // A journal without its database belongs to none.
-    if (!QFileInfo::exists(path))
-        removeDatabase(path);
-    if (open(path))
-        return;
-    removeDatabase(path);
-    open(path);
+UpdateStateStore::UpdateStateStore(const DeviceRoot &device) : path_(device.filePath(fileName)) {
+    if (!open())
+        recover();
 }
 
-bool UpdateStateStore::open(const QString &path) {
-    database_ =
-        SqliteDatabase::open(path, {.create = true, .syncEveryCommit = false, .busyTimeout = 2000});
-    const bool hasTable =
-        database_ &&
-        (database_->prepare("SELECT total FROM update_states") ||
-         database_->run("CREATE TABLE IF NOT EXISTS update_states (channel TEXT PRIMARY KEY, "
-                        "last_attempt INTEGER, last_success INTEGER, last_error INTEGER, "
-                        "was_unchanged INTEGER, stored_count INTEGER, failures INTEGER, "
-                        "left_alone_until INTEGER, etag TEXT, last_modified TEXT, url TEXT, "
-                        "total INTEGER)") == SqliteStep::Done);
-    if (!hasTable || !database_->faults().isEmpty())
+bool UpdateStateStore::open() {
+    database_ = SqliteDatabase::open(
+        path_, {.create = true, .syncEveryCommit = false, .busyTimeout = 2000});
+    return database_ && (database_->prepare(insertion) ||
+                         (database_->run(QByteArray("CREATE TABLE update_states (") + layout +
+                                         ')') == SqliteStep::Done &&
+                          database_->prepare(insertion)));
+}
+
+// A file that others are at work with fails too, and is not to be taken from them.
+void UpdateStateStore::recover() {
+    const bool isOtherLayout = database_ && database_->prepare("SELECT * FROM update_states") &&
+                               !database_->prepare(insertion);
+    database_.reset();
+    if (isOtherLayout || SqliteDatabase::isDamaged(path_))
+        removeDatabase(path_);
+    if (!open())
         database_.reset();
-    return database_ != nullptr;
 }
 
 QHash<QString, UpdateState> UpdateStateStore::readAll() {
@@ -96,26 +101,29 @@ bool UpdateStateStore::write(const QString &channelName, const UpdateState &stat
     if (!database_)
         return false;
     const QByteArray name = channelName.toUtf8();
+    const QByteArray url = state.url.toUtf8();
     const QByteArray etag = storedBytes(state.validators.etag);
     const QByteArray lastModified = storedBytes(state.validators.lastModified);
-    const QByteArray url = state.url.toUtf8();
-    SqliteStatement insert = database_->prepare(
-        "INSERT OR REPLACE INTO update_states VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
-    if (!insert)
-        return false;
-    insert.bind(1, name);
-    insert.bind(2, secondsOf(state.lastAttempt));
-    insert.bind(3, secondsOf(state.lastSuccess));
-    insert.bind(4, qint64{state.lastError});
-    insert.bind(5, qint64{state.wasUnchanged});
-    insert.bind(6, qint64{state.storedCount});
-    insert.bind(7, qint64{state.failures});
-    insert.bind(8, secondsOf(state.leftAloneUntil));
-    insert.bind(9, etag);
-    insert.bind(10, lastModified);
-    insert.bind(11, url);
-    insert.bind(12, qint64{state.total});
-    return insert.step() == SqliteStep::Done;
+    bool isDone = false;
+    if (SqliteStatement insert = database_->prepare(insertion)) {
+        insert.bind(1, name);
+        insert.bind(2, url);
+        insert.bind(3, secondsOf(state.lastAttempt));
+        insert.bind(4, secondsOf(state.lastTurn));
+        insert.bind(5, secondsOf(state.lastSuccess));
+        insert.bind(6, qint64{state.lastError});
+        insert.bind(7, qint64{state.wasUnchanged});
+        insert.bind(8, qint64{state.storedCount});
+        insert.bind(9, qint64{state.failures});
+        insert.bind(10, secondsOf(state.leftAloneUntil));
+        insert.bind(11, etag);
+        insert.bind(12, lastModified);
+        insert.bind(13, qint64{state.total});
+        isDone = insert.step() == SqliteStep::Done;
+    }
+    if (!isDone)
+        recover();
+    return isDone;
 }
 
 } // namespace tidebrook

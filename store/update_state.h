@@ -15,7 +15,10 @@ namespace tidebrook {
 
 /// What is remembered of a channel's updates. Moments are UTC, and invalid where there was none.
 struct UpdateState {
+    QString url; ///< the address that all of this is of
+
     QDateTime lastAttempt;
+    QDateTime lastTurn; ///< the last attempt that was an automatic one
     QDateTime lastSuccess;
     quint32 lastError = 0;     ///< of the last attempt; 0 when it succeeded
     bool wasUnchanged = false; ///< the last attempt: the server had nothing new to send
@@ -23,10 +26,9 @@ struct UpdateState {
     int failures = 0;          ///< automatic attempts that failed since the last success or request
     QDateTime leftAloneUntil;  ///< what the server asked for
 
-    /// What the server said of the document that was stored last, which address it is of, and how
-    /// many articles the channel had then.
+    /// What the server said of the document that was stored last, and how many articles the
+    /// channel had then.
     HttpValidators validators;
-    QString url;
     int total = 0;
 };
 
@@ -45,7 +47,10 @@ public:
     bool write(const QString &channelName, const UpdateState &state);
 
 private:
-    bool open(const QString &path);
+    bool open();
+    void recover();
+
+    const QString path_;
 
     std::unique_ptr<SqliteDatabase> database_;
 };

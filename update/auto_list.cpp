@@ -10,6 +10,8 @@
 #include <QSaveFile>
 #include <QSet>
 
+#include <algorithm>
+
 namespace tidebrook {
 
 namespace {
@@ -21,16 +23,40 @@ constexpr QStringView listLock = u"\\run\\list.lock";
 // Names on the list are told apart by as much of them as a channel's name can have.
 QStringView comparable(QStringView name) { return cutText(name, channelNameCapacity); }
 
-// The list read as it is by those who keep it: text between tabs and line feeds alike, taken three
-// at a time. What is left over at the end is no channel.
-QList<RefreshJob> readTriples(const QString &text) {
-    QString lines = text;
-    lines.replace(u'\t', u'\n');
-    const QStringList tokens = lines.split(u'\n', Qt::SkipEmptyParts);
-    QList<RefreshJob> channels;
-    for (qsizetype i = 0; i + 2 < tokens.size(); i += 3)
-        channels.append({tokens[i + 1], tokens[i], tokens[i + 2]});
-    return channels;
+/// A piece of the list: a channel, or text that is none.
+struct Entry {
+    QString text; // as it stands, without its line feed
+    std::optional<RefreshJob> channel;
+};
+
+Entry entryOf(const QStringList &tokens) {
+    const RefreshJob job{tokens.value(1), tokens.value(0), tokens.value(2)};
+    return {tokens.join(u'\t'), tokens.size() == 3 ? std::optional(job) : std::nullopt};
+}
+
+// Texts stand between tabs and line feeds alike, and are taken three at a time. A line of three is
+// a channel whatever stands before it, so that what somebody has spoilt by hand spoils no more.
+QList<Entry> readEntries(const QString &text) {
+    QList<Entry> entries;
+    QStringList tokens; // of lines that are not three texts
+    const auto end = [&] {
+        for (qsizetype i = 0; i < tokens.size(); i += 3)
+            entries.append(entryOf(tokens.sliced(i, qMin(qsizetype{3}, tokens.size() - i))));
+        tokens.clear();
+    };
+    for (QString line : text.split(u'\n', Qt::SkipEmptyParts)) {
+        if (line.endsWith(u'\r'))
+            line.chop(1);
+        const QStringList parts = line.split(u'\t', Qt::SkipEmptyParts);
+        if (parts.size() == 3) {
+            end();
+            entries.append(entryOf(parts));
+        } else {
+            tokens.append(parts);
+        }
+    }
+    end();
+    return entries;
 }
 
 std::optional<QString> readList(const QString &path) { return readChannelFile(path, listLimit); }
@@ -49,9 +75,9 @@ QString withLine(const QString &text, const RefreshJob &job) {
 
 QString withoutName(const QString &text, const QString &channelName) {
     QString kept;
-    for (const RefreshJob &channel : readTriples(text)) {
-        if (comparable(channel.channelName) != comparable(channelName))
-            kept += channelLine(channel);
+    for (const Entry &entry : readEntries(text)) {
+        if (!entry.channel || comparable(entry.channel->channelName) != comparable(channelName))
+            kept += entry.text + u'\n';
     }
     return kept;
 }
@@ -62,11 +88,10 @@ bool isAutoUpdated(const DeviceRoot &device, const QString &channelName) {
     const QString path = device.filePath(listFile);
     if (!QFileInfo::exists(path))
         QFile(path).open(QIODevice::WriteOnly | QIODevice::Append); // which makes it
-    for (const RefreshJob &channel : readTriples(readList(path).value_or(QString()))) {
-        if (comparable(channel.channelName) == comparable(channelName))
-            return true;
-    }
-    return false;
+    const QList<Entry> entries = readEntries(readList(path).value_or(QString()));
+    return std::any_of(entries.begin(), entries.end(), [&](const Entry &entry) {
+        return entry.channel && comparable(entry.channel->channelName) == comparable(channelName);
+    });
 }
 
 bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add) {
@@ -88,10 +113,8 @@ QList<RefreshJob> autoUpdatedChannels(const DeviceRoot &device) {
     const QString text = readList(device.filePath(listFile)).value_or(QString());
     QList<RefreshJob> channels;
     QSet<QString> names;
-    for (QStringView line : QStringView(text).split(u'\n')) {
-        if (line.endsWith(u'\r'))
-            line.chop(1);
-        const std::optional<RefreshJob> channel = parseChannelLine(line);
+    for (const Entry &entry : readEntries(text)) {
+        const std::optional<RefreshJob> channel = parseChannelLine(entry.text);
         if (channel && !names.contains(channel->channelName)) {
             names.insert(channel->channelName);
             channels.append(*channel);

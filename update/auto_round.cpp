@@ -1,9 +1,9 @@
 #include "update/auto_round.h"
 
-#include "platform/clock.h"
 #include "platform/http_queue.h"
 #include "platform/stop_signal.h"
 #include "update/auto_list.h"
+#include "update/update_history.h"
 
 #include <QUrl>
 
@@ -18,23 +18,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int channelsAtOnce = 4;
-constexpr std::chrono::seconds firstBackOff = 1h;
-constexpr std::chrono::seconds longestBackOff = 24h;
-constexpr std::chrono::seconds longestWish = 7 * 24h; // of a server, to be left alone
-constexpr int tooManyRequests = 429;
-constexpr int unavailable = 503;
 
 // Rounds are not to the second as far apart as they are meant to be.
 constexpr std::chrono::seconds tolerance = 1min;
-
-QDateTime after(const QDateTime &moment, std::chrono::seconds time) {
-    return moment.addSecs(time.count());
-}
-
-bool asksToBeLeftAlone(const HttpAnswer &answer) {
-    return answer.progress == HttpProgress::Complete &&
-           (answer.status == tooManyRequests || answer.status == unavailable);
-}
 
 /// One run of a round.
 class Run {
@@ -52,14 +38,19 @@ private:
         UpdateState state;
         std::optional<FeedFetcher> fetcher; // of one whose document is still to be downloaded
     };
+    // A turn that reached no server, which is held against it only if others were reached.
+    struct Unreached {
+        RefreshJob job;
+        RefreshResult result;
+    };
 
-    void collect();
+    bool collect();
     bool isTurnOf(const UpdateState &state);
     HttpRequest requestFor(const Channel &channel) const;
-    bool isWelcome(Channel &channel);
+    bool isWelcome(const Channel &channel);
     void takeAnswer(Channel &channel, const HttpAnswer &answer);
     void download(Channel &channel);
-    void finish(Channel &channel, FeedFetcher &fetcher, bool isFetched, const HttpAnswer &answer);
+    void finish(Channel &channel, bool isFetched, const HttpAnswer &answer);
     bool isStopped() const { return target_.limits.stop && target_.limits.stop->isRaised(); }
 
     const RefreshTarget &target_;
@@ -67,53 +58,67 @@ private:
     const Observer &observer_;
     UpdateStateStore states_;
     std::vector<Channel> channels_;
+    std::vector<Unreached> unreached_;
     QHash<QString, QDateTime> tiredHosts_; // and until when they are to be left alone
     AutoRoundResult result_;
 };
 
 AutoRoundResult Run::run() {
-    collect();
+    if (!collect())
+        return result_;
     std::vector<HttpRequest> requests;
     for (const Channel &channel : channels_)
         requests.push_back(requestFor(channel));
-    httpGetAll(requests, channelsAtOnce, target_.limits,
-               {[this](std::size_t index) { return isWelcome(channels_[index]); },
-                [this](std::size_t index, const HttpAnswer &answer) {
-                    takeAnswer(channels_[index], answer);
-                }});
+    const bool isAsked =
+        httpGetAll(requests, channelsAtOnce, target_.limits,
+                   {[this](std::size_t index) { return isWelcome(channels_[index]); },
+                    [this](std::size_t index, const HttpAnswer &answer) {
+                        takeAnswer(channels_[index], answer);
+                    }});
     // Only now: the direct download makes connections of its own.
     for (Channel &channel : channels_) {
         if (channel.fetcher && !isStopped())
             download(channel);
     }
+    const bool isReached =
+        unreached_.empty() || static_cast<std::size_t>(result_.tried) > unreached_.size();
+    for (const Unreached &turn : unreached_) {
+        if (isReached)
+            noteTurn(states_, turn.job, round_.start, turn.result, {});
+        else
+            noteUnreached(states_, turn.job, turn.result);
+    }
     target_.store.PublishTotalUnread();
+    result_.isOver = isAsked && isReached && !isStopped();
     return result_;
 }
 
 // What the list says of a channel may be older than what the store says; the store's holds.
-void Run::collect() {
+bool Run::collect() {
     const QHash<QString, UpdateState> states = states_.readAll();
     for (RefreshJob &job : autoUpdatedChannels(target_.device)) {
-        QString category;
-        if (!target_.store.FindCategory(job.channelName, category) || category.isNull() ||
-            !target_.store.GetChannelLink(category, job.channelName, job.url)) {
+        if (!target_.store.FindCategory(job.channelName, job.category))
+            return false;
+        if (job.category.isNull()) {
             ++result_.unknown;
             continue;
         }
-        job.category = category;
-        const UpdateState state = states.value(job.channelName);
+        if (!target_.store.GetChannelLink(job.category, job.channelName, job.url))
+            return false;
+        const UpdateState state = stateAt(states.value(job.channelName), job.url);
         if (isTurnOf(state))
             channels_.push_back({std::move(job), state, std::nullopt});
     }
+    return true;
 }
 
 bool Run::isTurnOf(const UpdateState &state) {
-    const bool isTried = state.lastAttempt.isValid() && state.lastAttempt >= round_.since &&
-                         state.lastAttempt <= after(round_.start, tolerance);
-    if (isTried)
+    const bool hadTurn = state.lastTurn.isValid() && state.lastTurn >= round_.since &&
+                         state.lastTurn <= round_.start.addSecs(tolerance.count());
+    if (hadTurn)
         return false;
     const QDateTime next = nextTry(state, round_.isDaily, round_.start);
-    const bool isLeftAlone = next.isValid() && next > after(round_.start, tolerance);
+    const bool isLeftAlone = next.isValid() && next > round_.start.addSecs(tolerance.count());
     result_.leftAlone += isLeftAlone ? 1 : 0;
     return !isLeftAlone;
 }
@@ -124,66 +129,51 @@ HttpRequest Run::requestFor(const Channel &channel) const {
     const UpdateState &state = channel.state;
     ReadFlagCounts counts;
     const bool isStored =
-        state.url == channel.job.url && !state.validators.isEmpty() &&
+        !state.validators.isEmpty() &&
         target_.store.CountReadFlags(channel.job.category, channel.job.channelName, counts) &&
         counts.total == state.total;
     return {channel.job.url, isStored ? state.validators : HttpValidators()};
 }
 
 // A host that has had too many requests means those for its other feeds as well.
-bool Run::isWelcome(Channel &channel) {
+bool Run::isWelcome(const Channel &channel) {
     const QDateTime until = tiredHosts_.value(QUrl(channel.job.url).host());
     if (!until.isValid())
         return true;
-    channel.state.leftAloneUntil = until;
-    states_.write(channel.job.channelName, channel.state);
+    UpdateState state = stateAt(states_.read(channel.job.channelName), channel.job.url);
+    state.leftAloneUntil = until;
+    states_.write(channel.job.channelName, state);
     ++result_.leftAlone;
     return false;
 }
 
 void Run::takeAnswer(Channel &channel, const HttpAnswer &answer) {
     FeedFetcher &fetcher =
-        channel.fetcher.emplace(target_.device, target_.registry, target_.limits);
-    if (channel.job.url.isEmpty() || asksToBeLeftAlone(answer))
-        return finish(channel, fetcher, fetcher.fail(FeedNotDownloaded), answer);
+        channel.fetcher.emplace(target_.device, target_.registry, target_.limits, target_.pauses);
+    if (channel.job.url.isEmpty())
+        return finish(channel, fetcher.fail(NothingKnown), answer);
+    if (isTired(answer))
+        tiredHosts_.insert(QUrl(channel.job.url).host(), wishOf(answer, round_.start));
+    if (asksToBeLeftAlone(answer))
+        return finish(channel, fetcher.fail(FeedNotDownloaded), answer);
     const FeedFetcher::Taken taken = fetcher.takeAnswer(answer);
     if (taken != FeedFetcher::Taken::Unclear)
-        finish(channel, fetcher, taken != FeedFetcher::Taken::Failed, answer);
+        finish(channel, taken != FeedFetcher::Taken::Failed, answer);
 }
 
 void Run::download(Channel &channel) {
     const bool isFetched = channel.fetcher->download(channel.job.url);
     if (isFetched || !isStopped())
-        finish(channel, *channel.fetcher, isFetched, {});
+        finish(channel, isFetched, {});
 }
 
-void Run::finish(Channel &channel, FeedFetcher &fetcher, bool isFetched, const HttpAnswer &answer) {
-    const RefreshResult result = storeFetched(target_, channel.job, fetcher, isFetched);
-    UpdateState &state = channel.state;
-    state.lastAttempt = round_.start;
-    state.lastError = result.error;
-    state.wasUnchanged = answer.isUnchanged;
-    state.storedCount = result.storedCount;
-    state.leftAloneUntil = {};
-    if (asksToBeLeftAlone(answer) && answer.retryAfter > 0s) {
-        state.leftAloneUntil = after(utcNow(), std::min(answer.retryAfter, longestWish));
-        if (answer.status == tooManyRequests)
-            tiredHosts_.insert(QUrl(channel.job.url).host(), state.leftAloneUntil);
-    }
-    if (result.error == 0) {
-        state.lastSuccess = utcNow();
-        state.failures = 0;
-        // A channel that was unchanged but has lost articles to their age is to be sent anew.
-        if (!answer.isUnchanged) {
-            state.validators = answer.validators;
-            state.url = channel.job.url;
-            state.total = result.counts.total;
-        }
-    } else if (result.isCounted) { // else it is our database that failed, and not the feed
-        ++state.failures;
-    }
-    states_.write(channel.job.channelName, state);
+void Run::finish(Channel &channel, bool isFetched, const HttpAnswer &answer) {
+    const RefreshResult result = storeFetched(target_, channel.job, *channel.fetcher, isFetched);
     channel.fetcher.reset();
+    if (result.error == FeedNotSent)
+        unreached_.push_back({channel.job, result});
+    else
+        noteTurn(states_, channel.job, round_.start, result, answer);
     ++result_.tried;
     result_.unchanged += answer.isUnchanged ? 1 : 0;
     result_.failed += result.error != 0 ? 1 : 0;
@@ -192,37 +182,6 @@ void Run::finish(Channel &channel, FeedFetcher &fetcher, bool isFetched, const H
 }
 
 } // namespace
-
-std::chrono::seconds backOff(int failures) {
-    std::chrono::seconds time = firstBackOff;
-    for (int i = 1; i < failures && time < longestBackOff; ++i)
-        time *= 2;
-    return std::min(time, longestBackOff);
-}
-
-QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now) {
-    QDateTime next;
-    // What lies further ahead than it can was written by a clock that was set back since.
-    if (state.leftAloneUntil.isValid() && state.leftAloneUntil <= after(now, longestWish))
-        next = state.leftAloneUntil;
-    if (state.failures == 0 || isDaily || state.lastAttempt > after(now, tolerance))
-        return next;
-    const QDateTime again = after(state.lastAttempt, backOff(state.failures));
-    return next.isValid() ? qMax(next, again) : again;
-}
-
-void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result) {
-    UpdateState state = states.read(job.channelName);
-    state.lastAttempt = utcNow();
-    state.lastError = result.error;
-    state.wasUnchanged = false;
-    state.storedCount = result.storedCount;
-    state.failures = 0;
-    state.leftAloneUntil = {};
-    if (result.error == 0)
-        state.lastSuccess = state.lastAttempt;
-    states.write(job.channelName, state);
-}
 
 AutoRoundResult
 runAutoRound(const RefreshTarget &target, const AutoRound &round,

@@ -1,30 +1,16 @@
 #pragma once
 
-#include "store/update_state.h"
 #include "update/refresh.h"
 
 #include <QDateTime>
-#include <QString>
 
 #include <functional>
 
 namespace tidebrook {
 
-/// How long a feed that has failed this often in a row is left alone.
-std::chrono::seconds backOff(int failures);
-
-/// The earliest moment at which a channel may be tried automatically again, for what its feed's
-/// server has asked for and (unless rounds are a day apart anyway) how often it has failed.
-/// Invalid when that is at any time.
-QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now);
-
-/// Remembers how a refresh that a user has asked for ended. Whatever was held against the feed is
-/// forgotten.
-void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
-
 struct AutoRound {
     QDateTime start;      ///< of the round; its times go by this
-    QDateTime since;      ///< channels tried since then have had their turn
+    QDateTime since;      ///< channels that were tried since then have had their turn
     bool isDaily = false; ///< rounds are a day apart
 };
 
@@ -35,12 +21,16 @@ struct AutoRoundResult {
     int leftAlone = 0;   ///< not tried yet again, for their servers' sake
     int unknown = 0;     ///< on the list, but no longer in the store
     int storedCount = 0; ///< new articles
+    /// Whether every channel has had its turn. If not, the same round is to be run again: it was
+    /// stopped, the store could not be read, or no server at all was reached.
+    bool isOver = false;
 };
 
 /// Updates the channels of the automatic list, four at a time but never two of one host, without
 /// pauses: only documents that have changed since they were stored are sent. Ends early when the
-/// target's limits are told to stop; the channels that were not tried then are tried when the
-/// round is run again. `observer` is told of each channel that was tried, on this thread.
+/// target's limits are told to stop. A round in which no server at all was reached is held
+/// against no feed: it is the network that was not there. `observer` is told of each channel that
+/// was tried, on this thread.
 AutoRoundResult
 runAutoRound(const RefreshTarget &target, const AutoRound &round,
              const std::function<void(const RefreshJob &, const RefreshResult &)> &observer);

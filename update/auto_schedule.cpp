@@ -116,19 +116,33 @@ QDateTime AutoSchedule::lastRound(const QDateTime &now, const AutoUpdateSettings
     return last;
 }
 
+// Somebody who chooses an hour of the day that has passed has not missed it.
+void AutoSchedule::beginAnewAt(const QDateTime &now, const AutoUpdateSettings &settings) {
+    const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
+    const bool isChosenNow = lastSettings_ && (lastSettings_->mode != settings.mode ||
+                                               lastSettings_->hour != settings.hour);
+    if (isDaily && isChosenNow)
+        store(now);
+    lastSettings_ = settings;
+}
+
 std::optional<AutoSchedule::Round> AutoSchedule::dueRound(const QDateTime &now,
                                                           std::chrono::milliseconds uptime) {
     const AutoUpdateSettings settings = AutoUpdateSettings::read(registry_);
+    if (unstored_.isValid())
+        store(unstored_);
+    beginAnewAt(now, settings);
     followClock(now, uptime, settings.mode == AutoUpdateSettings::Interval);
     const std::optional<std::chrono::seconds> period = roundPeriod(settings);
-    next_ = period ? nextRound(settings, lastRound(now, settings), now) : std::nullopt;
+    const QDateTime last = period ? lastRound(now, settings) : QDateTime();
+    next_ = nextRound(settings, last, now);
     if (!next_ || *next_ > now)
         return std::nullopt;
     // A round that a restart has broken off goes on, but not when another was due meanwhile.
     const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
     const QDateTime latest =
         isDaily ? firstAfter(now.addDays(-1), settings.hour) : addTo(now, -*period);
-    return Round{qMax(*next_, latest), isDaily, settings.isBarred()};
+    return Round{last.isValid() ? qMax(*next_, latest) : latest, isDaily, settings.isBarred()};
 }
 
 void AutoSchedule::endRound(const QDateTime &start) { store(start); }

@@ -60,12 +60,14 @@ public:
 
 private:
     QDateTime lastRound(const QDateTime &now, const AutoUpdateSettings &settings);
+    void beginAnewAt(const QDateTime &now, const AutoUpdateSettings &settings);
     void followClock(const QDateTime &now, std::chrono::milliseconds uptime, bool isInterval);
     void store(const QDateTime &lastRound);
 
     Registry &registry_;
     QDateTime lastNow_; // at the last call, with the uptime then
     std::chrono::milliseconds lastUptime_{0};
+    std::optional<AutoUpdateSettings> lastSettings_;
     QDateTime unstored_; // the last round, where the registry did not take it
     std::optional<QDateTime> next_;
 };

@@ -21,7 +21,8 @@ bool updateChannel(const RefreshTarget &target, const RefreshJob &job, RefreshRe
         return false;
     target.store.clearError();
     Pause(fetcherPause, target.limits.stop);
-    const RefreshResult refreshed = refreshChannel(target, job);
+    const RefreshResult refreshed = refreshChannel(
+        {target.device, target.registry, target.store, target.limits, Pauses::Kept}, job);
     if (refreshed.error != 0)
         target.store.recordError(refreshed.error);
     if (result)

@@ -27,34 +27,37 @@ void writeRequest(const DeviceRoot &device, const RefreshJob &job) {
 } // namespace
 
 DownloadAnswers::DownloadAnswers(const DeviceRoot &device)
-    : done_(device, doneEvent, NamedEvent::Reset::Auto),
-      failed_(device, failedEvent, NamedEvent::Reset::Auto) {}
+    : device_(device), done_(device, doneEvent, NamedEvent::Reset::Auto),
+      failed_(device, failedEvent, NamedEvent::Reset::Auto), request_(device) {}
 
-void DownloadAnswers::forget() {
+void DownloadAnswers::expect() {
     done_.reset();
     failed_.reset();
+    request_ = RequestFile(device_);
 }
 
 DownloadAnswer DownloadAnswers::wait(std::chrono::milliseconds timeout, int inputDescriptor) {
     const WaitResult result = WaitAny({&done_, &failed_}, inputDescriptor, timeout);
-    switch (result.kind) {
-    case WaitResult::Kind::Event:
-        return result.index == 0 ? DownloadAnswer::Done : DownloadAnswer::Failed;
-    case WaitResult::Kind::Input:
+    if (result.kind == WaitResult::Kind::Input)
         return DownloadAnswer::Input;
-    case WaitResult::Kind::TimedOut:
-    case WaitResult::Kind::Failed:
-        break;
-    }
+    if (result.kind != WaitResult::Kind::Event)
+        return DownloadAnswer::TimedOut;
+    const bool isDone = result.index == 0;
+    if (request_.isLatest())
+        return isDone ? DownloadAnswer::Done : DownloadAnswer::Failed;
+    // It is for whoever has made the newer request, and waits for it too.
+    (isDone ? done_ : failed_).set();
     return DownloadAnswer::TimedOut;
 }
 
 bool requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAnswers &answers) {
-    writeRequest(device, job);
+    {
+        const RequestTurn turn(device);
+        writeRequest(device, job);
+        // From here on the downloader answers no other request.
+        answers.expect();
+    }
     Pause(signalPause);
-    // From the writing on, the downloader answers no other request. What it had said before that
-    // has long come by now.
-    answers.forget();
     NamedEvent(device, requestEvent, NamedEvent::Reset::Manual).set();
     return true;
 }

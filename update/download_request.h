@@ -3,6 +3,7 @@
 #include "platform/device_root.h"
 #include "platform/named_event.h"
 #include "update/refresh_job.h"
+#include "update/request_file.h"
 
 #include <chrono>
 
@@ -12,7 +13,7 @@ namespace tidebrook {
 enum class DownloadAnswer {
     Done,
     Failed,   ///< the code is in the registry's "ERRORNO"
-    TimedOut, ///< nobody answered
+    TimedOut, ///< nobody answered, or will: somebody else has made a newer request
     Input,    ///< the input came first; the answer, if there will be one, is for nobody
 };
 
@@ -22,15 +23,18 @@ class DownloadAnswers {
 public:
     explicit DownloadAnswers(const DeviceRoot &device);
 
-    /// Forgets the answers to earlier requests, whoever made them.
-    void forget();
+    /// From now on the request that the request file holds is the one to be answered: answers to
+    /// earlier ones, whoever made them, are forgotten.
+    void expect();
 
-    /// Waits for the answer; `inputDescriptor` as WaitAny takes it, -1 for none.
+    /// Waits for the answer to that; `inputDescriptor` as WaitAny takes it, -1 for none.
     DownloadAnswer wait(std::chrono::milliseconds timeout, int inputDescriptor = -1);
 
 private:
+    const DeviceRoot device_;
     NamedEvent done_;
     NamedEvent failed_;
+    RequestFile request_;
 };
 
 /// Asks the downloader to update a channel now: writes the one request file, which so holds only

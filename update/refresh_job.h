@@ -1,5 +1,6 @@
 #pragma once
 
+#include "feed/feed_fetcher.h"
 #include "platform/device_root.h"
 #include "platform/http.h"
 #include "platform/registry.h"
@@ -22,6 +23,7 @@ struct RefreshTarget {
     Registry &registry;
     FeedStore &store;
     HttpLimits limits = {};
+    Pauses pauses = Pauses::LeftOut;
 };
 
 } // namespace tidebrook

@@ -12,6 +12,7 @@ namespace tidebrook {
 
 namespace {
 
+constexpr std::chrono::milliseconds longestTurn{500};
 constexpr qint64 lineLimit = 612 * 2; // bytes; the longest line that requesters write
 
 std::optional<RefreshJob> readJob(const QString &path) {
@@ -39,10 +40,20 @@ RequestFile::Identity RequestFile::identify(const QString &path) {
             qint64{status.st_size}, qint64{status.st_mtim.tv_sec}, qint64{status.st_mtim.tv_nsec}};
 }
 
-void answerDownload(const DeviceRoot &device, Registry &registry, quint32 code) {
-    if (code != 0)
+RequestTurn::RequestTurn(const DeviceRoot &device) : mutex_(device, u"UpdateChannel") {
+    mutex_.lock(longestTurn);
+}
+
+RequestTurn::~RequestTurn() { mutex_.unlock(); }
+
+bool answerDownload(const DeviceRoot &device, Registry &registry, const RequestFile &request,
+                    quint32 code) {
+    NamedEvent answer(device, code == 0 ? doneEvent : failedEvent, NamedEvent::Reset::Auto);
+    // This may have to wait, so it comes first; a newer request will write its own.
+    if (code != 0 && request.isLatest())
         SetLastErrorCode(registry, code);
-    NamedEvent(device, code == 0 ? doneEvent : failedEvent, NamedEvent::Reset::Auto).set();
+    const RequestTurn turn(device);
+    return request.isLatest() && answer.set();
 }
 
 } // namespace tidebrook

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/device_root.h"
+#include "platform/named_mutex.h"
 #include "platform/registry.h"
 #include "update/refresh_job.h"
 
@@ -42,8 +43,24 @@ private:
     std::optional<RefreshJob> job_;
 };
 
-/// Answers whoever waits for a download: with success for the code 0, else with the code in the
-/// registry's "ERRORNO". An answer that nobody waits for is gone.
-void answerDownload(const DeviceRoot &device, Registry &registry, quint32 code);
+/// Held while a request is written, and from the look whether one is still the latest until its
+/// answer is given: so nobody who has written a newer one gets that answer. Whoever has been
+/// stopped or killed meanwhile keeps nobody waiting for more than a moment.
+class RequestTurn {
+public:
+    explicit RequestTurn(const DeviceRoot &device);
+    ~RequestTurn();
+    RequestTurn(const RequestTurn &) = delete;
+    RequestTurn &operator=(const RequestTurn &) = delete;
+
+private:
+    NamedMutex mutex_;
+};
+
+/// Answers whoever waits for this request: with success for the code 0, else with the code in the
+/// registry's "ERRORNO". An answer that nobody waits for is gone. False when a newer request has
+/// been written, and so none was given.
+bool answerDownload(const DeviceRoot &device, Registry &registry, const RequestFile &request,
+                    quint32 code);
 
 } // namespace tidebrook

@@ -71,7 +71,8 @@ TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoes) {
     };
     const Case cases[] = {
         {utf16(u"\uFEFFa\tu\tC\r\n\r\nb\tu\tC"_s), {u"a"_s, u"b"_s}},
-        {utf16(u"no tabs\na\tu\tC\tmore\nb\tu\n\tu\tC\nc\tu\tC\nc\tv\tD\n"_s), {u"c"_s}},
+        {utf16(u"note\nb\tu\tC\nb\tv\tD\n\tu\tC\nc\tu\tC\n"_s), {u"b"_s, u"c"_s}},
+        {utf16(u"a\nu\nC\nb\tu\nC\n"_s), {u"a"_s, u"b"_s}},
         {utf16(u"a\tu\tC\nb\tu\tC\n"_s).chopped(1), {u"a"_s, u"b"_s}},
         {"a\tu\tC\nb\tu\tC\n", {}},
         {QByteArray(5'000'000, '\0'), {}},
@@ -85,6 +86,17 @@ TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoes) {
             names.append(job.channelName);
         EXPECT_EQ(names, test.channels);
     }
+}
+
+TEST_F(AutoListTest, WhatSomebodyHasSpoiltByHandSpoilsNoMore) {
+    ASSERT_TRUE(writeFile(path_, utf16(u"# mine\na\tu\tC\nnote\nb\tu\tC\nc\tu\n"_s)));
+    EXPECT_TRUE(isAutoUpdated(device_.root, u"a"_s));
+    EXPECT_TRUE(isAutoUpdated(device_.root, u"b"_s));
+    EXPECT_TRUE(set(u"a"_s, false));
+    EXPECT_EQ(content(), utf16(u"# mine\nnote\nb\tu\tC\nc\tu\n"_s));
+    EXPECT_TRUE(set(u"d"_s, true));
+    EXPECT_TRUE(isAutoUpdated(device_.root, u"d"_s));
+    EXPECT_TRUE(isAutoUpdated(device_.root, u"b"_s));
 }
 
 TEST_F(AutoListTest, AddingBehindAnUnendedLineSpoilsNeither) {

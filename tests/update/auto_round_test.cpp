@@ -5,6 +5,7 @@
 #include "support/test_device.h"
 #include "update/auto_list.h"
 #include "update/auto_round.h"
+#include "update/update_history.h"
 
 #include <QFile>
 
@@ -96,6 +97,37 @@ TEST_F(AutoRoundTest, WhatIsNotStoredIsAskedForWhole) {
     expectWhole(4, "the state was damaged");
 }
 
+TEST_F(AutoRoundTest, ARoundWithoutANetworkIsHeldAgainstNobody) {
+    addChannel(u"f"_s, u"http://127.0.0.1:1/f"_s);
+    addChannel(u"g"_s, u"http://127.0.0.1:1/g"_s);
+    EXPECT_FALSE(runRound().isOver);
+    EXPECT_EQ(runRound(0.1).tried, 2) << "tried anew";
+    device_.store->SetChannelLink(u"g"_s, server_.url(u"/g"));
+    server_.serve(u"/g"_s, generatedFeed(1, 1));
+    EXPECT_TRUE(runRound(0.2).isOver);
+    EXPECT_EQ(runRound(0.5).leftAlone, 1) << "now it is the one feed that fails";
+}
+
+TEST_F(AutoRoundTest, ARequestThatFailedDoesNotTakeTheChannelsTurn) {
+    addChannel(u"f"_s, server_.url(u"/f"));
+    server_.serve(u"/f"_s, generatedFeed(1, 1));
+    UpdateStateStore states(device_.root);
+    {
+        const FixedClock clock(start_);
+        noteRequested(states, {server_.url(u"/f"), u"f"_s, u"C"_s}, {1007, 0, {}, true});
+    }
+    EXPECT_EQ(runRound().storedCount, 1);
+}
+
+TEST_F(AutoRoundTest, AnotherAddressIsANewBeginning) {
+    addChannel(u"f"_s, server_.url(u"/dead"));
+    runRound();
+    EXPECT_EQ(runRound(0.5).leftAlone, 1);
+    server_.serve(u"/f"_s, generatedFeed(1, 1));
+    device_.store->SetChannelLink(u"f"_s, server_.url(u"/f"));
+    EXPECT_EQ(runRound(0.5).storedCount, 1);
+}
+
 TEST_F(AutoRoundTest, AFeedWhoseItemsCouldNotAllBeStoredIsSentAgain) {
     server_.serveWithValidators(u"/f"_s,
                                 "<rss><channel><item><title>a</title><guid>1</guid></item>"
@@ -153,7 +185,7 @@ TEST_F(AutoRoundTest, ServersThatAskForItAreLeftAlone) {
         {"longer than the back-off", 503, "36000", 10},
         {"shorter than the back-off", 503, "1", 1},
         {"nonsense", 503, "soon", 1},
-        {"nothing", 429, {}, 1},
+        {"nothing", 429, {}, 1, true},
     };
     addChannel(u"f"_s, server_.url(u"/f"));
     addChannel(u"g"_s, server_.url(u"/g"));

@@ -1,0 +1,110 @@
+#include "update/update_history.h"
+
+#include "platform/clock.h"
+
+#include <algorithm>
+
+namespace tidebrook {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::seconds firstBackOff = 1h;
+constexpr std::chrono::seconds longestBackOff = 24h;
+constexpr std::chrono::seconds longestWish = 7 * 24h;
+constexpr int tooManyRequests = 429;
+constexpr int unavailable = 503;
+
+QDateTime after(const QDateTime &moment, std::chrono::seconds time) {
+    return moment.addSecs(time.count());
+}
+
+// What every attempt leaves behind. What else is remembered is read anew: another process may
+// have noted something since it was read last.
+UpdateState attempted(UpdateStateStore &states, const RefreshJob &job,
+                      const RefreshResult &result) {
+    UpdateState state = stateAt(states.read(job.channelName), job.url);
+    state.lastAttempt = utcNow();
+    state.lastError = result.error;
+    state.wasUnchanged = false;
+    state.storedCount = result.storedCount;
+    if (result.error == 0) {
+        state.lastSuccess = state.lastAttempt;
+        state.failures = 0;
+    }
+    return state;
+}
+
+} // namespace
+
+std::chrono::seconds backOff(int failures) {
+    std::chrono::seconds time = firstBackOff;
+    for (int i = 1; i < failures && time < longestBackOff; ++i)
+        time *= 2;
+    return std::min(time, longestBackOff);
+}
+
+UpdateState stateAt(const UpdateState &state, const QString &url) {
+    if (state.url == url)
+        return state;
+    UpdateState fresh;
+    fresh.url = url;
+    return fresh;
+}
+
+QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now) {
+    QDateTime next;
+    // What lies further ahead than it can was written by a clock that was set back since.
+    if (state.leftAloneUntil.isValid() && state.leftAloneUntil <= after(now, longestWish))
+        next = state.leftAloneUntil;
+    if (state.failures == 0 || isDaily || state.lastTurn > after(now, 1min))
+        return next;
+    const QDateTime again = after(state.lastTurn, backOff(state.failures));
+    return next.isValid() ? qMax(next, again) : again;
+}
+
+bool asksToBeLeftAlone(const HttpAnswer &answer) {
+    return isTired(answer) ||
+           (answer.progress == HttpProgress::Complete && answer.status == unavailable);
+}
+
+bool isTired(const HttpAnswer &answer) {
+    return answer.progress == HttpProgress::Complete && answer.status == tooManyRequests;
+}
+
+QDateTime wishOf(const HttpAnswer &answer, const QDateTime &now) {
+    if (asksToBeLeftAlone(answer) && answer.retryAfter > 0s)
+        return after(now, std::min(answer.retryAfter, longestWish));
+    return isTired(answer) ? after(now, firstBackOff) : QDateTime();
+}
+
+void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result) {
+    UpdateState state = attempted(states, job, result);
+    state.failures = 0;
+    state.leftAloneUntil = {};
+    states.write(job.channelName, state);
+}
+
+void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result) {
+    states.write(job.channelName, attempted(states, job, result));
+}
+
+void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &start,
+              const RefreshResult &result, const HttpAnswer &answer) {
+    UpdateState state = attempted(states, job, result);
+    state.lastTurn = start;
+    state.wasUnchanged = answer.isUnchanged;
+    state.leftAloneUntil = wishOf(answer, start);
+    // A failure that left the channel uncounted is our database's, and not the feed's.
+    if (result.error != 0 && result.isCounted)
+        ++state.failures;
+    // A channel that was unchanged but has lost articles to their age is to be sent anew.
+    if (result.error == 0 && !answer.isUnchanged) {
+        state.validators = answer.validators;
+        state.total = result.counts.total;
+    }
+    states.write(job.channelName, state);
+}
+
+} // namespace tidebrook

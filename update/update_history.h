@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/http.h"
+#include "store/update_state.h"
+#include "update/refresh.h"
+
+#include <QDateTime>
+#include <QString>
+
+namespace tidebrook {
+
+/// How long a feed that has failed this often in a row is left alone.
+std::chrono::seconds backOff(int failures);
+
+/// What is remembered of a channel that has this address now: nothing, if it had another one.
+UpdateState stateAt(const UpdateState &state, const QString &url);
+
+/// The earliest moment at which a channel may be tried automatically again, for what its feed's
+/// server has asked for and (unless rounds are a day apart anyway) how often it has failed.
+/// Invalid when that is at any time.
+QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now);
+
+/// Until when a server that was asked at `now` wants to be left alone; invalid when it does not.
+QDateTime wishOf(const HttpAnswer &answer, const QDateTime &now);
+
+/// Whether a server answers that it has had too much, and not with the document.
+bool asksToBeLeftAlone(const HttpAnswer &answer);
+/// Whether it has had too much of this program, and not only of this feed.
+bool isTired(const HttpAnswer &answer);
+
+/// Remembers how a refresh that a user has asked for ended. Whatever was held against the feed is
+/// forgotten.
+void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
+
+/// Remembers an attempt of a round that reached no server at all: nothing is held against the
+/// feed, and it has not had its turn.
+void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
+
+/// Remembers how a channel's turn in the round that began at `start` ended.
+void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &start,
+              const RefreshResult &result, const HttpAnswer &answer);
+
+} // namespace tidebrook
