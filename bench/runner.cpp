@@ -15,9 +15,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int serverStart = 10'000; // ms
-constexpr int serverEnd = 10'000;   // ms
-
 volatile std::sig_atomic_t isInterrupted = 0;
 
 // What this process has begun is ended in order, and its folder removed.
@@ -37,9 +34,9 @@ QProcessEnvironment workerEnvironment() {
 
 QByteArray outputOf(const QString &program, const QStringList &arguments,
                     const QProcessEnvironment &variables) {
-    if (isInterrupted)
-        throw MeasurementError(QStringLiteral("interrupted"));
+    throwIfInterrupted();
     QProcess process;
+    endWithThisThread(process);
     process.setProcessEnvironment(variables);
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(program, arguments);
@@ -91,6 +88,11 @@ double childrenCpu() {
 }
 
 } // namespace
+
+void throwIfInterrupted() {
+    if (isInterrupted)
+        throw MeasurementError(QStringLiteral("interrupted"));
+}
 
 Runner::Runner(const QString &folder, const QString &profiles)
     : profiles_(profiles.isEmpty() ? folder : profiles) {
@@ -147,23 +149,11 @@ double Runner::countWhole(const QString &program, const QStringList &arguments,
     return countInstructions({}, program, arguments, profile, output);
 }
 
-ServerProcess::ServerProcess(int delay) {
-    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process_.start(Runner::pathOf(QStringLiteral("feedserver")),
-                   {QStringLiteral("--delay"), QString::number(delay)});
-    process_.waitForReadyRead(serverStart);
-    const QByteArray said = process_.readLine().trimmed();
-    const qsizetype address = said.indexOf("http://");
-    if (address < 0)
-        throw MeasurementError(QStringLiteral("the feed server does not start"));
-    address_ = QString::fromLatin1(said.mid(address));
-}
-
-ServerProcess::~ServerProcess() {
-    process_.terminate();
-    if (!process_.waitForFinished(serverEnd))
-        process_.kill();
-    process_.waitForFinished(-1);
+ServerProcess::ServerProcess(int delay)
+    : process_(Runner::pathOf(QStringLiteral("feedserver")),
+               {QStringLiteral("--delay"), QString::number(delay)}, QProcess::StandardOutput) {
+    const QByteArray said = process_.awaitLine("http://").trimmed();
+    address_ = QString::fromLatin1(said.mid(said.indexOf("http://")));
 }
 
 QString ServerProcess::feed(int items, int seed) const {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QProcess>
+#include "bench/background_process.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -13,6 +14,9 @@ class MeasurementError : public std::runtime_error {
 public:
     explicit MeasurementError(const QString &message) : std::runtime_error(message.toStdString()) {}
 };
+
+/// Throws MeasurementError when the user has asked for the end.
+void throwIfInterrupted();
 
 /// What one run of a program cost.
 struct Sample {
@@ -55,15 +59,12 @@ private:
 class ServerProcess {
 public:
     explicit ServerProcess(int delay);
-    ~ServerProcess();
-    ServerProcess(const ServerProcess &) = delete;
-    ServerProcess &operator=(const ServerProcess &) = delete;
 
     /// The address of a generated feed.
     QString feed(int items, int seed) const;
 
 private:
-    QProcess process_;
+    BackgroundProcess process_;
     QString address_;
 };
 
