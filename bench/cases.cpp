@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QLocale>
 
-#include <algorithm>
 #include <utility>
 
 namespace tidebrook {
@@ -53,7 +52,8 @@ Cases::Cases(const Options &options, const QString &folder)
 
 const QStringList &Cases::names() {
     static const QStringList names{QStringLiteral("one"), QStringLiteral("held"),
-                                   QStringLiteral("many"), QStringLiteral("channels")};
+                                   QStringLiteral("many"), QStringLiteral("channels"),
+                                   QStringLiteral("service")};
     return names;
 }
 
@@ -76,15 +76,6 @@ void Cases::run() {
                                           : QStringLiteral("instructions only with --counts"))
                      .arg(report_.metCount())
                      .arg(report_.missedCount()));
-}
-
-double Cases::Series::median(double Sample::*field) const {
-    std::vector<double> values;
-    for (const Sample &sample : samples)
-        values.push_back(sample.*field);
-    std::sort(values.begin(), values.end());
-    const std::size_t middle = values.size() / 2;
-    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
 // --- one feed, beside the floor ---
@@ -291,13 +282,6 @@ double Cases::countRefresh(Side side, const QString &home, const Feeds &feeds,
         runner_.count(programOf(side), argumentsOf(side, home, feeds, 1), profile, sample);
     check(sample, expected, side);
     return instructions;
-}
-
-template <typename Work> void Cases::onCopy(const QString &store, const Work &work) const {
-    const QString copy = path(QStringLiteral("copy"));
-    copyStore(store, copy);
-    work(copy);
-    QDir(copy).removeRecursively();
 }
 
 QString Cases::path(const QString &name) const { return QDir(folder_).filePath(name); }

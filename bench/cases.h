@@ -2,13 +2,13 @@
 
 #include "bench/report.h"
 #include "bench/runner.h"
+#include "bench/series.h"
+#include "bench/store_maker.h"
 
-#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <array>
-#include <vector>
 
 namespace tidebrook {
 
@@ -35,24 +35,10 @@ private:
     enum class Side { Ours, Floor };
     static constexpr std::array sides{Side::Ours, Side::Floor};
 
-    struct Feed {
-        QString channel;
-        QString url;
-    };
-    using Feeds = QList<Feed>;
-
     /// What a refresh must come to, lest something else was measured.
     struct Expected {
         int items = 0;
         int stored = 0;
-    };
-
-    /// The runs of one measurement, and the instructions of one more.
-    struct Series {
-        std::vector<Sample> samples;
-        double instructions = 0;
-
-        double median(double Sample::*field) const;
     };
 
     struct Refreshes {
@@ -83,8 +69,6 @@ private:
     double countRefresh(Side side, const QString &home, const Feeds &feeds, const QString &profile,
                         const Expected &expected) const;
 
-    /// Works on a copy of a store, which is gone afterwards.
-    template <typename Work> void onCopy(const QString &store, const Work &work) const;
     QString path(const QString &name) const;
 
     static QString programOf(Side side);

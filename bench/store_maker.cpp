@@ -6,6 +6,11 @@
 #include "store/category_list.h"
 #include "store/feed_store.h"
 #include "store/provisioning.h"
+#include "update/auto_list.h"
+#include "update/channel_line.h"
+
+#include <QDir>
+#include <QFile>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -56,7 +61,21 @@ bool insertChannels(FeedStore &store, const StorePlan &plan) {
         isDone = isDone && store.InsertChannel({benchCategory.toString(), name,
                                                 QStringLiteral("http://feeds.example.org/")});
     }
+    for (const Feed &feed : plan.automaticFeeds)
+        isDone = isDone && store.InsertChannel({benchCategory.toString(), feed.channel, feed.url});
     return isDone;
+}
+
+// Without the syncs that each channel that is added to the list costs.
+void listAutomatic(const DeviceRoot &device, const Feeds &feeds) {
+    QString lines;
+    for (const Feed &feed : feeds)
+        lines += channelLine({feed.url, feed.channel, benchCategory.toString()});
+    QFile file(device.filePath(u"\\windows\\UpdateChannel.list"));
+    const QByteArray bytes = encodeChannelFile(lines);
+    const bool isWritten =
+        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    check(isWritten && autoUpdatedChannels(device).size() == feeds.size(), device.path());
 }
 
 bool recount(FeedStore &store, const StorePlan &plan) {
@@ -108,6 +127,8 @@ void makeStore(const QString &home, const StorePlan &plan) {
         makeCategories(registry, plan);
     }
     change(home, [&](FeedStore &store) { return insertChannels(store, plan); });
+    if (!plan.automaticFeeds.isEmpty())
+        listAutomatic(device, plan.automaticFeeds);
     insertArticles(home, plan);
     change(home, [&](FeedStore &store) { return recount(store, plan); });
 }
@@ -120,6 +141,13 @@ void copyStore(const QString &from, const QString &to) {
     if (folder >= 0)
         close(folder);
     check(isSynced, to);
+}
+
+void onCopy(const QString &store, const std::function<void(const QString &)> &work) {
+    const QString copy = store + u"-copy";
+    copyStore(store, copy);
+    work(copy);
+    QDir(copy).removeRecursively();
 }
 
 } // namespace tidebrook
