@@ -1,6 +1,7 @@
 #include "bench/cases.h"
 
 #include "bench/floor.h"
+#include "bench/service_cases.h"
 #include "bench/store_maker.h"
 
 #include <QDir>
@@ -69,6 +70,8 @@ void Cases::run() {
         refreshManyFeeds();
     if (isWanted(3))
         listChannels();
+    if (isWanted(4))
+        ServiceCases(options_, folder_, runner_, report_).run();
     report_.note(QStringLiteral("\nMedians of %1 runs, taken in turns; %2.\n%3 targets met, %4 not "
                                 "met.")
                      .arg(options_.runs)

@@ -15,6 +15,7 @@ namespace tidebrook {
 /// What the user asks for.
 struct Options {
     bool counts = false;
+    bool idle = false; ///< the service is watched while it does nothing, which takes minutes
     int runs = 5;
     QString profiles;  ///< where callgrind's files stay; nowhere if it is empty
     QStringList cases; ///< all if there is none

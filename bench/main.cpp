@@ -16,10 +16,13 @@ namespace {
 void describe(QCommandLineParser &parser) {
     parser.setApplicationDescription(QStringLiteral(
         "Measures refreshes beside a floor, which does the same work with ready-made parts and no\n"
-        "rules, and the list of channels. Exit status: 0 all was measured, 1 something could not\n"
-        "be, 2 wrong usage."));
+        "rules, the list of channels, and the background downloader. Exit status: 0 all was\n"
+        "measured, 1 something could not be, 2 wrong usage."));
     parser.addOptions({
         {QStringLiteral("counts"), QStringLiteral("Count instructions, too; takes minutes.")},
+        {QStringLiteral("idle"),
+         QStringLiteral("Count the wake-ups of the sleeping service, too, as the case \"service\" "
+                        "does when it is named; takes two minutes.")},
         {QStringLiteral("runs"), QStringLiteral("Make each measurement N times (5)."),
          QStringLiteral("N"), QStringLiteral("5")},
         {QStringLiteral("profiles"),
@@ -37,6 +40,8 @@ std::optional<Options> read(const QCommandLineParser &parser) {
     options.runs = parser.value(QStringLiteral("runs")).toInt();
     options.profiles = parser.value(QStringLiteral("profiles"));
     options.cases = parser.positionalArguments();
+    options.idle =
+        parser.isSet(QStringLiteral("idle")) || options.cases.contains(QStringLiteral("service"));
     const bool areKnown =
         std::all_of(options.cases.cbegin(), options.cases.cend(),
                     [](const QString &name) { return Cases::names().contains(name); });

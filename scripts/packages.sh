@@ -8,7 +8,7 @@ buildPackages=(
     libgtest-dev libcpp-httplib-dev ca-certificates
 )
 # shellcheck disable=SC2034
-benchPackages=(libxml2-dev valgrind)
+benchPackages=(libxml2-dev strace valgrind)
 # shellcheck disable=SC2034
 checkPackages=(clang-format clang-tidy)
 
