@@ -50,10 +50,12 @@ bool ArticleIngestion::execute() {
     return lastStatus_ != ExecuteStatus::Failed;
 }
 
+qint64 ArticleIngestion::oldestKept() { return ingestionClock(articleLifeDays); }
+
 bool ArticleIngestion::pruneChannel() {
     statement_ = QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1' and TIMESTAMP < "
                                 "'%2' ")
-                     .arg(channelName_, QString::number(ingestionClock(articleLifeDays)));
+                     .arg(channelName_, QString::number(oldestKept()));
     return execute();
 }
 

@@ -15,6 +15,9 @@ public:
     /// `category` is stored with each article, as it is.
     ArticleIngestion(SqlCommand &command, const QString &channelName, const QString &category);
 
+    /// The stamp that articles must have not to be pruned, at this moment.
+    static qint64 oldestKept();
+
     /// Deletes the channel's articles whose stamp is older than seven days of the ingestion
     /// clock. Items are stamped two days back, so an article stays for five.
     bool pruneChannel();

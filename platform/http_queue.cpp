@@ -17,11 +17,11 @@ QByteArray hostOf(const QString &address) {
 
 class Queue {
 public:
-    Queue(const std::vector<HttpRequest> &requests, const HttpLimits &limits,
+    Queue(const std::vector<QString> &addresses, const HttpLimits &limits,
           const HttpQueueObserver &observer)
-        : requests_(requests), limits_(limits), observer_(observer), multi_(newMulti()) {
-        for (std::size_t i = 0; i < requests.size(); ++i)
-            waiting_.push_back({i, requests[i].url, hostOf(requests[i].url), 0});
+        : limits_(limits), observer_(observer), multi_(newMulti()) {
+        for (std::size_t i = 0; i < addresses.size(); ++i)
+            waiting_.push_back({i, {addresses[i]}, hostOf(addresses[i]), 0});
     }
 
     ~Queue() {
@@ -50,13 +50,13 @@ public:
 private:
     struct Waiting {
         std::size_t index;
-        QString url;
+        HttpRequest request;
         QByteArray host;
         int redirects;
     };
     struct Running {
-        Running(Waiting &&what, const HttpValidators &validators, const HttpLimits &limits)
-            : waiting(std::move(what)), get({waiting.url, validators}, limits) {
+        Running(Waiting &&what, const HttpLimits &limits)
+            : waiting(std::move(what)), get(waiting.request, limits) {
             // Other hosts are gone on to when they are free.
             get.transfer().set(CURLOPT_FOLLOWLOCATION, 0L);
         }
@@ -80,14 +80,21 @@ private:
                 return;
             Waiting waiting = std::move(*next);
             waiting_.erase(next);
-            if (waiting.redirects > 0 || observer_.isWanted(waiting.index))
+            if (isWanted(waiting))
                 start(std::move(waiting));
         }
     }
 
+    bool isWanted(Waiting &waiting) const {
+        if (waiting.redirects > 0)
+            return true;
+        const std::optional<HttpValidators> validators = observer_.begin(waiting.index);
+        waiting.request.validators = validators.value_or(HttpValidators());
+        return validators.has_value();
+    }
+
     void start(Waiting &&waiting) {
-        const HttpValidators &validators = requests_[waiting.index].validators;
-        running_.emplace_back(std::move(waiting), validators, limits_);
+        running_.emplace_back(std::move(waiting), limits_);
         HttpGet &get = running_.back().get;
         if (!get.isOpened() ||
             curl_multi_add_handle(multi_.get(), get.transfer().handle()) != CURLM_OK)
@@ -115,7 +122,10 @@ private:
         const QString next = result == CURLE_OK ? running->get.transfer().redirect() : QString();
         if (!next.isEmpty() && waiting.redirects < redirectLimit && hasWebScheme(parseUrl(next))) {
             remove(running);
-            waiting_.push_front({waiting.index, next, hostOf(next), waiting.redirects + 1});
+            waiting_.push_front({waiting.index,
+                                 {next, waiting.request.validators},
+                                 hostOf(next),
+                                 waiting.redirects + 1});
             return;
         }
         const HttpAnswer answer =
@@ -134,7 +144,6 @@ private:
         curl_multi_poll(multi_.get(), &stopped, limits_.stop ? 1 : 0, longestPoll, nullptr);
     }
 
-    const std::vector<HttpRequest> &requests_;
     const HttpLimits limits_;
     const HttpQueueObserver &observer_;
     const CurlMulti multi_; // outlives the transfers
@@ -144,9 +153,9 @@ private:
 
 } // namespace
 
-bool httpGetAll(const std::vector<HttpRequest> &requests, int parallel, const HttpLimits &limits,
+bool httpGetAll(const std::vector<QString> &addresses, int parallel, const HttpLimits &limits,
                 const HttpQueueObserver &observer) {
-    return Queue(requests, limits, observer).run(parallel);
+    return Queue(addresses, limits, observer).run(parallel);
 }
 
 } // namespace tidebrook

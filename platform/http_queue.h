@@ -4,14 +4,15 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace tidebrook {
 
-/// What a queue of requests tells, on the thread that runs it, by the requests' indices.
+/// What a queue of requests asks and tells, on the thread that runs it, by the addresses' indices.
 struct HttpQueueObserver {
-    /// Asked when it is a request's turn; false leaves it out.
-    std::function<bool(std::size_t)> isWanted;
+    /// Asked when it is a request's turn: what is sent with it. Nothing leaves it out.
+    std::function<std::optional<HttpValidators>(std::size_t)> begin;
     /// The answer to a request that was sent.
     std::function<void(std::size_t, const HttpAnswer &)> takeAnswer;
 };
@@ -21,7 +22,7 @@ struct HttpQueueObserver {
 /// hosts send on to it. Connections serve one request after another and are closed when it
 /// returns. False when `limits.stop` was raised, or nothing can be sent at all: it returns at once
 /// then, and what has no answer gets none.
-bool httpGetAll(const std::vector<HttpRequest> &requests, int parallel, const HttpLimits &limits,
+bool httpGetAll(const std::vector<QString> &addresses, int parallel, const HttpLimits &limits,
                 const HttpQueueObserver &observer);
 
 } // namespace tidebrook

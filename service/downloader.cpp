@@ -1,11 +1,11 @@
 #include "service/downloader.h"
 
 #include "platform/clock.h"
+#include "platform/spare_memory.h"
 #include "platform/wait_any.h"
 
 #include <QFile>
 
-#include <malloc.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -58,6 +58,7 @@ void Downloader::stop() {
 }
 
 bool Downloader::run() {
+    giveBackMemory(); // what starting has needed
     while (!stop_.isRaised()) {
         lookAfterRound();
         const WaitResult result = WaitAny({&request_}, wake_.descriptor(), timeToSleep());
@@ -114,7 +115,7 @@ void Downloader::noteEndOfRound() {
     if (isRoundDone_)
         schedule_.endRound(roundStart_);
     roundStart_ = {};
-    malloc_trim(0);
+    giveBackMemory();
 }
 
 void Downloader::startRound(const AutoRound &round) {

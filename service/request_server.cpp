@@ -1,11 +1,10 @@
 #include "service/request_server.h"
 
+#include "platform/spare_memory.h"
 #include "store/error_codes.h"
 #include "store/update_state.h"
 #include "update/channel_update.h"
 #include "update/update_history.h"
-
-#include <malloc.h>
 
 #include <algorithm>
 #include <system_error>
@@ -64,9 +63,8 @@ std::optional<RequestFile> RequestServer::takeNewest() {
     const std::lock_guard lock(mutex_);
     if (waiting_.empty()) {
         ended_.push_back(std::this_thread::get_id());
-        // What the download has needed goes back: the service sleeps for most of its life.
         if (underWay_.empty())
-            malloc_trim(0);
+            giveBackMemory();
         return std::nullopt;
     }
     RequestFile request = std::move(waiting_.back());
@@ -79,29 +77,29 @@ void RequestServer::serve(const RequestFile &request) {
     const std::optional<RefreshJob> &job = request.job();
     if (!job)
         log_.warning(QStringLiteral("the request file holds no request"));
-    const quint32 code = job ? update(*job) : quint32{NothingKnown};
-    if (!answerDownload(device_, registry_, request, code))
+    const RefreshResult result = job ? update(*job) : RefreshResult{NothingKnown, 0, {}, false};
+    if (!answerDownload(device_, registry_, request, result.error))
         log_.detail(QStringLiteral("a newer request has come; no answer to this one"));
+    if (!job)
+        return;
+    log_.result(job->channelName, result.error, result.storedCount);
+    if (!stop_.isRaised()) {
+        UpdateStateStore states(device_);
+        noteRequested(states, *job, result);
+    }
 }
 
-quint32 RequestServer::update(const RefreshJob &job) {
+RefreshResult RequestServer::update(const RefreshJob &job) {
     // A store of its own: its error field and its session belong to this request alone.
     FeedStore store(device_, registry_, todayItemKey_);
     RefreshResult result;
-    if (!store.Open())
-        return store.error();
     HttpLimits limits;
     limits.stop = &stop_;
-    log_.detail(QStringLiteral("requested: %1").arg(job.channelName));
-    updateChannel({device_, registry_, store, limits}, job, &result);
-    const quint32 code = store.error();
+    if (store.Open())
+        updateChannel({device_, registry_, store, limits}, job, &result);
+    result.error = store.error();
     store.PublishTotalUnread();
-    if (!stop_.isRaised()) {
-        UpdateStateStore states(device_);
-        noteRequested(states, job, result);
-    }
-    log_.result(job.channelName, code, result.storedCount);
-    return code;
+    return result;
 }
 
 } // namespace tidebrook

@@ -39,7 +39,7 @@ private:
     void work();
     std::optional<RequestFile> takeNewest();
     void serve(const RequestFile &request);
-    quint32 update(const RefreshJob &job);
+    RefreshResult update(const RefreshJob &job);
 
     const DeviceRoot device_;
     Registry &registry_;

@@ -153,6 +153,37 @@ bool FeedStore::RecountChannel(const QString &escapedName, ReadFlagCounts *count
     return recordFailure(isDone);
 }
 
+bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts &counts) {
+    const auto guard = lock();
+    counts = {};
+    bool isSettled = false;
+    const auto tally = [&](const SqlRowset &rows) {
+        ++counts.total;
+        counts.unread += rows.integer(0) == 0 ? 1 : 0;
+        return rows.integer(1) >= oldestKept;
+    };
+    const auto compare = [&](const SqlRowset &rows) {
+        isSettled = rows.integer(0) == counts.unread && rows.integer(1) == counts.total;
+        return false;
+    };
+    bool isYoung = true;
+    const bool isRead =
+        query(QStringLiteral("SELECT READ_UNREAD, TIMESTAMP FROM RSSRecord WHERE CHANNEL_NAME='%1'")
+                  .arg(escapedChannelName(name)),
+              [&](SqlCommand &command) {
+                  return readRows(command, [&](const SqlRowset &rows) {
+                      isYoung = tally(rows);
+                      return isYoung;
+                  });
+              }) &&
+        isYoung &&
+        query(QStringLiteral("SELECT NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSCHRecord WHERE "
+                             "CHANNEL_NAME='%1'")
+                  .arg(escapedChannelName(name)),
+              [&](SqlCommand &command) { return readRows(command, compare); });
+    return isRead && isSettled;
+}
+
 bool FeedStore::PublishTotalUnread() {
     const auto guard = lock();
     qint64 sum = 0;

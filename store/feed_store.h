@@ -107,6 +107,9 @@ public:
     bool DeleteChannel(const QString &name);
     /// Counts a channel's articles anew, and tells what it counted.
     bool RecountChannel(const QString &escapedName, ReadFlagCounts *counts = nullptr);
+    /// Whether a channel's counts are right, and it has no article stamped before `oldestKept`:
+    /// pruning and counting it would then change nothing. Tells what it counted.
+    bool IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts &counts);
     /// Tells the Today item the sum of all unread counts.
     bool PublishTotalUnread();
 

@@ -46,8 +46,8 @@ private:
 
     bool collect();
     bool isTurnOf(const UpdateState &state);
-    HttpRequest requestFor(const Channel &channel) const;
-    bool isWelcome(const Channel &channel);
+    std::optional<HttpValidators> begin(const Channel &channel);
+    HttpValidators validatorsOf(const Channel &channel) const;
     void takeAnswer(Channel &channel, const HttpAnswer &answer);
     void download(Channel &channel);
     void finish(Channel &channel, bool isFetched, const HttpAnswer &answer);
@@ -66,15 +66,14 @@ private:
 AutoRoundResult Run::run() {
     if (!collect())
         return result_;
-    std::vector<HttpRequest> requests;
+    std::vector<QString> addresses;
     for (const Channel &channel : channels_)
-        requests.push_back(requestFor(channel));
-    const bool isAsked =
-        httpGetAll(requests, channelsAtOnce, target_.limits,
-                   {[this](std::size_t index) { return isWelcome(channels_[index]); },
-                    [this](std::size_t index, const HttpAnswer &answer) {
-                        takeAnswer(channels_[index], answer);
-                    }});
+        addresses.push_back(channel.job.url);
+    const bool isAsked = httpGetAll(addresses, channelsAtOnce, target_.limits,
+                                    {[this](std::size_t index) { return begin(channels_[index]); },
+                                     [this](std::size_t index, const HttpAnswer &answer) {
+                                         takeAnswer(channels_[index], answer);
+                                     }});
     // Only now: the direct download makes connections of its own.
     for (Channel &channel : channels_) {
         if (channel.fetcher && !isStopped())
@@ -123,28 +122,28 @@ bool Run::isTurnOf(const UpdateState &state) {
     return !isLeftAlone;
 }
 
+// A host that has had too many requests means those for its other feeds as well.
+std::optional<HttpValidators> Run::begin(const Channel &channel) {
+    const QDateTime until = tiredHosts_.value(QUrl(channel.job.url).host());
+    if (!until.isValid())
+        return validatorsOf(channel);
+    UpdateState state = stateAt(states_.read(channel.job.channelName), channel.job.url);
+    state.leftAloneUntil = until;
+    states_.write(channel.job.channelName, state);
+    ++result_.leftAlone;
+    return std::nullopt;
+}
+
 // A document is only as good as unchanged while the store holds what came of it: no article has
 // been pruned, and no other database or channel has taken the place of the one that it went into.
-HttpRequest Run::requestFor(const Channel &channel) const {
+HttpValidators Run::validatorsOf(const Channel &channel) const {
     const UpdateState &state = channel.state;
     ReadFlagCounts counts;
     const bool isStored =
         !state.validators.isEmpty() &&
         target_.store.CountReadFlags(channel.job.category, channel.job.channelName, counts) &&
         counts.total == state.total;
-    return {channel.job.url, isStored ? state.validators : HttpValidators()};
-}
-
-// A host that has had too many requests means those for its other feeds as well.
-bool Run::isWelcome(const Channel &channel) {
-    const QDateTime until = tiredHosts_.value(QUrl(channel.job.url).host());
-    if (!until.isValid())
-        return true;
-    UpdateState state = stateAt(states_.read(channel.job.channelName), channel.job.url);
-    state.leftAloneUntil = until;
-    states_.write(channel.job.channelName, state);
-    ++result_.leftAlone;
-    return false;
+    return isStored ? state.validators : HttpValidators();
 }
 
 void Run::takeAnswer(Channel &channel, const HttpAnswer &answer) {
