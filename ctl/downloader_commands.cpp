@@ -51,14 +51,17 @@ public:
             listed_.insert(job.channelName);
     }
 
-    QString of(const QString &channel, const UpdateState &state) const {
-        if (!listed_.contains(channel))
+    QString of(const ListedChannel &channel, const UpdateState &state) const {
+        if (!listed_.contains(channel.name))
             return QStringLiteral("not automatic");
         if (!round_)
             return QStringLiteral("automatic updates are off");
         const bool isDaily = settings_.mode == AutoUpdateSettings::Daily;
-        const QDateTime wish = nextTry(state, isDaily, now_);
-        const QDateTime next = wish.isValid() ? qMax(wish, *round_) : *round_;
+        const QDateTime wish = nextTry(stateAt(state, channel.link), isDaily, now_);
+        // The first round that is not too early.
+        QDateTime next = qMax(*round_, now_);
+        while (wish.isValid() && next < wish)
+            next = *nextRound(settings_, next, now_);
         return next <= now_ ? QStringLiteral("now") : displayed(next);
     }
 
@@ -180,7 +183,7 @@ int runUpdates(Device &device, const Arguments &) {
     for (const ListedChannel &channel : *channels) {
         const UpdateState state = states.value(channel.name);
         printFields({channel.name, displayed(state.lastSuccess), resultInWords(state),
-                     nextTries.of(channel.name, state)});
+                     nextTries.of(channel, state)});
     }
     return ExitDone;
 }
