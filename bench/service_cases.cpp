@@ -8,7 +8,7 @@
 #include "platform/named_event.h"
 #include "store/settings_store.h"
 #include "update/auto_schedule.h"
-#include "update/channel_line.h"
+#include "update/channel_file.h"
 #include "update/download_request.h"
 #include "update/request_file.h"
 

@@ -18,12 +18,13 @@ constexpr int loadPause = 1000; // ms
 } // namespace
 
 FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits,
-                         Pauses pauses)
-    : device_(device), registry_(registry), limits_(limits), pauses_(pauses) {}
+                         const FetchManner &manner)
+    : device_(device), registry_(registry), limits_(limits), manner_(manner) {}
 
 void FeedFetcher::recordError(quint32 code) {
     error_ = code;
-    SetLastErrorCode(registry_, code);
+    if (manner_.recordsErrors)
+        SetLastErrorCode(registry_, code);
 }
 
 bool FeedFetcher::fail(quint32 code) {
@@ -85,7 +86,7 @@ bool FeedFetcher::download(const QString &url) {
     QTemporaryFile file(device_.filePath(tempFile) + u".XXXXXX");
     if (!file.open() || !downloadToTempFile(url, file))
         return fail(FeedNotDownloaded);
-    if (pauses_ == Pauses::Kept)
+    if (manner_.keepsPauses)
         Pause(loadPause, limits_.stop);
     file.seek(0);
     document_ = XmlDocument::parse(file.readAll());

@@ -15,8 +15,11 @@ class QTemporaryFile;
 
 namespace tidebrook {
 
-/// Whether a refresh keeps the fixed pauses between its steps, as it does for the screens.
-enum class Pauses { Kept, LeftOut };
+/// How a refresh goes about it, for whom it is.
+struct FetchManner {
+    bool keepsPauses = true;   ///< the fixed ones between its steps, as for the screens
+    bool recordsErrors = true; ///< in the registry, for somebody who waits to be told
+};
 
 /// Refreshes one channel: gets its document over the network and hands it to the parser. Made for
 /// one channel and one thread, and used once.
@@ -26,7 +29,7 @@ enum class Pauses { Kept, LeftOut };
 class FeedFetcher {
 public:
     FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {},
-                Pauses pauses = Pauses::Kept);
+                const FetchManner &manner = {});
 
     /// 0 while nothing has failed.
     quint32 error() const { return error_; }
@@ -72,7 +75,7 @@ private:
     const DeviceRoot device_;
     Registry &registry_;
     const HttpLimits limits_;
-    const Pauses pauses_;
+    const FetchManner manner_;
     quint32 error_ = 0;
     std::optional<XmlDocument> document_;
     bool isUnchanged_ = false;

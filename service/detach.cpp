@@ -25,7 +25,8 @@ constexpr char readyMark = '+';
 }
 
 void turnStream(int stream, const char *path, int flags) {
-    const int file = open(path, flags | O_CLOEXEC, 0600);
+    // What is no file is not waited for.
+    const int file = open(path, flags | O_CLOEXEC | O_NONBLOCK, 0600);
     if (file < 0)
         return;
     dup2(file, stream);

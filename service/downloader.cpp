@@ -1,6 +1,7 @@
 #include "service/downloader.h"
 
 #include "platform/clock.h"
+#include "platform/service.h"
 #include "platform/spare_memory.h"
 #include "platform/wait_any.h"
 
@@ -31,12 +32,6 @@ QString summary(const AutoRoundResult &result) {
                                : QString());
 }
 
-std::pair<dev_t, ino_t> identify(const DeviceRoot &device) {
-    struct stat status {};
-    stat(QFile::encodeName(device.path()).constData(), &status);
-    return {status.st_dev, status.st_ino};
-}
-
 // Before a round is run again that came to nothing, without a network as a rule.
 std::chrono::milliseconds timeToRecover(int futileRounds) {
     constexpr int mostDoublings = 10;
@@ -47,8 +42,8 @@ std::chrono::milliseconds timeToRecover(int futileRounds) {
 
 Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log)
     : device_(device), todayItemKey_(todayItemKey), log_(log), registry_(device),
-      request_(device, requestEvent, NamedEvent::Reset::Manual), folder_(identify(device)),
-      schedule_(registry_), server_(device, registry_, todayItemKey, log, stop_) {}
+      request_(device, requestEvent, NamedEvent::Reset::Manual), schedule_(registry_),
+      server_(device, registry_, todayItemKey, log, stop_) {}
 
 Downloader::~Downloader() { stop_.raise(); }
 
@@ -57,14 +52,28 @@ void Downloader::stop() {
     wake_.raise();
 }
 
+// The files that stay open here, or are locked.
+Downloader::Files Downloader::files() const {
+    Files found;
+    for (const QString &path : {device_.path(), device_.registryPath(), serviceLockPath(device_),
+                                QString(device_.path() + u"/run/" + requestEvent + u".event")}) {
+        struct stat status {};
+        stat(QFile::encodeName(path).constData(), &status);
+        found.append({status.st_dev, status.st_ino});
+    }
+    return found;
+}
+
 bool Downloader::run() {
+    const Files ownFiles = files();
     giveBackMemory(); // what starting has needed
     while (!stop_.isRaised()) {
         lookAfterRound();
         const WaitResult result = WaitAny({&request_}, wake_.descriptor(), timeToSleep());
-        // One that was put in its place, as from a backup, is another: what is open is not of it.
-        if (result.kind == WaitResult::Kind::Failed || identify(device_) != folder_) {
-            log_.error(QStringLiteral("%1: the device is no longer there").arg(device_.path()));
+        // What was put in their place, as from a backup, is another device.
+        if (result.kind == WaitResult::Kind::Failed || files() != ownFiles) {
+            log_.error(
+                QStringLiteral("%1: the device is not the one that it was").arg(device_.path()));
             return false;
         }
         if (result.kind == WaitResult::Kind::Event) {

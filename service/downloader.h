@@ -11,6 +11,7 @@
 #include "update/auto_schedule.h"
 
 #include <QDateTime>
+#include <QList>
 #include <QString>
 
 #include <sys/types.h>
@@ -42,6 +43,8 @@ public:
     void stop();
 
 private:
+    using Files = QList<std::pair<dev_t, ino_t>>;
+    Files files() const;
     std::chrono::milliseconds timeToSleep() const;
     void lookAfterRound();
     void noteEndOfRound();
@@ -53,7 +56,6 @@ private:
     ServiceLog &log_;
     Registry registry_;
     NamedEvent request_;
-    const std::pair<dev_t, ino_t> folder_; // the device's
     StopSignal stop_;
     WakeSignal wake_;
     AutoSchedule schedule_;

@@ -7,8 +7,11 @@
 #include "store/settings_store.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 
+#include <fcntl.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
@@ -121,7 +124,9 @@ int run(const QStringList &commandLine) {
     Options options{.isForeground = parser.isSet(foreground), .isVerbose = parser.isSet(verbose)};
     if (parser.isSet(home))
         options.root = DeviceRoot(parser.value(home));
-    if (!options.root.exists() || !options.root.makeFolders())
+    // A folder that is something else is not to become a device by a slip.
+    const bool isDevice = QFileInfo(options.root.filePath(u"\\windows")).isDir();
+    if (!isDevice || !options.root.makeFolders())
         return fail(QStringLiteral("there is no usable device at %1").arg(options.root.path()));
     if (const auto pid = runningService(options.root)) {
         std::fprintf(stderr, "feedlarkd: it runs already, as process %d\n", static_cast<int>(*pid));
@@ -130,11 +135,21 @@ int run(const QStringList &commandLine) {
     return runService(options);
 }
 
+// What is opened later must not take the place of a standard stream.
+void openStandardStreams() {
+    int stream = 0;
+    do {
+        stream = open("/dev/null", O_RDWR);
+    } while (stream >= STDIN_FILENO && stream <= STDERR_FILENO);
+    close(stream);
+}
+
 } // namespace
 
 } // namespace tidebrook
 
 int main(int argc, char **argv) {
+    tidebrook::openStandardStreams();
     QStringList commandLine;
     for (int i = 0; i < argc; ++i)
         commandLine.append(QString::fromUtf8(argv[i]));

@@ -13,7 +13,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr std::size_t threadLimit = 8;
+constexpr std::size_t threadLimit = 32;
 
 } // namespace
 

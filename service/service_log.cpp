@@ -43,9 +43,10 @@ void ServiceLog::detail(const QString &message) {
 
 void ServiceLog::result(const QString &channelName, quint32 code, int storedCount) {
     if (code != 0)
-        warning(QStringLiteral("%1: %2 (%3)").arg(channelName, errorMessage(code)).arg(code));
+        warning(QStringLiteral("%1: %2 (%3)")
+                    .arg(channelName, errorMessage(code), QString::number(code)));
     else
-        detail(QStringLiteral("%1: %2 new").arg(channelName).arg(storedCount));
+        detail(QStringLiteral("%1: %2 new").arg(channelName, QString::number(storedCount)));
 }
 
 void ServiceLog::write(int priority, const QString &message) {

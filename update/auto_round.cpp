@@ -18,6 +18,10 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int channelsAtOnce = 4;
+constexpr int patience = 3; // times in a row that a host may keep a round waiting for nothing
+
+// Nobody waits for a round. What goes wrong in it must not be told to who waits for something else.
+constexpr FetchManner unattended{.keepsPauses = false, .recordsErrors = false};
 
 // Rounds are not to the second as far apart as they are meant to be.
 constexpr std::chrono::seconds tolerance = 1min;
@@ -60,6 +64,7 @@ private:
     std::vector<Channel> channels_;
     std::vector<Unreached> unreached_;
     QHash<QString, QDateTime> tiredHosts_; // and until when they are to be left alone
+    QHash<QString, int> silences_;         // of hosts, in a row
     AutoRoundResult result_;
 };
 
@@ -124,13 +129,16 @@ bool Run::isTurnOf(const UpdateState &state) {
 
 // A host that has had too many requests means those for its other feeds as well.
 std::optional<HttpValidators> Run::begin(const Channel &channel) {
-    const QDateTime until = tiredHosts_.value(QUrl(channel.job.url).host());
-    if (!until.isValid())
+    const QString host = QUrl(channel.job.url).host();
+    const QDateTime until = tiredHosts_.value(host);
+    if (!until.isValid() && silences_.value(host) < patience)
         return validatorsOf(channel);
+    ++result_.leftAlone;
+    if (!until.isValid()) // the next round is soon enough to see whether it speaks again
+        return std::nullopt;
     UpdateState state = stateAt(states_.read(channel.job.channelName), channel.job.url);
     state.leftAloneUntil = until;
     states_.write(channel.job.channelName, state);
-    ++result_.leftAlone;
     return std::nullopt;
 }
 
@@ -148,7 +156,9 @@ HttpValidators Run::validatorsOf(const Channel &channel) const {
 
 void Run::takeAnswer(Channel &channel, const HttpAnswer &answer) {
     FeedFetcher &fetcher =
-        channel.fetcher.emplace(target_.device, target_.registry, target_.limits, target_.pauses);
+        channel.fetcher.emplace(target_.device, target_.registry, target_.limits, unattended);
+    int &silences = silences_[QUrl(channel.job.url).host()];
+    silences = answer.status == 0 ? silences + 1 : 0;
     if (channel.job.url.isEmpty())
         return finish(channel, fetcher.fail(NothingKnown), answer);
     if (isTired(answer))

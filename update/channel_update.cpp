@@ -22,7 +22,7 @@ bool updateChannel(const RefreshTarget &target, const RefreshJob &job, RefreshRe
     target.store.clearError();
     Pause(fetcherPause, target.limits.stop);
     const RefreshResult refreshed = refreshChannel(
-        {target.device, target.registry, target.store, target.limits, Pauses::Kept}, job);
+        {target.device, target.registry, target.store, target.limits, FetchManner{}}, job);
     if (refreshed.error != 0)
         target.store.recordError(refreshed.error);
     if (result)

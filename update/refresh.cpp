@@ -52,7 +52,7 @@ std::vector<std::jthread> startWorkers(qsizetype count, const std::function<void
 } // namespace
 
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job) {
-    FeedFetcher fetcher(target.device, target.registry, target.limits, target.pauses);
+    FeedFetcher fetcher(target.device, target.registry, target.limits, target.manner);
     return storeFetched(target, job, fetcher, fetcher.fetch(job.url, job.channelName));
 }
 

@@ -23,7 +23,7 @@ struct RefreshTarget {
     Registry &registry;
     FeedStore &store;
     HttpLimits limits = {};
-    Pauses pauses = Pauses::LeftOut;
+    FetchManner manner = {.keepsPauses = false};
 };
 
 } // namespace tidebrook

@@ -216,6 +216,16 @@ TEST_F(RequestTest, ASignalEndsADownloadAndTellsWhoWaitsForIt) {
     }
 }
 
+TEST_F(RequestTest, AServiceWhoseEventWasTakenAwayEndsAndIsReplaced) {
+    const RefreshJob job = addChannel(u"a"_s);
+    server_.serve(u"/a"_s, smallFeed);
+    NamedEvent kept(root_, requestEvent, NamedEvent::Reset::Manual);
+    ASSERT_TRUE(QFile::remove(root_.path() + u"/run/RSS_NONAUTODL.event"));
+    kept.set();
+    EXPECT_EQ(end(0), 1);
+    EXPECT_EQ(ctl_.run({u"request"_s, u"C"_s, u"a"_s}).out, u"done\n");
+}
+
 TEST_F(RequestTest, ADeviceThatIsTakenAwayEndsTheService) {
     const NamedEvent keeper(root_, requestEvent, NamedEvent::Reset::Manual);
     ASSERT_TRUE(QFile::rename(root_.path(), root_.path() + u".away"));

@@ -106,6 +106,7 @@ TEST_F(AutoRoundTest, ARoundWithoutANetworkIsHeldAgainstNobody) {
     server_.serve(u"/g"_s, generatedFeed(1, 1));
     EXPECT_TRUE(runRound(0.2).isOver);
     EXPECT_EQ(runRound(0.5).leftAlone, 1) << "now it is the one feed that fails";
+    EXPECT_EQ(device_.lastErrorCode(), 0u) << "told to nobody who waits for something else";
 }
 
 TEST_F(AutoRoundTest, ARequestThatFailedDoesNotTakeTheChannelsTurn) {

@@ -226,11 +226,14 @@ TEST(AutoSchedule, ARegistryThatTakesNoNoteDoesNotDoubleARound) {
     AutoSchedule schedule(*device.registry);
     const QDateTime now = QDateTime::currentDateTimeUtc();
     ASSERT_TRUE(schedule.dueRound(now, 0min));
-    Registry other(device.root);
-    const Registry::Batch lock(other);
-    ASSERT_TRUE(lock.isOpen());
-    schedule.endRound(now);
+    {
+        Registry other(device.root);
+        const Registry::Batch lock(other);
+        ASSERT_TRUE(lock.isOpen());
+        schedule.endRound(now);
+    }
     EXPECT_FALSE(schedule.dueRound(now.addSecs(60), 1min));
+    EXPECT_FALSE(AutoSchedule(*device.registry).dueRound(now.addSecs(120), 2min));
     EXPECT_TRUE(schedule.dueRound(now.addSecs(1800), 30min));
 }
 
