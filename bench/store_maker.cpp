@@ -7,7 +7,7 @@
 #include "store/feed_store.h"
 #include "store/provisioning.h"
 #include "update/auto_list.h"
-#include "update/channel_line.h"
+#include "update/channel_file.h"
 
 #include <QDir>
 #include <QFile>
