@@ -78,6 +78,7 @@ public:
     /// Has a feed updated; when that was asked for.
     std::chrono::steady_clock::time_point request(const Feed &feed) {
         writeRequest(device_, {feed.url, feed.channel, benchCategory.toString()});
+        answers_.expect();
         NamedEvent event(device_, requestEvent, NamedEvent::Reset::Manual);
         const auto start = std::chrono::steady_clock::now();
         if (!event.set() || answers_.wait(answerTimeout) != DownloadAnswer::Done)
