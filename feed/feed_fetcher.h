@@ -49,9 +49,6 @@ public:
     /// The first half of `fetch`, for whoever has made the request himself.
     Taken takeAnswer(const HttpAnswer &answer);
 
-    /// Whether the document that was stored last is still the newest.
-    bool isUnchanged() const { return isUnchanged_; }
-
     /// The second half: gets the document once more by the direct transport.
     bool download(const QString &url);
 

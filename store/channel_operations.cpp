@@ -156,32 +156,22 @@ bool FeedStore::RecountChannel(const QString &escapedName, ReadFlagCounts *count
 bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts &counts) {
     const auto guard = lock();
     counts = {};
-    bool isSettled = false;
+    ReadFlagCounts stored;
+    bool isYoung = true;
     const auto tally = [&](const SqlRowset &rows) {
         ++counts.total;
         counts.unread += rows.integer(0) == 0 ? 1 : 0;
-        return rows.integer(1) >= oldestKept;
+        isYoung = isYoung && rows.integer(1) >= oldestKept;
+        stored = {static_cast<int>(rows.integer(2)), static_cast<int>(rows.integer(3))};
+        return true;
     };
-    const auto compare = [&](const SqlRowset &rows) {
-        isSettled = rows.integer(0) == counts.unread && rows.integer(1) == counts.total;
-        return false;
-    };
-    bool isYoung = true;
-    const bool isRead =
-        query(QStringLiteral("SELECT READ_UNREAD, TIMESTAMP FROM RSSRecord WHERE CHANNEL_NAME='%1'")
-                  .arg(escapedChannelName(name)),
-              [&](SqlCommand &command) {
-                  return readRows(command, [&](const SqlRowset &rows) {
-                      isYoung = tally(rows);
-                      return isYoung;
-                  });
-              }) &&
-        isYoung &&
-        query(QStringLiteral("SELECT NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSCHRecord WHERE "
-                             "CHANNEL_NAME='%1'")
-                  .arg(escapedChannelName(name)),
-              [&](SqlCommand &command) { return readRows(command, compare); });
-    return isRead && isSettled;
+    const bool isRead = query(
+        QStringLiteral("SELECT READ_UNREAD, TIMESTAMP, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSRecord "
+                       "JOIN RSSCHRecord ON RSSCHRecord.CHANNEL_NAME = RSSRecord.CHANNEL_NAME "
+                       "WHERE RSSCHRecord.CHANNEL_NAME = '%1'")
+            .arg(escapedChannelName(name)),
+        [&](SqlCommand &command) { return readRows(command, tally); });
+    return isRead && isYoung && stored.unread == counts.unread && stored.total == counts.total;
 }
 
 bool FeedStore::PublishTotalUnread() {

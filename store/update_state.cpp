@@ -61,7 +61,7 @@ bool UpdateStateStore::open() {
         path_, {.create = true, .syncEveryCommit = false, .busyTimeout = 2000});
     return database_ && (database_->prepare(insertion) ||
                          (database_->run(QByteArray("CREATE TABLE update_states (") + layout +
-                                         ')') == SqliteStep::Done &&
+                                         ") WITHOUT ROWID") == SqliteStep::Done &&
                           database_->prepare(insertion)));
 }
 
@@ -86,44 +86,52 @@ QHash<QString, UpdateState> UpdateStateStore::readAll() {
     return states;
 }
 
-UpdateState UpdateStateStore::read(const QString &channelName) {
-    if (!database_)
-        return {};
-    const QByteArray name = channelName.toUtf8();
-    SqliteStatement query = database_->prepare("SELECT * FROM update_states WHERE channel = ?");
-    if (!query)
-        return {};
-    query.bind(1, name);
-    return query.step() == SqliteStep::Row ? stateOf(query) : UpdateState();
-}
-
-bool UpdateStateStore::write(const QString &channelName, const UpdateState &state) {
+bool UpdateStateStore::change(const QString &channelName,
+                              const std::function<void(UpdateState &)> &work) {
     if (!database_)
         return false;
-    const QByteArray name = channelName.toUtf8();
-    const QByteArray url = state.url.toUtf8();
-    const QByteArray etag = storedBytes(state.validators.etag);
-    const QByteArray lastModified = storedBytes(state.validators.lastModified);
     bool isDone = false;
-    if (SqliteStatement insert = database_->prepare(insertion)) {
-        insert.bind(1, name);
-        insert.bind(2, url);
-        insert.bind(3, secondsOf(state.lastAttempt));
-        insert.bind(4, secondsOf(state.lastTurn));
-        insert.bind(5, secondsOf(state.lastSuccess));
-        insert.bind(6, qint64{state.lastError});
-        insert.bind(7, qint64{state.wasUnchanged});
-        insert.bind(8, qint64{state.storedCount});
-        insert.bind(9, qint64{state.failures});
-        insert.bind(10, secondsOf(state.leftAloneUntil));
-        insert.bind(11, etag);
-        insert.bind(12, lastModified);
-        insert.bind(13, qint64{state.total});
-        isDone = insert.step() == SqliteStep::Done;
+    {
+        SqliteTransaction transaction(*database_);
+        const QByteArray name = channelName.toUtf8();
+        UpdateState state = read(name);
+        work(state);
+        isDone = transaction.isOpen() && write(name, state) && transaction.commit();
     }
     if (!isDone)
         recover();
     return isDone;
+}
+
+UpdateState UpdateStateStore::read(const QByteArray &channelName) {
+    SqliteStatement query = database_->prepare("SELECT * FROM update_states WHERE channel = ?");
+    if (!query)
+        return {};
+    query.bind(1, channelName);
+    return query.step() == SqliteStep::Row ? stateOf(query) : UpdateState();
+}
+
+bool UpdateStateStore::write(const QByteArray &channelName, const UpdateState &state) {
+    const QByteArray url = state.url.toUtf8();
+    const QByteArray etag = storedBytes(state.validators.etag);
+    const QByteArray lastModified = storedBytes(state.validators.lastModified);
+    SqliteStatement insert = database_->prepare(insertion);
+    if (!insert)
+        return false;
+    insert.bind(1, channelName);
+    insert.bind(2, url);
+    insert.bind(3, secondsOf(state.lastAttempt));
+    insert.bind(4, secondsOf(state.lastTurn));
+    insert.bind(5, secondsOf(state.lastSuccess));
+    insert.bind(6, qint64{state.lastError});
+    insert.bind(7, qint64{state.wasUnchanged});
+    insert.bind(8, qint64{state.storedCount});
+    insert.bind(9, qint64{state.failures});
+    insert.bind(10, secondsOf(state.leftAloneUntil));
+    insert.bind(11, etag);
+    insert.bind(12, lastModified);
+    insert.bind(13, qint64{state.total});
+    return insert.step() == SqliteStep::Done;
 }
 
 } // namespace tidebrook

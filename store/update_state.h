@@ -8,8 +8,8 @@
 #include <QHash>
 #include <QString>
 
+#include <functional>
 #include <memory>
-#include <optional>
 
 namespace tidebrook {
 
@@ -38,15 +38,19 @@ struct UpdateState {
 class UpdateStateStore {
 public:
     /// Opens the file, making it when it is missing. Where that fails every read finds nothing and
-    /// every write returns false.
+    /// nothing is changed.
     explicit UpdateStateStore(const DeviceRoot &device);
 
     /// What is remembered of each channel, by its name.
     QHash<QString, UpdateState> readAll();
-    UpdateState read(const QString &channelName);
-    bool write(const QString &channelName, const UpdateState &state);
+
+    /// Changes what is remembered of one channel, as one change: nothing that another process
+    /// remembers meanwhile is lost.
+    bool change(const QString &channelName, const std::function<void(UpdateState &)> &work);
 
 private:
+    UpdateState read(const QByteArray &channelName);
+    bool write(const QByteArray &channelName, const UpdateState &state);
     bool open();
     void recover();
 

@@ -1,5 +1,6 @@
 #include "update/auto_round.h"
 
+#include "feed/article_ingestion.h"
 #include "platform/http_queue.h"
 #include "platform/stop_signal.h"
 #include "update/auto_list.h"
@@ -40,6 +41,8 @@ private:
     struct Channel {
         RefreshJob job;
         UpdateState state;
+        ReadFlagCounts counts;              // as it was when it was asked for
+        bool isSettled = false;             // there was nothing to prune, and the counts were right
         std::optional<FeedFetcher> fetcher; // of one whose document is still to be downloaded
     };
     // A turn that reached no server, which is held against it only if others were reached.
@@ -50,8 +53,8 @@ private:
 
     bool collect();
     bool isTurnOf(const UpdateState &state);
-    std::optional<HttpValidators> begin(const Channel &channel);
-    HttpValidators validatorsOf(const Channel &channel) const;
+    std::optional<HttpValidators> begin(Channel &channel);
+    HttpValidators validatorsOf(Channel &channel) const;
     void takeAnswer(Channel &channel, const HttpAnswer &answer);
     void download(Channel &channel);
     void finish(Channel &channel, bool isFetched, const HttpAnswer &answer);
@@ -111,7 +114,7 @@ bool Run::collect() {
             return false;
         const UpdateState state = stateAt(states.value(job.channelName), job.url);
         if (isTurnOf(state))
-            channels_.push_back({std::move(job), state, std::nullopt});
+            channels_.push_back({std::move(job), state, {}, false, std::nullopt});
     }
     return true;
 }
@@ -128,7 +131,7 @@ bool Run::isTurnOf(const UpdateState &state) {
 }
 
 // A host that has had too many requests means those for its other feeds as well.
-std::optional<HttpValidators> Run::begin(const Channel &channel) {
+std::optional<HttpValidators> Run::begin(Channel &channel) {
     const QString host = QUrl(channel.job.url).host();
     const QDateTime until = tiredHosts_.value(host);
     if (!until.isValid() && silences_.value(host) < patience)
@@ -136,22 +139,19 @@ std::optional<HttpValidators> Run::begin(const Channel &channel) {
     ++result_.leftAlone;
     if (!until.isValid()) // the next round is soon enough to see whether it speaks again
         return std::nullopt;
-    UpdateState state = stateAt(states_.read(channel.job.channelName), channel.job.url);
-    state.leftAloneUntil = until;
-    states_.write(channel.job.channelName, state);
+    noteWish(states_, channel.job, until);
     return std::nullopt;
 }
 
 // A document is only as good as unchanged while the store holds what came of it: no article has
 // been pruned, and no other database or channel has taken the place of the one that it went into.
-HttpValidators Run::validatorsOf(const Channel &channel) const {
+HttpValidators Run::validatorsOf(Channel &channel) const {
     const UpdateState &state = channel.state;
-    ReadFlagCounts counts;
-    const bool isStored =
-        !state.validators.isEmpty() &&
-        target_.store.CountReadFlags(channel.job.category, channel.job.channelName, counts) &&
-        counts.total == state.total;
-    return isStored ? state.validators : HttpValidators();
+    if (state.validators.isEmpty())
+        return {};
+    channel.isSettled = target_.store.IsSettled(channel.job.channelName,
+                                                ArticleIngestion::oldestKept(), channel.counts);
+    return channel.counts.total == state.total ? state.validators : HttpValidators();
 }
 
 void Run::takeAnswer(Channel &channel, const HttpAnswer &answer) {
@@ -177,7 +177,11 @@ void Run::download(Channel &channel) {
 }
 
 void Run::finish(Channel &channel, bool isFetched, const HttpAnswer &answer) {
-    const RefreshResult result = storeFetched(target_, channel.job, *channel.fetcher, isFetched);
+    // Most feeds have nothing new most of the time, and then there is nothing to write.
+    const bool isSame = answer.isUnchanged && channel.isSettled;
+    const RefreshResult result =
+        isSame ? RefreshResult{0, 0, channel.counts, true}
+               : storeFetched(target_, channel.job, *channel.fetcher, isFetched);
     channel.fetcher.reset();
     if (result.error == FeedNotSent)
         unreached_.push_back({channel.job, result});

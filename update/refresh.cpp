@@ -1,7 +1,5 @@
 #include "update/refresh.h"
 
-#include "feed/article_ingestion.h"
-
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -59,12 +57,6 @@ RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job)
 RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, FeedFetcher &fetcher,
                            bool isFetched) {
     RefreshResult result;
-    // Most feeds have nothing new most of the time, and then there is nothing to write.
-    if (isFetched && fetcher.isUnchanged() &&
-        target.store.IsSettled(job.channelName, ArticleIngestion::oldestKept(), result.counts)) {
-        result.isCounted = true;
-        return result;
-    }
     const bool isChanged = target.store.changeAtOnce([&](SqlCommand &command) {
         // While the network was waited for, the channel may have been moved or deleted.
         QString category;

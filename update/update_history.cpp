@@ -20,11 +20,9 @@ QDateTime after(const QDateTime &moment, std::chrono::seconds time) {
     return moment.addSecs(time.count());
 }
 
-// What every attempt leaves behind. What else is remembered is read anew: another process may
-// have noted something since it was read last.
-UpdateState attempted(UpdateStateStore &states, const RefreshJob &job,
-                      const RefreshResult &result) {
-    UpdateState state = stateAt(states.read(job.channelName), job.url);
+// What every attempt leaves behind.
+void noteAttempt(UpdateState &state, const RefreshJob &job, const RefreshResult &result) {
+    state = stateAt(state, job.url);
     state.lastAttempt = utcNow();
     state.lastError = result.error;
     state.wasUnchanged = false;
@@ -33,7 +31,6 @@ UpdateState attempted(UpdateStateStore &states, const RefreshJob &job,
         state.lastSuccess = state.lastAttempt;
         state.failures = 0;
     }
-    return state;
 }
 
 } // namespace
@@ -80,31 +77,40 @@ QDateTime wishOf(const HttpAnswer &answer, const QDateTime &now) {
 }
 
 void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result) {
-    UpdateState state = attempted(states, job, result);
-    state.failures = 0;
-    state.leftAloneUntil = {};
-    states.write(job.channelName, state);
+    states.change(job.channelName, [&](UpdateState &state) {
+        noteAttempt(state, job, result);
+        state.failures = 0;
+        state.leftAloneUntil = {};
+    });
 }
 
 void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result) {
-    states.write(job.channelName, attempted(states, job, result));
+    states.change(job.channelName, [&](UpdateState &state) { noteAttempt(state, job, result); });
+}
+
+void noteWish(UpdateStateStore &states, const RefreshJob &job, const QDateTime &until) {
+    states.change(job.channelName, [&](UpdateState &state) {
+        state = stateAt(state, job.url);
+        state.leftAloneUntil = until;
+    });
 }
 
 void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &start,
               const RefreshResult &result, const HttpAnswer &answer) {
-    UpdateState state = attempted(states, job, result);
-    state.lastTurn = start;
-    state.wasUnchanged = answer.isUnchanged;
-    state.leftAloneUntil = wishOf(answer, start);
-    // A failure that left the channel uncounted is our database's, and not the feed's.
-    if (result.error != 0 && result.isCounted)
-        ++state.failures;
-    // A channel that was unchanged but has lost articles to their age is to be sent anew.
-    if (result.error == 0 && !answer.isUnchanged) {
-        state.validators = answer.validators;
-        state.total = result.counts.total;
-    }
-    states.write(job.channelName, state);
+    states.change(job.channelName, [&](UpdateState &state) {
+        noteAttempt(state, job, result);
+        state.lastTurn = start;
+        state.wasUnchanged = answer.isUnchanged;
+        state.leftAloneUntil = wishOf(answer, start);
+        // A failure that left the channel uncounted is our database's, and not the feed's.
+        if (result.error != 0 && result.isCounted)
+            ++state.failures;
+        // A channel that was unchanged but has lost articles to their age is to be sent anew.
+        if (result.error == 0 && !answer.isUnchanged) {
+            state.validators = answer.validators;
+            state.total = result.counts.total;
+        }
+    });
 }
 
 } // namespace tidebrook

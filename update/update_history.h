@@ -36,6 +36,9 @@ void noteRequested(UpdateStateStore &states, const RefreshJob &job, const Refres
 /// feed, and it has not had its turn.
 void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
 
+/// Remembers that the feed's server has asked to be left alone, before the feed had its turn.
+void noteWish(UpdateStateStore &states, const RefreshJob &job, const QDateTime &until);
+
 /// Remembers how a channel's turn in the round that began at `start` ended.
 void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &start,
               const RefreshResult &result, const HttpAnswer &answer);
