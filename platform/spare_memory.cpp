@@ -5,6 +5,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,7 +24,7 @@ int giveBackCode(dl_phdr_info *object, std::size_t, void *) {
         const std::uintptr_t first = (begin + page - 1) / page * page;
         const std::uintptr_t end = (begin + segment.p_filesz) / page * page;
         if (first < end)
-            madvise(reinterpret_cast<void *>(first), end - first, MADV_DONTNEED);
+            madvise(std::bit_cast<void *>(first), end - first, MADV_DONTNEED);
     }
     return 0;
 }

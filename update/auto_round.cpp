@@ -158,7 +158,7 @@ void Run::takeAnswer(Channel &channel, const HttpAnswer &answer) {
     FeedFetcher &fetcher =
         channel.fetcher.emplace(target_.device, target_.registry, target_.limits, unattended);
     int &silences = silences_[QUrl(channel.job.url).host()];
-    silences = answer.status == 0 ? silences + 1 : 0;
+    silences = answer.progress == HttpProgress::Complete ? 0 : silences + 1;
     if (channel.job.url.isEmpty())
         return finish(channel, fetcher.fail(NothingKnown), answer);
     if (isTired(answer))

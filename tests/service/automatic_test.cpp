@@ -92,9 +92,9 @@ TEST_F(AutomaticTest, ARoundThatIsCutOffGoesOnWhereItWas) {
 
 TEST_F(AutomaticTest, ManyStartedAtOnceBecomeOne) {
     set(u"UpdateMode"_s, 1);
-    std::vector<std::unique_ptr<QProcess>> starters;
-    for (int i = 0; i < 6; ++i)
-        starters.push_back(ctl_.start({u"service"_s, u"start"_s}));
+    std::vector<std::unique_ptr<QProcess>> starters(6);
+    for (auto &starter : starters)
+        starter = ctl_.start({u"service"_s, u"start"_s});
     for (const auto &starter : starters) {
         starter->waitForFinished();
         EXPECT_EQ(starter->exitCode(), 0);

@@ -107,9 +107,9 @@ TEST_F(AutoListTest, AddingBehindAnUnendedLineSpoilsNeither) {
 
 TEST_F(AutoListTest, ManyAtOnceLoseNothing) {
     isAutoUpdated(device_.root, u""_s);
-    std::vector<std::jthread> threads;
+    std::vector<std::jthread> threads(4);
     for (int i = 0; i < 4; ++i)
-        threads.emplace_back([this, i] {
+        threads[static_cast<std::size_t>(i)] = std::jthread([this, i] {
             for (int k = 0; k < 10; ++k) {
                 set(u"%1 %2"_s.arg(i).arg(k), true);
                 if (k % 2 == 1)
