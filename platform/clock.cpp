@@ -1,8 +1,7 @@
 #include "platform/clock.h"
 
-#include <time.h>
-
 #include <atomic>
+#include <ctime>
 #include <limits>
 
 namespace tidebrook {
