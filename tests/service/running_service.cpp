@@ -44,7 +44,7 @@ int RunningService::end(int signal) {
 }
 
 RefreshJob RunningService::addChannel(const QString &name) {
-    const RefreshJob job{server_.url(QString(u'/' + name)), name, u"C"_s};
+    RefreshJob job{server_.url(QString(u'/' + name)), name, u"C"_s};
     EXPECT_EQ(ctl_.run({u"add"_s, job.category, name, job.url}).out.trimmed(), name);
     return job;
 }
