@@ -52,13 +52,14 @@ void Downloader::stop() {
     wake_.raise();
 }
 
-// The files that stay open here, or are locked.
+// The files that stay open here, or are locked; none when one is missing.
 Downloader::Files Downloader::files() const {
     Files found;
     for (const QString &path : {device_.path(), device_.registryPath(), serviceLockPath(device_),
                                 QString(device_.path() + u"/run/" + requestEvent + u".event")}) {
         struct stat status {};
-        stat(QFile::encodeName(path).constData(), &status);
+        if (stat(QFile::encodeName(path).constData(), &status) != 0)
+            return {};
         found.append({status.st_dev, status.st_ino});
     }
     return found;
@@ -71,7 +72,7 @@ bool Downloader::run() {
         lookAfterRound();
         const WaitResult result = WaitAny({&request_}, wake_.descriptor(), timeToSleep());
         // What was put in their place, as from a backup, is another device.
-        if (result.kind == WaitResult::Kind::Failed || files() != ownFiles) {
+        if (result.kind == WaitResult::Kind::Failed || ownFiles.isEmpty() || files() != ownFiles) {
             log_.error(
                 QStringLiteral("%1: the device is not the one that it was").arg(device_.path()));
             return false;
