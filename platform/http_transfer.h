@@ -10,11 +10,11 @@
 
 namespace tidebrook {
 
+// What the transports of this room share over libcurl. Nobody else includes this.
+
 /// How many times a request is sent on to another address.
 inline constexpr long redirectLimit = 10;
 inline constexpr int longestPoll = 60'000; // ms; curl asks for less when it has to do something
-
-// What the transports of this room share over libcurl. Nobody else includes this.
 
 struct CurlMultiCleanup {
     void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }

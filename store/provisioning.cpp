@@ -1,8 +1,7 @@
 #include "store/provisioning.h"
 
+#include "platform/replace_file.h"
 #include "store/settings_store.h"
-
-#include <QSaveFile>
 
 #include <array>
 
@@ -19,12 +18,6 @@ constexpr std::array updateSettings{FirstValue{u"UpdateMode", 0}, FirstValue{u"U
                                     FirstValue{u"UpdateTime", 0}, FirstValue{u"ACTOPTION", 0},
                                     FirstValue{u"NoRoaming", 0}};
 constexpr std::array todaySettings{FirstValue{u"Enabled", 1}, FirstValue{u"TodayTimer", 1}};
-
-bool writeSeedFile(const DeviceRoot &device, const QByteArray &content) {
-    QSaveFile file(device.filePath(u"\\windows\\RSSChannels.txt"));
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() &&
-           file.commit();
-}
 
 bool writeFirstValues(const DeviceRoot &device, const QString &todayItemKey) {
     Registry registry(device);
@@ -43,7 +36,8 @@ bool writeFirstValues(const DeviceRoot &device, const QString &todayItemKey) {
 bool provisionDevice(const DeviceRoot &device, const QByteArray &seedFile,
                      const QString &todayItemKey) {
     return device.provision([&](const DeviceRoot &built) {
-        return writeSeedFile(built, seedFile) && writeFirstValues(built, todayItemKey);
+        return replaceFile(built.filePath(u"\\windows\\RSSChannels.txt"), seedFile) &&
+               writeFirstValues(built, todayItemKey);
     });
 }
 

@@ -1,13 +1,13 @@
 #include "update/auto_list.h"
 
 #include "platform/file_lock.h"
+#include "platform/replace_file.h"
 #include "platform/text.h"
 #include "store/escape_sql.h"
 #include "update/channel_file.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSet>
 
 #include <algorithm>
@@ -61,12 +61,6 @@ QList<Entry> readEntries(const QString &text) {
 
 std::optional<QString> readList(const QString &path) { return readChannelFile(path, listLimit); }
 
-bool replaceList(const QString &path, const QString &text) {
-    QSaveFile file(path);
-    const QByteArray bytes = encodeChannelFile(text);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-}
-
 QString withLine(const QString &text, const RefreshJob &job) {
     // A list that somebody's editor left without its last line feed must not run into the line.
     const bool isWhole = text.isEmpty() || text.endsWith(u'\n');
@@ -105,8 +99,10 @@ bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add) {
     if (!QFileInfo::exists(path))
         return true;
     const std::optional<QString> text = readList(path);
-    return lock.isHeld() && text &&
-           replaceList(path, add ? withLine(*text, job) : withoutName(*text, job.channelName));
+    if (!lock.isHeld() || !text)
+        return false;
+    const QString changed = add ? withLine(*text, job) : withoutName(*text, job.channelName);
+    return replaceFile(path, encodeChannelFile(changed));
 }
 
 QList<RefreshJob> autoUpdatedChannels(const DeviceRoot &device) {

@@ -1,12 +1,12 @@
 #include "update/download_request.h"
 
 #include "platform/pause.h"
+#include "platform/replace_file.h"
 #include "platform/wait_any.h"
 #include "update/channel_file.h"
 #include "update/request_file.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 namespace tidebrook {
 
@@ -16,12 +16,9 @@ constexpr int signalPause = 100; // ms, between the request's being written and 
 
 void writeRequest(const DeviceRoot &device, const RefreshJob &job) {
     const QString path = requestFilePath(device);
-    const QByteArray bytes = encodeChannelFile(channelLine(job));
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-        return;
-    // The request before this one must not be served in its stead.
-    QFile(path).open(QIODevice::WriteOnly | QIODevice::Truncate);
+    // When it cannot be written, the request before it must not be served in its stead.
+    if (!replaceFile(path, encodeChannelFile(channelLine(job))))
+        QFile(path).open(QIODevice::WriteOnly | QIODevice::Truncate);
 }
 
 } // namespace

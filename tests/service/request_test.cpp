@@ -2,6 +2,7 @@
 #include "platform/named_event.h"
 #include "platform/service.h"
 #include "service/running_service.h"
+#include "support/full_disk.h"
 #include "support/test_device.h"
 #include "update/request_file.h"
 
@@ -82,6 +83,19 @@ TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
     signalRequest();
     EXPECT_EQ(answers.wait(30s), DownloadAnswer::Failed);
     EXPECT_EQ(request(job), DownloadAnswer::Done);
+}
+
+TEST_F(RequestTest, OneThatCannotBeWrittenDoesNotHaveTheOneBeforeServed) {
+    const RefreshJob before = addChannel(u"before"_s);
+    server_.serve(u"/before"_s, smallFeed);
+    ASSERT_EQ(request(before), DownloadAnswer::Done);
+    server_.clearRequests();
+    {
+        const FullDisk disk;
+        EXPECT_EQ(request({server_.url(u"/other"), u"other"_s, u"C"_s}), DownloadAnswer::Failed);
+    }
+    EXPECT_EQ(server_.requests().size(), 0);
+    EXPECT_EQ(request(before), DownloadAnswer::Done);
 }
 
 TEST_F(RequestTest, TenWithinASecondAreAllServed) {

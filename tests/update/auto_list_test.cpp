@@ -1,3 +1,4 @@
+#include "support/full_disk.h"
 #include "support/test_device.h"
 #include "update/auto_list.h"
 
@@ -103,6 +104,17 @@ TEST_F(AutoListTest, AddingBehindAnUnendedLineSpoilsNeither) {
     ASSERT_TRUE(writeFile(path_, utf16(u"a\tu\tC"_s)));
     EXPECT_TRUE(set(u"b"_s, true));
     EXPECT_EQ(content(), utf16(u"a\tu\tC\nb\thttp://x/b\tC\n"_s));
+}
+
+TEST_F(AutoListTest, AFullDiskIsToldAndLeavesTheListAsItWas) {
+    isAutoUpdated(device_.root, u""_s);
+    set(u"a"_s, true);
+    const QByteArray before = content();
+    {
+        const FullDisk disk;
+        EXPECT_FALSE(set(u"b"_s, true));
+    }
+    EXPECT_EQ(content(), before);
 }
 
 TEST_F(AutoListTest, ManyAtOnceLoseNothing) {

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace tidebrook {
+
+/// Puts a file in place whole, instead of the one that is there: whoever reads it meanwhile, or
+/// after a crash, finds the one or the other. False when that failed; the file that was there is
+/// then as it was.
+bool replaceFile(const QString &path, const QByteArray &content);
+
+} // namespace tidebrook
