@@ -53,9 +53,13 @@ void RequestServer::serveLatest() {
 
 void RequestServer::work() {
     while (const std::optional<RequestFile> request = takeNewest()) {
-        serve(*request);
-        const std::lock_guard lock(mutex_);
-        std::erase(underWay_, *request);
+        const RefreshResult result = serve(*request);
+        {
+            // Once it is answered, the same file is a request again when it is told of anew.
+            const std::lock_guard lock(mutex_);
+            std::erase(underWay_, *request);
+        }
+        note(*request, result);
     }
 }
 
@@ -73,20 +77,24 @@ std::optional<RequestFile> RequestServer::takeNewest() {
     return request;
 }
 
-void RequestServer::serve(const RequestFile &request) {
-    const std::optional<RefreshJob> &job = request.job();
-    if (!job)
-        log_.warning(QStringLiteral("the request file holds no request"));
-    const RefreshResult result = job ? update(*job) : RefreshResult{NothingKnown, 0, {}, false};
+RefreshResult RequestServer::serve(const RequestFile &request) {
+    const RefreshResult result =
+        request.job() ? update(*request.job()) : RefreshResult{NothingKnown, 0, {}, false};
     if (!answerDownload(device_, registry_, request, result.error))
         log_.detail(QStringLiteral("a newer request has come; no answer to this one"));
-    if (!job)
+    return result;
+}
+
+void RequestServer::note(const RequestFile &request, const RefreshResult &result) {
+    if (!request.job()) {
+        log_.warning(QStringLiteral("the request file holds no request"));
         return;
-    log_.result(job->channelName, result.error, result.storedCount);
-    if (!stop_.isRaised()) {
-        UpdateStateStore states(device_);
-        noteRequested(states, *job, result);
     }
+    log_.result(request.job()->channelName, result.error, result.storedCount);
+    if (stop_.isRaised())
+        return;
+    UpdateStateStore states(device_);
+    noteRequested(states, *request.job(), result);
 }
 
 RefreshResult RequestServer::update(const RefreshJob &job) {

@@ -38,7 +38,8 @@ private:
 
     void work();
     std::optional<RequestFile> takeNewest();
-    void serve(const RequestFile &request);
+    RefreshResult serve(const RequestFile &request);
+    void note(const RequestFile &request, const RefreshResult &result);
     RefreshResult update(const RefreshJob &job);
 
     const DeviceRoot device_;

@@ -20,6 +20,14 @@ QDateTime after(const QDateTime &moment, std::chrono::seconds time) {
     return moment.addSecs(time.count());
 }
 
+// How long a feed that has failed this often in a row is left alone.
+std::chrono::seconds backOff(int failures) {
+    std::chrono::seconds time = firstBackOff;
+    for (int i = 1; i < failures && time < longestBackOff; ++i)
+        time *= 2;
+    return std::min(time, longestBackOff);
+}
+
 // What every attempt leaves behind.
 void noteAttempt(UpdateState &state, const RefreshJob &job, const RefreshResult &result) {
     state = stateAt(state, job.url);
@@ -34,13 +42,6 @@ void noteAttempt(UpdateState &state, const RefreshJob &job, const RefreshResult 
 }
 
 } // namespace
-
-std::chrono::seconds backOff(int failures) {
-    std::chrono::seconds time = firstBackOff;
-    for (int i = 1; i < failures && time < longestBackOff; ++i)
-        time *= 2;
-    return std::min(time, longestBackOff);
-}
 
 UpdateState stateAt(const UpdateState &state, const QString &url) {
     if (state.url == url)

@@ -9,9 +9,6 @@
 
 namespace tidebrook {
 
-/// How long a feed that has failed this often in a row is left alone.
-std::chrono::seconds backOff(int failures);
-
 /// What is remembered of a channel that has this address now: nothing, if it had another one.
 UpdateState stateAt(const UpdateState &state, const QString &url);
 
