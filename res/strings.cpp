@@ -19,26 +19,65 @@ constexpr char16_t internetProblem[] = u"Encountering Internet Problem";
 constexpr char16_t memoryProblem[] = u"Encountering Memory Problem";
 
 constexpr std::array table{
-    Entry{1, u"Tidebrook"},
+    Entry{programNameString, u"Tidebrook"},
+    Entry{programClassString, u"FEEDLARK"},
+    Entry{newCategoryNameString, u"New Category"},
+    Entry{aboutString, u"About"},
+    Entry{menuString, u"Menu"},
+    Entry{exportCategoryString, u"Export Category"},
+    Entry{exportChannelString, u"Export Channel"},
+    Entry{newChannelNameString, u"New Channel"},
+    Entry{doneString, u"Done"},
+    Entry{cancelString, u"Cancel"},
+    Entry{nextString, u"Next"},
+    Entry{backString, u"Back"},
+    Entry{finishString, u"Finish"},
+    Entry{saveString, u"Save"},
+    Entry{deleteCategoryString, u"Are you sure you want to delete this category?"},
+    Entry{confirmDeletionString, u"Confirm Deletion"},
+    Entry{firstIntervalString, u"30 minutes"},
+    Entry{firstIntervalString + 1, u"1 hour"},
+    Entry{firstIntervalString + 2, u"2 hours"},
+    Entry{firstIntervalString + 3, u"4 hours"},
+    Entry{firstIntervalString + 4, u"8 hours"},
+    Entry{firstIntervalString + 5, u"16 hours"},
+    Entry{firstSpeedString, u"Slow"},
+    Entry{firstSpeedString + 1, u"Normal"},
+    Entry{firstSpeedString + 2, u"Fast"},
+    Entry{newChannelString, u"New Channel"},
     Entry{wrongUrlString, u"The URL format is wrong!"},
-    Entry{28, u"Error"},
-    Entry{29, u"No Category Exist!"},
+    Entry{errorString, u"Error"},
+    Entry{noCategoryString, u"No Category Exist!"},
+    Entry{warningString, u"Warning"},
+    Entry{deleteChannelString, u"Are you sure you want to delete this channel?"},
+    Entry{propertiesString, u"Properties"},
+    Entry{allCategoriesString, u"All Categories"},
     Entry{nameExistsString, u"The name is exist!"},
+    Entry{notConnectedString, u"Please connect the device to the network."},
+    Entry{noCategorySelectedString, u"No category selected!"},
+    Entry{noChannelSelectedString, u"No channel selected!"},
+    Entry{noArticleSelectedString, u"No article selected!"},
+    Entry{categoryListString, u"Category List"},
+    Entry{channelListString, u"Channel List"},
+    Entry{articleListString, u"Article List"},
+    Entry{previousString, u"Previous"},
+    Entry{opmlFilterString, u"OPML (*.opml)"},
     Entry{44, databaseProblem},
     Entry{45, databaseProblem},
     Entry{46, feedProblem},
     Entry{47, feedProblem},
     Entry{48, fileProblem},
     Entry{49, fileProblem},
-    Entry{50, fileProblem},
+    Entry{fileProblemString, fileProblem},
     Entry{51, internetProblem},
     Entry{52, internetProblem},
     Entry{53, internetProblem},
-    Entry{54, memoryProblem},
+    Entry{memoryProblemString, memoryProblem},
     Entry{55, memoryProblem},
-    Entry{56, u"Encountering Unidentified Problem"},
+    Entry{unidentifiedProblemString, u"Encountering Unidentified Problem"},
     Entry{57, u"ActiveSync unavailable"},
     Entry{58, u"Your device is roaming."},
+    Entry{htmlFilterString, u"html (*.html)"},
     Entry{todayItemNameString, u"Tidebrook"},
 };
 
@@ -54,8 +93,6 @@ constexpr std::array errorTexts{
     ErrorText{1012, 56}, ErrorText{1013, 57}, ErrorText{1014, 58},
 };
 
-constexpr int unidentifiedProblem = 56;
-
 } // namespace
 
 QString resourceString(int id) {
@@ -68,7 +105,7 @@ QString errorMessage(quint32 code) {
     const auto *row =
         std::find_if(errorTexts.begin(), errorTexts.end(),
                      [code](const ErrorText &candidate) { return candidate.code == code; });
-    return resourceString(row == errorTexts.end() ? unidentifiedProblem : row->stringId);
+    return resourceString(row == errorTexts.end() ? unidentifiedProblemString : row->stringId);
 }
 
 } // namespace tidebrook

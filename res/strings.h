@@ -11,8 +11,63 @@ QString resourceString(int id);
 /// a problem that nothing is known of.
 QString errorMessage(quint32 code);
 
-inline constexpr int wrongUrlString = 27;
-inline constexpr int nameExistsString = 34;
+// the program
+inline constexpr int programNameString = 1; // the title of its window
+inline constexpr int programClassString = 2;
 inline constexpr int todayItemNameString = 60;
+
+// soft keys and buttons
+inline constexpr int menuString = 5;
+inline constexpr int doneString = 9;
+inline constexpr int cancelString = 10;
+inline constexpr int nextString = 11;
+inline constexpr int backString = 12;
+inline constexpr int finishString = 13;
+inline constexpr int categoryListString = 39;
+inline constexpr int channelListString = 40;
+inline constexpr int articleListString = 41;
+inline constexpr int previousString = 42;
+
+// titles
+inline constexpr int aboutString = 4;
+inline constexpr int exportCategoryString = 6;
+inline constexpr int exportChannelString = 7;
+inline constexpr int saveString = 14;
+inline constexpr int newChannelString = 26;
+inline constexpr int propertiesString = 32;
+inline constexpr int allCategoriesString = 33;
+
+// names for what is new, and the kinds of files
+inline constexpr int newCategoryNameString = 3;
+inline constexpr int newChannelNameString = 8;
+inline constexpr int opmlFilterString = 43;
+inline constexpr int htmlFilterString = 59;
+
+// choices, one id after the other
+inline constexpr int firstIntervalString = 17;
+inline constexpr int intervalCount = 6;
+inline constexpr int firstSpeedString = 23;
+inline constexpr int speedCount = 3;
+inline constexpr int noCategoryString = 29; // stands for the categories where there are none
+
+// questions
+inline constexpr int confirmDeletionString = 16; // their caption
+inline constexpr int deleteCategoryString = 15;
+inline constexpr int deleteChannelString = 31;
+
+// warnings
+inline constexpr int warningString = 30; // their caption
+inline constexpr int nameExistsString = 34;
+inline constexpr int notConnectedString = 35;
+inline constexpr int noCategorySelectedString = 36;
+inline constexpr int noChannelSelectedString = 37;
+inline constexpr int noArticleSelectedString = 38;
+
+// errors that are told without a code
+inline constexpr int errorString = 28; // the caption of every error
+inline constexpr int wrongUrlString = 27;
+inline constexpr int fileProblemString = 50;
+inline constexpr int memoryProblemString = 54;
+inline constexpr int unidentifiedProblemString = 56;
 
 } // namespace tidebrook
