@@ -12,7 +12,7 @@ enum class ControlKind : quint8 {
     Image, ///< an icon of `res/icons.h`
     PushButton,
     CheckBox,    ///< its text wraps
-    RadioButton, ///< exclusive among those from one that starts a group to the next that does
+    RadioButton, ///< exclusive from one that starts a group to the next that does; its text wraps
     Edit,        ///< one line of text
     DropDownList,
     ListBox,
@@ -27,7 +27,8 @@ inline constexpr quint16 anonymousControl = 0xFFFF;
 
 /// A rectangle in dialog units. A screen is 240 by 320 of them, or 320 by 240 when it is wide,
 /// whatever its size in pixels; a template's origin is the upper left corner of the dialog's own
-/// area, which lies under the title strip and above the menu bar.
+/// area, which lies under the title strip and above the menu bar. For a page of a property sheet
+/// that area is the sheet's `Pages`.
 struct UnitRect {
     int x = 0;
     int y = 0;
@@ -42,8 +43,8 @@ struct ControlTemplate {
     quint16 id = anonymousControl;
     ControlKind kind = ControlKind::Label;
     UnitRect rect;
-    const char16_t *text = nullptr;
-    const char *icon = nullptr; // its name in res/icons
+    const char16_t *text = nullptr; // none: the dialog itself puts it in, and it stays at a turn
+    const char *icon = nullptr;     // its name in res/icons
     bool startsGroup = false;
     int styleBits = 0; // see TemplateStyle
 };
@@ -62,7 +63,7 @@ struct DialogTemplate {
     int id = 0;
     int width = 0; // of the whole screen, in dialog units
     int height = 0;
-    const char16_t *title = nullptr;
+    const char16_t *title = nullptr; // of a page: the text of its tab
     int fontPoints = 0;
     std::span<const ControlTemplate> controls; // in the order of the Tab key
 };
