@@ -69,15 +69,7 @@ std::optional<QList<ListedChannel>> Device::channels(const QString &category) {
 }
 
 QStringList Device::categories() {
-    // A read that comes upon a damaged entry takes it out and fails; the next one does without it.
-    constexpr int damagedEntryLimit = 100;
-    CategoryList list;
-    for (int i = 0; i < damagedEntryLimit; ++i) {
-        if (categoryStore.ReadCategoryList(list) || list.isEmpty())
-            break;
-    }
-    list.removeAll(QString());
-    return list;
+    return categoryStore.listedCategories().value_or(QStringList());
 }
 
 } // namespace tidebrook

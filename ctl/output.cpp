@@ -16,11 +16,10 @@ void write(std::FILE *stream, const QString &text) {
     std::fwrite(utf8.constData(), 1, static_cast<std::size_t>(utf8.size()), stream);
 }
 
-QString withoutControls(QString text, bool hasLines) {
+QString withLayoutAlone(QString text) {
     for (QChar &c : text) {
-        const bool isControl = c < u' ' || (c >= QChar(0x7F) && c <= QChar(0x9F));
-        const bool isLayout = hasLines && (c == u'\n' || c == u'\t');
-        if (isControl && !isLayout)
+        const bool isLayout = c == u'\n' || c == u'\t';
+        if (c.category() == QChar::Other_Control && !isLayout)
             c = u' ';
     }
     return text;
@@ -33,13 +32,13 @@ void printLine(const QString &line) { printFields({line}); }
 void printFields(const QStringList &fields) {
     QStringList clean;
     for (const QString &field : fields)
-        clean.append(withoutControls(field, false));
+        clean.append(withoutControls(field));
     write(stdout, clean.join(u'\t') + u'\n');
 }
 
-QString printable(const QString &text) { return withoutControls(text, false); }
+QString printable(const QString &text) { return withoutControls(text); }
 
-void printText(const QString &text) { write(stdout, withoutControls(text, true) + u'\n'); }
+void printText(const QString &text) { write(stdout, withLayoutAlone(text) + u'\n'); }
 
 QString counts(int unread, int total) {
     return QString::number(unread) + u'/' + QString::number(total);
@@ -48,7 +47,7 @@ QString counts(int unread, int total) {
 bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
 int fail(const QString &message) {
-    write(stderr, u"tidebrookctl: " + withoutControls(message, false) + u'\n');
+    write(stderr, u"tidebrookctl: " + withoutControls(message) + u'\n');
     return ExitFailed;
 }
 
@@ -68,7 +67,7 @@ ProgressLine::~ProgressLine() { show({}); }
 
 void ProgressLine::show(const QString &text) {
     if (isTerminal_)
-        write(stderr, u"\r\x1b[K" + cutText(withoutControls(text, false), 70));
+        write(stderr, u"\r\x1b[K" + cutText(withoutControls(text), 70));
 }
 
 } // namespace tidebrook

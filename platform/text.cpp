@@ -16,4 +16,12 @@ QStringView TrimTrailingBlanks(QStringView text) {
     return text;
 }
 
+QString withoutControls(QString text) {
+    for (QChar &c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = u' ';
+    }
+    return text;
+}
+
 } // namespace tidebrook

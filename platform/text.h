@@ -13,4 +13,7 @@ QStringView cutText(QStringView text, qsizetype capacity);
 /// is never taken, so a text of blanks alone keeps one.
 QStringView TrimTrailingBlanks(QStringView text);
 
+/// The text with a blank in place of every control character, line ends and tabs among them.
+QString withoutControls(QString text);
+
 } // namespace tidebrook

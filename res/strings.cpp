@@ -101,6 +101,14 @@ QString resourceString(int id) {
     return entry == table.end() ? QString() : QString::fromUtf16(entry->text);
 }
 
+QStringList resourceStrings(int firstId, int count) {
+    QStringList texts;
+    texts.reserve(count);
+    for (int i = 0; i < count; ++i)
+        texts.append(resourceString(firstId + i));
+    return texts;
+}
+
 QString errorMessage(quint32 code) {
     const auto *row =
         std::find_if(errorTexts.begin(), errorTexts.end(),

@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace tidebrook {
 
 /// The text of an entry of the string table; empty when there is no such entry.
 QString resourceString(int id);
+
+/// So many entries, one id after the other.
+QStringList resourceStrings(int firstId, int count);
 
 /// The message for an error code of the system (1000 to 1014); for any other number the one for
 /// a problem that nothing is known of.
@@ -66,6 +70,7 @@ inline constexpr int noArticleSelectedString = 38;
 // errors that are told without a code
 inline constexpr int errorString = 28; // the caption of every error
 inline constexpr int wrongUrlString = 27;
+inline constexpr int databaseProblemString = 45;
 inline constexpr int fileProblemString = 50;
 inline constexpr int memoryProblemString = 54;
 inline constexpr int unidentifiedProblemString = 56;

@@ -41,6 +41,20 @@ bool CategoryListStore::ReadCategoryList(CategoryList &list) {
     return true;
 }
 
+std::optional<QStringList> CategoryListStore::listedCategories() {
+    // Each read that comes upon a damaged value takes it out and fails.
+    constexpr int damagedValueLimit = 100;
+    CategoryList list;
+    for (int i = 0; i < damagedValueLimit && !ReadCategoryList(list); ++i) {
+        if (list.isEmpty())
+            break;
+    }
+    if (list.isEmpty() && !settings_.registry().values(programKey))
+        return std::nullopt;
+    list.removeIf([](const QString &name) { return name.isNull(); });
+    return list;
+}
+
 bool CategoryListStore::AddCategory(const QString &name) {
     if (name.isNull())
         return false;

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace tidebrook {
 
 /// The categories' names in their stored order. A slot is null where the registry counts more
@@ -24,6 +26,10 @@ public:
     /// False, with an empty list, when there are no categories. A value of another type among
     /// them is deleted and the read fails: the next one does without it.
     bool ReadCategoryList(CategoryList &list);
+
+    /// The names as a list shows them: without empty slots, and without damaged values, which are
+    /// deleted. Nothing when the registry cannot be read.
+    std::optional<QStringList> listedCategories();
 
     /// False when the category exists already, or when the count did not (it does afterwards, as
     /// 0, so that the next call succeeds).

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/base/device_parts.h"
+#include "app/base/fill_jobs.h"
+#include "app/base/work_queue.h"
+#include "update/today_tap.h"
+
+#include <QFont>
+#include <QPointer>
+#include <QStringList>
+
+#include <array>
+
+namespace tidebrook {
+
+class ListView;
+class ScreenStack;
+
+/// The list screens, in the order of `AppState::lists`.
+enum ListScreen : std::size_t { CategoryScreen, ChannelScreen, ArticleScreen, ListScreenCount };
+
+/// The sizes of the lists' font in points: Small, Normal, Big.
+inline constexpr std::array fontSizes{9, 11, 13};
+
+/// What the screens share. It belongs to the user-interface thread; work that may wait is given to
+/// its queues, and gets values.
+struct AppState {
+    explicit AppState(DeviceParts &parts, ScreenStack &screenStack)
+        : device(parts), stack(screenStack), fills(parts.dbMutex) {}
+    AppState(const AppState &) = delete;
+    AppState &operator=(const AppState &) = delete;
+
+    DeviceParts &device;
+    ScreenStack &stack;
+
+    /// Changes of the categories, channels and articles, and what must see them done.
+    WorkQueue changes;
+    /// Reading and writing settings, which need not wait for that.
+    WorkQueue settings;
+    FillJobs fills;
+
+    /// The list of each list screen that is open.
+    std::array<QPointer<ListView>, ListScreenCount> lists;
+
+    QStringList categories;   ///< as the category list shows them
+    int currentCategory = -1; ///< the row that was opened
+
+    int fontSize = fontSizes[0];
+    QFont listFont;
+
+    /// The tapped headline that the screens are to lead to; empty texts when there is none.
+    TodayTap todayTap;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/base/app_state.h"
+
+#include <functional>
+
+namespace tidebrook {
+
+/// What the user is told of a change: it is called on the user-interface thread.
+using JobEnd = std::function<void(bool isDone)>;
+
+// The jobs that change channels and categories. Each is started, not waited for, and done in the
+// order in which it was started; one that is under way when the program ends is done before that.
+// Names are cut to 40 (category), 50 (channel) and 512 (address) characters. True when the job was
+// started. A failure leaves its code in "ERRORNO", and what was there before as it was.
+
+/// Renames a category, with all its channels and articles: it is in the list of categories under
+/// one of its names at every moment, with its channels.
+bool startRenameCategory(AppState &state, QObject *receiver, const QString &newName,
+                         const QString &oldName, JobEnd end);
+
+/// Deletes the channels of a category that has been taken off the list, with all their articles,
+/// and takes them off the list of automatic updates. When that fails the category is put on the
+/// list again.
+bool startDeleteCategory(AppState &state, QObject *receiver, const QString &category, JobEnd end);
+
+} // namespace tidebrook

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/device_root.h"
+#include "platform/named_mutex.h"
+#include "platform/registry.h"
+#include "store/category_list.h"
+#include "store/feed_store.h"
+#include "store/settings_store.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace tidebrook {
+
+/// What the reader keeps open of the device while it runs. Thread-safe, but for `open` and
+/// `close`.
+class DeviceParts {
+public:
+    /// Opens the registry and nothing else.
+    explicit DeviceParts(const DeviceRoot &deviceRoot);
+
+    const DeviceRoot root;
+    const QString todayItemName;
+    const QString todayItemKey;
+    Registry registry;
+    SettingsStore settings;
+    CategoryListStore categoryStore;
+    std::optional<FeedStore> store; ///< there until `close`
+    NamedMutex dbMutex;             ///< "RSSMutex"
+
+    /// Seeds the categories where there are none, and opens the database, which makes and seeds it
+    /// on first use. May take long. Gives back the string of what is to be told to the user, or 0:
+    /// the screens work on what could be had.
+    int open();
+
+    /// Closes the database for good. Nobody may be using it.
+    void close();
+
+    /// The file to lock for a change of several steps, so that nobody sees it half done.
+    QString channelsLockPath() const { return root.filePath(u"\\run\\channels.lock"); }
+};
+
+} // namespace tidebrook

@@ -1,0 +1,96 @@
+#include "app/base/fill_jobs.h"
+
+#include <system_error>
+#include <utility>
+
+namespace tidebrook {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto jobPatience = 2000ms;
+constexpr auto screenPatience = 1000ms;
+
+} // namespace
+
+FillJobs::FillJobs(NamedMutex &dbMutex) : dbMutex_(dbMutex) {}
+
+FillJobs::~FillJobs() { finish(); }
+
+bool FillJobs::launch(QObject *receiver, Fill fill) {
+    if (isFinished_)
+        return false;
+    if (fillStop_ >= 1) {
+        refused_ = std::move(fill.again);
+        refusedReceiver_ = receiver;
+        if (jobs_.empty())
+            offerAgain();
+        return true;
+    }
+    // A mutex that is not there at all keeps nobody from filling.
+    if (dbMutex_.isOpen() && !count(-1, jobPatience))
+        return false;
+    auto job = std::make_shared<Job>(Job{std::move(fill), receiver, ++generation_, {}});
+    try {
+        job->thread = std::thread(&FillJobs::run, this, job);
+    } catch (const std::system_error &) {
+        count(1, jobPatience);
+        return false;
+    }
+    jobs_.push_back(job);
+    Q_EMIT begun();
+    return true;
+}
+
+void FillJobs::requestStop() { count(1, screenPatience); }
+
+bool FillJobs::count(int change, std::chrono::milliseconds patience) {
+    if (!dbMutex_.lock(patience))
+        return false;
+    fillStop_ += change;
+    dbMutex_.unlock();
+    return true;
+}
+
+void FillJobs::run(const std::shared_ptr<Job> &job) {
+    FillStop stop(fillStop_, isFinished_);
+    job->fill.collect(stop);
+    if (stop.isCounted())
+        count(-1, jobPatience);
+    QMetaObject::invokeMethod(
+        this, [this, job] { end(job); }, Qt::QueuedConnection);
+}
+
+void FillJobs::end(const std::shared_ptr<Job> &job) {
+    job->thread.join();
+    std::erase(jobs_, job);
+    Q_EMIT done();
+    if (job->generation == generation_ && !job->receiver.isNull())
+        job->fill.show();
+    if (jobs_.empty())
+        offerAgain();
+}
+
+// The stop that had a fill refused is one that no fill will see any more. Balanced as one would
+// have, it no longer keeps the screen blank.
+void FillJobs::offerAgain() {
+    if (!refused_ || isFinished_)
+        return;
+    if (fillStop_ >= 1 && !count(-1, jobPatience))
+        return;
+    const auto again = std::exchange(refused_, nullptr);
+    if (!refusedReceiver_.isNull())
+        again();
+}
+
+void FillJobs::finish() {
+    isFinished_ = true;
+    for (const std::shared_ptr<Job> &job : jobs_) {
+        if (job->thread.joinable())
+            job->thread.join();
+    }
+    jobs_.clear();
+}
+
+} // namespace tidebrook

@@ -1,0 +1,63 @@
+#include "app/base/list_font.h"
+
+#include "res/commands.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/screen_menu.h"
+#include "ui/kit/screen_stack.h"
+
+#include <algorithm>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr QStringView fontSizeValue = u"FontSize";
+
+int indexOfSize(int points) {
+    const auto *found = std::find(fontSizes.begin(), fontSizes.end(), points);
+    return found == fontSizes.end() ? 0 : static_cast<int>(found - fontSizes.begin());
+}
+
+} // namespace
+
+void applyListFont(AppState &state) {
+    state.listFont = state.stack.font();
+    state.listFont.setPointSize(state.fontSize);
+    for (ListView *list : state.lists) {
+        if (list != nullptr)
+            list->setFont(state.listFont);
+    }
+}
+
+bool chooseFontSize(AppState &state, int command) {
+    if (command < CommandFontSmall || command > CommandFontBig)
+        return false;
+    state.fontSize = fontSizes[static_cast<std::size_t>(command - CommandFontSmall)];
+    applyListFont(state);
+    state.settings.tell([&settings = state.device.settings, size = state.fontSize] {
+        settings.RegWriteDword(programKey, fontSizeValue, static_cast<quint32>(size));
+    });
+    return true;
+}
+
+void readFontSize(AppState &state, QObject *receiver, std::function<void()> then) {
+    state.settings.ask(
+        receiver,
+        [&settings = state.device.settings] {
+            quint32 size = 0;
+            settings.RegReadDword(programKey, fontSizeValue, size);
+            return static_cast<int>(size);
+        },
+        [&state, then = std::move(then)](int size) {
+            state.fontSize = fontSizes[static_cast<std::size_t>(indexOfSize(size))];
+            applyListFont(state);
+            then();
+        });
+}
+
+void checkFontSize(const AppState &state, ScreenMenu &menu) {
+    menu.radioCheck(CommandFontSmall, CommandFontBig,
+                    CommandFontSmall + indexOfSize(state.fontSize));
+}
+
+} // namespace tidebrook

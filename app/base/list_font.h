@@ -1,0 +1,23 @@
+#pragma once
+
+#include "app/base/app_state.h"
+
+namespace tidebrook {
+
+class ScreenMenu;
+
+/// Makes the lists' font for `AppState::fontSize` and sets it on every list that is open.
+void applyListFont(AppState &state);
+
+/// Takes the size of an entry of the Font Size menus (CommandFontSmall to CommandFontBig), sets it
+/// on every list, and stores it. False for another command.
+bool chooseFontSize(AppState &state, int command);
+
+/// Reads the stored size, and calls `then` on the user-interface thread when it is set on every
+/// list. A size that no menu has counts as Small.
+void readFontSize(AppState &state, QObject *receiver, std::function<void()> then);
+
+/// Checks the present size in a menu.
+void checkFontSize(const AppState &state, ScreenMenu &menu);
+
+} // namespace tidebrook

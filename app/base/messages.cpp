@@ -1,0 +1,40 @@
+#include "app/base/messages.h"
+
+#include "res/strings.h"
+#include "ui/kit/message_box.h"
+#include "ui/kit/screen_stack.h"
+
+namespace tidebrook {
+
+namespace {
+
+void showErrorText(ScreenStack &stack, const QString &text) {
+    const QString shown = text.isEmpty() ? resourceString(unidentifiedProblemString) : text;
+    MessageBox::ask(stack, MessageBox::Kind::Error, resourceString(errorString), shown);
+}
+
+} // namespace
+
+void ShowMessage(AppState &state, int captionId, int textId) {
+    MessageBox::ask(state.stack, MessageBox::Kind::Warning, resourceString(captionId),
+                    resourceString(textId));
+}
+
+void ShowError(AppState &state, int textId) {
+    if (textId != 0) {
+        showErrorText(state.stack, resourceString(textId));
+        return;
+    }
+    SettingsStore &settings = state.device.settings;
+    ScreenStack &stack = state.stack;
+    state.settings.ask(
+        &stack, [&settings] { return settings.dword(programKey, u"ERRORNO"); },
+        [&stack](quint32 code) { showErrorText(stack, errorMessage(code)); });
+}
+
+bool askUser(AppState &state, int captionId, int textId) {
+    return MessageBox::ask(state.stack, MessageBox::Kind::Question, resourceString(captionId),
+                           resourceString(textId));
+}
+
+} // namespace tidebrook

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "app/base/app_state.h"
+
+namespace tidebrook {
+
+/// Shows a warning, both texts by their ids in the string table, until the user has read it.
+void ShowMessage(AppState &state, int captionId, int textId);
+
+/// Shows an error until the user has read it. A `textId` of 0 stands for the message of the code
+/// that the registry's "ERRORNO" holds, which stays there; the call then returns before the box is
+/// shown, because reading it may wait.
+void ShowError(AppState &state, int textId);
+
+/// Asks a question. True for Yes.
+bool askUser(AppState &state, int captionId, int textId);
+
+} // namespace tidebrook

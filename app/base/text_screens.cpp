@@ -1,0 +1,80 @@
+#include "app/base/text_screens.h"
+
+#include "res/about.h"
+#include "res/commands.h"
+#include "res/icons.h"
+#include "res/strings.h"
+#include "ui/kit/controls.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/dialog_procedure.h"
+#include "ui/kit/header_bar.h"
+#include "ui/kit/text_page.h"
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int menuBarId = 411;
+
+constexpr int aboutTemplate = 130;
+constexpr int aboutLabel = 1030;
+
+constexpr int helpTemplate = 152;
+constexpr int helpPageId = 1033;
+
+// Something to read, and a soft key to go back.
+class TextScreen : public DialogProcedure {
+public:
+    bool initialise(Dialog &dialog) override {
+        dialog_ = &dialog;
+        return dialog.makeMenuBar(menuBarId) && showText(dialog);
+    }
+    void command(int id) override {
+        if (id == CommandDone)
+            dialog_->end(1);
+    }
+    void close() override { dialog_->end(0); }
+    std::optional<int> backCommand() const override { return CommandDone; }
+
+private:
+    virtual bool showText(Dialog &dialog) = 0;
+
+    Dialog *dialog_ = nullptr;
+};
+
+class AboutScreen : public TextScreen {
+    bool showText(Dialog &dialog) override {
+        dialog.makeHeaderBar(resourceString(aboutString));
+        QWidget *label = dialog.form().control(aboutLabel);
+        if (label != nullptr)
+            setControlText(*label, aboutText());
+        return true;
+    }
+};
+
+class HelpScreen : public TextScreen {
+    bool showText(Dialog &dialog) override {
+        dialog.makeHeaderBar(resourceString(programNameString));
+        page_ = dialog.control<TextPage>(helpPageId);
+        if (page_ != nullptr)
+            page_->setHtml(QString::fromUtf8(helpPage()));
+        return page_ != nullptr;
+    }
+    void activated() override { page_->scrollToAnchor(QStringLiteral("FeedlarkHelp")); }
+
+    TextPage *page_ = nullptr;
+};
+
+} // namespace
+
+void showHelp(AppState &state) {
+    HelpScreen screen;
+    RunDialog(helpTemplate, state.stack, screen);
+}
+
+void showAbout(AppState &state) {
+    AboutScreen screen;
+    RunDialog(aboutTemplate, state.stack, screen);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "platform/device_root.h"
+#include "platform/single_instance.h"
+#include "platform/stop_signal.h"
+#include "ui/kit/screen_stack.h"
+
+#include <QObject>
+
+#include <optional>
+#include <thread>
+
+namespace tidebrook {
+
+/// The running reader: what is brought up before the first screen, and taken down behind the last
+/// one. There is one in a program.
+class Instance : public QObject {
+    Q_OBJECT
+
+public:
+    Instance(const DeviceRoot &device, SingleInstance &single);
+    ~Instance() override;
+
+    /// Brings everything up, shows the screens until the user leaves them, and takes everything
+    /// down. False when the window was closed before a screen was seen.
+    bool InitInstance();
+
+private:
+    void watchOthers();
+    void showWindow();
+    int openDevice();
+    void activateDownloader();
+    void runScreens(int messageId);
+    void closeDown();
+
+    const DeviceRoot root_;
+    SingleInstance &single_;
+    ScreenStack stack_;
+    StopSignal stop_;                   // the system asks the program to end
+    std::optional<DeviceParts> device_; // ends after all who use it
+    std::optional<AppState> state_;
+    std::thread activation_;
+};
+
+} // namespace tidebrook

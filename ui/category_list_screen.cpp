@@ -1,0 +1,309 @@
+#include "ui/category_list_screen.h"
+
+#include "app/base/data_jobs.h"
+#include "app/base/list_font.h"
+#include "app/base/messages.h"
+#include "app/base/text_screens.h"
+#include "platform/text.h"
+#include "res/commands.h"
+#include "res/strings.h"
+#include "store/escape_sql.h"
+#include "ui/channel_list_screen.h"
+#include "ui/column_width.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/header_bar.h"
+#include "ui/kit/input_panel.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/menu_bar.h"
+#include "ui/kit/screen_menu.h"
+#include "ui/kit/screen_stack.h"
+#include "update/dialogs/settings_sheet.h"
+
+#include <QKeyEvent>
+
+#include <algorithm>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int templateId = 132;
+constexpr int listId = 801;
+constexpr int menuBarId = 402;
+constexpr int labelLimit = 39;
+
+// Only the blanks at both ends go; what the database would drop from a name goes as well, so that
+// the category's channels are found under it.
+QString categoryName(const QString &typed) {
+    const QString text = withoutDropped(typed);
+    const auto *first = std::find_if(text.begin(), text.end(), [](QChar c) { return c != u' '; });
+    return TrimTrailingBlanks(QStringView(first, text.end())).toString();
+}
+
+QString newName(const ListView &list) {
+    const QString base = resourceString(newCategoryNameString);
+    QString name = base;
+    for (int counter = 0; list.findRow(name) >= 0; ++counter)
+        name = base + QStringLiteral(" (%1)").arg(counter);
+    return name;
+}
+
+} // namespace
+
+bool CategoryListScreen::initialise(Dialog &dialog) {
+    dialog_ = &dialog;
+    list_ = dialog.control<ListView>(listId);
+    if (list_ == nullptr || !dialog.makeMenuBar(menuBarId))
+        return false;
+    state_.lists[CategoryScreen] = list_;
+    list_->setImages({"category"});
+    list_->setLabelLimit(labelLimit);
+    QObject::connect(list_, &ListView::keyPressed, &dialog,
+                     [this](int key, bool &isTaken) { takeKey(key, isTaken); });
+    QObject::connect(list_, &ListView::tapped, &dialog, [this](int row) { takeTap(row); });
+    QObject::connect(list_, &ListView::labelEdited, &dialog,
+                     [this](int row, const QString &text) { endLabelEdit(row, text); });
+    QObject::connect(list_, &ListView::labelEditEnded, &dialog, [this] {
+        if (std::exchange(isRefreshOwed_, false))
+            dialog_->post(CommandRefreshCategories);
+    });
+    QObject::connect(&state_.stack.inputPanel(), &InputPanel::changed, &dialog,
+                     [this] { dialog_->relayout(); });
+
+    // What updates and exports is not there yet.
+    dialog.menuBar()->enable(CommandUpdateCategory, false);
+    dialog.menuBar()->enable(CommandExportCategory, false);
+
+    readFontSize(state_, &dialog, [] {});
+    dialog.makeHeaderBar(resourceString(allCategoriesString));
+    dialog.post(CommandRefreshCategories);
+    return true;
+}
+
+void CategoryListScreen::command(int id) {
+    list_->finishEditing();
+    switch (id) {
+    case CommandNewCategory:
+        return newCategory();
+    case CommandDeleteCategory:
+        return deleteCategory();
+    case CommandRenameCategory:
+        return renameCategory();
+    case CommandSettings:
+        return showSettings(state_);
+    case CommandAbout:
+        return showAbout(state_);
+    case CommandExit:
+        return close();
+    case CommandOpenChannels:
+        return openChannels();
+    case CommandRefreshCategories:
+        return refresh();
+    default:
+        if (chooseFontSize(state_, id))
+            refresh();
+    }
+}
+
+void CategoryListScreen::refresh() {
+    list_->setFocus();
+    state_.changes.ask(
+        dialog_, [&store = state_.device.categoryStore] { return store.listedCategories(); },
+        [this](const std::optional<QStringList> &names) {
+            if (names)
+                showCategories(*names);
+            else
+                ShowError(state_, fileProblemString);
+        });
+}
+
+void CategoryListScreen::showCategories(const QStringList &names) {
+    if (list_->isEditingLabel()) {
+        isRefreshOwed_ = true; // and what is being typed stays
+        return;
+    }
+    state_.categories = names;
+    QList<ListRow> rows;
+    rows.reserve(names.size());
+    for (const QString &name : names)
+        rows.append({name});
+    list_->setRows(std::move(rows));
+    list_->selectRow(0);
+    setColumnWidth();
+}
+
+void CategoryListScreen::setColumnWidth() {
+    list_->setColumnWidth(listColumnWidth(state_.stack.size(), list_->rowCount(), *list_));
+}
+
+bool CategoryListScreen::warnWithoutSelection() {
+    if (SelectedRow(list_) >= 0)
+        return false;
+    ShowMessage(state_, warningString, noCategorySelectedString);
+    return true;
+}
+
+void CategoryListScreen::newCategory() {
+    const QString name = newName(*list_);
+    list_->insertRow(0, {name});
+    setColumnWidth();
+    state_.changes.ask(
+        dialog_, [&store = state_.device.categoryStore, name] { return store.AddCategory(name); },
+        [this](bool isAdded) {
+            if (!isAdded)
+                tellFailure();
+        });
+    list_->editLabel(0);
+}
+
+void CategoryListScreen::renameCategory() {
+    if (!warnWithoutSelection())
+        list_->editLabel(SelectedRow(list_));
+}
+
+void CategoryListScreen::endLabelEdit(int row, const QString &text) {
+    if (text.isEmpty())
+        return;
+    const QString name = categoryName(text);
+    const int owner = list_->findRow(name);
+    if (owner == row)
+        return;
+    if (owner >= 0) {
+        ShowMessage(state_, warningString, nameExistsString);
+        return;
+    }
+    const QString old = list_->rowText(row);
+    list_->setRowText(row, name);
+    startRenameCategory(state_, dialog_, name, old, [this](bool isDone) {
+        if (isDone)
+            dialog_->post(CommandRefreshCategories);
+        else
+            tellFailure();
+    });
+}
+
+void CategoryListScreen::deleteCategory() {
+    const int row = SelectedRow(list_);
+    if (row < 0)
+        return;
+    const QString name = list_->rowText(row);
+    if (!askUser(state_, confirmDeletionString, deleteCategoryString))
+        return;
+    state_.changes.ask(
+        dialog_,
+        [&store = state_.device.categoryStore, name] { return store.DeleteCategory(name); },
+        [this, name](bool isDeleted) {
+            if (isDeleted)
+                dropRow(name);
+            else
+                tellFailure();
+        });
+}
+
+void CategoryListScreen::dropRow(const QString &name) {
+    if (const int row = list_->findRow(name); row >= 0) {
+        list_->removeRow(row);
+        list_->selectRow(row);
+        setColumnWidth();
+    }
+    startDeleteCategory(state_, dialog_, name, [this](bool isDone) {
+        if (!isDone)
+            tellFailure();
+    });
+}
+
+// What the list shows is then what is stored, and no edit is lost behind the box.
+void CategoryListScreen::tellFailure() {
+    list_->cancelEditing();
+    dialog_->post(CommandRefreshCategories);
+    ShowError(state_, fileProblemString);
+}
+
+void CategoryListScreen::takeKey(int key, bool &isTaken) {
+    if (key != Qt::Key_Return && key != Qt::Key_Enter)
+        return;
+    isTaken = true;
+    if (!warnWithoutSelection())
+        openCategory(SelectedRow(list_));
+}
+
+void CategoryListScreen::takeTap(int row) {
+    state_.currentCategory = row;
+    if (row < 0)
+        list_->selectRow(0);
+    else
+        openCategory(row);
+}
+
+void CategoryListScreen::openCategory(int row) {
+    state_.currentCategory = row;
+    openChannels();
+}
+
+void CategoryListScreen::openChannels() {
+    ChannelListScreen screen(state_);
+    if (RunDialog(ChannelListScreen::templateId, state_.stack, screen) == 1)
+        dialog_->post(CommandRefreshCategories);
+}
+
+void CategoryListScreen::activated() {
+    takeTodayTap();
+    state_.stack.inputPanel().putDown();
+}
+
+void CategoryListScreen::takeTodayTap() {
+    state_.settings.ask(
+        dialog_,
+        [&device = state_.device] {
+            return tidebrook::takeTodayTap(device.root, device.registry, device.todayItemKey);
+        },
+        [this](const std::optional<TodayTap> &tap) {
+            if (!tap)
+                return;
+            state_.todayTap = *tap;
+            if (state_.stack.top() == dialog_)
+                dialog_->post(CommandOpenChannels);
+        });
+}
+
+void CategoryListScreen::sized() {
+    const DialogUnits units = state_.stack.units();
+    const int covered = state_.stack.inputPanel().coveredHeight();
+    if (covered > units.height(menuBarUnits)) {
+        QRect place = list_->geometry();
+        place.setBottom(std::max(place.top(), units.screen().height() - covered - 1));
+        list_->setGeometry(place);
+        list_->scrollTo(list_->currentIndex());
+    }
+    setColumnWidth();
+}
+
+void CategoryListScreen::close() {
+    list_->finishEditing();
+    state_.lists = {};
+    dialog_->end(0);
+}
+
+void CategoryListScreen::helpRequested() { showHelp(state_); }
+
+std::optional<int> CategoryListScreen::commandOfKey(const QKeyEvent &event) const {
+    switch (event.key()) {
+    case Qt::Key_F2:
+        return CommandRenameCategory;
+    case Qt::Key_F5:
+        return CommandUpdateCategory;
+    case Qt::Key_Delete:
+        return CommandDeleteCategory;
+    default:
+        return std::nullopt;
+    }
+}
+
+void CategoryListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
+
+int OpenCategoryList(AppState &state) {
+    CategoryListScreen screen(state);
+    return RunDialog(templateId, state.stack, screen);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "ui/kit/dialog_procedure.h"
+
+#include <QStringList>
+
+namespace tidebrook {
+
+class ListView;
+
+/// The first screen: the categories, from which every other screen is reached. The program ends
+/// when it does.
+class CategoryListScreen : public DialogProcedure {
+public:
+    explicit CategoryListScreen(AppState &state) : state_(state) {}
+
+    bool initialise(Dialog &dialog) override;
+    void command(int id) override;
+    void activated() override;
+    void sized() override;
+    void close() override;
+    void helpRequested() override;
+    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
+    void prepareMenu(ScreenMenu &menu) override;
+
+private:
+    void refresh();
+    void showCategories(const QStringList &names);
+    void setColumnWidth();
+    bool warnWithoutSelection();
+
+    void newCategory();
+    void renameCategory();
+    void endLabelEdit(int row, const QString &text);
+    void deleteCategory();
+    void dropRow(const QString &name);
+    void takeKey(int key, bool &isTaken);
+    void takeTap(int row);
+    void openCategory(int row);
+    void openChannels();
+    void tellFailure();
+    void takeTodayTap();
+
+    AppState &state_;
+    Dialog *dialog_ = nullptr;
+    ListView *list_ = nullptr;
+    bool isRefreshOwed_ = false; // rows came while a label was being edited
+};
+
+/// Shows the category list, and with it every other screen, until the user leaves it.
+int OpenCategoryList(AppState &state);
+
+} // namespace tidebrook

@@ -1,0 +1,131 @@
+#include "ui/kit/dialog.h"
+
+#include "res/menus.h"
+#include "ui/kit/dialog_procedure.h"
+#include "ui/kit/header_bar.h"
+#include "ui/kit/menu_bar.h"
+#include "ui/kit/screen_stack.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int headerUnits = 23; // below the title strip
+
+class DialogForm : public Form {
+public:
+    using Form::Form;
+    QPoint unitOrigin() const override { return {0, titleStripUnits}; }
+};
+
+} // namespace
+
+Dialog::Dialog(int templateId, ScreenStack &stack, DialogProcedure &procedure)
+    : Layer(stack), templateId_(templateId), procedure_(procedure),
+      form_(new DialogForm(templateForShape(templateId, stack.size()), this)) {
+    setFont(form_->font());
+}
+
+void Dialog::post(int command) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, command] {
+            if (!hasEnded())
+                procedure_.command(command);
+        },
+        Qt::QueuedConnection);
+}
+
+bool Dialog::makeMenuBar(int resourceId) {
+    const MenuBarResource *resource = menuBarResource(resourceId);
+    if (resource == nullptr)
+        return false;
+    menuBar_ = new MenuBar(*resource, this);
+    connect(menuBar_, &MenuBar::chosen, this, &Dialog::post);
+    connect(menuBar_, &MenuBar::menuAboutToOpen, this,
+            [this](ScreenMenu &menu) { procedure_.prepareMenu(menu); });
+    return true;
+}
+
+HeaderBar &Dialog::makeHeaderBar(const QString &caption) {
+    headerBar_ = new HeaderBar(this);
+    headerBar_->setCaption(caption);
+    connect(headerBar_, &HeaderBar::chosen, this, &Dialog::post);
+    return *headerBar_;
+}
+
+void Dialog::relayout() {
+    const DialogUnits units = stack().units();
+    const int barHeight = units.height(menuBarUnits);
+    form_->setGeometry(rect());
+    form_->lower();
+    if (headerBar_ != nullptr) {
+        headerBar_->setGeometry(0, 0, width(), units.height(titleStripUnits + headerUnits));
+        headerBar_->setUnits(units);
+    }
+    if (menuBar_ != nullptr)
+        menuBar_->setGeometry(0, height() - barHeight, width(), barHeight);
+    RelayoutFromTemplate(*form_, templateForShape(templateId_, units.screen()), units);
+    procedure_.sized();
+}
+
+void Dialog::activated() { procedure_.activated(); }
+
+void Dialog::closeRequested() { procedure_.close(); }
+
+QWidget *Dialog::firstFocus() {
+    QWidget *next = form_->nextInFocusChain();
+    for (; next != form_ && form_->isAncestorOf(next); next = next->nextInFocusChain()) {
+        const bool takesFocus = (next->focusPolicy() & Qt::TabFocus) != 0;
+        if (takesFocus && next->isEnabled() && next->isVisibleTo(form_))
+            return next;
+    }
+    return this;
+}
+
+void Dialog::resizeEvent(QResizeEvent *) { relayout(); }
+
+void Dialog::goBack() {
+    if (const auto command = procedure_.backCommand())
+        post(*command);
+}
+
+void Dialog::keyPressEvent(QKeyEvent *event) {
+    const int key = event->key();
+    const bool isAltLeft = key == Qt::Key_Left && event->modifiers() == Qt::AltModifier;
+    if (key == Qt::Key_F1 || key == Qt::Key_Help) {
+        procedure_.helpRequested();
+    } else if ((key == Qt::Key_F10 || key == Qt::Key_Menu) && menuBar_ != nullptr) {
+        menuBar_->openMenu();
+    } else if (key == Qt::Key_Escape || key == Qt::Key_Back || isAltLeft) {
+        goBack();
+    } else if (const auto command = procedure_.commandOfKey(*event)) {
+        if (menuBar_ == nullptr || menuBar_->isEnabled(*command))
+            post(*command);
+    } else {
+        event->ignore();
+    }
+}
+
+void Dialog::mousePressEvent(QMouseEvent *event) {
+    if (event->button() == Qt::BackButton)
+        goBack();
+}
+
+void Dialog::paintEvent(QPaintEvent *) {
+    QPainter(this).fillRect(rect(), palette().brush(QPalette::Window));
+}
+
+int RunDialog(int templateId, ScreenStack &stack, DialogProcedure &procedure) {
+    if (dialogTemplate(templateId) == nullptr || stack.isClosing())
+        return stack.isClosing() ? 0 : -1;
+    Dialog dialog(templateId, stack, procedure);
+    if (!procedure.initialise(dialog))
+        return -1;
+    return stack.run(dialog);
+}
+
+} // namespace tidebrook

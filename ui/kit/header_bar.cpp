@@ -1,0 +1,137 @@
+#include "ui/kit/header_bar.h"
+
+#include "res/commands.h"
+#include "res/strings.h"
+#include "ui/kit/icon.h"
+#include "ui/kit/list_view.h"
+
+#include <QPainter>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int iconUnits = 24;
+constexpr int marginUnits = 6;
+constexpr int keyUnits = 41;
+constexpr int choicesUnits = 205; // of the screen's height, at most
+
+} // namespace
+
+HeaderBar::HeaderBar(QWidget *dialog) : QWidget(dialog), units_(dialog->size()) {
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Window);
+}
+
+void HeaderBar::setCaption(const QString &caption) {
+    caption_ = caption;
+    setAccessibleName(caption);
+    if (captionKey_ != nullptr)
+        captionKey_->setAccessibleName(caption);
+    update();
+}
+
+void HeaderBar::setSteppable() {
+    captionKey_ = makeKey(nullptr, caption_, CommandShowChoices);
+    previous_ = makeKey("previous", resourceString(previousString), CommandPrevious);
+    next_ = makeKey("next", resourceString(nextString), CommandNext);
+    choices_ = new ListView(parentWidget());
+    choices_->hide();
+    choices_->setFrameShape(QFrame::Box);
+    connect(choices_, &ListView::tapped, this, &HeaderBar::choiceTaken);
+    connect(choices_, &ListView::keyPressed, this, [this](int key, bool &isTaken) {
+        isTaken = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+        if (key == Qt::Key_Escape)
+            Q_EMIT chosen(CommandHideChoices);
+        else if (isTaken)
+            Q_EMIT choiceTaken(SelectedRow(choices_));
+    });
+    arrange();
+}
+
+QToolButton *HeaderBar::makeKey(const char *iconName, const QString &name, int command) {
+    auto *key = new QToolButton(this);
+    key->setAutoRaise(true);
+    key->setFocusPolicy(Qt::NoFocus);
+    key->setAccessibleName(name);
+    if (iconName != nullptr)
+        key->setIcon(icon(iconName, QSize(iconUnits, iconUnits), palette()));
+    connect(key, &QToolButton::clicked, this, [this, command] { Q_EMIT chosen(command); });
+    key->show();
+    return key;
+}
+
+void HeaderBar::setChoices(const QStringList &names, int current) {
+    QList<ListRow> rows;
+    rows.reserve(names.size());
+    for (const QString &name : names)
+        rows.append({name});
+    choices_->setRows(rows);
+    choices_->selectRow(current);
+}
+
+void HeaderBar::showChoices() {
+    choices_->show();
+    choices_->raise();
+    choices_->setFocus();
+}
+
+void HeaderBar::hideChoices() { choices_->hide(); }
+
+bool HeaderBar::areChoicesVisible() const { return choices_ != nullptr && choices_->isVisible(); }
+
+void HeaderBar::setUnits(const DialogUnits &units) {
+    units_ = units;
+    arrange();
+}
+
+void HeaderBar::arrange() {
+    if (choices_ == nullptr)
+        return;
+    const int keyWidth = units_.width(keyUnits);
+    next_->setGeometry(width() - keyWidth, 0, keyWidth, height());
+    previous_->setGeometry(width() - 2 * keyWidth, 0, keyWidth, height());
+    captionKey_->setGeometry(0, 0, width() - 2 * keyWidth, height());
+    captionKey_->lower();
+    const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
+    const int side = std::min(iconSize.width(), iconSize.height());
+    for (QToolButton *key : {previous_, next_})
+        key->setIconSize(QSize(side, side));
+    choices_->setUnits(units_);
+    choices_->setColumnWidth(width());
+    choices_->setGeometry(0, height(), width(), units_.height(choicesUnits));
+}
+
+QRect HeaderBar::captionPlace() const {
+    const int margin = units_.width(marginUnits);
+    const int start = units_.width(iconUnits) + 2 * margin;
+    const int end =
+        captionKey_ != nullptr ? captionKey_->width() - units_.width(iconUnits) : width() - margin;
+    return {start, 0, std::max(0, end - start), height()};
+}
+
+void HeaderBar::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
+    const int middle = (height() - iconSize.height()) / 2;
+    painter.drawPixmap(units_.width(marginUnits), middle, icon("header", iconSize, palette()));
+
+    QFont bold = font();
+    bold.setBold(true);
+    painter.setFont(bold);
+    painter.setPen(palette().color(QPalette::WindowText));
+    const QRect place = captionPlace();
+    const QString shown = QFontMetrics(bold).elidedText(caption_, Qt::ElideRight, place.width());
+    painter.drawText(place, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+    if (captionKey_ != nullptr)
+        painter.drawPixmap(place.right(), middle, icon("choices", iconSize, palette()));
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(0, height() - 1, width(), height() - 1);
+}
+
+void HeaderBar::resizeEvent(QResizeEvent *) { arrange(); }
+
+} // namespace tidebrook

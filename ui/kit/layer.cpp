@@ -1,0 +1,20 @@
+#include "ui/kit/layer.h"
+
+#include "ui/kit/screen_stack.h"
+
+namespace tidebrook {
+
+// As a subwindow it keeps the Tab key among its own controls.
+Layer::Layer(ScreenStack &stack) : QWidget(&stack, Qt::SubWindow), stack_(stack) {
+    setVisible(false);
+}
+
+void Layer::end(int result) {
+    if (hasEnded_)
+        return;
+    hasEnded_ = true;
+    result_ = result;
+    loop_.quit();
+}
+
+} // namespace tidebrook

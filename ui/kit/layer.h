@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QEventLoop>
+#include <QPointer>
+#include <QWidget>
+
+namespace tidebrook {
+
+class ScreenStack;
+
+/// What lies on the screen stack: a dialog or a message box. It fills the window.
+class Layer : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Layer(ScreenStack &stack);
+
+    ScreenStack &stack() const { return stack_; }
+
+    /// Ends the layer; the stack's `run` gives back this result. The first result stands.
+    void end(int result);
+    bool hasEnded() const { return hasEnded_; }
+    int result() const { return result_; }
+
+    /// It came to the top of the stack, or the window became the active one while it was there.
+    virtual void activated() {}
+    /// The window is being closed: the layer is to end, now or when what it must finish is done.
+    virtual void closeRequested() = 0;
+    /// Whether nothing below it is seen.
+    virtual bool isOpaque() const = 0;
+    /// The widget that has the focus when nothing of the layer had it before.
+    virtual QWidget *firstFocus() = 0;
+
+private:
+    friend class ScreenStack;
+
+    ScreenStack &stack_;
+    QEventLoop loop_;
+    QPointer<QWidget> focusBefore_; // while something lies above this
+    bool hasEnded_ = false;
+    int result_ = 0;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,167 @@
+#include "ui/kit/list_view.h"
+
+#include "ui/kit/row_delegate.h"
+#include "ui/kit/touch_scrolling.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QStyleHints>
+
+#include <algorithm>
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int rowUnits = 40;
+constexpr QSize imageUnits(35, 34);
+
+} // namespace
+
+ListView::ListView(QWidget *parent) : QListView(parent) {
+    setModel(&rows_);
+    setItemDelegate(new RowDelegate(*this));
+    setUniformItemSizes(true);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scrollByTouch(*this);
+}
+
+void ListView::setUnits(const DialogUnits &units) {
+    imageSize_ = QSize(units.width(imageUnits.width()), units.height(imageUnits.height()));
+    unitRowHeight_ = units.height(rowUnits);
+    verticalScrollBar()->setSingleStep(rowHeight());
+    scheduleDelayedItemsLayout();
+}
+
+void ListView::setColumnWidth(int pixels) {
+    columnWidth_ = pixels;
+    scheduleDelayedItemsLayout();
+}
+
+int ListView::rowHeight() const { return std::max(unitRowHeight_, fontMetrics().height() + 2); }
+
+int ListView::findRow(const QString &text) const {
+    const QList<ListRow> &rows = rows_.rows();
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [&text](const ListRow &row) { return row.text == text; });
+    return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
+}
+
+void ListView::removeRow(int row) {
+    // Otherwise the view would choose a neighbour by itself.
+    selectionModel()->clear();
+    rows_.remove(row);
+}
+
+void ListView::setRowText(int row, const QString &text) {
+    ListRow content = this->row(row);
+    content.text = text;
+    rows_.change(row, content);
+}
+
+void ListView::setRowDetail(int row, const QString &detail) {
+    ListRow content = this->row(row);
+    content.detail = detail;
+    rows_.change(row, content);
+}
+
+void ListView::selectRow(int row) {
+    if (row >= 0 && row < rowCount())
+        setCurrentIndex(rows_.index(row));
+    else
+        selectionModel()->clear();
+}
+
+void ListView::editLabel(int row) {
+    finishEditing();
+    selectRow(row);
+    edit(rows_.index(row));
+}
+
+void ListView::takeEditor(QLineEdit *editor, int row) {
+    editor_ = editor;
+    selectRow(row);
+    Q_EMIT labelEditBegun();
+}
+
+// The editor is still open here, and would take a dialog's getting the focus for its own end.
+void ListView::takeLabel(const QModelIndex &index, const QString &text) {
+    edited_ = index;
+    editedText_ = text;
+    QMetaObject::invokeMethod(this, &ListView::tellEdited, Qt::QueuedConnection);
+}
+
+void ListView::tellEdited() {
+    const int row = std::exchange(edited_, QPersistentModelIndex()).row();
+    if (row >= 0)
+        Q_EMIT labelEdited(row, editedText_);
+}
+
+void ListView::finishEditing() {
+    if (editor_ != nullptr) {
+        commitData(editor_);
+        closeEditor(editor_, QAbstractItemDelegate::NoHint);
+    }
+    tellEdited();
+}
+
+void ListView::cancelEditing() {
+    if (editor_ != nullptr)
+        closeEditor(editor_, QAbstractItemDelegate::RevertModelCache);
+}
+
+void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) {
+    const bool isLabelEditor = editor == editor_;
+    if (isLabelEditor)
+        editor_ = nullptr;
+    QListView::closeEditor(editor, hint);
+    if (isLabelEditor)
+        Q_EMIT labelEditEnded();
+}
+
+void ListView::keyPressEvent(QKeyEvent *event) {
+    bool isTaken = false;
+    Q_EMIT keyPressed(event->key(), isTaken);
+    if (isTaken)
+        event->accept();
+    else if (event->modifiers() & (Qt::AltModifier | Qt::ControlModifier))
+        event->ignore();
+    else
+        QListView::keyPressEvent(event);
+}
+
+void ListView::mousePressEvent(QMouseEvent *event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    // A tap beside an open editor ends the editing, and opens nothing.
+    isTapPossible_ = event->button() == Qt::LeftButton && !isEditingLabel();
+    pressedRow_ = index.row();
+    pressedAt_ = event->position().toPoint();
+    QListView::mousePressEvent(event);
+    if (!index.isValid())
+        selectRow(-1);
+}
+
+void ListView::mouseReleaseEvent(QMouseEvent *event) {
+    QListView::mouseReleaseEvent(event);
+    const QPoint place = event->position().toPoint();
+    const int way = (place - pressedAt_).manhattanLength();
+    const bool isTap = std::exchange(isTapPossible_, false) && event->button() == Qt::LeftButton &&
+                       way < QGuiApplication::styleHints()->startDragDistance() &&
+                       indexAt(place).row() == pressedRow_ && !isScrollingByTouch(*this);
+    if (isTap)
+        Q_EMIT tapped(SelectedRow(this));
+}
+
+int SelectedRow(const ListView *list) {
+    if (list == nullptr || !list->selectionModel()->hasSelection())
+        return -1;
+    return list->currentIndex().row();
+}
+
+} // namespace tidebrook

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "res/menus.h"
+
+#include <QSet>
+#include <QWidget>
+
+#include <functional>
+
+class QPushButton;
+
+namespace tidebrook {
+
+class ScreenMenu;
+
+/// The two soft keys at the bottom of a screen. A key sends its command or opens its menu, upward.
+class MenuBar : public QWidget {
+    Q_OBJECT
+
+public:
+    MenuBar(const MenuBarResource &resource, QWidget *parent);
+
+    /// Entries and keys of disabled commands are there, but cannot be chosen.
+    void enable(int command, bool isEnabled);
+    bool isEnabled(int command) const { return !disabled_.contains(command); }
+
+    /// Opens the menu of whichever key has one.
+    void openMenu();
+    /// The menu; nullptr while it has not been opened yet.
+    ScreenMenu *menu() const { return menu_; }
+
+Q_SIGNALS:
+    void chosen(int command);
+    /// The menu is about to open: the moment to set its check marks.
+    void menuAboutToOpen(ScreenMenu &menu);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QPushButton *makeKey(const SoftKey &key);
+    void openMenuOf(const SoftKey &key);
+
+    const MenuBarResource &resource_;
+    QPushButton *left_;
+    QPushButton *right_;
+    ScreenMenu *menu_ = nullptr;
+    QSet<int> disabled_;
+};
+
+} // namespace tidebrook

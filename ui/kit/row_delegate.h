@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+namespace tidebrook {
+
+class ListView;
+
+/// Paints the rows of a list view, and edits their labels in place.
+class RowDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    explicit RowDelegate(ListView &list);
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void setModelData(QWidget *editor, QAbstractItemModel *model,
+                      const QModelIndex &index) const override;
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override;
+
+private:
+    QRect labelRect(const QRect &row) const;
+
+    ListView &list_;
+};
+
+} // namespace tidebrook

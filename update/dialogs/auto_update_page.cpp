@@ -1,0 +1,105 @@
+#include "update/dialogs/auto_update_page.h"
+
+#include "res/strings.h"
+#include "ui/kit/form.h"
+#include "update/dialogs/page_values.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLocale>
+#include <QTime>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int neverId = 1004; // the first of the modes
+constexpr int modeCount = 3;
+constexpr int timeId = 1007;
+constexpr int intervalId = 1008;
+constexpr int needsCradleId = 1009;
+constexpr int noRoamingId = 1010;
+
+enum Mode { Never, Interval, Time };
+
+QStringList hours() {
+    constexpr int hoursOfDay = 24;
+    QStringList names;
+    names.reserve(hoursOfDay);
+    for (int hour = 0; hour < hoursOfDay; ++hour)
+        names.append(QLocale::system().toString(QTime(hour, 0), QLocale::ShortFormat));
+    return names;
+}
+
+} // namespace
+
+void AutoUpdatePage::initialise(Form &form) {
+    form_ = &form;
+    for (int mode = 0; mode < modeCount; ++mode) {
+        modes_.append(form.control<QAbstractButton>(neverId + mode));
+        QObject::connect(modes_.last(), &QAbstractButton::clicked, &form,
+                         [this, mode](bool checked) {
+                             if (!checked)
+                                 return;
+                             takeMode(mode);
+                             if (mode == Interval)
+                                 interval_->setFocus();
+                             else if (mode == Time)
+                                 time_->setFocus();
+                         });
+    }
+    interval_ = form.control<QComboBox>(intervalId);
+    time_ = form.control<QComboBox>(timeId);
+    needsCradle_ = form.control<QAbstractButton>(needsCradleId);
+    noRoaming_ = form.control<QAbstractButton>(noRoamingId);
+    loadPage(
+        state_, form,
+        [&settings = state_.device.settings] { return readAutoUpdateSettings(settings); },
+        [this](const AutoUpdateSettings &settings) { show(settings); });
+}
+
+void AutoUpdatePage::show(const AutoUpdateSettings &settings) {
+    if (settings.mode) {
+        if (QAbstractButton *chosen = modes_.value(*settings.mode))
+            chosen->setChecked(true);
+        takeMode(*settings.mode);
+    }
+    if (settings.interval) {
+        interval_->addItems(resourceStrings(firstIntervalString, intervalCount));
+        interval_->setCurrentIndex(*settings.interval - 1);
+    }
+    if (settings.time) {
+        time_->addItems(hours());
+        time_->setCurrentIndex(*settings.time);
+    }
+    if (settings.needsCradle)
+        needsCradle_->setChecked(*settings.needsCradle);
+    if (settings.noRoaming)
+        noRoaming_->setChecked(*settings.noRoaming);
+}
+
+void AutoUpdatePage::takeMode(int mode) {
+    interval_->setEnabled(mode == Interval);
+    time_->setEnabled(mode != Never && mode != Interval);
+    needsCradle_->setEnabled(mode != Never);
+    noRoaming_->setEnabled(mode != Never);
+}
+
+int AutoUpdatePage::checkedMode() const {
+    if (modes_[Never]->isChecked())
+        return Never;
+    return modes_[Interval]->isChecked() ? Interval : Time;
+}
+
+void AutoUpdatePage::save() {
+    const AutoUpdateSettings settings{.mode = checkedMode(),
+                                      .interval = interval_->currentIndex() + 1,
+                                      .time = time_->currentIndex(),
+                                      .needsCradle = needsCradle_->isChecked(),
+                                      .noRoaming = noRoaming_->isChecked()};
+    savePage(state_, *form_, [&store = state_.device.settings, settings] {
+        return saveAutoUpdateSettings(store, settings);
+    });
+}
+
+} // namespace tidebrook

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "ui/kit/property_sheet.h"
+#include "update/update_settings.h"
+
+#include <QList>
+
+class QAbstractButton;
+class QComboBox;
+
+namespace tidebrook {
+
+/// When channels are updated by themselves.
+class AutoUpdatePage : public PropertyPage {
+public:
+    explicit AutoUpdatePage(AppState &state) : state_(state) {}
+
+    int templateId() const override { return 140; }
+    void initialise(Form &form) override;
+    void save() override;
+
+private:
+    void show(const AutoUpdateSettings &settings);
+    void takeMode(int mode);
+    int checkedMode() const;
+
+    AppState &state_;
+    Form *form_ = nullptr;
+    QList<QAbstractButton *> modes_;
+    QComboBox *interval_ = nullptr;
+    QComboBox *time_ = nullptr;
+    QAbstractButton *needsCradle_ = nullptr;
+    QAbstractButton *noRoaming_ = nullptr;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "app/base/messages.h"
+#include "res/strings.h"
+#include "ui/kit/form.h"
+#include "ui/kit/screen_stack.h"
+
+#include <QStringList>
+
+namespace tidebrook {
+
+/// Reads what a page shows. Until it is there the page can be neither changed nor saved.
+template <class Read, class Show> void loadPage(AppState &state, Form &form, Read read, Show show) {
+    form.setEnabled(false);
+    state.settings.ask(&form, std::move(read), [&form, show = std::move(show)](const auto &values) {
+        form.setEnabled(true);
+        show(values);
+    });
+}
+
+/// Stores what a page shows; tells the user when that fails.
+template <class Save> void savePage(AppState &state, Form &form, Save save) {
+    if (!form.isEnabled())
+        return;
+    state.settings.ask(&state.stack, std::move(save), [&state](bool isSaved) {
+        if (!isSaved)
+            ShowError(state, fileProblemString);
+    });
+}
+
+} // namespace tidebrook

@@ -1,0 +1,19 @@
+#include "update/dialogs/settings_sheet.h"
+
+#include "app/base/text_screens.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/property_sheet.h"
+#include "update/dialogs/auto_update_page.h"
+#include "update/dialogs/today_page.h"
+
+namespace tidebrook {
+
+void showSettings(AppState &state) {
+    std::vector<std::unique_ptr<PropertyPage>> pages;
+    pages.push_back(std::make_unique<TodayPage>(state));
+    pages.push_back(std::make_unique<AutoUpdatePage>(state));
+    PropertySheet sheet(std::move(pages), [&state] { showHelp(state); });
+    RunDialog(PropertySheet::templateId, state.stack, sheet);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "app/base/app_state.h"
+
+namespace tidebrook {
+
+/// Shows the settings, on the pages "Today Setting" and "Auto Update", until the user is done with
+/// them or leaves them as they were.
+void showSettings(AppState &state);
+
+} // namespace tidebrook

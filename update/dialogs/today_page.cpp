@@ -1,0 +1,49 @@
+#include "update/dialogs/today_page.h"
+
+#include "res/strings.h"
+#include "ui/kit/form.h"
+#include "update/dialogs/page_values.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int enabledId = 1001;
+constexpr int timerId = 1003;
+
+} // namespace
+
+void TodayPage::initialise(Form &form) {
+    form_ = &form;
+    enabled_ = form.control<QAbstractButton>(enabledId);
+    timer_ = form.control<QComboBox>(timerId);
+    QObject::connect(enabled_, &QAbstractButton::toggled, timer_, &QWidget::setEnabled);
+    loadPage(
+        state_, form,
+        [&device = state_.device] {
+            return readTodaySettings(device.settings, device.todayItemKey);
+        },
+        [this](const TodaySettings &settings) { show(settings); });
+}
+
+void TodayPage::show(const TodaySettings &settings) {
+    enabled_->setChecked(settings.isEnabled);
+    timer_->setEnabled(settings.isEnabled);
+    if (!settings.timer)
+        return;
+    timer_->addItems(resourceStrings(firstSpeedString, speedCount));
+    timer_->setCurrentIndex(*settings.timer);
+}
+
+void TodayPage::save() {
+    const TodaySettings settings{.isEnabled = enabled_->isChecked(),
+                                 .timer = timer_->currentIndex()};
+    savePage(state_, *form_, [&device = state_.device, settings] {
+        return saveTodaySettings(device.root, device.settings, device.todayItemKey, settings);
+    });
+}
+
+} // namespace tidebrook

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "ui/kit/property_sheet.h"
+#include "update/update_settings.h"
+
+class QAbstractButton;
+class QComboBox;
+
+namespace tidebrook {
+
+/// Whether the Today item is shown, and how fast its headlines change.
+class TodayPage : public PropertyPage {
+public:
+    explicit TodayPage(AppState &state) : state_(state) {}
+
+    int templateId() const override { return 138; }
+    void initialise(Form &form) override;
+    void save() override;
+
+private:
+    void show(const TodaySettings &settings);
+
+    AppState &state_;
+    Form *form_ = nullptr;
+    QAbstractButton *enabled_ = nullptr;
+    QComboBox *timer_ = nullptr;
+};
+
+} // namespace tidebrook
