@@ -90,14 +90,14 @@ constexpr std::array autoUpdate{
     control(1010, ControlKind::CheckBox, {8, 166, 224, 34}, u"Never update when roaming"),
 };
 constexpr std::array autoUpdateWide{
-    first(control(1004, ControlKind::RadioButton, {8, 7, 188, 34}, u"Never Auto Update")),
+    first(control(1004, ControlKind::RadioButton, {8, 7, 186, 34}, u"Never Auto Update")),
     control(1005, ControlKind::RadioButton, {8, 48, 84, 34}, u"Update Interval"),
-    control(1008, ControlKind::DropDownList, {94, 48, 102, 34}),
+    control(1008, ControlKind::DropDownList, {94, 48, 100, 34}),
     control(1006, ControlKind::RadioButton, {8, 89, 84, 34}, u"Update Time"),
-    control(1007, ControlKind::DropDownList, {94, 89, 102, 34}),
-    first(control(1009, ControlKind::CheckBox, {204, 7, 112, 75},
+    control(1007, ControlKind::DropDownList, {94, 89, 100, 34}),
+    first(control(1009, ControlKind::CheckBox, {200, 7, 116, 75},
                   u"Only Update when ActiveSync available")),
-    control(1010, ControlKind::CheckBox, {204, 89, 112, 34}, u"Never update when roaming"),
+    control(1010, ControlKind::CheckBox, {200, 89, 116, 34}, u"Never update when roaming"),
 };
 
 constexpr std::array properties{
