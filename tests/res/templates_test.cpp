@@ -1,10 +1,13 @@
 #include "res/dialog_templates.h"
+#include "res/icons.h"
 #include "res/menus.h"
 #include "res/strings.h"
 
 #include <gtest/gtest.h>
 
 #include <QRect>
+#include <QRegularExpression>
+#include <QXmlStreamReader>
 
 #include <map>
 #include <set>
@@ -39,6 +42,7 @@ void expectRoomForEach(const DialogTemplate &dialog) {
         const QRect rect = toRect(control.rect);
         EXPECT_TRUE(ids.insert(control.id).second) << "a turn could not tell two of one id apart";
         EXPECT_TRUE(area(dialog).contains(rect)) << "cut at the edge of the screen";
+        EXPECT_EQ(control.kind == ControlKind::Image, !iconSvg(control.icon).isEmpty());
         EXPECT_GE(rect.height(), isTouched(control.kind) ? 34 : 14) << "too low";
         for (const ControlTemplate &other : dialog.controls) {
             EXPECT_TRUE(&other == &control || !toRect(other.rect).intersects(rect))
@@ -102,6 +106,32 @@ TEST(MenuBars, TellTheTextOfEveryKeyAndOpenTheirMenus) {
         expectKey(bar->left);
         expectKey(bar->right);
     }
+}
+
+QString faultOf(const QByteArray &xml) {
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd())
+        reader.readNext();
+    return reader.errorString();
+}
+
+TEST(Icons, CanAllBeDrawn) {
+    for (const char *name : {"article-read", "article-unread", "category", "channel", "choices",
+                             "error", "header", "next", "previous", "question", "warning"})
+        EXPECT_EQ(faultOf(iconSvg(name)), QString()) << name;
+}
+
+TEST(Help, LeadsToEveryPlaceThatItNames) {
+    const QString page = QString::fromUtf8(helpPage());
+    EXPECT_TRUE(page.contains(QStringLiteral("<a name=\"FeedlarkHelp\">")));
+    static const QRegularExpression link(QStringLiteral("href=\"#?([^\"]*)\""));
+    int links = 0;
+    for (const QRegularExpressionMatch &match : link.globalMatch(page)) {
+        ++links;
+        EXPECT_TRUE(page.contains(u"<a name=\"" + match.captured(1) + u"\">"))
+            << match.captured(1).toStdString();
+    }
+    EXPECT_GT(links, 0);
 }
 
 } // namespace
