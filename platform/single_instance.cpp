@@ -1,0 +1,89 @@
+#include "platform/single_instance.h"
+
+#include "platform/replace_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <thread>
+
+namespace tidebrook {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Nothing tells when a lock is let go or an event is reset.
+constexpr std::chrono::milliseconds lookPause = 10ms;
+
+QByteArray ownToken() {
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
+}
+
+} // namespace
+
+SingleInstance::SingleInstance(const DeviceRoot &device)
+    : lockPath_(device.path() + u"/run/FEEDLARK.lock"),
+      tokenPath_(device.path() + u"/run/FEEDLARK.token"),
+      request_(device, u"FEEDLARK", NamedEvent::Reset::Manual) {}
+
+SingleInstance::Claim SingleInstance::claim(std::chrono::milliseconds timeout) {
+    const auto end = std::chrono::steady_clock::now() + timeout;
+    if (take())
+        return Claim::Mine;
+    if (!isLockable() || !ask())
+        return Claim::Failed;
+    for (;;) {
+        if (!request_.test())
+            return Claim::BroughtForward;
+        if (take())
+            return Claim::Mine;
+        if (std::chrono::steady_clock::now() >= end)
+            return Claim::NoAnswer;
+        std::this_thread::sleep_for(lookPause);
+    }
+}
+
+bool SingleInstance::take() {
+    if (isMine())
+        return true;
+    if (!request_.isOpen() || !lock_.emplace(lockPath_).isHeld()) {
+        lock_.reset();
+        return false;
+    }
+    // What the one before has left. Others who wait for it are told so that this one has come.
+    QFile::remove(tokenPath_);
+    request_.reset();
+    return true;
+}
+
+// Without a token the request is as good, but where the compositor heeds it.
+bool SingleInstance::ask() {
+    const QByteArray token = ownToken();
+    if (!token.isEmpty())
+        replaceFile(tokenPath_, token);
+    return request_.set();
+}
+
+bool SingleInstance::isLockable() const {
+    const QFileInfo file(lockPath_);
+    return file.isFile() && file.isReadable() && file.isWritable();
+}
+
+std::optional<QString> SingleInstance::takeRequest() {
+    if (!isMine() || !request_.test())
+        return std::nullopt;
+    // In this order: a token is there before the request is.
+    request_.reset();
+    QFile file(tokenPath_);
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    const QByteArray token = file.readAll();
+    file.remove();
+    return QString::fromLocal8Bit(token);
+}
+
+void SingleInstance::giveUp() { lock_.reset(); }
+
+} // namespace tidebrook
