@@ -3,14 +3,13 @@
 #include "ui/kit/list_view.h"
 #include "ui/kit/text_page.h"
 #include "ui/kit/touch_scrolling.h"
-#include "ui/kit/wrapping_check_box.h"
+#include "ui/kit/wrapping_buttons.h"
 
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
 #include <QTabBar>
@@ -62,7 +61,7 @@ QWidget *makeWidget(const ControlTemplate &item, QWidget *parent) {
     case ControlKind::CheckBox:
         return new WrappingCheckBox(parent);
     case ControlKind::RadioButton:
-        return new QRadioButton(parent);
+        return new WrappingRadioButton(parent);
     case ControlKind::Edit:
         return new QLineEdit(parent);
     case ControlKind::DropDownList:

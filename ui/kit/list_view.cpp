@@ -126,11 +126,18 @@ void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
 }
 
 void ListView::keyPressEvent(QKeyEvent *event) {
+    const int key = event->key();
+    if (isEditingLabel()) {
+        // What the editor has not used is not meant for the list.
+        const bool isHelp = key == Qt::Key_F1 || key == Qt::Key_Help;
+        event->setAccepted(!isHelp && key != Qt::Key_F10 && key != Qt::Key_Menu);
+        return;
+    }
     bool isTaken = false;
-    Q_EMIT keyPressed(event->key(), isTaken);
+    Q_EMIT keyPressed(key, isTaken);
     if (isTaken)
         event->accept();
-    else if (event->modifiers() & (Qt::AltModifier | Qt::ControlModifier))
+    else if ((event->modifiers() & (Qt::AltModifier | Qt::ControlModifier)) != 0)
         event->ignore();
     else
         QListView::keyPressEvent(event);

@@ -53,29 +53,28 @@ void AutoUpdatePage::initialise(Form &form) {
     needsCradle_ = form.control<QAbstractButton>(needsCradleId);
     noRoaming_ = form.control<QAbstractButton>(noRoamingId);
     loadPage(
-        state_, form,
-        [&settings = state_.device.settings] { return readAutoUpdateSettings(settings); },
-        [this](const AutoUpdateSettings &settings) { show(settings); });
+        state_, form, [&settings = state_.device.settings] { return readAutoUpdatePage(settings); },
+        [this](const AutoUpdatePageValues &values) { show(values); });
 }
 
-void AutoUpdatePage::show(const AutoUpdateSettings &settings) {
-    if (settings.mode) {
-        if (QAbstractButton *chosen = modes_.value(*settings.mode))
+void AutoUpdatePage::show(const AutoUpdatePageValues &values) {
+    if (values.mode) {
+        if (QAbstractButton *chosen = modes_.value(*values.mode))
             chosen->setChecked(true);
-        takeMode(*settings.mode);
+        takeMode(*values.mode);
     }
-    if (settings.interval) {
+    if (values.interval) {
         interval_->addItems(resourceStrings(firstIntervalString, intervalCount));
-        interval_->setCurrentIndex(*settings.interval - 1);
+        interval_->setCurrentIndex(*values.interval);
     }
-    if (settings.time) {
+    if (values.time) {
         time_->addItems(hours());
-        time_->setCurrentIndex(*settings.time);
+        time_->setCurrentIndex(*values.time);
     }
-    if (settings.needsCradle)
-        needsCradle_->setChecked(*settings.needsCradle);
-    if (settings.noRoaming)
-        noRoaming_->setChecked(*settings.noRoaming);
+    if (values.needsCradle)
+        needsCradle_->setChecked(*values.needsCradle);
+    if (values.noRoaming)
+        noRoaming_->setChecked(*values.noRoaming);
 }
 
 void AutoUpdatePage::takeMode(int mode) {
@@ -92,13 +91,13 @@ int AutoUpdatePage::checkedMode() const {
 }
 
 void AutoUpdatePage::save() {
-    const AutoUpdateSettings settings{.mode = checkedMode(),
-                                      .interval = interval_->currentIndex() + 1,
+    const AutoUpdatePageValues values{.mode = checkedMode(),
+                                      .interval = interval_->currentIndex(),
                                       .time = time_->currentIndex(),
                                       .needsCradle = needsCradle_->isChecked(),
                                       .noRoaming = noRoaming_->isChecked()};
-    savePage(state_, *form_, [&store = state_.device.settings, settings] {
-        return saveAutoUpdateSettings(store, settings);
+    savePage(state_, *form_, [&store = state_.device.settings, values] {
+        return saveAutoUpdatePage(store, values);
     });
 }
 

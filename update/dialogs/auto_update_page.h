@@ -21,7 +21,7 @@ public:
     void save() override;
 
 private:
-    void show(const AutoUpdateSettings &settings);
+    void show(const AutoUpdatePageValues &values);
     void takeMode(int mode);
     int checkedMode() const;
 

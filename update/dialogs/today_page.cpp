@@ -23,26 +23,24 @@ void TodayPage::initialise(Form &form) {
     QObject::connect(enabled_, &QAbstractButton::toggled, timer_, &QWidget::setEnabled);
     loadPage(
         state_, form,
-        [&device = state_.device] {
-            return readTodaySettings(device.settings, device.todayItemKey);
-        },
-        [this](const TodaySettings &settings) { show(settings); });
+        [&device = state_.device] { return readTodayPage(device.settings, device.todayItemKey); },
+        [this](const TodayPageValues &values) { show(values); });
 }
 
-void TodayPage::show(const TodaySettings &settings) {
-    enabled_->setChecked(settings.isEnabled);
-    timer_->setEnabled(settings.isEnabled);
-    if (!settings.timer)
+void TodayPage::show(const TodayPageValues &values) {
+    enabled_->setChecked(values.isEnabled);
+    timer_->setEnabled(values.isEnabled);
+    if (!values.timer)
         return;
     timer_->addItems(resourceStrings(firstSpeedString, speedCount));
-    timer_->setCurrentIndex(*settings.timer);
+    timer_->setCurrentIndex(*values.timer);
 }
 
 void TodayPage::save() {
-    const TodaySettings settings{.isEnabled = enabled_->isChecked(),
+    const TodayPageValues values{.isEnabled = enabled_->isChecked(),
                                  .timer = timer_->currentIndex()};
-    savePage(state_, *form_, [&device = state_.device, settings] {
-        return saveTodaySettings(device.root, device.settings, device.todayItemKey, settings);
+    savePage(state_, *form_, [&device = state_.device, values] {
+        return saveTodayPage(device.root, device.settings, device.todayItemKey, values);
     });
 }
 

@@ -19,7 +19,7 @@ public:
     void save() override;
 
 private:
-    void show(const TodaySettings &settings);
+    void show(const TodayPageValues &values);
 
     AppState &state_;
     Form *form_ = nullptr;

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "ui/kit/screen_stack.h"
+
+#include <QPoint>
+#include <QSize>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QPixmap;
+
+namespace tidebrook {
+
+class ListView;
+
+/// A user before the screens. What it does is done to the real widgets, on the thread that they
+/// belong to, while the user itself is on another one: so it can go on however deep the dialogs
+/// lie, and see what a dialog shows while it waits for an answer.
+class User {
+public:
+    explicit User(ScreenStack &stack) : stack_(stack) {}
+
+    // --- doing ---
+
+    /// Presses a key on whatever has the focus.
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void type(const QString &text);
+    void tapRow(int row);
+    void tap(const QString &buttonText);
+    void tapAt(const std::function<QWidget *()> &find, const QPoint &position);
+    /// Opens the menu and chooses an entry; further texts lead into menus within it.
+    void choose(const QStringList &path);
+    void resize(const QSize &size);
+    void closeWindow();
+    /// Does this on the screens' thread, without waiting for it.
+    void act(std::function<void()> action);
+
+    // --- seeing ---
+
+    /// Waits until this is true, looking on the screens' thread. False when it takes too long.
+    bool sees(const std::function<bool()> &condition);
+    /// Does this on the screens' thread, and waits for it.
+    void look(const std::function<void()> &view);
+
+    /// The list on top.
+    ListView *list() const;
+    bool seesRows(const QStringList &names);
+    bool seesSelected(int row);
+    bool seesEditor(const QString &text);
+    /// A message box with this text.
+    bool seesBox(const QString &text);
+    bool seesNoBox();
+    /// A header with this caption.
+    bool seesCaption(const QString &caption);
+    QStringList rows();
+    /// Nothing is at work any more.
+    bool seesQuiet();
+
+    /// The window, with any menu that is open over it.
+    QPixmap picture();
+
+    ScreenStack &stack() const { return stack_; }
+
+private:
+    ScreenStack &stack_;
+};
+
+/// The reader's screens over a device: opened, driven by a user, and closed.
+class Session {
+public:
+    explicit Session(const DeviceRoot &device, const QSize &screen = {240, 320});
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    ScreenStack &stack() { return stack_; }
+    AppState &state() { return *state_; }
+
+    /// Opens the category list and has the user work. Whatever is open when the user is done is
+    /// closed as by the window's own button. True when all screens ended.
+    bool run(const std::function<void(User &)> &user);
+
+private:
+    DeviceParts device_;
+    ScreenStack stack_;
+    std::unique_ptr<AppState> state_;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QRadioButton>
+
+namespace tidebrook {
+
+/// A check box whose text goes on in further lines where one is too short for it. All of its area
+/// can be tapped.
+class WrappingCheckBox : public QCheckBox {
+    Q_OBJECT
+
+public:
+    using QCheckBox::QCheckBox;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    bool hitButton(const QPoint &position) const override { return rect().contains(position); }
+};
+
+/// The same for a radio button.
+class WrappingRadioButton : public QRadioButton {
+    Q_OBJECT
+
+public:
+    using QRadioButton::QRadioButton;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    bool hitButton(const QPoint &position) const override { return rect().contains(position); }
+};
+
+} // namespace tidebrook

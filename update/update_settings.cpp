@@ -1,0 +1,88 @@
+#include "update/update_settings.h"
+
+#include "platform/named_event.h"
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int nothingChosen = -1;
+
+std::optional<quint32> read(SettingsStore &settings, QStringView key, QStringView name) {
+    quint32 value = 0;
+    return settings.RegReadDword(key, name, value) ? std::optional(value) : std::nullopt;
+}
+
+quint32 storedChoice(std::optional<int> choice) {
+    return static_cast<quint32>(choice.value_or(nothingChosen));
+}
+
+quint32 storedMode(std::optional<int> mode) {
+    const bool isChosen = mode == 0 || mode == 1;
+    return isChosen ? static_cast<quint32>(*mode) : 2;
+}
+
+} // namespace
+
+TodayPageValues readTodayPage(SettingsStore &settings, QStringView todayKey) {
+    TodayPageValues values;
+    values.isEnabled = read(settings, todayKey, u"Enabled") == 1U;
+    if (const auto timer = read(settings, todayKey, u"TodayTimer"))
+        values.timer = static_cast<int>(*timer);
+    return values;
+}
+
+bool saveTodayPage(const DeviceRoot &device, SettingsStore &settings, QStringView todayKey,
+                   const TodayPageValues &values) {
+    const bool isEnabledStored = settings.setDword(todayKey, u"Enabled", values.isEnabled ? 1 : 0);
+    const bool isTimerStored =
+        settings.setDword(todayKey, u"TodayTimer", storedChoice(values.timer));
+    // Last, so that whoever reloads finds both.
+    if (isEnabledStored)
+        NamedEvent(device, todayItemsEvent, NamedEvent::Reset::Auto).set();
+    return isEnabledStored && isTimerStored;
+}
+
+AutoUpdatePageValues readAutoUpdatePage(SettingsStore &settings) {
+    AutoUpdatePageValues values;
+    const auto mode = read(settings, programKey, u"UpdateMode");
+    if (!mode)
+        return values;
+    values.mode = static_cast<int>(*mode);
+    const auto interval = read(settings, programKey, u"UpdateInterval");
+    if (!interval)
+        return values;
+    values.interval = static_cast<int>(*interval - 1);
+    const auto time = read(settings, programKey, u"UpdateTime");
+    if (!time)
+        return values;
+    values.time = static_cast<int>(*time);
+    const auto needsCradle = read(settings, programKey, u"ACTOPTION");
+    if (!needsCradle)
+        return values;
+    values.needsCradle = *needsCradle != 0;
+    if (const auto noRoaming = read(settings, programKey, u"NoRoaming"))
+        values.noRoaming = *noRoaming != 0;
+    return values;
+}
+
+bool saveAutoUpdatePage(SettingsStore &settings, const AutoUpdatePageValues &values) {
+    {
+        // Automatic updates never go by one new value and one old.
+        Registry::Batch batch(settings.registry());
+        const auto write = [&](QStringView name, quint32 value) {
+            return settings.setDword(programKey, name, value);
+        };
+        const bool isStored = batch.isOpen() && write(u"UpdateMode", storedMode(values.mode)) &&
+                              write(u"UpdateInterval", storedChoice(values.interval) + 1) &&
+                              write(u"UpdateTime", storedChoice(values.time)) &&
+                              write(u"ACTOPTION", values.needsCradle.value_or(false) ? 1 : 0) &&
+                              write(u"NoRoaming", values.noRoaming.value_or(false) ? 1 : 0) &&
+                              batch.commit();
+        if (!isStored)
+            return false;
+    }
+    return settings.registry().flush();
+}
+
+} // namespace tidebrook
