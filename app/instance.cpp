@@ -135,13 +135,6 @@ void Instance::showWindow() {
 
 void Instance::runScreens(int messageId) {
     state_.emplace(*device_, stack_);
-    ProgressLine &line = stack_.progressLine();
-    for (const WorkQueue *queue : {&state_->changes, &state_->settings}) {
-        connect(queue, &WorkQueue::begun, &line, &ProgressLine::begin);
-        connect(queue, &WorkQueue::done, &line, &ProgressLine::finish);
-    }
-    connect(&state_->fills, &FillJobs::begun, &line, &ProgressLine::begin);
-    connect(&state_->fills, &FillJobs::done, &line, &ProgressLine::finish);
     if (messageId != 0)
         QTimer::singleShot(0, &stack_, [this, messageId] { ShowError(*state_, messageId); });
     OpenCategoryList(*state_);

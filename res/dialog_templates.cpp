@@ -32,12 +32,12 @@ constexpr ControlTemplate titleLabel(quint16 id, const char16_t *text, int width
 
 // The About box: its text comes from `aboutText`.
 constexpr std::array about{
-    image("tidebrook", {88, 20, 64, 64}),
-    control(1030, ControlKind::Label, {8, 92, 224, 168}, nullptr, StyleCentred),
+    image("tidebrook", {88, 36, 64, 64}),
+    control(1030, ControlKind::Label, {8, 108, 224, 152}, nullptr, StyleCentred),
 };
 constexpr std::array aboutWide{
-    image("tidebrook", {16, 62, 64, 64}),
-    control(1030, ControlKind::Label, {92, 8, 220, 172}, nullptr, StyleCentred),
+    image("tidebrook", {16, 74, 64, 64}),
+    control(1030, ControlKind::Label, {92, 28, 220, 156}, nullptr, StyleCentred),
 };
 
 // The lists, below their header bar.
@@ -161,8 +161,8 @@ constexpr std::array categoryChoiceWide{
     control(1017, ControlKind::DropDownList, {120, 28, 192, 34}),
 };
 
-constexpr std::array help{control(1033, ControlKind::Page, {0, 0, 240, 268})};
-constexpr std::array helpWide{control(1033, ControlKind::Page, {0, 0, 320, 188})};
+constexpr std::array help{control(1033, ControlKind::Page, {0, 23, 240, 245})};
+constexpr std::array helpWide{control(1033, ControlKind::Page, {0, 23, 320, 165})};
 
 constexpr DialogTemplate tall(int id, const char16_t *title,
                               std::span<const ControlTemplate> controls) {

@@ -25,8 +25,8 @@ inline constexpr std::array fontSizes{9, 11, 13};
 /// What the screens share. It belongs to the user-interface thread; work that may wait is given to
 /// its queues, and gets values.
 struct AppState {
-    explicit AppState(DeviceParts &parts, ScreenStack &screenStack)
-        : device(parts), stack(screenStack), fills(parts.dbMutex) {}
+    /// While something is at work, the stack's progress line shows it.
+    AppState(DeviceParts &parts, ScreenStack &screenStack);
     AppState(const AppState &) = delete;
     AppState &operator=(const AppState &) = delete;
 

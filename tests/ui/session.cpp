@@ -190,10 +190,16 @@ QPixmap User::picture() {
     look([&] {
         pixmap = stack_.grab();
         QPainter painter(&pixmap);
+        const auto draw = [&](QWidget &popup) {
+            painter.drawPixmap(stack_.mapFromGlobal(popup.pos()), popup.grab());
+        };
+        QWidget *last = QApplication::activePopupWidget();
         for (QWidget *widget : QApplication::topLevelWidgets()) {
-            if (widget->isVisible() && widget->windowType() == Qt::Popup)
-                painter.drawPixmap(stack_.mapFromGlobal(widget->pos()), widget->grab());
+            if (widget != last && widget->isVisible() && widget->windowType() == Qt::Popup)
+                draw(*widget);
         }
+        if (last != nullptr)
+            draw(*last);
     });
     return pixmap;
 }

@@ -5,6 +5,7 @@
 #include "ui/kit/header_bar.h"
 #include "ui/kit/screen_stack.h"
 
+#include <QKeyEvent>
 #include <QStackedWidget>
 #include <QTabBar>
 
@@ -72,6 +73,9 @@ void PropertySheet::command(int id) {
         dialog_->end(1);
     } else if (id == CommandCancelSettings) {
         dialog_->end(0);
+    } else if (id == CommandNext || id == CommandPrevious) {
+        const int step = id == CommandNext ? 1 : tabs_->count() - 1;
+        tabs_->setCurrentIndex((tabs_->currentIndex() + step) % tabs_->count());
     }
 }
 
@@ -87,5 +91,13 @@ void PropertySheet::apply() {
 void PropertySheet::close() { dialog_->end(0); }
 
 std::optional<int> PropertySheet::backCommand() const { return CommandCancelSettings; }
+
+std::optional<int> PropertySheet::commandOfKey(const QKeyEvent &event) const {
+    if (event.modifiers() == Qt::ControlModifier && event.key() == Qt::Key_Tab)
+        return CommandNext;
+    if (event.key() == Qt::Key_Backtab && (event.modifiers() & Qt::ControlModifier) != 0)
+        return CommandPrevious;
+    return std::nullopt;
+}
 
 } // namespace tidebrook

@@ -50,6 +50,8 @@ public:
     void close() override;
     void helpRequested() override { help_(); }
     std::optional<int> backCommand() const override;
+    /// Ctrl+Tab and Ctrl+Shift+Tab turn to the next and the previous page.
+    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
 
 private:
     void turnTo(int index);

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Renders every screen and dialog into docs/screenshots/: on an upright and on a wide device, each
+# with one and with two pixels to a unit; light and dark.
+
+set -euo pipefail
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
+source scripts/building.sh
+
+build release
+work=$(mktemp --directory)
+trap 'rm -r "$work"' EXIT
+
+# photograph WIDTH HEIGHT SCALE: on a device with a screen of that size in units.
+photograph() {
+    printf '{"screens": [{"name": "device", "x": 0, "y": 0, "width": %d, "height": %d, %s}]}' \
+        "$(($1 * $3))" "$(($2 * $3))" '"logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1' \
+        >"$work/screens.json"
+    env XDG_RUNTIME_DIR="$work" QT_SCALE_FACTOR="$3" LC_ALL=C.UTF-8 \
+        QT_QPA_PLATFORM="offscreen:configfile=$work/screens.json" \
+        build/release/bin/screenshots docs/screenshots
+}
+
+for scale in 1 2; do
+    photograph 240 320 "$scale"
+    photograph 320 240 "$scale"
+done
+echo "The pictures are in docs/screenshots/."

@@ -1,0 +1,185 @@
+// Pictures of every screen and dialog, light and dark, on a device whose screen is that of the
+// platform.
+
+#include "support/test_device.h"
+#include "ui/kit/touch_style.h"
+#include "ui/session.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QPalette>
+#include <QPixmap>
+#include <QScreen>
+#include <QStyle>
+
+#include <cstdio>
+
+namespace tidebrook {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+const QString seed = u"The Harbour Post\thttp://example.org/1\tNews\n"
+                     u"Evening Ferry\thttp://example.org/2\tNews\n"
+                     u"Planet of Small Things\thttp://example.org/3\tTechnology\n"
+                     u"Tide Tables Weekly\thttp://example.org/4\tScience\n"
+                     u"Long Waves\thttp://example.org/5\tScience\n"
+                     u"Kitchen by the Sea\thttp://example.org/6\tFood and drink\n"
+                     u"Lighthouse Keepers\thttp://example.org/7\tTravel\n"
+                     u"Row, Row\thttp://example.org/8\tSport\n"_s;
+
+QPalette darkPalette() {
+    const QColor window(0x2b, 0x2d, 0x30);
+    const QColor text(0xe6, 0xe6, 0xe6);
+    QPalette palette(QColor(0x3c, 0x3f, 0x43), window);
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Highlight, QColor(0x2a, 0x6f, 0x97));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x6c, 0xb8, 0xe0));
+    for (const QPalette::ColorRole role :
+         {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x82, 0x86));
+    return palette;
+}
+
+class Photographer {
+public:
+    Photographer(User &user, const QDir &folder, const QString &ending)
+        : user_(user), folder_(folder), ending_(ending) {}
+
+    /// Takes a picture of what is there once this is true.
+    void take(const QString &name, bool isThere) {
+        const QString path = folder_.filePath(name + ending_);
+        if (!isThere || !user_.seesQuiet() || !user_.picture().save(path)) {
+            std::fprintf(stderr, "%s: not seen\n", qUtf8Printable(path));
+            failures_ += 1;
+        }
+    }
+    int failures() const { return failures_; }
+
+private:
+    User &user_;
+    QDir folder_;
+    QString ending_;
+    int failures_ = 0;
+};
+
+bool seesMenus(User &user, int count) {
+    return user.sees([count] {
+        int open = 0;
+        for (const QWidget *widget : QApplication::topLevelWidgets())
+            open += widget->isVisible() && widget->windowType() == Qt::Popup;
+        return open == count;
+    });
+}
+
+void photographMenus(User &user, Photographer &photographer) {
+    user.press(Qt::Key_F10);
+    photographer.take(u"menu"_s, seesMenus(user, 1));
+    for (int i = 0; i < 4; ++i)
+        user.press(Qt::Key_Down);
+    user.press(Qt::Key_Right);
+    photographer.take(u"font-sizes"_s, seesMenus(user, 2));
+    user.press(Qt::Key_Escape);
+    user.press(Qt::Key_Escape);
+    seesMenus(user, 0);
+}
+
+void photographCategories(User &user, Photographer &photographer) {
+    photographer.take(u"categories"_s, user.seesSelected(0));
+    photographMenus(user, photographer);
+    user.press(Qt::Key_Down);
+    user.press(Qt::Key_F2);
+    photographer.take(u"label-edit"_s, user.seesEditor(u"Technology"_s));
+    user.type(u"News"_s);
+    user.press(Qt::Key_Return);
+    photographer.take(u"warning"_s, user.seesBox(u"The name is exist!"_s));
+    user.press(Qt::Key_Return);
+    user.seesNoBox();
+    user.press(Qt::Key_Delete);
+    photographer.take(u"question"_s,
+                      user.seesBox(u"Are you sure you want to delete this category?"_s));
+    user.press(Qt::Key_Escape);
+    user.seesNoBox();
+}
+
+void photographSettings(User &user, Photographer &photographer) {
+    user.choose({u"Setting"_s});
+    photographer.take(u"settings-today"_s, user.seesCaption(u"Today Setting"_s));
+    user.press(Qt::Key_Tab, Qt::ControlModifier);
+    photographer.take(u"settings-update"_s, user.seesCaption(u"Auto Update"_s));
+    user.tap(u"Update Interval"_s);
+    user.press(Qt::Key_F4);
+    photographer.take(u"settings-intervals"_s, seesMenus(user, 1));
+    user.press(Qt::Key_Escape);
+    seesMenus(user, 0);
+    user.tap(u"Cancel"_s);
+    user.seesCaption(u"All Categories"_s);
+}
+
+void photographTexts(User &user, Photographer &photographer) {
+    user.press(Qt::Key_F1);
+    photographer.take(u"help"_s, user.seesCaption(u"Tidebrook"_s));
+    user.tap(u"Done"_s);
+    user.seesCaption(u"All Categories"_s);
+    user.choose({u"About"_s});
+    photographer.take(u"about"_s, user.seesCaption(u"About"_s));
+    user.tap(u"Done"_s);
+    user.seesCaption(u"All Categories"_s);
+}
+
+void furnish(TestDevice &device) {
+    for (const QStringView name : {u"UpdateInterval", u"UpdateMode"})
+        device.registry->write(programKey, name, 1U);
+    for (const QStringView name : {u"UpdateTime", u"ACTOPTION", u"NoRoaming"})
+        device.registry->write(programKey, name, 0U);
+    for (const QStringView name : {u"Enabled", u"TodayTimer"})
+        device.registry->write(testTodayKey, name, 1U);
+    device.store->Open();
+    for (int i = 1; i <= 3; ++i)
+        device.addChannel(u"Technology"_s, u"Channel %1"_s.arg(i), {u"One"_s, u"Two"_s});
+    device.store->Close();
+}
+
+int photographAll(const QDir &folder, bool isDark) {
+    QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
+    TestDevice device(seed);
+    furnish(device);
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    Session session(device.root, screen);
+    const QString ending = (screen.height() > screen.width() ? u"-portrait"_s : u"-landscape"_s) +
+                           (isDark ? u"-dark"_s : u"-light"_s) +
+                           (qApp->devicePixelRatio() > 1 ? u"@2x.png"_s : u".png"_s);
+    int failures = 0;
+    session.run([&](User &user) {
+        Photographer photographer(user, folder, ending);
+        photographCategories(user, photographer);
+        photographSettings(user, photographer);
+        photographTexts(user, photographer);
+        user.tapRow(1);
+        photographer.take(u"channels"_s, user.seesCaption(u"Technology"_s) && user.seesSelected(0));
+        failures = photographer.failures();
+    });
+    return failures;
+}
+
+} // namespace
+
+} // namespace tidebrook
+
+int main(int argc, char **argv) {
+    const QApplication application(argc, argv);
+    if (argc != 2) {
+        std::fputs("Usage: screenshots FOLDER\n", stderr);
+        return 2;
+    }
+    QApplication::setQuitOnLastWindowClosed(false);
+    tidebrook::installTouchStyle();
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    int failures = folder.mkpath(QStringLiteral(".")) ? 0 : 1;
+    for (const bool isDark : {false, true})
+        failures += tidebrook::photographAll(folder, isDark);
+    return failures == 0 ? 0 : 1;
+}
