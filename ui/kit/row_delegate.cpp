@@ -41,6 +41,8 @@ void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                         const QModelIndex &index) const {
     const RowColours colours = coloursOf(option, list_.hasFocus());
     painter->fillRect(option.rect, option.palette.brush(colours.background));
+    painter->setPen(option.palette.color(QPalette::Button));
+    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
 
     const ListRow row = list_.row(index.row());
     if (const char *name = list_.image(row.image)) {

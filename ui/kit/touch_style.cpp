@@ -30,7 +30,9 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option
         const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
         if (item != nullptr && item->menuItemType == QStyleOptionMenuItem::Separator)
             break;
-        wanted.setHeight(std::max(wanted.height(), touchHeight));
+        // The column of the check marks grows with the height, and takes that of the texts' room.
+        const int growth = std::max(0, touchHeight - wanted.height());
+        wanted += QSize(growth, growth);
         break;
     }
     case CT_PushButton:
