@@ -130,6 +130,8 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     list_->setRows(std::move(rows));
     list_->selectRow(0);
     setColumnWidth();
+    if (std::exchange(leadsToTap_, false) && state_.stack.top() == dialog_)
+        dialog_->post(CommandOpenChannels);
 }
 
 void CategoryListScreen::setColumnWidth() {
@@ -261,8 +263,8 @@ void CategoryListScreen::takeTodayTap() {
             if (!tap)
                 return;
             state_.todayTap = *tap;
-            if (state_.stack.top() == dialog_)
-                dialog_->post(CommandOpenChannels);
+            leadsToTap_ = true; // once the tapped category is in the list
+            dialog_->post(CommandRefreshCategories);
         });
 }
 

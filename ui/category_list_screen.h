@@ -46,6 +46,7 @@ private:
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
     bool isRefreshOwed_ = false; // rows came while a label was being edited
+    bool leadsToTap_ = false;    // a headline was tapped, whose channels the next rows lead to
 };
 
 /// Shows the category list, and with it every other screen, until the user leaves it.
