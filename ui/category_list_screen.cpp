@@ -58,6 +58,7 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
     state_.lists[CategoryScreen] = list_;
     list_->setImages({"category"});
     list_->setLabelLimit(labelLimit);
+    list_->setAccessibleName(resourceString(allCategoriesString));
     QObject::connect(list_, &ListView::keyPressed, &dialog,
                      [this](int key, bool &isTaken) { takeKey(key, isTaken); });
     QObject::connect(list_, &ListView::tapped, &dialog, [this](int row) { takeTap(row); });

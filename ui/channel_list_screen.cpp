@@ -54,6 +54,7 @@ bool ChannelListScreen::initialise(Dialog &dialog) {
     if (const qsizetype tapped = state_.categories.indexOf(state_.todayTap.category); tapped >= 0)
         state_.currentCategory = static_cast<int>(tapped);
     dialog.makeHeaderBar(category());
+    list_->setAccessibleName(category());
     // What the other entries open is not there yet.
     for (const int pending : {CommandUpdateChannel, CommandUpdateAll, CommandNewChannel,
                               CommandDeleteChannel, CommandExportChannel, CommandProperties})

@@ -5,6 +5,7 @@
 #include "ui/kit/icon.h"
 #include "ui/kit/list_view.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QToolButton>
 
@@ -35,9 +36,9 @@ void HeaderBar::setCaption(const QString &caption) {
 }
 
 void HeaderBar::setSteppable() {
-    captionKey_ = makeKey(nullptr, caption_, CommandShowChoices);
-    previous_ = makeKey("previous", resourceString(previousString), CommandPrevious);
-    next_ = makeKey("next", resourceString(nextString), CommandNext);
+    captionKey_ = makeKey(caption_, CommandShowChoices);
+    previous_ = makeKey(resourceString(previousString), CommandPrevious);
+    next_ = makeKey(resourceString(nextString), CommandNext);
     choices_ = new ListView(parentWidget());
     choices_->hide();
     choices_->setFrameShape(QFrame::Box);
@@ -52,13 +53,11 @@ void HeaderBar::setSteppable() {
     arrange();
 }
 
-QToolButton *HeaderBar::makeKey(const char *iconName, const QString &name, int command) {
+QToolButton *HeaderBar::makeKey(const QString &name, int command) {
     auto *key = new QToolButton(this);
     key->setAutoRaise(true);
     key->setFocusPolicy(Qt::NoFocus);
     key->setAccessibleName(name);
-    if (iconName != nullptr)
-        key->setIcon(icon(iconName, QSize(iconUnits, iconUnits), palette()));
     connect(key, &QToolButton::clicked, this, [this, command] { Q_EMIT chosen(command); });
     key->show();
     return key;
@@ -98,8 +97,10 @@ void HeaderBar::arrange() {
     captionKey_->lower();
     const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
     const int side = std::min(iconSize.width(), iconSize.height());
-    for (QToolButton *key : {previous_, next_})
+    for (QToolButton *key : {previous_, next_}) {
         key->setIconSize(QSize(side, side));
+        key->setIcon(icon(key == next_ ? "next" : "previous", key->iconSize(), palette()));
+    }
     choices_->setUnits(units_);
     choices_->setColumnWidth(width());
     choices_->setGeometry(0, height(), width(), units_.height(choicesUnits));
@@ -133,5 +134,11 @@ void HeaderBar::paintEvent(QPaintEvent *) {
 }
 
 void HeaderBar::resizeEvent(QResizeEvent *) { arrange(); }
+
+void HeaderBar::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::PaletteChange)
+        arrange(); // the keys' icons have the colours of the text
+    QWidget::changeEvent(event);
+}
 
 } // namespace tidebrook

@@ -44,9 +44,10 @@ Q_SIGNALS:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
-    QToolButton *makeKey(const char *iconName, const QString &name, int command);
+    QToolButton *makeKey(const QString &name, int command);
     void arrange();
     QRect captionPlace() const;
 
