@@ -1,5 +1,6 @@
 #include "ui/session.h"
 
+#include "support/blocked_time.h"
 #include "ui/category_list_screen.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/header_bar.h"
@@ -10,11 +11,14 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QLabel>
+#include <QClipboard>
 #include <QMenu>
 #include <QPainter>
 #include <QPixmap>
 #include <QTest>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <thread>
@@ -33,6 +37,28 @@ QWidget *keyTarget(ScreenStack &stack) {
         return popup;
     QWidget *focus = stack.focusWidget();
     return focus != nullptr ? focus : &stack;
+}
+
+// As keyboards send it: keys that write nothing have a text too.
+QString keyText(int key, Qt::KeyboardModifiers modifiers) {
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return QStringLiteral("\r");
+    case Qt::Key_Escape:
+        return QStringLiteral("\x1b");
+    case Qt::Key_Delete:
+        return QStringLiteral("\x7f");
+    default:
+        break;
+    }
+    const bool isLetter = key >= Qt::Key_A && key <= Qt::Key_Z && modifiers == Qt::NoModifier;
+    return key == Qt::Key_Space || isLetter ? QString(QChar(key)).toLower() : QString();
+}
+
+QPointingDevice *finger() {
+    static QPointingDevice *device = QTest::createTouchDevice();
+    return device;
 }
 
 QAction *findEntry(QMenu &menu, const QString &text) {
@@ -74,9 +100,12 @@ bool User::sees(const std::function<bool()> &condition) {
 }
 
 void User::press(int key, Qt::KeyboardModifiers modifiers) {
-    act([this, key, modifiers] {
-        QTest::keyClick(keyTarget(stack_), static_cast<Qt::Key>(key), modifiers);
-    });
+    for (const QTest::KeyAction action : {QTest::Press, QTest::Release}) {
+        act([this, action, key, modifiers] {
+            QTest::sendKeyEvent(action, keyTarget(stack_), static_cast<Qt::Key>(key),
+                                keyText(key, modifiers), modifiers);
+        });
+    }
 }
 
 void User::type(const QString &text) {
@@ -90,6 +119,11 @@ void User::tapAt(const std::function<QWidget *()> &find, const QPoint &position)
     });
 }
 
+void User::paste(const QString &text) {
+    act([text] { QApplication::clipboard()->setText(text); });
+    press(Qt::Key_V, Qt::ControlModifier);
+}
+
 void User::tapRow(int row) {
     act([this, row] {
         const QRect place = list()->visualRect(list()->model()->index(row, 0));
@@ -97,23 +131,62 @@ void User::tapRow(int row) {
     });
 }
 
+void User::tapBelowRows() {
+    act([this] {
+        const QWidget *area = list()->viewport();
+        const QPoint place(area->width() / 2, area->height() - 2);
+        ASSERT_FALSE(list()->indexAt(place).isValid());
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place);
+    });
+}
+
+void User::touchRow(int row, int way) {
+    constexpr int moves = 8;
+    auto area = std::make_shared<QPointer<QWidget>>();
+    auto start = std::make_shared<QPoint>();
+    act([this, row, area, start] {
+        *area = list()->viewport();
+        *start = list()->visualRect(list()->model()->index(row, 0)).center();
+        QTest::touchEvent(*area, finger(), false).press(0, *start, *area).commit(false);
+    });
+    for (int i = 1; way != 0 && i <= moves; ++i) {
+        act([area, start, way, i] {
+            const QPoint place = *start + QPoint(0, way * i / moves);
+            QTest::touchEvent(*area, finger(), false).move(0, place, *area).commit(false);
+        });
+    }
+    act([area, start, way] {
+        const QPoint place = *start + QPoint(0, way);
+        QTest::touchEvent(*area, finger(), false).release(0, place, *area).commit(false);
+    });
+}
+
+void User::turnWheel(int steps) {
+    act([this, steps] {
+        QWidget *area = list()->viewport();
+        const QPoint place = area->rect().center();
+        QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -120 * steps),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(area, &event);
+    });
+}
+
 void User::tap(const QString &buttonText) {
     act([this, buttonText] {
-        if (QAbstractButton *button = findButton(*stack_.top(), buttonText))
-            QTest::mouseClick(button, Qt::LeftButton);
+        QAbstractButton *button = findButton(*stack_.top(), buttonText);
+        ASSERT_NE(button, nullptr) << "there is no " << buttonText.toStdString();
+        QTest::mouseClick(button, Qt::LeftButton);
     });
 }
 
 void User::choose(const QStringList &path) {
     press(Qt::Key_F10);
     for (const QString &text : path) {
-        if (!sees([] { return QApplication::activePopupWidget() != nullptr; }))
-            return;
+        ASSERT_TRUE(seesPopup());
         act([text] {
             auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
             QAction *entry = menu != nullptr ? findEntry(*menu, text) : nullptr;
-            if (entry == nullptr)
-                return;
+            ASSERT_NE(entry, nullptr) << "there is no " << text.toStdString();
             menu->setActiveAction(entry);
             QTest::keyClick(menu, entry->menu() != nullptr ? Qt::Key_Right : Qt::Key_Return);
         });
@@ -126,6 +199,15 @@ void User::resize(const QSize &size) {
 
 void User::closeWindow() {
     act([this] { stack_.close(); });
+}
+
+void User::leaveAndReturn() {
+    act([this] {
+        for (const QEvent::Type type : {QEvent::WindowDeactivate, QEvent::WindowActivate}) {
+            QEvent event(type);
+            QApplication::sendEvent(&stack_, &event);
+        }
+    });
 }
 
 ListView *User::list() const {
@@ -173,6 +255,10 @@ bool User::seesNoBox() {
     return sees([this] { return qobject_cast<MessageBox *>(stack_.top()) == nullptr; });
 }
 
+bool User::seesPopup() {
+    return sees([] { return QApplication::activePopupWidget() != nullptr; });
+}
+
 bool User::seesCaption(const QString &caption) {
     return sees([this, caption] {
         const auto *dialog = qobject_cast<Dialog *>(stack_.top());
@@ -182,7 +268,12 @@ bool User::seesCaption(const QString &caption) {
 }
 
 bool User::seesQuiet() {
-    return sees([this] { return !stack_.progressLine().isAtWork(); });
+    constexpr int looks = 3; // what is done may have posted a command that begins more
+    int quiet = 0;
+    return sees([&] {
+        quiet = stack_.progressLine().isAtWork() ? 0 : quiet + 1;
+        return quiet == looks;
+    });
 }
 
 QPixmap User::picture() {
@@ -209,6 +300,13 @@ Session::Session(const DeviceRoot &device, const QSize &screen) : device_(device
     stack_.resize(screen);
     stack_.show();
     state_ = std::make_unique<AppState>(device_, stack_);
+    ProgressLine &line = stack_.progressLine();
+    for (const WorkQueue *queue : {&state_->changes, &state_->settings}) {
+        QObject::connect(queue, &WorkQueue::begun, &line, &ProgressLine::begin);
+        QObject::connect(queue, &WorkQueue::done, &line, &ProgressLine::finish);
+    }
+    QObject::connect(&state_->fills, &FillJobs::begun, &line, &ProgressLine::begin);
+    QObject::connect(&state_->fills, &FillJobs::done, &line, &ProgressLine::finish);
 }
 
 Session::~Session() {
@@ -218,16 +316,29 @@ Session::~Session() {
 
 bool Session::run(const std::function<void(User &)> &user) {
     User someone(stack_);
+    bool isUserDone = false;
     std::thread hands([&] {
         user(someone);
         someone.closeWindow();
+        someone.act([&] { isUserDone = true; });
     });
-    OpenCategoryList(*state_);
+    {
+        BlockedTime blocked;
+        OpenCategoryList(*state_);
+        longestBlocked_ = std::chrono::ceil<std::chrono::milliseconds>(blocked.longest());
+    }
+    while (!isUserDone) // who has left the screens may still want to look
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     hands.join();
     state_->fills.finish();
     state_->settings.finish();
     state_->changes.finish();
     return stack_.top() == nullptr;
+}
+
+QStringList storedCategories(const DeviceRoot &device) {
+    Registry registry(device);
+    return CategoryListStore(registry).listedCategories().value_or(QStringList());
 }
 
 } // namespace tidebrook

@@ -7,9 +7,9 @@
 #include <QSize>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
 
 class QPixmap;
 
@@ -26,14 +26,23 @@ public:
 
     // --- doing ---
 
-    /// Presses a key on whatever has the focus.
+    /// Presses a key on whatever has the focus, and lets it go on whatever has it then.
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void type(const QString &text);
+    void paste(const QString &text);
     void tapRow(int row);
+    /// Taps the list below its rows.
+    void tapBelowRows();
+    /// Touches a row with a finger, and moves that so many pixels down (or up) before lifting it.
+    void touchRow(int row, int way = 0);
+    /// Turns the mouse's wheel over the list by so many steps, downward.
+    void turnWheel(int steps);
     void tap(const QString &buttonText);
     void tapAt(const std::function<QWidget *()> &find, const QPoint &position);
     /// Opens the menu and chooses an entry; further texts lead into menus within it.
     void choose(const QStringList &path);
+    /// Another program comes in front of the window, and it comes back.
+    void leaveAndReturn();
     void resize(const QSize &size);
     void closeWindow();
     /// Does this on the screens' thread, without waiting for it.
@@ -54,6 +63,8 @@ public:
     /// A message box with this text.
     bool seesBox(const QString &text);
     bool seesNoBox();
+    /// A menu, or the entries of a drop-down list.
+    bool seesPopup();
     /// A header with this caption.
     bool seesCaption(const QString &caption);
     QStringList rows();
@@ -84,10 +95,16 @@ public:
     /// closed as by the window's own button. True when all screens ended.
     bool run(const std::function<void(User &)> &user);
 
+    /// For how long the screens' thread was at most blocked while the user worked.
+    std::chrono::milliseconds longestBlocked() const { return longestBlocked_; }
+
 private:
     DeviceParts device_;
     ScreenStack stack_;
     std::unique_ptr<AppState> state_;
+    std::chrono::milliseconds longestBlocked_{0};
 };
+
+QStringList storedCategories(const DeviceRoot &device);
 
 } // namespace tidebrook
