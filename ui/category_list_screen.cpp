@@ -123,7 +123,6 @@ void CategoryListScreen::showCategories(const QStringList &names) {
         isRefreshOwed_ = true; // and what is being typed stays
         return;
     }
-    state_.categories = names;
     QList<ListRow> rows;
     rows.reserve(names.size());
     for (const QString &name : names)
@@ -133,6 +132,14 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     setColumnWidth();
     if (std::exchange(leadsToTap_, false) && state_.stack.top() == dialog_)
         dialog_->post(CommandOpenChannels);
+}
+
+// As they stand in the list: what was added, renamed or deleted since they were read counts.
+QStringList CategoryListScreen::listedCategories() const {
+    QStringList names;
+    for (int row = 0; row < list_->rowCount(); ++row)
+        names.append(list_->rowText(row));
+    return names;
 }
 
 void CategoryListScreen::setColumnWidth() {
@@ -244,6 +251,7 @@ void CategoryListScreen::openCategory(int row) {
 }
 
 void CategoryListScreen::openChannels() {
+    state_.categories = listedCategories();
     ChannelListScreen screen(state_);
     if (RunDialog(ChannelListScreen::templateId, state_.stack, screen) == 1)
         dialog_->post(CommandRefreshCategories);

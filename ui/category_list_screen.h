@@ -27,6 +27,7 @@ public:
 private:
     void refresh();
     void showCategories(const QStringList &names);
+    QStringList listedCategories() const;
     void setColumnWidth();
     bool warnWithoutSelection();
 
