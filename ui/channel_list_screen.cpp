@@ -73,7 +73,7 @@ void ChannelListScreen::command(int id) {
 void ChannelListScreen::refresh() {
     list_->setFocus();
     list_->setRows({});
-    if (category().isEmpty())
+    if (category().isNull())
         return;
     auto rows = std::make_shared<QList<ListRow>>();
     state_.fills.launch(

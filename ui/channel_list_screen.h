@@ -27,6 +27,7 @@ public:
     void prepareMenu(ScreenMenu &menu) override;
 
 private:
+    /// Null where there is none: a name may be empty.
     QString category() const { return state_.categories.value(state_.currentCategory); }
     void refresh();
     void showRows(QList<ListRow> rows);
