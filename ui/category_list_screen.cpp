@@ -107,7 +107,8 @@ void CategoryListScreen::command(int id) {
 }
 
 void CategoryListScreen::refresh() {
-    list_->setFocus();
+    if (state_.stack.top() == dialog_ && !list_->isEditingLabel())
+        list_->setFocus();
     state_.changes.ask(
         dialog_, [&store = state_.device.categoryStore] { return store.listedCategories(); },
         [this](const std::optional<QStringList> &names) {

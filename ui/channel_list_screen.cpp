@@ -71,7 +71,8 @@ void ChannelListScreen::command(int id) {
 }
 
 void ChannelListScreen::refresh() {
-    list_->setFocus();
+    if (state_.stack.top() == dialog_)
+        list_->setFocus();
     list_->setRows({});
     if (category().isNull())
         return;
