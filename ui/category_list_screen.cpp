@@ -82,7 +82,8 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
 }
 
 void CategoryListScreen::command(int id) {
-    list_->finishEditing();
+    if (id != CommandRefreshCategories) // which is nothing that the user does
+        list_->finishEditing();
     switch (id) {
     case CommandNewCategory:
         return newCategory();
