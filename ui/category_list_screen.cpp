@@ -132,8 +132,7 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     list_->setRows(std::move(rows));
     list_->selectRow(0);
     setColumnWidth();
-    if (std::exchange(leadsToTap_, false) && state_.stack.top() == dialog_)
-        dialog_->post(CommandOpenChannels);
+    followTodayTap();
 }
 
 // As they stand in the list: what was added, renamed or deleted since they were read counts.
@@ -249,6 +248,8 @@ void CategoryListScreen::takeTap(int row) {
 
 void CategoryListScreen::openCategory(int row) {
     state_.currentCategory = row;
+    state_.todayTap = {};
+    leadsToTap_ = false;
     openChannels();
 }
 
@@ -260,6 +261,7 @@ void CategoryListScreen::openChannels() {
 }
 
 void CategoryListScreen::activated() {
+    followTodayTap();
     takeTodayTap();
     state_.stack.inputPanel().putDown();
 }
@@ -277,6 +279,12 @@ void CategoryListScreen::takeTodayTap() {
             leadsToTap_ = true; // once the tapped category is in the list
             dialog_->post(CommandRefreshCategories);
         });
+}
+
+// A tap waits for what lies over the list.
+void CategoryListScreen::followTodayTap() {
+    if (state_.stack.top() == dialog_ && std::exchange(leadsToTap_, false))
+        dialog_->post(CommandOpenChannels);
 }
 
 void CategoryListScreen::sized() {

@@ -42,6 +42,7 @@ private:
     void openChannels();
     void tellFailure();
     void takeTodayTap();
+    void followTodayTap();
 
     AppState &state_;
     Dialog *dialog_ = nullptr;
