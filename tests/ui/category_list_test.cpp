@@ -147,10 +147,10 @@ TEST_F(CategoryListTest, ARenamedCategoryHasTheNameThatWasMeantAndKeepsItsChanne
         {"right to left", u"חדשות (1)"_s, u"חדשות (1)"_s},
     };
     for (const Naming &naming : namings) {
-        SCOPED_TRACE(naming.what);
         const TestDevice own(seed);
         Session session(own.root);
         EXPECT_TRUE(session.run([&](User &user) {
+            SCOPED_TRACE(naming.what);
             ASSERT_TRUE(user.seesRows(seeded));
             user.press(Qt::Key_Down);
             user.press(Qt::Key_F2);
@@ -241,8 +241,10 @@ TEST_F(CategoryListTest, WhatIsDoneQuicklyIsDoneToTheRowThatIsMeant) {
         // Renamed, and deleted under its new name; the answer goes to the box, whatever is
         // refreshed behind it.
         user.press(Qt::Key_F2);
+        ASSERT_TRUE(user.seesEditor(u"News"_s));
         user.type(u"Old"_s);
         user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesNoEditor());
         user.press(Qt::Key_Delete);
         ASSERT_TRUE(user.seesBox(u"Are you sure you want to delete this category?"_s));
         ASSERT_TRUE(user.seesQuiet());
@@ -259,10 +261,13 @@ TEST_F(CategoryListTest, WhatIsBeingTypedStaysWhenTheListIsRefreshed) {
     run([](User &user) {
         ASSERT_TRUE(user.seesRows(seeded));
         user.press(Qt::Key_F2);
+        ASSERT_TRUE(user.seesEditor(u"News"_s));
         user.type(u"Sport"_s);
         user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesNoEditor());
         user.press(Qt::Key_Down);
         user.press(Qt::Key_F2);
+        ASSERT_TRUE(user.seesEditor(u"Science"_s));
         user.type(u"Mat"_s);
         ASSERT_TRUE(user.seesQuiet());
         EXPECT_TRUE(user.seesEditor(u"Mat"_s));
@@ -313,16 +318,18 @@ TEST(CategoryListSizeTest, RowsMakeRoomForTheScrollBarWhereThereIsOne) {
         int rows;
         bool hasScrollBar;
     };
-    for (const Case &one : {Case{{240, 320}, 6, false}, Case{{240, 320}, 7, true},
-                            Case{{320, 240}, 4, false}, Case{{320, 240}, 5, true},
-                            Case{{300, 300}, 4, false}, Case{{300, 300}, 5, true}}) {
-        SCOPED_TRACE(one.rows);
+    for (const Case &one :
+         {Case{{240, 320}, 6, false}, Case{{240, 320}, 7, true}, Case{{320, 240}, 4, false},
+          Case{{320, 240}, 5, true}, Case{{300, 300}, 4, false}, Case{{300, 300}, 5, true}}) {
         const TestDevice device(manyCategories(one.rows));
         Session session(device.root, one.screen);
         EXPECT_TRUE(session.run([&](User &user) {
+            SCOPED_TRACE(one.rows);
             const auto isRight = [&](int rows, bool hasScrollBar) {
                 return user.sees([&user, rows, hasScrollBar] {
                     const ListView *list = user.list();
+                    if (list == nullptr)
+                        return false; // a box lies over it
                     const int bar =
                         list->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, list);
                     return list->rowCount() == rows &&
@@ -337,7 +344,7 @@ TEST(CategoryListSizeTest, RowsMakeRoomForTheScrollBarWhereThereIsOne) {
             user.tap(u"Yes"_s);
             EXPECT_TRUE(isRight(one.rows - 1, false));
             user.resize(one.screen.transposed());
-            EXPECT_TRUE(isRight(one.rows - 1, one.rows == 5 && one.screen.width() < 300));
+            EXPECT_TRUE(isRight(one.rows - 1, one.screen.width() == 240));
         }));
     }
 }

@@ -29,7 +29,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patience = 20s;
+constexpr auto patience = 10s;
 constexpr auto lookAgainAfter = 2ms;
 
 QWidget *keyTarget(ScreenStack &stack) {
@@ -242,6 +242,10 @@ bool User::seesEditor(const QString &text) {
         return list() != nullptr && list()->isEditingLabel() &&
                list()->labelEditor()->text() == text;
     });
+}
+
+bool User::seesNoEditor() {
+    return sees([this] { return list() == nullptr || !list()->isEditingLabel(); });
 }
 
 bool User::seesBox(const QString &text) {

@@ -60,6 +60,7 @@ public:
     bool seesRows(const QStringList &names);
     bool seesSelected(int row);
     bool seesEditor(const QString &text);
+    bool seesNoEditor();
     /// A message box with this text.
     bool seesBox(const QString &text);
     bool seesNoBox();
