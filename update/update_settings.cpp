@@ -18,8 +18,9 @@ quint32 storedChoice(std::optional<int> choice) {
 }
 
 quint32 storedMode(std::optional<int> mode) {
-    const bool isChosen = mode == 0 || mode == 1;
-    return isChosen ? static_cast<quint32>(*mode) : 2;
+    constexpr int hourOfDay = 2;
+    const int number = mode.value_or(hourOfDay);
+    return number >= 0 && number < hourOfDay ? static_cast<quint32>(number) : hourOfDay;
 }
 
 } // namespace
