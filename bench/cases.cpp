@@ -1,6 +1,7 @@
 #include "bench/cases.h"
 
 #include "bench/floor.h"
+#include "bench/reader_cases.h"
 #include "bench/service_cases.h"
 #include "bench/store_maker.h"
 
@@ -52,9 +53,9 @@ Cases::Cases(const Options &options, const QString &folder)
     : options_(options), folder_(folder), runner_(folder, options.profiles) {}
 
 const QStringList &Cases::names() {
-    static const QStringList names{QStringLiteral("one"), QStringLiteral("held"),
-                                   QStringLiteral("many"), QStringLiteral("channels"),
-                                   QStringLiteral("service")};
+    static const QStringList names{QStringLiteral("one"),     QStringLiteral("held"),
+                                   QStringLiteral("many"),    QStringLiteral("channels"),
+                                   QStringLiteral("service"), QStringLiteral("reader")};
     return names;
 }
 
@@ -72,6 +73,8 @@ void Cases::run() {
         listChannels();
     if (isWanted(4))
         ServiceCases(options_, folder_, runner_, report_).run();
+    if (isWanted(5))
+        ReaderCases(options_, folder_, runner_, report_).run();
     report_.note(QStringLiteral("\nMedians of %1 runs, taken in turns; %2.\n%3 targets met, %4 not "
                                 "met.")
                      .arg(options_.runs)

@@ -115,14 +115,20 @@ std::array<Memory, 2> memoryOf(pid_t one, pid_t other) {
     return memories;
 }
 
-QSet<QString> librariesOf(pid_t process) {
-    QSet<QString> libraries;
+QSet<QString> filesOf(pid_t process) {
+    QSet<QString> files;
     for (const QByteArray &line : contentOf(folderOf(process) + u"/maps").split('\n')) {
         const qsizetype path = line.indexOf('/');
-        if (path >= 0 && line.contains(".so"))
-            libraries.insert(QString::fromLocal8Bit(line.mid(path)));
+        if (path >= 0)
+            files.insert(QString::fromLocal8Bit(line.mid(path)));
     }
-    return libraries;
+    return files;
+}
+
+QSet<QString> librariesOf(pid_t process) {
+    QSet<QString> files = filesOf(process);
+    files.removeIf([](const QString &path) { return !path.contains(u".so"); });
+    return files;
 }
 
 qint64 sleepsOf(pid_t process) { return sumOf(process, "voluntary_ctxt_switches"); }

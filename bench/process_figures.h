@@ -22,7 +22,8 @@ struct Memory {
 /// Of two processes at the same moment.
 std::array<Memory, 2> memoryOf(pid_t one, pid_t other);
 
-/// The shared objects that it has mapped.
+/// The files that it has mapped, and the shared objects among them.
+QSet<QString> filesOf(pid_t process);
 QSet<QString> librariesOf(pid_t process);
 
 /// How often its threads have gone to sleep. Those that have ended no longer count.
