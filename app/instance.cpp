@@ -23,6 +23,7 @@ namespace {
 
 constexpr QSize deskWindow(480, 640);
 constexpr int iconSize = 128;
+constexpr int windowIconDelay = 300; // ms
 constexpr int unseenPatience = 40; // ms until the window is shown without a screen in it
 
 std::atomic<StopSignal *> signalled = nullptr;
@@ -42,10 +43,9 @@ void watchSignals(StopSignal &stop) {
 
 } // namespace
 
-Instance::Instance(const DeviceRoot &device, SingleInstance &single)
-    : root_(device), single_(single) {
+Instance::Instance(DeviceOpening &opening, SingleInstance &single)
+    : opening_(opening), single_(single) {
     stack_.setWindowTitle(resourceString(programNameString));
-    stack_.setWindowIcon(icon("tidebrook", QSize(iconSize, iconSize), stack_.palette()));
     watchOthers();
 }
 
@@ -73,7 +73,7 @@ void Instance::watchOthers() {
 }
 
 bool Instance::InitInstance() {
-    const int messageId = openDevice();
+    const int messageId = awaitDevice();
     if (stack_.isClosing()) {
         device_->close();
         return false;
@@ -85,37 +85,32 @@ bool Instance::InitInstance() {
     return true;
 }
 
-// Usually that takes a few milliseconds, and the window appears with its first screen in it. Where
-// it takes longer, the window is there and alive meanwhile.
-int Instance::openDevice() {
-    WorkQueue opening;
+// Usually that is done by now, and the window appears with its first screen in it. Where it takes
+// longer, the window is there and alive meanwhile.
+int Instance::awaitDevice() {
+    WorkQueue waiting;
     QEventLoop loop;
-    int messageId = 0;
+    DeviceOpening::Opened opened;
     stack_.progressLine().begin();
     QTimer::singleShot(unseenPatience, &loop, [this] { showWindow(); });
-    const bool isBegun = opening.ask(
-        &loop,
-        [this] {
-            device_.emplace(root_);
-            return device_->open();
-        },
-        [&](int message) {
-            messageId = message;
+    const bool isWaiting = waiting.ask(
+        &loop, [this] { return opening_.take(); },
+        [&](DeviceOpening::Opened result) {
+            opened = std::move(result);
             loop.quit();
         });
-    if (isBegun) {
+    if (isWaiting)
         loop.exec();
-    } else {
-        device_.emplace(root_);
-        messageId = device_->open();
-    }
+    else
+        opened = opening_.take();
     stack_.progressLine().finish();
-    return messageId;
+    device_ = std::move(opened.device);
+    return opened.messageId;
 }
 
 void Instance::activateDownloader() {
     try {
-        activation_ = std::thread([root = root_] { activateService(root); });
+        activation_ = std::thread([root = opening_.root] { activateService(root); });
     } catch (const std::system_error &) {
         return; // updates will then find nobody, and say so
     }
@@ -135,6 +130,10 @@ void Instance::showWindow() {
 
 void Instance::runScreens(int messageId) {
     state_.emplace(*device_, stack_);
+    // Drawing it takes as long as all that the first screen shows, which comes first.
+    QTimer::singleShot(windowIconDelay, &stack_, [this] {
+        stack_.setWindowIcon(icon("tidebrook", QSize(iconSize, iconSize), stack_.palette()));
+    });
     if (messageId != 0)
         QTimer::singleShot(0, &stack_, [this, messageId] { ShowError(*state_, messageId); });
     OpenCategoryList(*state_);

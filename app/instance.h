@@ -1,13 +1,14 @@
 #pragma once
 
 #include "app/base/app_state.h"
-#include "platform/device_root.h"
+#include "app/device_opening.h"
 #include "platform/single_instance.h"
 #include "platform/stop_signal.h"
 #include "ui/kit/screen_stack.h"
 
 #include <QObject>
 
+#include <memory>
 #include <optional>
 #include <thread>
 
@@ -19,7 +20,8 @@ class Instance : public QObject {
     Q_OBJECT
 
 public:
-    Instance(const DeviceRoot &device, SingleInstance &single);
+    /// Both outlive it.
+    Instance(DeviceOpening &opening, SingleInstance &single);
     ~Instance() override;
 
     /// Brings everything up, shows the screens until the user leaves them, and takes everything
@@ -29,16 +31,16 @@ public:
 private:
     void watchOthers();
     void showWindow();
-    int openDevice();
+    int awaitDevice();
     void activateDownloader();
     void runScreens(int messageId);
     void closeDown();
 
-    const DeviceRoot root_;
+    DeviceOpening &opening_;
     SingleInstance &single_;
     ScreenStack stack_;
-    StopSignal stop_;                   // the system asks the program to end
-    std::optional<DeviceParts> device_; // ends after all who use it
+    StopSignal stop_;                     // the system asks the program to end
+    std::unique_ptr<DeviceParts> device_; // ends after all who use it
     std::optional<AppState> state_;
     std::thread activation_;
 };

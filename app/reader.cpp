@@ -16,13 +16,13 @@ namespace {
 constexpr std::chrono::seconds forwardPatience(15);
 
 void prepareApplication() {
+    installTouchStyle();
     QApplication::setApplicationName(QStringLiteral("tidebrook"));
     QApplication::setApplicationDisplayName(resourceString(programNameString));
     QApplication::setApplicationVersion(QStringLiteral(TIDEBROOK_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("tidebrook"));
     // The end of the screens is told by the category list, in nested loops, and by nothing else.
     QApplication::setQuitOnLastWindowClosed(false);
-    installTouchStyle();
 }
 
 void makeDevice(const DeviceRoot &device) {
@@ -41,9 +41,10 @@ int runReader(int argc, char **argv) {
     const SingleInstance::Claim claim = single.claim(forwardPatience);
     if (claim == SingleInstance::Claim::BroughtForward || claim == SingleInstance::Claim::NoAnswer)
         return 0;
-    const QApplication application(argc, argv);
+    DeviceOpening opening(device); // goes on while the application is made
     prepareApplication();
-    Instance instance(device, single);
+    const QApplication application(argc, argv);
+    Instance instance(opening, single);
     instance.InitInstance();
     return 0;
 }
