@@ -2,8 +2,6 @@
 
 #include "platform/text.h"
 
-#include <algorithm>
-
 namespace tidebrook {
 
 LabelEditor::LabelEditor(int limit, QWidget *parent) : QLineEdit(parent) {
@@ -14,14 +12,15 @@ LabelEditor::LabelEditor(int limit, QWidget *parent) : QLineEdit(parent) {
 }
 
 void LabelEditor::clean(const QString &text) {
-    QString cleaned = withoutControls(text);
-    if (!cleaned.isEmpty() && cleaned.back().isHighSurrogate())
-        cleaned.chop(1);
+    // What was put in ends at the cursor. It was cut to the room that was left for it.
+    QString before = withoutControls(text.left(cursorPosition()));
+    if (!before.isEmpty() && before.back().isHighSurrogate())
+        before.chop(1);
+    const QString cleaned = before + withoutControls(text.mid(cursorPosition()));
     if (cleaned == text)
         return;
-    const int cursor = cursorPosition();
     setText(cleaned);
-    setCursorPosition(std::min(cursor, static_cast<int>(cleaned.size())));
+    setCursorPosition(static_cast<int>(before.size()));
     setModified(true);
 }
 
