@@ -39,7 +39,7 @@ private:
 /// 1 or more stops and counts down. The counter is changed only under the mutex "RSSMutex".
 ///
 /// So a fill stops only once the stop requests outnumber the launches that were not balanced, and
-/// two fills may run at once: the rows of all but the newest are dropped. Used by the
+/// two fills of one screen may run at once: the rows of all but the newest are dropped. Used by the
 /// user-interface thread alone.
 class FillJobs : public QObject {
     Q_OBJECT
@@ -53,8 +53,8 @@ public:
         /// Collects what is to be shown, on the job's thread. It asks the stop before each row, and
         /// returns what it has when that is requested.
         std::function<void(FillStop &)> collect;
-        /// Shows it, on the user-interface thread. Not called when a newer fill was launched, or
-        /// the receiver is gone.
+        /// Shows it, on the user-interface thread. Not called when a newer fill was asked for by
+        /// the same receiver, or the receiver is gone.
         std::function<void()> show;
         /// Asks for the fill once more: a stop that was pending had it refused, and is balanced
         /// now.
@@ -82,10 +82,12 @@ private:
     struct Job {
         Fill fill;
         QPointer<QObject> receiver; // looked at on the user-interface thread alone
-        int generation = 0;
+        bool isOutdated = false;
         std::thread thread;
     };
 
+    void refuse(QObject *receiver, Fill fill);
+    void outdate(const QObject *receiver);
     void run(const std::shared_ptr<Job> &job);
     void end(const std::shared_ptr<Job> &job);
     bool count(int change, std::chrono::milliseconds patience);
@@ -94,7 +96,6 @@ private:
     NamedMutex &dbMutex_;
     std::atomic<int> fillStop_ = 0;
     std::vector<std::shared_ptr<Job>> jobs_;
-    int generation_ = 0; // of the newest fill
     std::atomic<bool> isFinished_ = false;
     std::function<void()> refused_; // is owed its `again`
     QPointer<QObject> refusedReceiver_;

@@ -36,20 +36,21 @@ void WorkQueue::workOff() {
         wake_.wait(guard, [this] { return isFinishing_ || !pieces_.empty(); });
         if (pieces_.empty())
             return;
-        const std::shared_ptr<Piece> piece = std::move(pieces_.front());
+        std::shared_ptr<Piece> piece = std::move(pieces_.front());
         pieces_.pop_front();
         guard.unlock();
         piece->work();
         piece->work = nullptr;
+        // Handed over whole: what `then` holds belongs to the other thread.
         QMetaObject::invokeMethod(
-            this, [this, piece] { tellOf(*piece); }, Qt::QueuedConnection);
+            this, [this, piece = std::move(piece)] { tellOf(*piece); }, Qt::QueuedConnection);
         guard.lock();
     }
 }
 
 void WorkQueue::tellOf(Piece &piece) {
     Q_EMIT done();
-    if (piece.then && !piece.receiver.isNull())
+    if (!isFinishing_ && piece.then && !piece.receiver.isNull())
         piece.then();
 }
 

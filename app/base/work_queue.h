@@ -61,7 +61,7 @@ private:
     std::mutex mutex_; // guards these
     std::condition_variable wake_;
     std::deque<std::shared_ptr<Piece>> pieces_;
-    bool isFinishing_ = false;
+    bool isFinishing_ = false; // written by the user-interface thread alone
 
     std::thread thread_; // begun with the first piece of work
 };
