@@ -7,23 +7,39 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <thread>
 
 namespace tidebrook {
 
 namespace {
 
-bool lockWhole(int descriptor) {
-    int result = flock(descriptor, LOCK_EX);
+// Nothing tells when a lock is let go.
+constexpr std::chrono::milliseconds lookPause(10);
+
+bool lockWhole(int descriptor, int operation) {
+    int result = flock(descriptor, operation);
     while (result != 0 && errno == EINTR)
-        result = flock(descriptor, LOCK_EX);
+        result = flock(descriptor, operation);
     return result == 0;
+}
+
+bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> patience) {
+    if (!patience)
+        return lockWhole(descriptor, LOCK_EX);
+    const auto end = std::chrono::steady_clock::now() + *patience;
+    while (!lockWhole(descriptor, LOCK_EX | LOCK_NB)) {
+        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(lookPause);
+    }
+    return true;
 }
 
 } // namespace
 
-FileLock::FileLock(const QString &path)
+FileLock::FileLock(const QString &path, std::optional<std::chrono::milliseconds> patience)
     : descriptor_(open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
-      isHeld_(descriptor_ >= 0 && lockWhole(descriptor_)) {}
+      isHeld_(descriptor_ >= 0 && lockInTime(descriptor_, patience)) {}
 
 FileLock::~FileLock() {
     if (descriptor_ >= 0)

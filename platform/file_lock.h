@@ -2,18 +2,23 @@
 
 #include <QString>
 
+#include <chrono>
+#include <optional>
+
 namespace tidebrook {
 
-/// Holds a file locked against other processes, and other locks of this one, while it lives; it
-/// waits for them. The lock ends with its holder, however that ends, and the file stays.
+/// Holds a file locked against other processes, and other locks of this one, while it lives. The
+/// lock ends with its holder, however that ends, and the file stays.
 class FileLock {
 public:
-    explicit FileLock(const QString &path);
+    /// Waits for the others, and, where there is a `patience`, not longer than that.
+    explicit FileLock(const QString &path,
+                      std::optional<std::chrono::milliseconds> patience = std::nullopt);
     ~FileLock();
     FileLock(const FileLock &) = delete;
     FileLock &operator=(const FileLock &) = delete;
 
-    /// False when the file could not be made or locked.
+    /// False when the file could not be made, or not locked in time.
     bool isHeld() const { return isHeld_; }
 
 private:

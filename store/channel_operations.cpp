@@ -73,6 +73,18 @@ bool FeedStore::FindCategory(const QString &name, QString &category) {
                  });
 }
 
+bool FeedStore::ListChannelCategories(QStringList &categories) {
+    const auto guard = lock();
+    categories.clear();
+    return query(QStringLiteral("SELECT DISTINCT CATEGORY FROM RSSCHRecord"),
+                 [&](SqlCommand &command) {
+                     return readRows(command, [&](const SqlRowset &rows) {
+                         categories.append(TrimTrailingBlanks(rows.text(0)).toString());
+                         return true;
+                     });
+                 });
+}
+
 bool FeedStore::GetChannelLink(const QString &category, const QString &name, QString &link) {
     const auto guard = lock();
     link.clear();

@@ -98,6 +98,8 @@ public:
     bool ListChannels(const QString &escapedCategory);
     /// The category that a channel is in; null when there is no such channel.
     bool FindCategory(const QString &name, QString &category);
+    /// Every category that any channel is in.
+    bool ListChannelCategories(QStringList &categories);
     /// An empty link when there is no such channel.
     bool GetChannelLink(const QString &category, const QString &name, QString &link);
     bool SetChannelLink(const QString &name, const QString &link);

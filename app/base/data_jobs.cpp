@@ -6,53 +6,82 @@
 #include "store/escape_sql.h"
 #include "update/auto_list.h"
 
+#include <mutex>
+
 namespace tidebrook {
 
 namespace {
 
-constexpr qsizetype categoryCapacity = 40;
+// One job's hold on the channels; somebody who never lets go of them does not keep it from its
+// work, each step of which is whole. The codes of earlier failures are not those of this one.
+class Change {
+public:
+    explicit Change(DeviceParts &device)
+        : channelsLock_(device.channelsLockPath(), DeviceParts::channelsPatience),
+          guard_(device.store->lock()), device_(device) {
+        device.store->clearError();
+    }
 
-bool fail(DeviceParts &device, quint32 code) {
-    const quint32 storeCode = device.store->error();
-    SetLastErrorCode(device.registry, storeCode != 0 ? storeCode : code);
-    return false;
-}
+    bool fail() {
+        const quint32 code = device_.store->error();
+        SetLastErrorCode(device_.registry, code != 0 ? code : quint32{DatabaseFailed});
+        return false;
+    }
+
+private:
+    const FileLock channelsLock_;
+    const std::unique_lock<std::recursive_mutex> guard_;
+    DeviceParts &device_;
+};
 
 // In this order a program that ends in the middle leaves no channel without a category.
 bool renameCategory(DeviceParts &device, const QString &newName, const QString &oldName) {
-    const FileLock channelsLock(device.channelsLockPath());
+    Change change(device);
     if (!device.categoryStore.AddCategory(newName))
-        return fail(device, DatabaseFailed);
+        return change.fail();
     if (!device.store->MoveCategory(oldName, newName)) {
         device.categoryStore.DeleteCategory(newName);
-        return fail(device, DatabaseFailed);
+        return change.fail();
     }
-    return device.categoryStore.DeleteCategory(oldName) || fail(device, DatabaseFailed);
+    return device.categoryStore.DeleteCategory(oldName) || change.fail();
+}
+
+void dropAutomatic(DeviceParts &device, const QString &channel) {
+    const QString any = QStringLiteral("");
+    if (isAutoUpdated(device.root, channel))
+        setAutoUpdate(device.root, {any, channel, any}, false);
 }
 
 bool deleteCategory(DeviceParts &device, const QString &category) {
-    const FileLock channelsLock(device.channelsLockPath());
-    const auto guard = device.store->lock();
-    QStringList channels;
+    Change change(device);
     bool isDone = device.store->ListChannels(escapedCategory(category));
-    if (isDone) {
-        for (const ChannelRow &row : device.store->takeChannelRows())
-            channels.append(row.nameText());
-        isDone = device.store->DeleteCategoryChannels(category);
-    }
+    const QList<ChannelRow> channels = device.store->takeChannelRows();
+    isDone = isDone && device.store->DeleteCategoryChannels(category);
     if (!isDone) {
         device.categoryStore.AddCategory(category);
-        return fail(device, DatabaseFailed);
+        return change.fail();
     }
-    for (const QString &channel : channels) {
-        if (isAutoUpdated(device.root, channel))
-            setAutoUpdate(device.root, {QStringLiteral(""), channel, category}, false);
-    }
+    for (const ChannelRow &channel : channels)
+        dropAutomatic(device, channel.nameText());
     device.store->PublishTotalUnread();
     return true;
 }
 
-QString cut(const QString &category) { return cutText(category, categoryCapacity).toString(); }
+bool addChannel(DeviceParts &device, const ChannelRecord &record) {
+    Change change(device);
+    return device.store->InsertChannel(record) || change.fail();
+}
+
+bool deleteChannel(DeviceParts &device, const QString &channel) {
+    Change change(device);
+    if (!device.store->DeleteChannel(channel))
+        return change.fail();
+    dropAutomatic(device, channel);
+    device.store->PublishTotalUnread();
+    return true;
+}
+
+QString cut(const QString &name, qsizetype capacity) { return cutText(name, capacity).toString(); }
 
 } // namespace
 
@@ -60,7 +89,8 @@ bool startRenameCategory(AppState &state, QObject *receiver, const QString &newN
                          const QString &oldName, JobEnd end) {
     return state.changes.ask(
         receiver,
-        [&device = state.device, newName = cut(newName), oldName = cut(oldName)] {
+        [&device = state.device, newName = cut(newName, categoryCapacity),
+         oldName = cut(oldName, categoryCapacity)] {
             return renameCategory(device, newName, oldName);
         },
         std::move(end));
@@ -69,8 +99,23 @@ bool startRenameCategory(AppState &state, QObject *receiver, const QString &newN
 bool startDeleteCategory(AppState &state, QObject *receiver, const QString &category, JobEnd end) {
     return state.changes.ask(
         receiver,
-        [&device = state.device, category = cut(category)] {
+        [&device = state.device, category = cut(category, categoryCapacity)] {
             return deleteCategory(device, category);
+        },
+        std::move(end));
+}
+
+bool startAddChannel(AppState &state, QObject *receiver, const ChannelRecord &record, JobEnd end) {
+    return state.changes.ask(
+        receiver, [&device = state.device, record] { return addChannel(device, record); },
+        std::move(end));
+}
+
+bool startDeleteChannel(AppState &state, QObject *receiver, const QString &channel, JobEnd end) {
+    return state.changes.ask(
+        receiver,
+        [&device = state.device, channel = cut(channel, channelNameCapacity)] {
+            return deleteChannel(device, channel);
         },
         std::move(end));
 }

@@ -12,7 +12,8 @@ using JobEnd = std::function<void(bool isDone)>;
 // The jobs that change channels and categories. Each is started, not waited for, and done in the
 // order in which it was started; one that is under way when the program ends is done before that.
 // Names are cut to 40 (category), 50 (channel) and 512 (address) characters. True when the job was
-// started. A failure leaves its code in "ERRORNO", and what was there before as it was.
+// started; otherwise nobody is told. A failure leaves its code in "ERRORNO", and what was there
+// before as it was.
 
 /// Renames a category, with all its channels and articles: it is in the list of categories under
 /// one of its names at every moment, with its channels.
@@ -23,5 +24,11 @@ bool startRenameCategory(AppState &state, QObject *receiver, const QString &newN
 /// and takes them off the list of automatic updates. When that fails the category is put on the
 /// list again.
 bool startDeleteCategory(AppState &state, QObject *receiver, const QString &category, JobEnd end);
+
+/// Adds a channel. Where its name is taken it may get another, as `FeedStore::InsertChannel` tells.
+bool startAddChannel(AppState &state, QObject *receiver, const ChannelRecord &record, JobEnd end);
+
+/// Deletes a channel with all its articles, and takes it off the list of automatic updates.
+bool startDeleteChannel(AppState &state, QObject *receiver, const QString &channel, JobEnd end);
 
 } // namespace tidebrook

@@ -1,8 +1,10 @@
 #include "app/base/device_parts.h"
 
 #include "platform/file_lock.h"
+#include "platform/text.h"
 #include "res/strings.h"
 #include "store/error_codes.h"
+#include "store/escape_sql.h"
 #include "store/seeding.h"
 
 namespace tidebrook {
@@ -15,7 +17,7 @@ DeviceParts::DeviceParts(const DeviceRoot &deviceRoot)
 }
 
 int DeviceParts::open() {
-    const FileLock channelsLock(channelsLockPath());
+    const FileLock channelsLock(channelsLockPath(), channelsPatience);
     const bool isRegistryReadable = registry.isOpen() && registry.values(programKey).has_value();
     quint32 categoryCount = 0;
     settings.RegReadDword(programKey, u"CategoryNumber", categoryCount);
@@ -26,7 +28,21 @@ int DeviceParts::open() {
         return fileProblemString;
     if (!isStoreOpen)
         return store->error() == SeedFileMissing ? fileProblemString : databaseProblemString;
+    listLostCategories();
     return 0;
+}
+
+void DeviceParts::listLostCategories() {
+    QStringList ofChannels;
+    auto listed = categoryStore.listedCategories();
+    if (!listed || !store->ListChannelCategories(ofChannels))
+        return;
+    for (QString &name : *listed)
+        name = TrimTrailingBlanks(withoutDropped(name)).toString();
+    for (const QString &name : ofChannels) {
+        if (!name.isEmpty() && !listed->contains(name))
+            categoryStore.AddCategory(name);
+    }
 }
 
 void DeviceParts::close() {

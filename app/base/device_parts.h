@@ -9,6 +9,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <optional>
 
 namespace tidebrook {
@@ -30,15 +31,21 @@ public:
     NamedMutex dbMutex;             ///< "RSSMutex"
 
     /// Seeds the categories where there are none, and opens the database, which makes and seeds it
-    /// on first use. May take long. Gives back the string of what is to be told to the user, or 0:
-    /// the screens work on what could be had.
+    /// on first use. Lists again what categories channels are in that no list has, as when a
+    /// deletion was cut short: nobody would see them any more. May take long. Gives back the string
+    /// of what is to be told to the user, or 0: the screens work on what could be had.
     int open();
 
     /// Closes the database for good. Nobody may be using it.
     void close();
 
-    /// The file to lock for a change of several steps, so that nobody sees it half done.
+    /// The file to lock for a change of several steps, so that nobody sees it half done, and how
+    /// long to wait for it: as long as for the database.
     QString channelsLockPath() const { return root.filePath(u"\\run\\channels.lock"); }
+    static constexpr std::chrono::seconds channelsPatience{5};
+
+private:
+    void listLostCategories();
 };
 
 } // namespace tidebrook
