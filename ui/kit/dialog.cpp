@@ -9,6 +9,8 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include <utility>
+
 namespace tidebrook {
 
 namespace {
@@ -33,18 +35,32 @@ void Dialog::post(int command) {
     QMetaObject::invokeMethod(
         this,
         [this, command] {
-            if (!hasEnded())
+            if (isOnTop())
+                procedure_.command(command);
+            else
+                waiting_.append(command);
+        },
+        Qt::QueuedConnection);
+}
+
+void Dialog::choose(int command) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, command] {
+            if (isOnTop())
                 procedure_.command(command);
         },
         Qt::QueuedConnection);
 }
+
+bool Dialog::isOnTop() const { return !hasEnded() && stack().top() == this; }
 
 bool Dialog::makeMenuBar(int resourceId) {
     const MenuBarResource *resource = menuBarResource(resourceId);
     if (resource == nullptr)
         return false;
     menuBar_ = new MenuBar(*resource, this);
-    connect(menuBar_, &MenuBar::chosen, this, &Dialog::post);
+    connect(menuBar_, &MenuBar::chosen, this, &Dialog::choose);
     connect(menuBar_, &MenuBar::menuAboutToOpen, this,
             [this](ScreenMenu &menu) { procedure_.prepareMenu(menu); });
     return true;
@@ -53,7 +69,7 @@ bool Dialog::makeMenuBar(int resourceId) {
 HeaderBar &Dialog::makeHeaderBar(const QString &caption) {
     headerBar_ = new HeaderBar(this);
     headerBar_->setCaption(caption);
-    connect(headerBar_, &HeaderBar::chosen, this, &Dialog::post);
+    connect(headerBar_, &HeaderBar::chosen, this, &Dialog::choose);
     return *headerBar_;
 }
 
@@ -72,7 +88,11 @@ void Dialog::relayout() {
     procedure_.sized();
 }
 
-void Dialog::activated() { procedure_.activated(); }
+void Dialog::activated() {
+    for (const int command : std::exchange(waiting_, {}))
+        post(command);
+    procedure_.activated();
+}
 
 void Dialog::closeRequested() { procedure_.close(); }
 
@@ -90,7 +110,7 @@ void Dialog::resizeEvent(QResizeEvent *) { relayout(); }
 
 void Dialog::goBack() {
     if (const auto command = procedure_.backCommand())
-        post(*command);
+        choose(*command);
 }
 
 void Dialog::keyPressEvent(QKeyEvent *event) {
@@ -104,7 +124,7 @@ void Dialog::keyPressEvent(QKeyEvent *event) {
         goBack();
     } else if (const auto command = procedure_.commandOfKey(*event)) {
         if (menuBar_ == nullptr || menuBar_->isEnabled(*command))
-            post(*command);
+            choose(*command);
     } else {
         event->ignore();
     }

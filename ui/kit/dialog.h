@@ -22,9 +22,13 @@ public:
     Form &form() const { return *form_; }
     template <class Widget> Widget *control(int id) const { return form_->control<Widget>(id); }
 
-    /// Sends a command to the procedure, never before the present event is done with. One that is
-    /// still waiting when the dialog ends is forgotten.
+    /// Sends a command to the procedure, never before the present event is done with, nor while
+    /// something lies above the dialog. One that is still waiting when the dialog ends is
+    /// forgotten.
     void post(int command);
+    /// The same for a command that the user gave. It was not meant for what lies above the dialog
+    /// by then, if anything does, nor for what the dialog shows afterwards: then it is forgotten.
+    void choose(int command);
 
     /// False when there is no such resource.
     bool makeMenuBar(int resourceId);
@@ -49,6 +53,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    bool isOnTop() const;
     void goBack();
 
     const int templateId_;
@@ -56,6 +61,7 @@ private:
     Form *form_;
     MenuBar *menuBar_ = nullptr;
     HeaderBar *headerBar_ = nullptr;
+    QList<int> waiting_; // posted while something lay above
 };
 
 /// Opens a dialog by the id of its portrait template, on top of whatever the stack shows, and

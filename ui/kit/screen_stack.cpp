@@ -65,7 +65,7 @@ void ScreenStack::pop(Layer &layer) {
         return;
     if (isClosing_) // after whoever opened the layer has looked at its result
         QMetaObject::invokeMethod(this, &ScreenStack::closeTop, Qt::QueuedConnection);
-    else
+    else if (!below->hasEnded())
         below->activated();
 }
 
