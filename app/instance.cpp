@@ -55,11 +55,11 @@ void Instance::watchOthers() {
     if (single_.requestDescriptor() >= 0) {
         auto *requests =
             new QSocketNotifier(single_.requestDescriptor(), QSocketNotifier::Read, this);
-        connect(requests, &QSocketNotifier::activated, this, [this] {
-            if (const auto token = single_.takeRequest()) {
-                qputenv("XDG_ACTIVATION_TOKEN", token->toUtf8());
-                stack_.bringForward();
-            }
+        connect(requests, &QSocketNotifier::activated, this, [this, requests] {
+            if (stack_.isClosing() || stop_.isRaised())
+                requests->setEnabled(false); // whoever asks is to run itself
+            else
+                comeForward();
         });
     }
     watchSignals(stop_);
@@ -69,6 +69,14 @@ void Instance::watchOthers() {
             stops->setEnabled(false);
             stack_.close();
         });
+    }
+}
+
+void Instance::comeForward() {
+    if (const auto token = single_.takeRequest()) {
+        qputenv("XDG_ACTIVATION_TOKEN", token->toUtf8());
+        showWindow();
+        stack_.bringForward();
     }
 }
 

@@ -30,6 +30,7 @@ public:
 
 private:
     void watchOthers();
+    void comeForward();
     void showWindow();
     int awaitDevice();
     void activateDownloader();
