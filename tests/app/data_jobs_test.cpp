@@ -212,6 +212,7 @@ void deleteForEver(Parts &parts) {
 struct KillCase {
     const char *what;
     void (*work)(Parts &);
+    bool needsNextStart; // which makes it good
 };
 
 class KilledReader : public testing::TestWithParam<KillCase> {};
@@ -234,15 +235,16 @@ TEST_P(KilledReader, LeavesEveryChannelInAListedCategory) {
             std::chrono::microseconds(std::uniform_int_distribution(0, 40'000)(random)));
         reader.kill();
         reader.wait();
-        const Parts next(device.root);
+        if (GetParam().needsNextStart)
+            const Parts next(device.root);
         Registry registry(device.root);
         EXPECT_EQ(checkStore(device.root, registry), QStringList());
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, KilledReader,
-                         testing::Values(KillCase{"RenamingACategory", renameForEver},
-                                         KillCase{"DeletingACategory", deleteForEver}),
+                         testing::Values(KillCase{"RenamingACategory", renameForEver, false},
+                                         KillCase{"DeletingACategory", deleteForEver, true}),
                          [](const auto &test) { return std::string(test.param.what); });
 
 } // namespace
