@@ -98,7 +98,9 @@ void CategoryListScreen::command(int id) {
     case CommandExit:
         return close();
     case CommandOpenChannels:
-        return openChannels();
+        if (state_.stack.top() == dialog_) // and the user was not faster
+            openChannels();
+        return;
     case CommandRefreshCategories:
         return refresh();
     default:
@@ -249,7 +251,6 @@ void CategoryListScreen::takeTap(int row) {
 void CategoryListScreen::openCategory(int row) {
     state_.currentCategory = row;
     state_.todayTap = {};
-    leadsToTap_ = false;
     openChannels();
 }
 
@@ -275,16 +276,17 @@ void CategoryListScreen::takeTodayTap() {
         [this](const std::optional<TodayTap> &tap) {
             if (!tap)
                 return;
-            state_.todayTap = *tap;
-            leadsToTap_ = true; // once the tapped category is in the list
+            tap_ = tap; // once its category is in the list
             dialog_->post(CommandRefreshCategories);
         });
 }
 
-// A tap waits for what lies over the list.
+// A tap waits for what lies over the list, as for the list itself.
 void CategoryListScreen::followTodayTap() {
-    if (state_.stack.top() == dialog_ && std::exchange(leadsToTap_, false))
-        dialog_->post(CommandOpenChannels);
+    if (!tap_ || state_.stack.top() != dialog_ || list_->rowCount() == 0)
+        return;
+    state_.todayTap = *std::exchange(tap_, std::nullopt);
+    dialog_->post(CommandOpenChannels);
 }
 
 void CategoryListScreen::sized() {

@@ -47,8 +47,8 @@ private:
     AppState &state_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
-    bool isRefreshOwed_ = false; // rows came while a label was being edited
-    bool leadsToTap_ = false;    // a headline was tapped, whose channels the next rows lead to
+    bool isRefreshOwed_ = false;  // rows came while a label was being edited
+    std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
 };
 
 /// Shows the category list, and with it every other screen, until the user leaves it.

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <semaphore>
+
 namespace tidebrook {
 namespace {
 
@@ -384,7 +386,9 @@ TEST_F(CategoryListTest, AHeadlineTappedTodayLeadsIntoItsCategory) {
         tapped.set();
     };
     tapHeadline(u"Science"_s);
-    run([&](User &user) {
+    std::counting_semaphore<> gate(0);
+    Session session(device.root);
+    EXPECT_TRUE(session.run([&](User &user) {
         EXPECT_TRUE(user.seesCaption(u"Science"_s)) << "tapped before the reader was started";
         EXPECT_TRUE(user.seesRows({u"Moon"_s, u"Star"_s}));
         user.press(Qt::Key_Escape);
@@ -400,19 +404,34 @@ TEST_F(CategoryListTest, AHeadlineTappedTodayLeadsIntoItsCategory) {
         user.press(Qt::Key_Escape);
         ASSERT_TRUE(user.seesRows(seeded) && user.seesQuiet());
 
-        // While something else is open the tap waits; it never sends another choice astray.
+        // What is told of a tap late waits for what was opened meanwhile.
+        const auto tapAndBeSlow = [&] {
+            user.look([&] { session.state().settings.tell([&gate] { gate.acquire(); }); });
+            tapHeadline(u"Science"_s);
+            user.leaveAndReturn();
+        };
+        tapAndBeSlow();
         user.press(Qt::Key_Delete);
         ASSERT_TRUE(user.seesBox(u"Are you sure you want to delete this category?"_s));
-        tapHeadline(u"Science"_s);
-        user.leaveAndReturn();
+        gate.release();
         ASSERT_TRUE(user.seesQuiet());
         user.tap(u"No"_s);
         EXPECT_TRUE(user.seesCaption(u"Science"_s));
         user.press(Qt::Key_Escape);
         ASSERT_TRUE(user.seesRows(seeded) && user.seesQuiet());
-        user.tapRow(0);
+
+        // It sends no other choice astray, and waits for that too.
+        tapAndBeSlow();
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesCaption(u"News"_s));
+        gate.release();
+        ASSERT_TRUE(user.seesQuiet());
         EXPECT_TRUE(user.seesCaption(u"News"_s));
-    });
+        user.press(Qt::Key_Escape);
+        EXPECT_TRUE(user.seesCaption(u"Science"_s));
+        user.press(Qt::Key_Escape);
+        EXPECT_TRUE(user.seesRows(seeded) && user.seesQuiet());
+    }));
 }
 
 } // namespace
