@@ -118,7 +118,7 @@ void CategoryListScreen::refresh() {
             if (names)
                 showCategories(*names);
             else
-                ShowError(state_, fileProblemString);
+                tellFileProblem();
         });
 }
 
@@ -162,9 +162,13 @@ void CategoryListScreen::newCategory() {
     setColumnWidth();
     state_.changes.ask(
         dialog_, [&store = state_.device.categoryStore, name] { return store.AddCategory(name); },
-        [this](bool isAdded) {
-            if (!isAdded)
-                tellFailure();
+        [this, name](bool isAdded) {
+            if (isAdded)
+                return;
+            list_->cancelEditing();
+            if (const int row = list_->findRow(name); row >= 0)
+                list_->removeRow(row);
+            tellFailure();
         });
     list_->editLabel(0);
 }
@@ -229,7 +233,15 @@ void CategoryListScreen::dropRow(const QString &name) {
 void CategoryListScreen::tellFailure() {
     list_->cancelEditing();
     dialog_->post(CommandRefreshCategories);
+    tellFileProblem();
+}
+
+// What fails behind the box, as the refresh where nothing can be read, is not told once more.
+void CategoryListScreen::tellFileProblem() {
+    if (std::exchange(isTelling_, true))
+        return;
     ShowError(state_, fileProblemString);
+    isTelling_ = false;
 }
 
 void CategoryListScreen::takeKey(int key, bool &isTaken) {

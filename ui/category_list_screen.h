@@ -41,12 +41,14 @@ private:
     void openCategory(int row);
     void openChannels();
     void tellFailure();
+    void tellFileProblem();
     void takeTodayTap();
     void followTodayTap();
 
     AppState &state_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
+    bool isTelling_ = false;      // of a failure, in a box that is open
     bool isRefreshOwed_ = false;  // rows came while a label was being edited
     std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
 };
