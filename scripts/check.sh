@@ -35,6 +35,7 @@ runTidy() {
 
 runAddressSanitizer() {
     env ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+        LSAN_OPTIONS=suppressions="$PWD/tests/lsan_suppressions.txt:print_suppressions=0" \
         scripts/test.sh asan
 }
 
