@@ -24,7 +24,7 @@ namespace {
 constexpr QSize deskWindow(480, 640);
 constexpr int iconSize = 128;
 constexpr int windowIconDelay = 300; // ms
-constexpr int unseenPatience = 40; // ms until the window is shown without a screen in it
+constexpr int unseenPatience = 40;   // ms until the window is shown without a screen in it
 
 std::atomic<StopSignal *> signalled = nullptr;
 

@@ -9,6 +9,8 @@
 
 #include <QApplication>
 
+#include <cstdio>
+
 namespace tidebrook {
 
 namespace {
@@ -16,7 +18,6 @@ namespace {
 constexpr std::chrono::seconds forwardPatience(15);
 
 void prepareApplication() {
-    installTouchStyle();
     QApplication::setApplicationName(QStringLiteral("tidebrook"));
     QApplication::setApplicationDisplayName(resourceString(programNameString));
     QApplication::setApplicationVersion(QStringLiteral(TIDEBROOK_VERSION));
@@ -39,11 +40,14 @@ int runReader(int argc, char **argv) {
     makeDevice(device);
     SingleInstance single(device);
     const SingleInstance::Claim claim = single.claim(forwardPatience);
+    if (claim == SingleInstance::Claim::NoAnswer)
+        std::fputs("tidebrook: it runs already, but does not answer\n", stderr);
     if (claim == SingleInstance::Claim::BroughtForward || claim == SingleInstance::Claim::NoAnswer)
         return 0;
     DeviceOpening opening(device); // goes on while the application is made
     prepareApplication();
     const QApplication application(argc, argv);
+    installTouchStyle(); // over that of the desktop, which is known now
     Instance instance(opening, single);
     instance.InitInstance();
     return 0;

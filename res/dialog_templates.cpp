@@ -9,16 +9,11 @@ namespace {
 
 constexpr ControlTemplate control(quint16 id, ControlKind kind, UnitRect rect,
                                   const char16_t *text = nullptr, int styleBits = StyleNone) {
-    return {id, kind, rect, text, nullptr, false, styleBits};
-}
-
-constexpr ControlTemplate first(ControlTemplate ofGroup) {
-    ofGroup.startsGroup = true;
-    return ofGroup;
+    return {id, kind, rect, text, nullptr, styleBits};
 }
 
 constexpr ControlTemplate image(const char *icon, UnitRect rect) {
-    return {anonymousControl, ControlKind::Image, rect, nullptr, icon, false, StyleNone};
+    return {anonymousControl, ControlKind::Image, rect, nullptr, icon, StyleNone};
 }
 
 constexpr ControlTemplate label(quint16 id, UnitRect rect, const char16_t *text) {
@@ -80,23 +75,23 @@ constexpr std::array todaySettingWide{
 };
 
 constexpr std::array autoUpdate{
-    first(control(1004, ControlKind::RadioButton, {8, 6, 224, 34}, u"Never Auto Update")),
+    control(1004, ControlKind::RadioButton, {8, 6, 224, 34}, u"Never Auto Update"),
     control(1005, ControlKind::RadioButton, {8, 46, 122, 34}, u"Update Interval"),
     control(1008, ControlKind::DropDownList, {132, 46, 100, 34}),
     control(1006, ControlKind::RadioButton, {8, 86, 122, 34}, u"Update Time"),
     control(1007, ControlKind::DropDownList, {132, 86, 100, 34}),
-    first(control(1009, ControlKind::CheckBox, {8, 126, 224, 34},
-                  u"Only update when ActiveSync available")),
+    control(1009, ControlKind::CheckBox, {8, 126, 224, 34},
+            u"Only update when ActiveSync available"),
     control(1010, ControlKind::CheckBox, {8, 166, 224, 34}, u"Never update when roaming"),
 };
 constexpr std::array autoUpdateWide{
-    first(control(1004, ControlKind::RadioButton, {8, 7, 186, 34}, u"Never Auto Update")),
+    control(1004, ControlKind::RadioButton, {8, 7, 186, 34}, u"Never Auto Update"),
     control(1005, ControlKind::RadioButton, {8, 48, 84, 34}, u"Update Interval"),
     control(1008, ControlKind::DropDownList, {94, 48, 100, 34}),
     control(1006, ControlKind::RadioButton, {8, 89, 84, 34}, u"Update Time"),
     control(1007, ControlKind::DropDownList, {94, 89, 100, 34}),
-    first(control(1009, ControlKind::CheckBox, {200, 7, 116, 75},
-                  u"Only Update when ActiveSync available")),
+    control(1009, ControlKind::CheckBox, {200, 7, 116, 75},
+            u"Only Update when ActiveSync available"),
     control(1010, ControlKind::CheckBox, {200, 89, 116, 34}, u"Never update when roaming"),
 };
 
@@ -125,17 +120,17 @@ constexpr std::array propertiesWide{
 constexpr std::array howToAdd{
     titleLabel(1019, u"New Channel", 240),
     label(1020, {8, 28, 224, 32}, u"How should the new channel be added?"),
-    first(control(1021, ControlKind::RadioButton, {8, 62, 224, 34}, u"Input from URL")),
+    control(1021, ControlKind::RadioButton, {8, 62, 224, 34}, u"Input from URL"),
     control(1022, ControlKind::RadioButton, {8, 98, 224, 34}, u"Import from a file"),
-    first(label(1023, {8, 140, 224, 18}, u"Enter the URL:")),
+    label(1023, {8, 140, 224, 18}, u"Enter the URL:"),
     control(1024, ControlKind::Edit, {8, 158, 224, 34}),
 };
 constexpr std::array howToAddWide{
     titleLabel(1019, u"New Channel", 320),
     label(1020, {8, 28, 304, 18}, u"How should the new channel be added?"),
-    first(control(1021, ControlKind::RadioButton, {8, 50, 148, 34}, u"Input from URL")),
+    control(1021, ControlKind::RadioButton, {8, 50, 148, 34}, u"Input from URL"),
     control(1022, ControlKind::RadioButton, {164, 50, 148, 34}, u"Import from a file"),
-    first(label(1023, {8, 92, 304, 18}, u"Enter the URL:")),
+    label(1023, {8, 92, 304, 18}, u"Enter the URL:"),
     control(1024, ControlKind::Edit, {8, 110, 304, 34}),
 };
 

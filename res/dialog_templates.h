@@ -12,7 +12,7 @@ enum class ControlKind : quint8 {
     Image, ///< an icon of `res/icons.h`
     PushButton,
     CheckBox,    ///< its text wraps
-    RadioButton, ///< exclusive from one that starts a group to the next that does; its text wraps
+    RadioButton, ///< exclusive among those of its dialog; its text wraps
     Edit,        ///< one line of text
     DropDownList,
     ListBox,
@@ -38,6 +38,8 @@ struct UnitRect {
 
 inline constexpr int titleStripUnits = 18;
 inline constexpr int menuBarUnits = 34;
+/// What a header bar takes of the dialog's own area, besides the title strip.
+inline constexpr int headerBarUnits = 23;
 
 struct ControlTemplate {
     quint16 id = anonymousControl;
@@ -45,8 +47,7 @@ struct ControlTemplate {
     UnitRect rect;
     const char16_t *text = nullptr; // none: the dialog itself puts it in, and it stays at a turn
     const char *icon = nullptr;     // its name in res/icons
-    bool startsGroup = false;
-    int styleBits = 0; // see TemplateStyle
+    int styleBits = 0;              // see TemplateStyle
 };
 
 /// Details of how a control looks or behaves.

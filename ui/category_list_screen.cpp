@@ -64,10 +64,7 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
     QObject::connect(list_, &ListView::tapped, &dialog, [this](int row) { takeTap(row); });
     QObject::connect(list_, &ListView::labelEdited, &dialog,
                      [this](int row, const QString &text) { endLabelEdit(row, text); });
-    QObject::connect(list_, &ListView::labelEditEnded, &dialog, [this] {
-        if (std::exchange(isRefreshOwed_, false))
-            dialog_->post(CommandRefreshCategories);
-    });
+    QObject::connect(list_, &ListView::labelEditEnded, &dialog, [this] { catchUp(); });
     QObject::connect(&state_.stack.inputPanel(), &InputPanel::changed, &dialog,
                      [this] { dialog_->relayout(); });
 
@@ -75,7 +72,7 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
     dialog.menuBar()->enable(CommandUpdateCategory, false);
     dialog.menuBar()->enable(CommandExportCategory, false);
 
-    readFontSize(state_, &dialog, [] {});
+    readFontSize(state_, &dialog);
     dialog.makeHeaderBar(resourceString(allCategoriesString));
     dialog.post(CommandRefreshCategories);
     return true;
@@ -105,7 +102,7 @@ void CategoryListScreen::command(int id) {
         return refresh();
     default:
         if (chooseFontSize(state_, id))
-            refresh();
+            dialog_->post(CommandRefreshCategories);
     }
 }
 
@@ -118,13 +115,14 @@ void CategoryListScreen::refresh() {
             if (names)
                 showCategories(*names);
             else
-                tellFileProblem();
+                tellFailure(fileProblemString);
         });
 }
 
 void CategoryListScreen::showCategories(const QStringList &names) {
-    if (list_->isEditingLabel()) {
-        isRefreshOwed_ = true; // and what is being typed stays
+    // What is being typed stays, and what is not stored yet would be missing from the names.
+    if (list_->isEditingLabel() || changes_ > 0) {
+        isRefreshOwed_ = true;
         return;
     }
     QList<ListRow> rows;
@@ -156,21 +154,44 @@ bool CategoryListScreen::warnWithoutSelection() {
     return true;
 }
 
+// The end of a change that the list shows already: the rows that are stored are not shown before.
+JobEnd CategoryListScreen::counted(JobEnd end) {
+    ++changes_;
+    return [this, end = std::move(end)](int messageId) {
+        --changes_;
+        end(messageId);
+        catchUp();
+    };
+}
+
+// What had to wait while a label was edited or a change was under way.
+void CategoryListScreen::catchUp() {
+    if (list_->isEditingLabel() || changes_ > 0)
+        return;
+    if (std::exchange(isRefreshOwed_, false))
+        dialog_->post(CommandRefreshCategories);
+    if (const int messageId = std::exchange(owedMessage_, 0); messageId != 0)
+        tellFailure(messageId);
+}
+
 void CategoryListScreen::newCategory() {
     const QString name = newName(*list_);
     list_->insertRow(0, {name});
     setColumnWidth();
-    state_.changes.ask(
-        dialog_, [&store = state_.device.categoryStore, name] { return store.AddCategory(name); },
-        [this, name](bool isAdded) {
-            if (isAdded)
-                return;
-            list_->cancelEditing();
-            if (const int row = list_->findRow(name); row >= 0)
-                list_->removeRow(row);
-            tellFailure();
-        });
     list_->editLabel(0);
+    const JobEnd end = counted([this, name](int messageId) {
+        if (messageId == 0)
+            return;
+        list_->cancelEditing();
+        if (const int row = list_->findRow(name); row >= 0)
+            list_->removeRow(row);
+        tellFailedChange(messageId);
+    });
+    const auto add = [&store = state_.device.categoryStore, name] {
+        return store.AddCategory(name) ? 0 : fileProblemString;
+    };
+    if (!state_.changes.ask(dialog_, add, end))
+        end(fileProblemString);
 }
 
 void CategoryListScreen::renameCategory() {
@@ -191,12 +212,13 @@ void CategoryListScreen::endLabelEdit(int row, const QString &text) {
     }
     const QString old = list_->rowText(row);
     list_->setRowText(row, name);
-    startRenameCategory(state_, dialog_, name, old, [this](bool isDone) {
-        if (isDone)
-            dialog_->post(CommandRefreshCategories);
-        else
-            tellFailure();
+    const JobEnd end = counted([this](int messageId) {
+        isRefreshOwed_ = true;
+        if (messageId != 0)
+            tellFailedChange(messageId);
     });
+    if (!startRenameCategory(state_, dialog_, name, old, end))
+        end(fileProblemString);
 }
 
 void CategoryListScreen::deleteCategory() {
@@ -206,41 +228,50 @@ void CategoryListScreen::deleteCategory() {
     const QString name = list_->rowText(row);
     if (!askUser(state_, confirmDeletionString, deleteCategoryString))
         return;
-    state_.changes.ask(
-        dialog_,
-        [&store = state_.device.categoryStore, name] { return store.DeleteCategory(name); },
-        [this, name](bool isDeleted) {
-            if (isDeleted)
-                dropRow(name);
-            else
-                tellFailure();
-        });
+    const JobEnd end = counted([this, name](int messageId) {
+        if (messageId == 0)
+            dropRow(name);
+        else
+            tellFailedChange(messageId);
+    });
+    const auto remove = [&store = state_.device.categoryStore, name] {
+        return store.DeleteCategory(name) ? 0 : fileProblemString;
+    };
+    if (!state_.changes.ask(dialog_, remove, end))
+        end(fileProblemString);
 }
 
 void CategoryListScreen::dropRow(const QString &name) {
     if (const int row = list_->findRow(name); row >= 0) {
         list_->removeRow(row);
-        list_->selectRow(row);
+        if (!list_->isEditingLabel())
+            list_->selectRow(row);
         setColumnWidth();
     }
-    startDeleteCategory(state_, dialog_, name, [this](bool isDone) {
-        if (!isDone)
-            tellFailure();
+    const JobEnd end = counted([this](int messageId) {
+        if (messageId != 0)
+            tellFailedChange(messageId);
     });
+    if (!startDeleteCategory(state_, dialog_, name, end))
+        end(fileProblemString);
 }
 
-// What the list shows is then what is stored, and no edit is lost behind the box.
-void CategoryListScreen::tellFailure() {
-    list_->cancelEditing();
-    dialog_->post(CommandRefreshCategories);
-    tellFileProblem();
+// Once the change is counted as over; the list then shows again what is stored.
+void CategoryListScreen::tellFailedChange(int messageId) {
+    isRefreshOwed_ = true;
+    owedMessage_ = messageId;
 }
 
-// What fails behind the box, as the refresh where nothing can be read, is not told once more.
-void CategoryListScreen::tellFileProblem() {
+// What fails behind the box, as the refresh where nothing can be read, is not told once more; and
+// a box would end an editing that it has nothing to do with.
+void CategoryListScreen::tellFailure(int messageId) {
+    if (list_->isEditingLabel()) {
+        owedMessage_ = messageId;
+        return;
+    }
     if (std::exchange(isTelling_, true))
         return;
-    ShowError(state_, fileProblemString);
+    ShowError(state_, messageId);
     isTelling_ = false;
 }
 
@@ -248,6 +279,7 @@ void CategoryListScreen::takeKey(int key, bool &isTaken) {
     if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return;
     isTaken = true;
+    state_.currentCategory = SelectedRow(list_);
     if (!warnWithoutSelection())
         openCategory(SelectedRow(list_));
 }
@@ -298,7 +330,10 @@ void CategoryListScreen::followTodayTap() {
     if (!tap_ || state_.stack.top() != dialog_ || list_->rowCount() == 0)
         return;
     state_.todayTap = *std::exchange(tap_, std::nullopt);
-    dialog_->post(CommandOpenChannels);
+    if (list_->findRow(state_.todayTap.category) >= 0)
+        dialog_->post(CommandOpenChannels);
+    else
+        state_.todayTap = {}; // its category has gone since
 }
 
 void CategoryListScreen::sized() {

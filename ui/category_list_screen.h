@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/app_state.h"
+#include "app/base/data_jobs.h"
 #include "ui/kit/dialog_procedure.h"
 
 #include <QStringList>
@@ -31,6 +32,8 @@ private:
     void setColumnWidth();
     bool warnWithoutSelection();
 
+    JobEnd counted(JobEnd end);
+    void catchUp();
     void newCategory();
     void renameCategory();
     void endLabelEdit(int row, const QString &text);
@@ -40,16 +43,18 @@ private:
     void takeTap(int row);
     void openCategory(int row);
     void openChannels();
-    void tellFailure();
-    void tellFileProblem();
+    void tellFailedChange(int messageId);
+    void tellFailure(int messageId);
     void takeTodayTap();
     void followTodayTap();
 
     AppState &state_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
+    int changes_ = 0;             // asked for, and not stored yet
+    bool isRefreshOwed_ = false;  // rows could not be shown when they came
+    int owedMessage_ = 0;         // of a failure that could not be told when it came
     bool isTelling_ = false;      // of a failure, in a box that is open
-    bool isRefreshOwed_ = false;  // rows came while a label was being edited
     std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
 };
 

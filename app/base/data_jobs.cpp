@@ -2,6 +2,7 @@
 
 #include "platform/file_lock.h"
 #include "platform/text.h"
+#include "res/strings.h"
 #include "store/error_codes.h"
 #include "store/escape_sql.h"
 #include "update/auto_list.h"
@@ -11,6 +12,8 @@
 namespace tidebrook {
 
 namespace {
+
+constexpr int done = 0;
 
 // One job's hold on the channels; somebody who never lets go of them does not keep it from its
 // work, each step of which is whole. The codes of earlier failures are not those of this one.
@@ -22,10 +25,11 @@ public:
         device.store->clearError();
     }
 
-    bool fail() {
+    /// The string that tells what failed: the database, or else the registry.
+    int fail() {
         const quint32 code = device_.store->error();
         SetLastErrorCode(device_.registry, code != 0 ? code : quint32{DatabaseFailed});
-        return false;
+        return code != 0 ? databaseProblemString : fileProblemString;
     }
 
 private:
@@ -35,7 +39,7 @@ private:
 };
 
 // In this order a program that ends in the middle leaves no channel without a category.
-bool renameCategory(DeviceParts &device, const QString &newName, const QString &oldName) {
+int renameCategory(DeviceParts &device, const QString &newName, const QString &oldName) {
     Change change(device);
     if (!device.categoryStore.AddCategory(newName))
         return change.fail();
@@ -43,7 +47,7 @@ bool renameCategory(DeviceParts &device, const QString &newName, const QString &
         device.categoryStore.DeleteCategory(newName);
         return change.fail();
     }
-    return device.categoryStore.DeleteCategory(oldName) || change.fail();
+    return device.categoryStore.DeleteCategory(oldName) ? done : change.fail();
 }
 
 void dropAutomatic(DeviceParts &device, const QString &channel) {
@@ -52,7 +56,7 @@ void dropAutomatic(DeviceParts &device, const QString &channel) {
         setAutoUpdate(device.root, {any, channel, any}, false);
 }
 
-bool deleteCategory(DeviceParts &device, const QString &category) {
+int deleteCategory(DeviceParts &device, const QString &category) {
     Change change(device);
     bool isDone = device.store->ListChannels(escapedCategory(category));
     const QList<ChannelRow> channels = device.store->takeChannelRows();
@@ -64,21 +68,21 @@ bool deleteCategory(DeviceParts &device, const QString &category) {
     for (const ChannelRow &channel : channels)
         dropAutomatic(device, channel.nameText());
     device.store->PublishTotalUnread();
-    return true;
+    return done;
 }
 
-bool addChannel(DeviceParts &device, const ChannelRecord &record) {
+int addChannel(DeviceParts &device, const ChannelRecord &record) {
     Change change(device);
-    return device.store->InsertChannel(record) || change.fail();
+    return device.store->InsertChannel(record) ? done : change.fail();
 }
 
-bool deleteChannel(DeviceParts &device, const QString &channel) {
+int deleteChannel(DeviceParts &device, const QString &channel) {
     Change change(device);
     if (!device.store->DeleteChannel(channel))
         return change.fail();
     dropAutomatic(device, channel);
     device.store->PublishTotalUnread();
-    return true;
+    return done;
 }
 
 QString cut(const QString &name, qsizetype capacity) { return cutText(name, capacity).toString(); }

@@ -6,8 +6,9 @@
 
 namespace tidebrook {
 
-/// What the user is told of a change: it is called on the user-interface thread.
-using JobEnd = std::function<void(bool isDone)>;
+/// What came of a job: 0 when it is done, else the string that tells the user why it is not. It is
+/// called on the user-interface thread.
+using JobEnd = std::function<void(int messageId)>;
 
 // The jobs that change channels and categories. Each is started, not waited for, and done in the
 // order in which it was started; one that is under way when the program ends is done before that.

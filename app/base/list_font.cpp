@@ -1,6 +1,8 @@
 #include "app/base/list_font.h"
 
+#include "app/base/messages.h"
 #include "res/commands.h"
+#include "res/strings.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/screen_menu.h"
 #include "ui/kit/screen_stack.h"
@@ -34,13 +36,19 @@ bool chooseFontSize(AppState &state, int command) {
         return false;
     state.fontSize = fontSizes[static_cast<std::size_t>(command - CommandFontSmall)];
     applyListFont(state);
-    state.settings.tell([&settings = state.device.settings, size = state.fontSize] {
-        settings.RegWriteDword(programKey, fontSizeValue, static_cast<quint32>(size));
-    });
+    state.settings.ask(
+        &state.stack,
+        [&settings = state.device.settings, size = state.fontSize] {
+            return settings.RegWriteDword(programKey, fontSizeValue, static_cast<quint32>(size));
+        },
+        [&state](bool isStored) {
+            if (!isStored)
+                ShowError(state, fileProblemString);
+        });
     return true;
 }
 
-void readFontSize(AppState &state, QObject *receiver, std::function<void()> then) {
+void readFontSize(AppState &state, QObject *receiver) {
     state.settings.ask(
         receiver,
         [&settings = state.device.settings] {
@@ -48,10 +56,9 @@ void readFontSize(AppState &state, QObject *receiver, std::function<void()> then
             settings.RegReadDword(programKey, fontSizeValue, size);
             return static_cast<int>(size);
         },
-        [&state, then = std::move(then)](int size) {
+        [&state](int size) {
             state.fontSize = fontSizes[static_cast<std::size_t>(indexOfSize(size))];
             applyListFont(state);
-            then();
         });
 }
 

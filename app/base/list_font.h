@@ -10,12 +10,11 @@ class ScreenMenu;
 void applyListFont(AppState &state);
 
 /// Takes the size of an entry of the Font Size menus (CommandFontSmall to CommandFontBig), sets it
-/// on every list, and stores it. False for another command.
+/// on every list, and stores it; the user is told where that fails. False for another command.
 bool chooseFontSize(AppState &state, int command);
 
-/// Reads the stored size, and calls `then` on the user-interface thread when it is set on every
-/// list. A size that no menu has counts as Small.
-void readFontSize(AppState &state, QObject *receiver, std::function<void()> then);
+/// Reads the stored size and sets it on every list, soon. A size that no menu has counts as Small.
+void readFontSize(AppState &state, QObject *receiver);
 
 /// Checks the present size in a menu.
 void checkFontSize(const AppState &state, ScreenMenu &menu);

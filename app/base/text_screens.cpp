@@ -60,9 +60,14 @@ class HelpScreen : public TextScreen {
             page_->setHtml(QString::fromUtf8(helpPage()));
         return page_ != nullptr;
     }
-    void activated() override { page_->scrollToAnchor(QStringLiteral("FeedlarkHelp")); }
+    // Not before the page has its size, and once: the user's place in it is kept.
+    void activated() override {
+        if (!std::exchange(isAtAnchor_, true))
+            page_->scrollToAnchor(QStringLiteral("FeedlarkHelp"));
+    }
 
     TextPage *page_ = nullptr;
+    bool isAtAnchor_ = false;
 };
 
 } // namespace

@@ -54,7 +54,8 @@ protected:
     bool run(const Start &start) {
         std::optional<bool> end;
         QObject receiver;
-        EXPECT_TRUE(start(parts_.state, &receiver, [&end](bool isDone) { end = isDone; }));
+        EXPECT_TRUE(
+            start(parts_.state, &receiver, [&end](int messageId) { end = messageId == 0; }));
         EXPECT_TRUE(QTest::qWaitFor([&end] { return end.has_value(); }, patience));
         return end.value_or(false);
     }

@@ -239,7 +239,7 @@ bool User::seesSelected(int row) {
 
 bool User::seesEditor(const QString &text) {
     return sees([this, text] {
-        return list() != nullptr && list()->isEditingLabel() &&
+        return list() != nullptr && list()->labelEditor() != nullptr &&
                list()->labelEditor()->text() == text;
     });
 }
@@ -304,13 +304,6 @@ Session::Session(const DeviceRoot &device, const QSize &screen) : device_(device
     stack_.resize(screen);
     stack_.show();
     state_ = std::make_unique<AppState>(device_, stack_);
-    ProgressLine &line = stack_.progressLine();
-    for (const WorkQueue *queue : {&state_->changes, &state_->settings}) {
-        QObject::connect(queue, &WorkQueue::begun, &line, &ProgressLine::begin);
-        QObject::connect(queue, &WorkQueue::done, &line, &ProgressLine::finish);
-    }
-    QObject::connect(&state_->fills, &FillJobs::begun, &line, &ProgressLine::begin);
-    QObject::connect(&state_->fills, &FillJobs::done, &line, &ProgressLine::finish);
 }
 
 Session::~Session() {

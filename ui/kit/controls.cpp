@@ -48,6 +48,7 @@ QWidget *makeTabs(QWidget *parent) {
 QWidget *makeListView(const ControlTemplate &item, QWidget *parent) {
     auto *list = new ListView(parent);
     list->setLabelsEditable((item.styleBits & StyleEditLabels) != 0);
+    list->setCheckable((item.styleBits & StyleCheckBoxes) != 0);
     return list;
 }
 

@@ -15,8 +15,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int headerUnits = 23; // below the title strip
-
 class DialogForm : public Form {
 public:
     using Form::Form;
@@ -79,7 +77,7 @@ void Dialog::relayout() {
     form_->setGeometry(rect());
     form_->lower();
     if (headerBar_ != nullptr) {
-        headerBar_->setGeometry(0, 0, width(), units.height(titleStripUnits + headerUnits));
+        headerBar_->setGeometry(0, 0, width(), units.height(titleStripUnits + headerBarUnits));
         headerBar_->setUnits(units);
     }
     if (menuBar_ != nullptr)
@@ -128,11 +126,6 @@ void Dialog::keyPressEvent(QKeyEvent *event) {
     } else {
         event->ignore();
     }
-}
-
-void Dialog::mousePressEvent(QMouseEvent *event) {
-    if (event->button() == Qt::BackButton)
-        goBack();
 }
 
 void Dialog::paintEvent(QPaintEvent *) {

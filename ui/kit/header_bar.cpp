@@ -7,6 +7,7 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QToolButton>
 
 #include <algorithm>
@@ -42,15 +43,22 @@ void HeaderBar::setSteppable() {
     choices_ = new ListView(parentWidget());
     choices_->hide();
     choices_->setFrameShape(QFrame::Box);
-    connect(choices_, &ListView::tapped, this, &HeaderBar::choiceTaken);
+    connect(choices_, &ListView::tapped, this, &HeaderBar::takeChoice);
     connect(choices_, &ListView::keyPressed, this, [this](int key, bool &isTaken) {
         isTaken = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
         if (key == Qt::Key_Escape)
             Q_EMIT chosen(CommandHideChoices);
         else if (isTaken)
-            Q_EMIT choiceTaken(SelectedRow(choices_));
+            takeChoice(SelectedRow(choices_));
     });
     arrange();
+}
+
+void HeaderBar::takeChoice(int row) {
+    if (row >= 0)
+        Q_EMIT choiceTaken(row);
+    else
+        Q_EMIT chosen(CommandHideChoices);
 }
 
 QToolButton *HeaderBar::makeKey(const QString &name, int command) {
@@ -91,9 +99,9 @@ void HeaderBar::arrange() {
     if (choices_ == nullptr)
         return;
     const int keyWidth = units_.width(keyUnits);
-    next_->setGeometry(width() - keyWidth, 0, keyWidth, height());
-    previous_->setGeometry(width() - 2 * keyWidth, 0, keyWidth, height());
-    captionKey_->setGeometry(0, 0, width() - 2 * keyWidth, height());
+    next_->setGeometry(mirrored({width() - keyWidth, 0, keyWidth, height()}));
+    previous_->setGeometry(mirrored({width() - 2 * keyWidth, 0, keyWidth, height()}));
+    captionKey_->setGeometry(mirrored({0, 0, width() - 2 * keyWidth, height()}));
     captionKey_->lower();
     const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
     const int side = std::min(iconSize.width(), iconSize.height());
@@ -104,6 +112,11 @@ void HeaderBar::arrange() {
     choices_->setUnits(units_);
     choices_->setColumnWidth(width());
     choices_->setGeometry(0, height(), width(), units_.height(choicesUnits));
+}
+
+// Where a place lies when the text runs from right to left.
+QRect HeaderBar::mirrored(const QRect &place) const {
+    return QStyle::visualRect(layoutDirection(), rect(), place);
 }
 
 QRect HeaderBar::captionPlace() const {
@@ -118,7 +131,8 @@ void HeaderBar::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
     const int middle = (height() - iconSize.height()) / 2;
-    painter.drawPixmap(units_.width(marginUnits), middle, icon("header", iconSize, palette()));
+    const QRect mark(QPoint(units_.width(marginUnits), middle), iconSize);
+    painter.drawPixmap(mirrored(mark).topLeft(), icon("header", iconSize, palette()));
 
     QFont bold = font();
     bold.setBold(true);
@@ -126,9 +140,11 @@ void HeaderBar::paintEvent(QPaintEvent *) {
     painter.setPen(palette().color(QPalette::WindowText));
     const QRect place = captionPlace();
     const QString shown = QFontMetrics(bold).elidedText(caption_, Qt::ElideRight, place.width());
-    painter.drawText(place, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+    painter.drawText(mirrored(place), Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
+                     shown);
     if (captionKey_ != nullptr)
-        painter.drawPixmap(place.right(), middle, icon("choices", iconSize, palette()));
+        painter.drawPixmap(mirrored({QPoint(place.right(), middle), iconSize}).topLeft(),
+                           icon("choices", iconSize, palette()));
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawLine(0, height() - 1, width(), height() - 1);
 }

@@ -48,8 +48,10 @@ protected:
 
 private:
     QToolButton *makeKey(const QString &name, int command);
+    void takeChoice(int row);
     void arrange();
     QRect captionPlace() const;
+    QRect mirrored(const QRect &place) const;
 
     QString caption_;
     QToolButton *previous_ = nullptr;

@@ -37,14 +37,6 @@ void ListRows::replace(QList<ListRow> rows) {
     endResetModel();
 }
 
-void ListRows::append(const QList<ListRow> &rows) {
-    if (rows.isEmpty())
-        return;
-    beginInsertRows({}, rowCount(), rowCount() + static_cast<int>(rows.size()) - 1);
-    rows_.append(rows);
-    endInsertRows();
-}
-
 void ListRows::insert(int row, const ListRow &content) {
     beginInsertRows({}, row, row);
     rows_.insert(row, content);

@@ -6,12 +6,13 @@
 
 namespace tidebrook {
 
-/// A row of a list: its label, what stands at its bottom right, and which of the list's images
-/// it has.
+/// A row of a list: its label, what stands at its bottom right, which of the list's images it
+/// has, and in a list of check boxes, whether it is checked.
 struct ListRow {
     QString text;
     QString detail = {};
     int image = 0;
+    bool isChecked = false;
 };
 
 /// The rows of a list view.
@@ -31,7 +32,6 @@ public:
     void setEditable(bool editable) { isEditable_ = editable; }
 
     void replace(QList<ListRow> rows);
-    void append(const QList<ListRow> &rows);
     void insert(int row, const ListRow &content);
     void remove(int row);
     void change(int row, const ListRow &content);

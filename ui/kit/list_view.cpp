@@ -35,8 +35,18 @@ ListView::ListView(QWidget *parent) : QListView(parent) {
 void ListView::setUnits(const DialogUnits &units) {
     imageSize_ = QSize(units.width(imageUnits.width()), units.height(imageUnits.height()));
     unitRowHeight_ = units.height(rowUnits);
+    arrangeRows();
+}
+
+void ListView::arrangeRows() {
     verticalScrollBar()->setSingleStep(rowHeight());
     scheduleDelayedItemsLayout();
+}
+
+void ListView::changeEvent(QEvent *event) {
+    QListView::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        arrangeRows();
 }
 
 void ListView::setColumnWidth(int pixels) {
@@ -54,8 +64,10 @@ int ListView::findRow(const QString &text) const {
 }
 
 void ListView::removeRow(int row) {
-    // Otherwise the view would choose a neighbour by itself.
-    selectionModel()->clear();
+    // Otherwise the view would choose a neighbour by itself. Where a label is being edited its row
+    // stays the chosen one.
+    if (!isEditingLabel())
+        selectionModel()->clear();
     rows_.remove(row);
 }
 
@@ -68,6 +80,12 @@ void ListView::setRowText(int row, const QString &text) {
 void ListView::setRowDetail(int row, const QString &detail) {
     ListRow content = this->row(row);
     content.detail = detail;
+    rows_.change(row, content);
+}
+
+void ListView::setChecked(int row, bool isChecked) {
+    ListRow content = this->row(row);
+    content.isChecked = isChecked;
     rows_.change(row, content);
 }
 
@@ -99,8 +117,11 @@ void ListView::takeLabel(const QModelIndex &index, const QString &text) {
 
 void ListView::tellEdited() {
     const int row = std::exchange(edited_, QPersistentModelIndex()).row();
-    if (row >= 0)
-        Q_EMIT labelEdited(row, editedText_);
+    if (row < 0)
+        return;
+    Q_EMIT labelEdited(row, editedText_);
+    if (!isEditingLabel())
+        Q_EMIT labelEditEnded();
 }
 
 void ListView::finishEditing() {
@@ -121,13 +142,13 @@ void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
     if (isLabelEditor)
         editor_ = nullptr;
     QListView::closeEditor(editor, hint);
-    if (isLabelEditor)
+    if (isLabelEditor && !isEditingLabel())
         Q_EMIT labelEditEnded();
 }
 
 void ListView::keyPressEvent(QKeyEvent *event) {
     const int key = event->key();
-    if (isEditingLabel()) {
+    if (editor_ != nullptr) {
         // What the editor has not used is not meant for the list.
         const bool isHelp = key == Qt::Key_F1 || key == Qt::Key_Help;
         event->setAccepted(!isHelp && key != Qt::Key_F10 && key != Qt::Key_Menu);
@@ -137,17 +158,26 @@ void ListView::keyPressEvent(QKeyEvent *event) {
     Q_EMIT keyPressed(key, isTaken);
     if (isTaken)
         event->accept();
+    else if (isCheckable_ && key == Qt::Key_Space && currentIndex().isValid())
+        setChecked(currentIndex().row(), !isChecked(currentIndex().row()));
     else if ((event->modifiers() & (Qt::AltModifier | Qt::ControlModifier)) != 0)
         event->ignore();
     else
-        QListView::keyPressEvent(event);
+        moveByKey(*event);
+}
+
+// A key that leads to the row that is the current one already brings it back into view.
+void ListView::moveByKey(QKeyEvent &event) {
+    QListView::keyPressEvent(&event);
+    if (event.isAccepted())
+        scrollTo(currentIndex());
 }
 
 void ListView::mousePressEvent(QMouseEvent *event) {
     const QModelIndex index = indexAt(event->position().toPoint());
     // A tap beside an open editor ends the editing, and opens nothing.
-    isTapPossible_ = event->button() == Qt::LeftButton && !isEditingLabel();
-    pressedRow_ = index.row();
+    isTapPossible_ = event->button() == Qt::LeftButton && editor_ == nullptr;
+    pressed_ = index;
     pressedAt_ = event->position().toPoint();
     QListView::mousePressEvent(event);
     if (!index.isValid())
@@ -158,11 +188,18 @@ void ListView::mouseReleaseEvent(QMouseEvent *event) {
     QListView::mouseReleaseEvent(event);
     const QPoint place = event->position().toPoint();
     const int way = (place - pressedAt_).manhattanLength();
+    // A row that went or moved between press and release is not the one that was meant.
     const bool isTap = std::exchange(isTapPossible_, false) && event->button() == Qt::LeftButton &&
                        way < QGuiApplication::styleHints()->startDragDistance() &&
-                       indexAt(place).row() == pressedRow_ && !isScrollingByTouch(*this);
-    if (isTap)
-        Q_EMIT tapped(SelectedRow(this));
+                       indexAt(place) == pressed_ && !isScrollingByTouch(*this);
+    if (!isTap)
+        return;
+    if (pressed_.isValid()) {
+        selectRow(pressed_.row());
+        if (isCheckable_)
+            setChecked(pressed_.row(), !isChecked(pressed_.row()));
+    }
+    Q_EMIT tapped(pressed_.row());
 }
 
 int SelectedRow(const ListView *list) {

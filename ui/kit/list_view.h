@@ -7,8 +7,6 @@
 #include <QListView>
 #include <QPointer>
 
-#include <functional>
-
 namespace tidebrook {
 
 /// A list of rows with an image and a label each, of which at most one is selected. It is scrolled
@@ -42,11 +40,17 @@ public:
 
     /// Replaces all rows; none is selected then.
     void setRows(QList<ListRow> rows) { rows_.replace(std::move(rows)); }
-    void appendRows(const QList<ListRow> &rows) { rows_.append(rows); }
     void insertRow(int row, const ListRow &content) { rows_.insert(row, content); }
     void removeRow(int row);
     void setRowText(int row, const QString &text);
     void setRowDetail(int row, const QString &detail);
+
+    /// Gives every row a check box in place of its image: a tap on the row and the space bar turn
+    /// its check.
+    void setCheckable(bool checkable) { isCheckable_ = checkable; }
+    bool isCheckable() const { return isCheckable_; }
+    bool isChecked(int row) const { return rows_.rows().value(row).isChecked; }
+    void setChecked(int row, bool isChecked);
 
     /// Selects and focuses a row and brings it into view; a row that there is not selects none.
     void selectRow(int row);
@@ -59,7 +63,8 @@ public:
     int labelLimit() const { return labelLimit_; }
     /// Opens the editor of a row's label, with all of it selected.
     void editLabel(int row);
-    bool isEditingLabel() const { return editor_ != nullptr; }
+    /// From there until what was typed is told, or the editing was broken off.
+    bool isEditingLabel() const { return editor_ != nullptr || edited_.isValid(); }
     /// The open editor, or nullptr.
     QLineEdit *labelEditor() const { return editor_; }
     /// Ends the editing as Enter does, and tells `labelEdited` before it returns.
@@ -76,7 +81,7 @@ Q_SIGNALS:
     /// A label was edited to this text, which the row does not have yet. Not told when the editing
     /// was broken off. Whoever is told may open dialogs: the editor is gone.
     void labelEdited(int row, const QString &text);
-    /// There is no editor any more, however that came.
+    /// The editing is over, however that came, and what came of it was told.
     void labelEditEnded();
 
 protected:
@@ -84,9 +89,12 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     friend class RowDelegate;
+    void arrangeRows();
+    void moveByKey(QKeyEvent &event);
     void takeEditor(QLineEdit *editor, int row);
     void takeLabel(const QModelIndex &index, const QString &text);
     void tellEdited();
@@ -95,6 +103,7 @@ private:
     QList<const char *> images_;
     QSize imageSize_;
     int columnWidth_ = 0;
+    bool isCheckable_ = false;
     int unitRowHeight_ = 0;
 
     int labelLimit_ = 0;
@@ -102,7 +111,7 @@ private:
     QPersistentModelIndex edited_; // the row whose text waits to be told
     QString editedText_;
 
-    int pressedRow_ = -1;
+    QPersistentModelIndex pressed_;
     QPoint pressedAt_;
     bool isTapPossible_ = false;
 };

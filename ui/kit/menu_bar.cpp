@@ -51,12 +51,12 @@ void MenuBar::openMenu() {
 }
 
 void MenuBar::openMenuOf(const SoftKey &key) {
-    if (menu_ == nullptr) {
-        menu_ = new ScreenMenu(menuEntries(key.menuId), this);
-        connect(menu_, &ScreenMenu::chosen, this, &MenuBar::chosen);
-        for (const int command : std::as_const(disabled_))
-            menu_->enable(command, false);
-    }
+    // Made anew, because one that was open before keeps the sizes of that time.
+    delete menu_;
+    menu_ = new ScreenMenu(menuEntries(key.menuId), this);
+    connect(menu_, &ScreenMenu::chosen, this, &MenuBar::chosen);
+    for (const int command : std::as_const(disabled_))
+        menu_->enable(command, false);
     Q_EMIT menuAboutToOpen(*menu_);
     menu_->ensurePolished();
     const QSize size = menu_->sizeHint();

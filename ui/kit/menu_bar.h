@@ -5,8 +5,6 @@
 #include <QSet>
 #include <QWidget>
 
-#include <functional>
-
 class QPushButton;
 
 namespace tidebrook {
@@ -26,8 +24,6 @@ public:
 
     /// Opens the menu of whichever key has one.
     void openMenu();
-    /// The menu; nullptr while it has not been opened yet.
-    ScreenMenu *menu() const { return menu_; }
 
 Q_SIGNALS:
     void chosen(int command);
@@ -45,7 +41,7 @@ private:
     const MenuBarResource &resource_;
     QPushButton *left_;
     QPushButton *right_;
-    ScreenMenu *menu_ = nullptr;
+    ScreenMenu *menu_ = nullptr; // as it was opened last
     QSet<int> disabled_;
 };
 

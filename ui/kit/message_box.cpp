@@ -21,18 +21,6 @@ constexpr QSize iconSize(40, 40);
 constexpr int iconColumnGap = 12;
 constexpr int widthUnits = 220;
 
-const char *iconName(MessageBox::Kind kind) {
-    switch (kind) {
-    case MessageBox::Kind::Warning:
-        return "warning";
-    case MessageBox::Kind::Error:
-        return "error";
-    case MessageBox::Kind::Question:
-        break;
-    }
-    return "warning";
-}
-
 QLabel *makeText(const QString &text, QWidget *parent) {
     auto *label = new QLabel(text, parent);
     label->setTextFormat(Qt::PlainText);
@@ -50,7 +38,7 @@ MessageBox::MessageBox(ScreenStack &stack, Kind kind, const QString &caption, co
     frame_->setAutoFillBackground(true);
 
     auto *image = new QLabel(frame_);
-    image->setPixmap(icon(iconName(kind), iconSize, palette()));
+    image->setPixmap(icon(kind == Kind::Error ? "error" : "warning", iconSize, palette()));
     image->setAlignment(Qt::AlignTop);
     QLabel *title = makeText(caption, frame_);
     QFont bold = title->font();

@@ -43,7 +43,6 @@ void ProgressLine::timerEvent(QTimerEvent *) {
     if (isHidden()) {
         phase_ = 0;
         show();
-        raise();
         timer_.start(frame, this);
         return;
     }

@@ -97,6 +97,8 @@ std::optional<int> PropertySheet::commandOfKey(const QKeyEvent &event) const {
         return CommandNext;
     if (event.key() == Qt::Key_Backtab && (event.modifiers() & Qt::ControlModifier) != 0)
         return CommandPrevious;
+    if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)
+        return CommandOk;
     return std::nullopt;
 }
 

@@ -50,7 +50,7 @@ public:
     void close() override;
     void helpRequested() override { help_(); }
     std::optional<int> backCommand() const override;
-    /// Ctrl+Tab and Ctrl+Shift+Tab turn to the next and the previous page.
+    /// Enter is "Done"; Ctrl+Tab and Ctrl+Shift+Tab turn to the next and the previous page.
     std::optional<int> commandOfKey(const QKeyEvent &event) const override;
 
 private:

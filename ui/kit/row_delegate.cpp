@@ -5,6 +5,7 @@
 #include "ui/kit/list_view.h"
 
 #include <QPainter>
+#include <QStyle>
 
 namespace tidebrook {
 
@@ -33,8 +34,19 @@ QSize RowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) c
     return {list_.columnWidth(), list_.rowHeight()};
 }
 
-QRect RowDelegate::labelRect(const QRect &row) const {
-    return row.adjusted(list_.imageSize().width() + 2 * gap, 0, -gap, 0);
+// Mirrored where the text runs from right to left.
+QRect RowDelegate::labelRect(const QStyleOptionViewItem &option) const {
+    const QRect row = option.rect;
+    return QStyle::visualRect(option.direction, row,
+                              row.adjusted(list_.imageSize().width() + 2 * gap, 0, -gap, 0));
+}
+
+QRect RowDelegate::imageRect(const QStyleOptionViewItem &option) const {
+    const QSize size = list_.imageSize();
+    const QRect place(option.rect.left() + gap,
+                      option.rect.top() + (option.rect.height() - size.height()) / 2, size.width(),
+                      size.height());
+    return QStyle::visualRect(option.direction, option.rect, place);
 }
 
 void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
@@ -45,23 +57,40 @@ void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
 
     const ListRow row = list_.row(index.row());
-    if (const char *name = list_.image(row.image)) {
-        const QSize size = list_.imageSize();
-        painter->drawPixmap(option.rect.left() + gap,
-                            option.rect.top() + (option.rect.height() - size.height()) / 2,
-                            icon(name, size, option.palette));
-    }
-
+    if (list_.isCheckable())
+        paintCheckMark(*painter, option, row.isChecked);
+    else if (const char *name = list_.image(row.image))
+        painter->drawPixmap(imageRect(option).topLeft(),
+                            icon(name, list_.imageSize(), option.palette));
     painter->setPen(option.palette.color(colours.text));
     painter->setFont(option.font);
-    QRect place = labelRect(option.rect);
+    paintTexts(*painter, option, row);
+}
+
+void RowDelegate::paintCheckMark(QPainter &painter, const QStyleOptionViewItem &option,
+                                 bool isChecked) const {
+    QStyleOptionViewItem mark(option);
+    const QStyle &style = *list_.style();
+    mark.rect = QStyle::alignedRect(option.direction, Qt::AlignCenter,
+                                    {style.pixelMetric(QStyle::PM_IndicatorWidth),
+                                     style.pixelMetric(QStyle::PM_IndicatorHeight)},
+                                    imageRect(option));
+    mark.state.setFlag(isChecked ? QStyle::State_On : QStyle::State_Off);
+    style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &mark, &painter, &list_);
+}
+
+void RowDelegate::paintTexts(QPainter &painter, const QStyleOptionViewItem &option,
+                             const ListRow &row) const {
+    QRect place = labelRect(option);
     if (!row.detail.isEmpty()) {
-        painter->drawText(place, Qt::AlignRight | Qt::AlignBottom | Qt::TextSingleLine, row.detail);
-        place.setRight(place.right() - option.fontMetrics.horizontalAdvance(row.detail) - gap);
+        painter.drawText(place, Qt::AlignTrailing | Qt::AlignBottom | Qt::TextSingleLine,
+                         row.detail);
+        const int taken = option.fontMetrics.horizontalAdvance(row.detail) + gap;
+        place = QStyle::visualRect(option.direction, place, place.adjusted(0, 0, -taken, 0));
     }
     const QString text =
         option.fontMetrics.elidedText(row.text, Qt::ElideRight, place.width(), Qt::TextSingleLine);
-    painter->drawText(place, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, text);
+    painter.drawText(place, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, text);
 }
 
 QWidget *RowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
@@ -88,7 +117,7 @@ void RowDelegate::setModelData(QWidget *editor, QAbstractItemModel *,
 
 void RowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
                                        const QModelIndex &) const {
-    editor->setGeometry(labelRect(option.rect));
+    editor->setGeometry(labelRect(option));
 }
 
 } // namespace tidebrook

@@ -5,6 +5,7 @@
 namespace tidebrook {
 
 class ListView;
+struct ListRow;
 
 /// Paints the rows of a list view, and edits their labels in place.
 class RowDelegate : public QStyledItemDelegate {
@@ -26,7 +27,12 @@ public:
                               const QModelIndex &index) const override;
 
 private:
-    QRect labelRect(const QRect &row) const;
+    QRect labelRect(const QStyleOptionViewItem &option) const;
+    QRect imageRect(const QStyleOptionViewItem &option) const;
+    void paintCheckMark(QPainter &painter, const QStyleOptionViewItem &option,
+                        bool isChecked) const;
+    void paintTexts(QPainter &painter, const QStyleOptionViewItem &option,
+                    const ListRow &row) const;
 
     ListView &list_;
 };

@@ -26,7 +26,6 @@ public:
     int height(int units) const { return scale(units, screen_.height(), down_); }
 
     QSize screen() const { return screen_; }
-    bool isPortrait() const { return across_ < down_; }
 
 private:
     static int scale(int units, int pixels, int whole) { return units * pixels / whole; }

@@ -11,7 +11,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int headerUnits = 41; // the progress line lies below it
 constexpr int progressUnits = 2;
 
 } // namespace
@@ -44,7 +43,8 @@ void ScreenStack::push(Layer &layer) {
     layer.setGeometry(rect());
     layer.show();
     layer.raise();
-    progressLine_->raise();
+    if (layer.isOpaque())
+        progressLine_->raise();
     if (QWidget *first = layer.firstFocus())
         first->setFocus();
     layer.activated();
@@ -98,7 +98,8 @@ void ScreenStack::resizeEvent(QResizeEvent *) { arrange(); }
 void ScreenStack::arrange() {
     const DialogUnits units = this->units();
     setTouchHeight(units.height(menuBarUnits));
-    progressLine_->setGeometry(0, units.height(headerUnits), width(), units.height(progressUnits));
+    progressLine_->setGeometry(0, units.height(titleStripUnits + headerBarUnits), width(),
+                               units.height(progressUnits));
     for (Layer *layer : layers_)
         layer->setGeometry(rect());
 }

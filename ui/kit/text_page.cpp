@@ -2,6 +2,8 @@
 
 #include "ui/kit/touch_scrolling.h"
 
+#include <QKeyEvent>
+
 namespace tidebrook {
 
 TextPage::TextPage(QWidget *parent) : QTextBrowser(parent) {
@@ -13,6 +15,14 @@ TextPage::TextPage(QWidget *parent) : QTextBrowser(parent) {
 }
 
 QVariant TextPage::loadResource(int, const QUrl &) { return {}; }
+
+// There is no history to walk; the keys for that leave the screen.
+void TextPage::keyPressEvent(QKeyEvent *event) {
+    if ((event->modifiers() & Qt::AltModifier) != 0)
+        event->ignore();
+    else
+        QTextBrowser::keyPressEvent(event);
+}
 
 void TextPage::follow(const QUrl &link) {
     const QString target = link.toString();

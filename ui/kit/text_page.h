@@ -15,6 +15,9 @@ public:
 
     QVariant loadResource(int type, const QUrl &name) override;
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 Q_SIGNALS:
     void linkTapped(const QString &target);
 

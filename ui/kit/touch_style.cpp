@@ -53,6 +53,8 @@ int TouchStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
         return 0;
     case SH_Menu_Scrollable: // rather than a second column
         return 1;
+    case SH_EtchDisabledText: // whose shadow hardly anybody can read on dark ground
+        return 0;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returnData);
     }
@@ -67,6 +69,8 @@ int TouchStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
         return std::max(pixels, touchHeight / 3);
+    case PM_MenuScrollerHeight: // which a finger has to hold to reach the menu's other end
+        return std::max(pixels, touchHeight);
     default:
         return pixels;
     }
@@ -81,11 +85,6 @@ void installTouchStyle() { QApplication::setStyle(new TouchStyle); }
 void setTouchHeight(int pixels) {
     if (TouchStyle *style = installedStyle())
         style->touchHeight = pixels;
-}
-
-int touchHeight() {
-    const TouchStyle *style = installedStyle();
-    return style != nullptr ? style->touchHeight : 0;
 }
 
 } // namespace tidebrook

@@ -8,6 +8,5 @@ void installTouchStyle();
 
 /// Sets that height, in pixels; menus that are opened later have it.
 void setTouchHeight(int pixels);
-int touchHeight();
 
 } // namespace tidebrook
