@@ -2,6 +2,7 @@
 
 #include "bench/floor.h"
 #include "bench/reader_cases.h"
+#include "bench/screen_cases.h"
 #include "bench/service_cases.h"
 #include "bench/store_maker.h"
 
@@ -55,7 +56,8 @@ Cases::Cases(const Options &options, const QString &folder)
 const QStringList &Cases::names() {
     static const QStringList names{QStringLiteral("one"),     QStringLiteral("held"),
                                    QStringLiteral("many"),    QStringLiteral("channels"),
-                                   QStringLiteral("service"), QStringLiteral("reader")};
+                                   QStringLiteral("service"), QStringLiteral("reader"),
+                                   QStringLiteral("screens")};
     return names;
 }
 
@@ -75,6 +77,8 @@ void Cases::run() {
         ServiceCases(options_, folder_, runner_, report_).run();
     if (isWanted(5))
         ReaderCases(options_, folder_, runner_, report_).run();
+    if (isWanted(6))
+        ScreenCases(options_, folder_, runner_, report_).run();
     report_.note(QStringLiteral("\nMedians of %1 runs, taken in turns; %2.\n%3 targets met, %4 not "
                                 "met.")
                      .arg(options_.runs)

@@ -16,8 +16,8 @@ namespace {
 void describe(QCommandLineParser &parser) {
     parser.setApplicationDescription(QStringLiteral(
         "Measures refreshes beside a floor, which does the same work with ready-made parts and no\n"
-        "rules, the list of channels, the background downloader, and the reader's start. Exit\n"
-        "status: 0 all was measured, 1 something could not be, 2 wrong usage."));
+        "rules, the list of channels, the background downloader, the reader's start, and its\n"
+        "screens. Exit status: 0 all was measured, 1 something could not be, 2 wrong usage."));
     parser.addOptions({
         {QStringLiteral("counts"), QStringLiteral("Count instructions, too; takes minutes.")},
         {QStringLiteral("idle"),

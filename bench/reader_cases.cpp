@@ -25,17 +25,6 @@ constexpr double leastColdRead = 1024; // KiB; less has not begun without its li
 const QStringList programs{QStringLiteral("bench_reader"), QStringLiteral("bare_window")};
 const QStringList arguments{QString::number(categoryCount)};
 
-/// One figure of the line that the programs print.
-double figure(const QByteArray &line, const QByteArray &name) {
-    for (const QByteArray &field : line.trimmed().split(' ')) {
-        bool isNumber = false;
-        const double value = field.mid(name.size() + 1).toDouble(&isNumber);
-        if (field.startsWith(QByteArray(name + '=')) && isNumber)
-            return value;
-    }
-    throw MeasurementError(QStringLiteral("a start said \"%1\"").arg(QString::fromUtf8(line)));
-}
-
 /// A program that stays as it is behind its first paint.
 class PaintedProgram {
 public:
@@ -140,9 +129,9 @@ ReaderCases::Start ReaderCases::start(const QString &program) const {
     const double readBefore = childrenRead();
     const std::chrono::duration<double> begin = std::chrono::steady_clock::now().time_since_epoch();
     runner_.runWhole(program, arguments, line);
-    return {.wall = figure(line, "at") - begin.count(),
-            .cpu = figure(line, "cpu"),
-            .proportional = figure(line, "pss"),
+    return {.wall = figureOf(line, "at") - begin.count(),
+            .cpu = figureOf(line, "cpu"),
+            .proportional = figureOf(line, "pss"),
             .read = childrenRead() - readBefore};
 }
 

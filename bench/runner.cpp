@@ -94,6 +94,16 @@ void throwIfInterrupted() {
         throw MeasurementError(QStringLiteral("interrupted"));
 }
 
+double figureOf(const QByteArray &line, const QByteArray &name) {
+    for (const QByteArray &field : line.trimmed().split(' ')) {
+        bool isNumber = false;
+        const double value = field.mid(name.size() + 1).toDouble(&isNumber);
+        if (field.startsWith(QByteArray(name + '=')) && isNumber)
+            return value;
+    }
+    throw MeasurementError(QStringLiteral("a program said \"%1\"").arg(QString::fromUtf8(line)));
+}
+
 Runner::Runner(const QString &folder, const QString &profiles)
     : profiles_(profiles.isEmpty() ? folder : profiles) {
     holdOffInterrupts();

@@ -27,6 +27,10 @@ struct Sample {
     int stored = 0;
 };
 
+/// A figure of a line of them, "NAME=FIGURE NAME=FIGURE...", that a program printed. Throws
+/// MeasurementError when it is not there.
+double figureOf(const QByteArray &line, const QByteArray &name);
+
 /// Runs the programs that lie beside this one. Throws MeasurementError when a program fails, and
 /// when the user has asked for the end meanwhile.
 class Runner {

@@ -1,0 +1,119 @@
+// What the screens cost the thread that shows them.
+
+#include "bench/screen_driver.h"
+#include "bench/series.h"
+#include "res/commands.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/touch_style.h"
+
+#include <QApplication>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr QSize screen(480, 640);
+constexpr int refreshCount = 20;
+
+/// The CPU times of one kind of step, in seconds.
+using Times = std::vector<double>;
+
+/// Prints the line that the driver of the benchmarks reads.
+void print(const char *name, const Times &times) {
+    std::printf("%s median=%.6f worst=%.6f\n", name, medianOf(times),
+                *std::max_element(times.begin(), times.end()));
+    std::fflush(stdout);
+}
+
+QStringList rowTexts(const ListView &list) {
+    QStringList texts;
+    for (int row = 0; row < list.rowCount(); ++row)
+        texts.append(list.rowText(row));
+    return texts;
+}
+
+/// Whether all of a row can be seen.
+bool showsRow(const ListView &list, int row) {
+    return list.viewport()->rect().contains(list.visualRect(list.model()->index(row, 0)));
+}
+
+Times fillCategories(ScreenDriver &driver, int count) {
+    ListView &list = driver.list();
+    const QStringList names =
+        driver.state().device.categoryStore.listedCategories().value_or(QStringList());
+    driver.require(names.size() == count, QStringLiteral("%1 categories").arg(count));
+    Times times;
+    for (int i = 0; i < refreshCount; ++i) {
+        driver.measure({QStringLiteral("an emptied list"), [&] { list.setRows({}); },
+                        [&] { return list.rowCount() == 0; }});
+        times.push_back(driver.measure({QStringLiteral("a refreshed list"),
+                                        [&] { driver.post(CommandRefreshCategories); },
+                                        [&] { return list.rowCount() == count; }}));
+        driver.require(rowTexts(list) == names, QStringLiteral("the categories in the list"));
+    }
+    return times;
+}
+
+Times scrollByWheel(ScreenDriver &driver) {
+    const ListView &list = driver.list();
+    const QScrollBar &bar = *list.verticalScrollBar();
+    driver.require(bar.maximum() > 0 && showsRow(list, 0),
+                   QStringLiteral("scrolling from the top"));
+    Times times;
+    while (bar.value() < bar.maximum()) {
+        const int before = bar.value();
+        times.push_back(
+            driver.measure({QStringLiteral("a turn of the wheel"), [&] { driver.turnWheel(); },
+                            [&] { return bar.value() > before; }}));
+    }
+    driver.require(showsRow(list, list.rowCount() - 1), QStringLiteral("the wheel at the end"));
+    return times;
+}
+
+Times scrollByPages(ScreenDriver &driver) {
+    const ListView &list = driver.list();
+    driver.measure({QStringLiteral("a refresh that leads to the top"),
+                    [&] { driver.post(CommandRefreshCategories); },
+                    [&] { return showsRow(list, 0); }});
+    driver.require(SelectedRow(&list) == 0, QStringLiteral("turning pages from the first row"));
+    Times times;
+    while (SelectedRow(&list) < list.rowCount() - 1) {
+        const int before = SelectedRow(&list);
+        times.push_back(driver.measure({QStringLiteral("a page further"),
+                                        [&] { driver.press(Qt::Key_PageDown); },
+                                        [&] { return SelectedRow(&list) > before; }}));
+        driver.require(showsRow(list, SelectedRow(&list)), QStringLiteral("a page's last row"));
+    }
+    return times;
+}
+
+void measureCategories(ScreenDriver &driver, int count) {
+    print("category-fill", fillCategories(driver, count));
+    print("category-wheel", scrollByWheel(driver));
+    print("category-page", scrollByPages(driver));
+}
+
+} // namespace
+
+} // namespace tidebrook
+
+// On a device with so many categories: "bench_screens HOME CATEGORIES".
+int main(int argc, char **argv) {
+    const int categories = QString::fromLocal8Bit(argc == 3 ? argv[2] : "").toInt();
+    if (categories <= 0) {
+        std::fprintf(stderr, "usage: bench_screens HOME CATEGORIES\n");
+        return 2;
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    tidebrook::installTouchStyle();
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    tidebrook::ScreenDriver driver(QString::fromLocal8Bit(argv[1]), tidebrook::screen);
+    driver.run([&] { tidebrook::measureCategories(driver, categories); });
+    return 0;
+}
