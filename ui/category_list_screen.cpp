@@ -95,9 +95,7 @@ void CategoryListScreen::command(int id) {
     case CommandExit:
         return close();
     case CommandOpenChannels:
-        if (state_.stack.top() == dialog_) // and the user was not faster
-            openChannels();
-        return;
+        return openTapped();
     case CommandRefreshCategories:
         return refresh();
     default:
@@ -107,15 +105,16 @@ void CategoryListScreen::command(int id) {
 }
 
 void CategoryListScreen::refresh() {
-    if (state_.stack.top() == dialog_ && !list_->isEditingLabel())
+    if (!list_->isEditingLabel())
         list_->setFocus();
     state_.changes.ask(
         dialog_, [&store = state_.device.categoryStore] { return store.listedCategories(); },
         [this](const std::optional<QStringList> &names) {
+            const bool isTold = std::exchange(isTold_, false);
             if (names)
                 showCategories(*names);
-            else
-                tellFailure(fileProblemString);
+            else if (!isTold)
+                ShowError(state_, fileProblemString);
         });
 }
 
@@ -132,7 +131,8 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     list_->setRows(std::move(rows));
     list_->selectRow(0);
     setColumnWidth();
-    followTodayTap();
+    if (tap_)
+        dialog_->post(CommandOpenChannels);
 }
 
 // As they stand in the list: what was added, renamed or deleted since they were read counts.
@@ -262,17 +262,14 @@ void CategoryListScreen::tellFailedChange(int messageId) {
     owedMessage_ = messageId;
 }
 
-// What fails behind the box, as the refresh where nothing can be read, is not told once more; and
-// a box would end an editing that it has nothing to do with.
+// A box would end an editing that it has nothing to do with.
 void CategoryListScreen::tellFailure(int messageId) {
     if (list_->isEditingLabel()) {
         owedMessage_ = messageId;
         return;
     }
-    if (std::exchange(isTelling_, true))
-        return;
+    isTold_ = true;
     ShowError(state_, messageId);
-    isTelling_ = false;
 }
 
 void CategoryListScreen::takeKey(int key, bool &isTaken) {
@@ -294,7 +291,6 @@ void CategoryListScreen::takeTap(int row) {
 
 void CategoryListScreen::openCategory(int row) {
     state_.currentCategory = row;
-    state_.todayTap = {};
     openChannels();
 }
 
@@ -306,7 +302,6 @@ void CategoryListScreen::openChannels() {
 }
 
 void CategoryListScreen::activated() {
-    followTodayTap();
     takeTodayTap();
     state_.stack.inputPanel().putDown();
 }
@@ -325,13 +320,12 @@ void CategoryListScreen::takeTodayTap() {
         });
 }
 
-// A tap waits for what lies over the list, as for the list itself.
-void CategoryListScreen::followTodayTap() {
-    if (!tap_ || state_.stack.top() != dialog_ || list_->rowCount() == 0)
+void CategoryListScreen::openTapped() {
+    if (!tap_)
         return;
     state_.todayTap = *std::exchange(tap_, std::nullopt);
     if (list_->findRow(state_.todayTap.category) >= 0)
-        dialog_->post(CommandOpenChannels);
+        openChannels();
     else
         state_.todayTap = {}; // its category has gone since
 }

@@ -46,7 +46,7 @@ private:
     void tellFailedChange(int messageId);
     void tellFailure(int messageId);
     void takeTodayTap();
-    void followTodayTap();
+    void openTapped();
 
     AppState &state_;
     Dialog *dialog_ = nullptr;
@@ -54,7 +54,7 @@ private:
     int changes_ = 0;             // asked for, and not stored yet
     bool isRefreshOwed_ = false;  // rows could not be shown when they came
     int owedMessage_ = 0;         // of a failure that could not be told when it came
-    bool isTelling_ = false;      // of a failure, in a box that is open
+    bool isTold_ = false;         // of a failure, until the list is refreshed
     std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
 };
 

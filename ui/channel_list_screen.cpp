@@ -66,13 +66,14 @@ bool ChannelListScreen::initialise(Dialog &dialog) {
 void ChannelListScreen::command(int id) {
     if (id == CommandBackToCategories)
         close();
-    else if (id == CommandRefreshChannels || chooseFontSize(state_, id))
+    else if (id == CommandRefreshChannels)
         refresh();
+    else if (chooseFontSize(state_, id))
+        dialog_->post(CommandRefreshChannels);
 }
 
 void ChannelListScreen::refresh() {
-    if (state_.stack.top() == dialog_)
-        list_->setFocus();
+    list_->setFocus();
     list_->setRows({});
     if (category().isNull())
         return;

@@ -23,6 +23,7 @@ const QString seed = u"Planet\thttp://example.org/a\tNews\n"
                      u"Star\thttp://example.org/c\tScience\n"_s;
 const QStringList seeded{u"News"_s, u"Science"_s};
 const QString fileProblem = u"Encountering Problem when Accessing Crucial File"_s;
+const QString databaseProblem = u"Encountering Problem when Accessing Database"_s;
 
 constexpr auto unnoticed = 50ms;
 
@@ -78,7 +79,7 @@ protected:
             ASSERT_TRUE(user.seesRows(seeded));
             const WriteLock lock(lockedFile);
             act(user);
-            ASSERT_TRUE(user.seesBox(fileProblem));
+            ASSERT_TRUE(user.seesBox(file == database ? databaseProblem : fileProblem));
             user.press(Qt::Key_Return);
             EXPECT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
             QStringList rows = user.rows();
