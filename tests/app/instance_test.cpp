@@ -1,3 +1,4 @@
+#include "app/device_opening.h"
 #include "app/instance.h"
 #include "platform/file_lock.h"
 #include "platform/service.h"
@@ -45,7 +46,8 @@ protected:
     static bool run(const DeviceRoot &root, const std::function<void(User &)> &user) {
         SingleInstance single(root);
         single.claim(10s);
-        Instance instance(root, single);
+        DeviceOpening opening(root);
+        Instance instance(opening, single);
         User someone(*window());
         std::thread hands([&] {
             user(someone);
