@@ -79,7 +79,7 @@ protected:
             ASSERT_TRUE(user.seesRows(seeded));
             const WriteLock lock(lockedFile);
             act(user);
-            ASSERT_TRUE(user.seesBox(file == database ? databaseProblem : fileProblem));
+            ASSERT_TRUE(user.seesBox(lockedFile == database ? databaseProblem : fileProblem));
             user.press(Qt::Key_Return);
             EXPECT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
             QStringList rows = user.rows();
