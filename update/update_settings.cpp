@@ -41,7 +41,7 @@ bool saveTodayPage(const DeviceRoot &device, SettingsStore &settings, QStringVie
     // Last, so that whoever reloads finds both.
     if (isEnabledStored)
         NamedEvent(device, todayItemsEvent, NamedEvent::Reset::Auto).set();
-    return isEnabledStored && isTimerStored;
+    return isEnabledStored && isTimerStored && settings.registry().flush();
 }
 
 AutoUpdatePageValues readAutoUpdatePage(SettingsStore &settings) {
