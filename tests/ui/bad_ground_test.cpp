@@ -245,13 +245,14 @@ TEST(WindowSize, EveryOneOfThemCanBeWorkedIn) {
                        list->viewport()->rect().intersects(list->visualRect(list->currentIndex()));
             };
             EXPECT_TRUE(user.sees(isInSight));
-            // Turned there and back while the channels come.
+            // Turned and turned again while the channels come.
             user.press(Qt::Key_Return);
-            user.resize(size + QSize(0, 50));
-            user.resize(size);
+            const QSize turned = size + QSize(0, 50);
+            for (const QSize &next : {turned, size, turned})
+                user.resize(next);
             EXPECT_TRUE(user.seesRows({u"Moon"_s, u"Star"_s}));
             EXPECT_TRUE(user.sees([&] {
-                return user.stack().top()->size() == size && isInSight() &&
+                return user.stack().top()->size() == turned && isInSight() &&
                        user.list()->columnWidth() == size.width() - 2;
             }));
             user.press(Qt::Key_Escape);

@@ -20,6 +20,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -211,7 +212,10 @@ void User::leaveAndReturn() {
 }
 
 ListView *User::list() const {
-    return stack_.top() != nullptr ? stack_.top()->findChild<ListView *>() : nullptr;
+    const QList<ListView *> lists = stack_.findChildren<ListView *>();
+    const auto seen = std::find_if(lists.begin(), lists.end(),
+                                   [](const ListView *list) { return list->isVisible(); });
+    return seen == lists.end() ? nullptr : *seen;
 }
 
 QStringList User::rows() {
@@ -316,6 +320,7 @@ bool Session::run(const std::function<void(User &)> &user) {
     bool isUserDone = false;
     std::thread hands([&] {
         user(someone);
+        someone.seesQuiet(); // what was asked last is not overtaken
         someone.closeWindow();
         someone.act([&] { isUserDone = true; });
     });

@@ -55,7 +55,7 @@ public:
     /// Does this on the screens' thread, and waits for it.
     void look(const std::function<void()> &view);
 
-    /// The list on top.
+    /// The list that is to be seen, also with a box over it; nullptr without one.
     ListView *list() const;
     bool seesRows(const QStringList &names);
     bool seesSelected(int row);
