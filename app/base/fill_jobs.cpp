@@ -73,8 +73,7 @@ void FillJobs::run(const std::shared_ptr<Job> &job) {
     job->fill.collect(stop);
     if (stop.isCounted())
         count(-1, jobPatience);
-    QMetaObject::invokeMethod(
-        this, [this, job] { end(job); }, Qt::QueuedConnection);
+    mailbox_.post([this, job] { end(job); });
 }
 
 void FillJobs::end(const std::shared_ptr<Job> &job) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/mailbox.h"
 #include "platform/named_mutex.h"
 
 #include <QObject>
@@ -94,6 +95,7 @@ private:
     void offerAgain();
 
     NamedMutex &dbMutex_;
+    Mailbox mailbox_; // of the user-interface thread
     std::atomic<int> fillStop_ = 0;
     std::vector<std::shared_ptr<Job>> jobs_;
     std::atomic<bool> isFinished_ = false;

@@ -42,8 +42,7 @@ void WorkQueue::workOff() {
         piece->work();
         piece->work = nullptr;
         // Handed over whole: what `then` holds belongs to the other thread.
-        QMetaObject::invokeMethod(
-            this, [this, piece = std::move(piece)] { tellOf(*piece); }, Qt::QueuedConnection);
+        mailbox_.post([this, piece = std::move(piece)] { tellOf(*piece); });
         guard.lock();
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/mailbox.h"
+
 #include <QObject>
 #include <QPointer>
 
@@ -63,6 +65,7 @@ private:
     std::deque<std::shared_ptr<Piece>> pieces_;
     bool isFinishing_ = false; // written by the user-interface thread alone
 
+    Mailbox mailbox_;    // of the user-interface thread
     std::thread thread_; // begun with the first piece of work
 };
 

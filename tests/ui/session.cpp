@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <semaphore>
 #include <thread>
 
 namespace tidebrook {
@@ -81,12 +82,15 @@ QAbstractButton *findButton(QWidget &widget, const QString &text) {
 
 } // namespace
 
-void User::act(std::function<void()> action) {
-    QMetaObject::invokeMethod(qApp, std::move(action), Qt::QueuedConnection);
-}
+void User::act(std::function<void()> action) { mailbox_.post(std::move(action)); }
 
 void User::look(const std::function<void()> &view) {
-    QMetaObject::invokeMethod(qApp, view, Qt::BlockingQueuedConnection);
+    std::binary_semaphore isDone(0);
+    mailbox_.post([&] {
+        view();
+        isDone.release();
+    });
+    isDone.acquire();
 }
 
 bool User::sees(const std::function<bool()> &condition) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/app_state.h"
+#include "platform/mailbox.h"
 #include "ui/kit/screen_stack.h"
 
 #include <QPoint>
@@ -79,6 +80,7 @@ public:
 
 private:
     ScreenStack &stack_;
+    Mailbox mailbox_;
 };
 
 /// The reader's screens over a device: opened, driven by a user, and closed.
