@@ -324,7 +324,10 @@ bool Session::run(const std::function<void(User &)> &user) {
     bool isUserDone = false;
     std::thread hands([&] {
         user(someone);
-        someone.seesQuiet(); // what was asked last is not overtaken
+        bool isClosing = false;
+        someone.look([&] { isClosing = stack_.isClosing(); });
+        if (!isClosing)
+            someone.seesQuiet(); // what was asked last is not overtaken
         someone.closeWindow();
         someone.act([&] { isUserDone = true; });
     });
