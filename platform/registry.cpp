@@ -14,12 +14,22 @@ RegistryValue valueOf(const SqliteStatement &row, int typeColumn, int dataColumn
 
 } // namespace
 
-Registry::Registry(const DeviceRoot &device) {
+Registry::Registry(const DeviceRoot &device) : path_(device.registryPath()) { open(); }
+
+bool Registry::isOpen() {
+    const std::lock_guard lock(mutex_);
+    return open();
+}
+
+// One that was not to be had, as while another process held it for itself, may be had by now.
+bool Registry::open() {
+    if (database_)
+        return true;
     const SqliteDatabase::Options options{
         .create = true, .syncEveryCommit = false, .busyTimeout = 2000};
-    database_ = SqliteDatabase::open(device.registryPath(), options, &error_);
+    database_ = SqliteDatabase::open(path_, options, &error_);
     if (!database_)
-        return;
+        return false;
     // The row id counts up with each new value, which is the order that values are listed in.
     const bool hasTable =
         database_->prepare("SELECT path, name, type, data FROM registry_values") ||
@@ -30,13 +40,14 @@ Registry::Registry(const DeviceRoot &device) {
         error_ = database_->lastError();
         database_.reset();
     }
+    return hasTable;
 }
 
 Registry::~Registry() = default;
 
 std::optional<RegistryValue> Registry::read(QStringView key, QStringView name) {
     const std::lock_guard lock(mutex_);
-    if (!database_)
+    if (!open())
         return std::nullopt;
     const QByteArray path = key.toUtf8();
     const QByteArray valueName = name.toUtf8();
@@ -64,7 +75,7 @@ bool Registry::create(QStringView key, QStringView name, const RegistryValue &va
 bool Registry::insert(QStringView key, QStringView name, const RegistryValue &value,
                       const QByteArray &onConflict) {
     const std::lock_guard lock(mutex_);
-    if (!database_)
+    if (!open())
         return false;
     const QByteArray path = key.toUtf8();
     const QByteArray valueName = name.toUtf8();
@@ -88,7 +99,7 @@ bool Registry::insert(QStringView key, QStringView name, const RegistryValue &va
 
 bool Registry::remove(QStringView key, QStringView name) {
     const std::lock_guard lock(mutex_);
-    if (!database_)
+    if (!open())
         return false;
     const QByteArray path = key.toUtf8();
     const QByteArray valueName = name.toUtf8();
@@ -103,7 +114,7 @@ bool Registry::remove(QStringView key, QStringView name) {
 
 std::optional<QList<Registry::NamedValue>> Registry::values(QStringView key) {
     const std::lock_guard lock(mutex_);
-    if (!database_)
+    if (!open())
         return std::nullopt;
     const QByteArray path = key.toUtf8();
     SqliteStatement query = database_->prepare(
@@ -120,18 +131,18 @@ std::optional<QList<Registry::NamedValue>> Registry::values(QStringView key) {
 
 bool Registry::flush() {
     const std::lock_guard lock(mutex_);
-    return database_ && (database_->inTransaction() || database_->flush());
+    return open() && (database_->inTransaction() || database_->flush());
 }
 
 QStringList Registry::faults() {
     const std::lock_guard lock(mutex_);
-    if (!database_)
+    if (!open())
         return {error_};
     return database_->faults();
 }
 
 Registry::Batch::Batch(Registry &registry) : lock_(registry.mutex_) {
-    if (registry.database_)
+    if (registry.open())
         transaction_ = std::make_unique<SqliteTransaction>(*registry.database_);
 }
 

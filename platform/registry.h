@@ -33,8 +33,9 @@ public:
     Registry(const Registry &) = delete;
     Registry &operator=(const Registry &) = delete;
 
-    /// False when the file could not be opened; `error` then says why.
-    bool isOpen() const { return database_ != nullptr; }
+    /// False when the file cannot be opened; `error` then says why. Every other call tries that
+    /// anew, too.
+    bool isOpen();
     QString error() const { return error_; }
 
     std::optional<RegistryValue> read(QStringView key, QStringView name);
@@ -71,10 +72,12 @@ public:
     };
 
 private:
+    bool open();
     bool insert(QStringView key, QStringView name, const RegistryValue &value,
                 const QByteArray &onConflict);
 
-    std::recursive_mutex mutex_; // guards database_
+    const QString path_;
+    std::recursive_mutex mutex_; // guards what follows
     std::unique_ptr<SqliteDatabase> database_;
     QString error_;
 };

@@ -5,9 +5,7 @@
 #include "platform/spare_memory.h"
 #include "platform/wait_any.h"
 
-#include <QFile>
 
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <system_error>
@@ -52,21 +50,14 @@ void Downloader::stop() {
     wake_.raise();
 }
 
-// The files that stay open here, or are locked; none when one is missing.
-Downloader::Files Downloader::files() const {
-    Files found;
-    for (const QString &path : {device_.path(), device_.registryPath(), serviceLockPath(device_),
-                                QString(device_.path() + u"/run/" + requestEvent + u".event")}) {
-        struct stat status {};
-        if (stat(QFile::encodeName(path).constData(), &status) != 0)
-            return {};
-        found.append({status.st_dev, status.st_ino});
-    }
-    return found;
+// The files that stay open here, or are locked.
+FileIdentities Downloader::files() const {
+    return identitiesOf({device_.path(), device_.registryPath(), serviceLockPath(device_),
+                         device_.path() + u"/run/" + requestEvent + u".event"});
 }
 
 bool Downloader::run() {
-    const Files ownFiles = files();
+    const FileIdentities ownFiles = files();
     giveBackMemory(); // what starting has needed
     while (!stop_.isRaised()) {
         lookAfterRound();

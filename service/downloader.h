@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/device_root.h"
+#include "platform/file_identity.h"
 #include "platform/named_event.h"
 #include "platform/registry.h"
 #include "platform/stop_signal.h"
@@ -34,7 +35,7 @@ public:
     Downloader &operator=(const Downloader &) = delete;
 
     /// False when requests cannot be heard, or settings cannot be read.
-    bool isReady() const { return request_.isOpen() && registry_.isOpen(); }
+    bool isReady() { return request_.isOpen() && registry_.isOpen(); }
 
     /// Works until it is stopped (true) or the device is gone.
     bool run();
@@ -43,8 +44,7 @@ public:
     void stop();
 
 private:
-    using Files = QList<std::pair<dev_t, ino_t>>;
-    Files files() const;
+    FileIdentities files() const;
     std::chrono::milliseconds timeToSleep() const;
     void lookAfterRound();
     void noteEndOfRound();

@@ -113,9 +113,16 @@ void CategoryListScreen::refresh() {
             const bool isTold = std::exchange(isTold_, false);
             if (names)
                 showCategories(*names);
-            else if (!isTold)
-                ShowError(state_, fileProblemString);
+            else
+                showUnread(isTold);
         });
+}
+
+// It may be had again later, when the user comes back to the screen.
+void CategoryListScreen::showUnread(bool isTold) {
+    if (!isTold)
+        ShowError(state_, fileProblemString);
+    isUnread_ = true;
 }
 
 void CategoryListScreen::showCategories(const QStringList &names) {
@@ -168,8 +175,10 @@ JobEnd CategoryListScreen::counted(JobEnd end) {
 void CategoryListScreen::catchUp() {
     if (list_->isEditingLabel() || changes_ > 0)
         return;
-    if (std::exchange(isRefreshOwed_, false))
+    if (std::exchange(isRefreshOwed_, false)) {
+        isUnread_ = false; // once is enough
         dialog_->post(CommandRefreshCategories);
+    }
     if (const int messageId = std::exchange(owedMessage_, 0); messageId != 0)
         tellFailure(messageId);
 }
@@ -187,8 +196,9 @@ void CategoryListScreen::newCategory() {
             list_->removeRow(row);
         tellFailedChange(messageId);
     });
-    const auto add = [&store = state_.device.categoryStore, name] {
-        return store.AddCategory(name) ? 0 : fileProblemString;
+    const auto add = [&device = state_.device, name] {
+        const bool isDone = device.isStillThere() && device.categoryStore.AddCategory(name);
+        return isDone ? 0 : fileProblemString;
     };
     if (!state_.changes.ask(dialog_, add, end))
         end(fileProblemString);
@@ -234,8 +244,9 @@ void CategoryListScreen::deleteCategory() {
         else
             tellFailedChange(messageId);
     });
-    const auto remove = [&store = state_.device.categoryStore, name] {
-        return store.DeleteCategory(name) ? 0 : fileProblemString;
+    const auto remove = [&device = state_.device, name] {
+        const bool isDone = device.isStillThere() && device.categoryStore.DeleteCategory(name);
+        return isDone ? 0 : fileProblemString;
     };
     if (!state_.changes.ask(dialog_, remove, end))
         end(fileProblemString);
@@ -302,6 +313,8 @@ void CategoryListScreen::openChannels() {
 }
 
 void CategoryListScreen::activated() {
+    if (std::exchange(isUnread_, false))
+        dialog_->post(CommandRefreshCategories);
     takeTodayTap();
     state_.stack.inputPanel().putDown();
 }

@@ -27,6 +27,7 @@ public:
 
 private:
     void refresh();
+    void showUnread(bool isTold);
     void showCategories(const QStringList &names);
     QStringList listedCategories() const;
     void setColumnWidth();
@@ -54,6 +55,7 @@ private:
     int changes_ = 0;             // asked for, and not stored yet
     bool isRefreshOwed_ = false;  // rows could not be shown when they came
     int owedMessage_ = 0;         // of a failure that could not be told when it came
+    bool isUnread_ = false;       // the list could not be read
     bool isTold_ = false;         // of a failure, until the list is refreshed
     std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
 };

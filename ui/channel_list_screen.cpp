@@ -1,8 +1,10 @@
 #include "ui/channel_list_screen.h"
 
 #include "app/base/list_font.h"
+#include "app/base/messages.h"
 #include "app/base/text_screens.h"
 #include "res/commands.h"
+#include "res/strings.h"
 #include "store/escape_sql.h"
 #include "ui/column_width.h"
 #include "ui/kit/dialog.h"
@@ -13,6 +15,8 @@
 #include "ui/kit/screen_stack.h"
 
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace tidebrook {
 
@@ -21,12 +25,20 @@ namespace {
 constexpr int listId = 802;
 constexpr int menuBarId = 403;
 
-QList<ListRow> collectChannels(FeedStore &store, const QString &category, FillStop &stop) {
+// A database that was not to be had when the program started may be had by now.
+bool listChannels(FeedStore &store, const QString &category) {
+    const QString escaped = escapedCategory(category);
+    return store.ListChannels(escaped) || (store.Open() && store.ListChannels(escaped));
+}
+
+// Nothing when they cannot be read.
+std::optional<QList<ListRow>> collectChannels(FeedStore &store, const QString &category,
+                                              FillStop &stop) {
     QList<ChannelRow> channels;
     {
         const auto guard = store.lock();
-        if (!store.ListChannels(escapedCategory(category)))
-            return {};
+        if (!listChannels(store, category))
+            return std::nullopt;
         channels = store.takeChannelRows();
     }
     QList<ListRow> rows;
@@ -77,7 +89,7 @@ void ChannelListScreen::refresh() {
     list_->setRows({});
     if (category().isNull())
         return;
-    auto rows = std::make_shared<QList<ListRow>>();
+    auto rows = std::make_shared<std::optional<QList<ListRow>>>();
     state_.fills.launch(
         dialog_,
         {.collect = [&store = *state_.device.store, category = category(),
@@ -86,8 +98,12 @@ void ChannelListScreen::refresh() {
          .again = [this] { dialog_->post(CommandRefreshChannels); }});
 }
 
-void ChannelListScreen::showRows(QList<ListRow> rows) {
-    list_->setRows(std::move(rows));
+void ChannelListScreen::showRows(std::optional<QList<ListRow>> rows) {
+    if (!rows) {
+        ShowError(state_, databaseProblemString);
+        return;
+    }
+    list_->setRows(std::move(*rows));
     list_->selectRow(0);
     sized();
 }

@@ -30,7 +30,7 @@ private:
     /// Null where there is none: a name may be empty.
     QString category() const { return state_.categories.value(state_.currentCategory); }
     void refresh();
-    void showRows(QList<ListRow> rows);
+    void showRows(std::optional<QList<ListRow>> rows);
 
     AppState &state_;
     Dialog *dialog_ = nullptr;

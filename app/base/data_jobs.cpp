@@ -41,7 +41,7 @@ private:
 // In this order a program that ends in the middle leaves no channel without a category.
 int renameCategory(DeviceParts &device, const QString &newName, const QString &oldName) {
     Change change(device);
-    if (!device.categoryStore.AddCategory(newName))
+    if (!device.isStillThere() || !device.categoryStore.AddCategory(newName))
         return change.fail();
     if (!device.store->MoveCategory(oldName, newName)) {
         device.categoryStore.DeleteCategory(newName);
@@ -58,7 +58,7 @@ void dropAutomatic(DeviceParts &device, const QString &channel) {
 
 int deleteCategory(DeviceParts &device, const QString &category) {
     Change change(device);
-    bool isDone = device.store->ListChannels(escapedCategory(category));
+    bool isDone = device.isStillThere() && device.store->ListChannels(escapedCategory(category));
     const QList<ChannelRow> channels = device.store->takeChannelRows();
     isDone = isDone && device.store->DeleteCategoryChannels(category);
     if (!isDone) {
@@ -73,12 +73,12 @@ int deleteCategory(DeviceParts &device, const QString &category) {
 
 int addChannel(DeviceParts &device, const ChannelRecord &record) {
     Change change(device);
-    return device.store->InsertChannel(record) ? done : change.fail();
+    return device.isStillThere() && device.store->InsertChannel(record) ? done : change.fail();
 }
 
 int deleteChannel(DeviceParts &device, const QString &channel) {
     Change change(device);
-    if (!device.store->DeleteChannel(channel))
+    if (!device.isStillThere() || !device.store->DeleteChannel(channel))
         return change.fail();
     dropAutomatic(device, channel);
     device.store->PublishTotalUnread();

@@ -25,12 +25,19 @@ int DeviceParts::open() {
         seedCategories(root, registry);
     const bool isStoreOpen = store->Open();
     if (!isRegistryReadable)
-        return fileProblemString;
+        return 0;
     if (!isStoreOpen)
         return store->error() == SeedFileMissing ? fileProblemString : databaseProblemString;
+    ownFiles_ = files();
     listLostCategories();
     return 0;
 }
+
+FileIdentities DeviceParts::files() const {
+    return identitiesOf({root.registryPath(), root.filePath(u"\\RSSVault.sdf")});
+}
+
+bool DeviceParts::isStillThere() const { return ownFiles_.isEmpty() || files() == ownFiles_; }
 
 void DeviceParts::listLostCategories() {
     QStringList ofChannels;

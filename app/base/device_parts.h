@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/device_root.h"
+#include "platform/file_identity.h"
 #include "platform/named_mutex.h"
 #include "platform/registry.h"
 #include "store/category_list.h"
@@ -33,8 +34,13 @@ public:
     /// Seeds the categories where there are none, and opens the database, which makes and seeds it
     /// on first use. Lists again what categories channels are in that no list has, as when a
     /// deletion was cut short: nobody would see them any more. May take long. Gives back the string
-    /// of what is to be told to the user, or 0: the screens work on what could be had.
+    /// of what is to be told to the user, or 0: the screens work on what could be had. A registry
+    /// that cannot be read is not told here, because the list of categories tells it.
     int open();
+
+    /// Whether the registry and the database are still those that were opened, and not gone or
+    /// replaced by others: what is written goes nowhere otherwise.
+    bool isStillThere() const;
 
     /// Closes the database for good. Nobody may be using it.
     void close();
@@ -45,7 +51,10 @@ public:
     static constexpr std::chrono::seconds channelsPatience{5};
 
 private:
+    FileIdentities files() const;
     void listLostCategories();
+
+    FileIdentities ownFiles_; // empty when the device could not be opened
 };
 
 } // namespace tidebrook

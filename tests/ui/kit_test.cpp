@@ -233,7 +233,9 @@ QStringList tooLow(User &user) {
         if (user.list() != nullptr)
             note(u"row"_s, user.list()->rowHeight());
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        for (QAction *entry : menu != nullptr ? menu->actions() : QList<QAction *>()) {
+        if (menu == nullptr)
+            return;
+        for (QAction *entry : menu->actions()) {
             if (!entry->isSeparator())
                 note(entry->text(), menu->actionGeometry(entry).height());
         }
