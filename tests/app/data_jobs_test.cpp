@@ -154,6 +154,8 @@ TEST_F(DataJobsTest, LongNamesAreCutEverywhereAlike) {
         return startDeleteCategory(state, receiver, name, std::move(end));
     }));
     EXPECT_EQ(shown(in(40)), u"");
+    EXPECT_TRUE(CategoryListStore(*device_.registry).DeleteCategory(in(40)))
+        << "it is not stored under the name that is listed";
 }
 
 TEST_F(DataJobsTest, AFailureLeavesAllAsItWasAndItsOwnCode) {

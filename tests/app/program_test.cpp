@@ -48,7 +48,10 @@ public:
     Reader &operator=(const Reader &) = delete;
 
     pid_t id() const { return static_cast<pid_t>(process_.processId()); }
-    void signal(int number) const { ::kill(id(), number); }
+    void signal(int number) const {
+        if (id() > 0) // 0 would be all of the test's own processes
+            ::kill(id(), number);
+    }
 
     /// Its exit status; -1 when it crashed or went on.
     int end(int milliseconds = patience) {
