@@ -171,7 +171,7 @@ JobEnd CategoryListScreen::counted(JobEnd end) {
     };
 }
 
-// What had to wait while a label was edited or a change was under way.
+// What had to wait while a label was edited, which a box would end, or a change was under way.
 void CategoryListScreen::catchUp() {
     if (list_->isEditingLabel() || changes_ > 0)
         return;
@@ -179,8 +179,10 @@ void CategoryListScreen::catchUp() {
         isUnread_ = false; // once is enough
         dialog_->post(CommandRefreshCategories);
     }
-    if (const int messageId = std::exchange(owedMessage_, 0); messageId != 0)
-        tellFailure(messageId);
+    if (const int messageId = std::exchange(owedMessage_, 0); messageId != 0) {
+        isTold_ = true;
+        ShowError(state_, messageId);
+    }
 }
 
 void CategoryListScreen::newCategory() {
@@ -271,16 +273,6 @@ void CategoryListScreen::dropRow(const QString &name) {
 void CategoryListScreen::tellFailedChange(int messageId) {
     isRefreshOwed_ = true;
     owedMessage_ = messageId;
-}
-
-// A box would end an editing that it has nothing to do with.
-void CategoryListScreen::tellFailure(int messageId) {
-    if (list_->isEditingLabel()) {
-        owedMessage_ = messageId;
-        return;
-    }
-    isTold_ = true;
-    ShowError(state_, messageId);
 }
 
 void CategoryListScreen::takeKey(int key, bool &isTaken) {

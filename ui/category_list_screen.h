@@ -45,7 +45,6 @@ private:
     void openCategory(int row);
     void openChannels();
     void tellFailedChange(int messageId);
-    void tellFailure(int messageId);
     void takeTodayTap();
     void openTapped();
 

@@ -172,17 +172,26 @@ TEST(FillJobsTest, AtTheEndAFillIsStoppedAndWaitedForAndNothingIsToldAnyMore) {
     EXPECT_FALSE(fills.launch(&screen, endless));
 }
 
+// Another process that keeps the mutex.
+struct MutexHolder {
+    explicit MutexHolder(const DeviceRoot &root)
+        : process([this, &root] {
+              NamedMutex mutex(root, u"RSSMutex");
+              if (mutex.lock(10s))
+                  isHeld.add();
+              pause();
+              return 0;
+          }) {}
+    bool hasIt() { return isHeld.wait(); }
+
+    const SharedCount isHeld;
+    ForkedProcess process;
+};
+
 TEST(FillJobsTest, NothingIsLaunchedOrStoppedWhileAnotherProcessHasTheMutex) {
     Screens screens;
-    const SharedCount isHeld;
-    ForkedProcess holder([&] {
-        NamedMutex mutex(screens.device.root, u"RSSMutex");
-        if (mutex.lock(10s))
-            isHeld.add();
-        pause();
-        return 0;
-    });
-    ASSERT_TRUE(isHeld.wait());
+    MutexHolder holder(screens.device.root);
+    ASSERT_TRUE(holder.hasIt());
     QElapsedTimer timer;
     timer.start();
     EXPECT_FALSE(screens.launch());
@@ -191,7 +200,7 @@ TEST(FillJobsTest, NothingIsLaunchedOrStoppedWhileAnotherProcessHasTheMutex) {
     EXPECT_GE(timer.elapsed(), 1000);
     EXPECT_EQ(screens.running, 0);
     EXPECT_EQ(screens.fills.fillStop(), 0);
-    holder.kill();
+    holder.process.kill();
     screens.play("LSS2");
     EXPECT_EQ(screens.seen, "(2)");
 }
@@ -199,18 +208,11 @@ TEST(FillJobsTest, NothingIsLaunchedOrStoppedWhileAnotherProcessHasTheMutex) {
 TEST(FillJobsTest, AStopThatCannotBeBalancedYetIsBalancedLater) {
     Screens screens;
     screens.fills.requestStop();
-    const SharedCount isHeld;
-    ForkedProcess holder([&] {
-        NamedMutex mutex(screens.device.root, u"RSSMutex");
-        if (mutex.lock(10s))
-            isHeld.add();
-        pause();
-        return 0;
-    });
-    ASSERT_TRUE(isHeld.wait());
+    MutexHolder holder(screens.device.root);
+    ASSERT_TRUE(holder.hasIt());
     screens.play("L");
     EXPECT_EQ(screens.seen, "");
-    holder.kill();
+    holder.process.kill();
     EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, patience));
     EXPECT_EQ(screens.fills.fillStop(), 0);
 }
