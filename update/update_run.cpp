@@ -1,0 +1,107 @@
+#include "update/update_run.h"
+
+#include "platform/pause.h"
+#include "platform/service.h"
+#include "platform/text.h"
+#include "store/error_codes.h"
+#include "store/escape_sql.h"
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int channelPause = 2000; // ms, before each channel of a category
+
+QString categoryName(const QString &text) { return cutText(text, categoryCapacity).toString(); }
+
+bool isFailure(DownloadAnswer answer) {
+    return answer == DownloadAnswer::Failed || answer == DownloadAnswer::TimedOut;
+}
+
+} // namespace
+
+UpdateRun::UpdateRun(const UpdateParts &parts, const UpdateObserver &observer)
+    : parts_(parts), observer_(observer), answers_(parts.device) {}
+
+bool UpdateRun::updateChannel(const QString &category, const QString &channel) {
+    RefreshJob job{{}, cutText(channel, channelNameCapacity).toString(), categoryName(category)};
+    if (!parts_.store.GetChannelLink(job.category, job.channelName, job.url) || job.url.isEmpty())
+        return true;
+    const DownloadAnswer answer = request(job);
+    if (parts_.interrupt.isStopped())
+        return true;
+    if (isFailure(answer))
+        return false;
+    parts_.store.PublishTotalUnread();
+    observer_.updated(job.category, job.channelName);
+    return true;
+}
+
+bool UpdateRun::updateCategory(const QString &category) {
+    const QString name = categoryName(category);
+    QStringList channels;
+    if (!listChannels(name, channels))
+        return false;
+    const int count = static_cast<int>(channels.size());
+    for (int i = 0; i < count; ++i) {
+        observer_.stepped(i, count);
+        const bool isUpdated = updateListed(name, channels.at(i));
+        if (parts_.interrupt.isStopped())
+            return true;
+        if (!isUpdated)
+            return false;
+    }
+    return true;
+}
+
+bool UpdateRun::listChannels(const QString &category, QStringList &names) {
+    const auto guard = parts_.store.lock();
+    if (!parts_.store.ListChannels(escapedCategory(category)))
+        return fail(parts_.store.error());
+    for (const ChannelRow &row : parts_.store.takeChannelRows())
+        names.append(row.nameText());
+    return true;
+}
+
+bool UpdateRun::updateListed(const QString &category, const QString &channel) {
+    RefreshJob job{{}, channel, category};
+    {
+        const auto guard = parts_.store.lock();
+        if (!parts_.store.GetChannelLink(category, channel, job.url))
+            return fail(parts_.store.error());
+    }
+    if (job.url.isEmpty() || !Pause(channelPause, &parts_.interrupt.stopSignal()))
+        return true;
+    const DownloadAnswer answer = request(job);
+    if (isFailure(answer))
+        return false;
+    // Who does not wait for a channel wants the next one at once, not this one's counts.
+    if (answer == DownloadAnswer::Done) {
+        ReadFlagCounts counts;
+        parts_.store.PublishTotalUnread();
+        if (parts_.store.CountReadFlags(category, channel, counts))
+            observer_.counted(category, channel, counts);
+    }
+    return true;
+}
+
+DownloadAnswer UpdateRun::request(const RefreshJob &job) {
+    if (parts_.interrupt.isStopped())
+        return DownloadAnswer::Input;
+    // One that cannot be started is told by the time-out.
+    activateService(parts_.device);
+    requestDownload(parts_.device, job, answers_);
+    parts_.interrupt.forgetInput();
+    const DownloadAnswer answer =
+        answers_.wait(parts_.answerTimeout, parts_.interrupt.descriptor());
+    if (answer == DownloadAnswer::TimedOut)
+        SetLastErrorCode(parts_.registry, NothingKnown);
+    return answer;
+}
+
+bool UpdateRun::fail(quint32 code) {
+    SetLastErrorCode(parts_.registry, code != 0 ? code : DatabaseFailed);
+    return false;
+}
+
+} // namespace tidebrook
