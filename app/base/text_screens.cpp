@@ -56,9 +56,14 @@ class HelpScreen : public TextScreen {
     bool showText(Dialog &dialog) override {
         dialog.makeHeaderBar(resourceString(programNameString));
         page_ = dialog.control<TextPage>(helpPageId);
-        if (page_ != nullptr)
-            page_->setHtml(QString::fromUtf8(helpPage()));
-        return page_ != nullptr;
+        if (page_ == nullptr)
+            return false;
+        page_->setPage(QString::fromUtf8(helpPage()));
+        QObject::connect(page_, &TextPage::linkTapped, page_, [this](const QString &target) {
+            if (target.startsWith(QLatin1Char('#')))
+                page_->scrollToAnchor(target.mid(1));
+        });
+        return true;
     }
     // Not before the page has its size, and once: the user's place in it is kept.
     void activated() override {

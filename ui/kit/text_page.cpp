@@ -1,35 +1,132 @@
 #include "ui/kit/text_page.h"
 
+#include "ui/kit/page_document.h"
 #include "ui/kit/touch_scrolling.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QAction>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QScroller>
+#include <QTextDocumentFragment>
+
+#include <algorithm>
+#include <utility>
 
 namespace tidebrook {
 
+namespace {
+
+bool isKeyOfPages(const QKeyEvent &event) {
+    if ((event.modifiers() & Qt::AltModifier) != 0)
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Select:
+        return true;
+    default:
+        return event.matches(QKeySequence::Copy) || event.matches(QKeySequence::SelectAll);
+    }
+}
+
+} // namespace
+
 TextPage::TextPage(QWidget *parent) : QTextBrowser(parent) {
+    setDocument(new PageDocument(this));
     setOpenLinks(false);
     setFrameShape(QFrame::NoFrame);
     setUndoRedoEnabled(false);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollByTouch(*this);
     connect(this, &QTextBrowser::anchorClicked, this, &TextPage::follow);
+    connect(this, &QTextBrowser::sourceChanged, this, &TextPage::left);
+}
+
+void TextPage::setPage(const QString &html) {
+    html_ = html;
+    QScroller::scroller(viewport())->stop(); // a finger moved the page before
+    build();
+    verticalScrollBar()->setValue(0);
+}
+
+void TextPage::setZoom(int level) {
+    if (std::exchange(zoom_, std::clamp(level, 2, 4)) != zoom_)
+        buildKeepingPlace();
 }
 
 QVariant TextPage::loadResource(int, const QUrl &) { return {}; }
 
-// There is no history to walk; the keys for that leave the screen.
 void TextPage::keyPressEvent(QKeyEvent *event) {
-    if ((event->modifiers() & Qt::AltModifier) != 0)
-        event->ignore();
-    else
+    if (isKeyOfPages(*event))
         QTextBrowser::keyPressEvent(event);
+    else
+        event->ignore();
+}
+
+void TextPage::changeEvent(QEvent *event) {
+    QTextBrowser::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
+        buildKeepingPlace();
+}
+
+// The menu would copy what the document has for a target.
+void TextPage::contextMenuEvent(QContextMenuEvent *event) {
+    QMenu *menu = createStandardContextMenu(event->pos());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (auto *copyLink = menu->findChild<QAction *>(QStringLiteral("link-copy"))) {
+        const qsizetype link = QUrl(anchorAt(event->pos())).path().toLongLong();
+        copyLink->disconnect();
+        connect(copyLink, &QAction::triggered, this,
+                [target = links_.value(link)] { QGuiApplication::clipboard()->setText(target); });
+    }
+    menu->popup(event->globalPos());
+}
+
+// As plain text: the rest is of use on this page only.
+QMimeData *TextPage::createMimeDataFromSelection() const {
+    auto *copied = new QMimeData;
+    copied->setText(textCursor().selection().toPlainText());
+    return copied;
+}
+
+void TextPage::build() {
+    const qreal points = 5 + 2 * zoom_;
+    PageLook look{font(), points / 9, palette().color(QPalette::Base),
+                  palette().color(QPalette::Link)};
+    look.body.setPointSizeF(points);
+    links_ = showPage(*document(), html_, look);
+    setTextCursor(QTextCursor(document())); // no link has the focus
+}
+
+void TextPage::buildKeepingPlace() {
+    if (html_.isEmpty())
+        return;
+    const bool isAtTop = verticalScrollBar()->value() == 0;
+    QTextCursor place = cursorForPosition({0, 0});
+    const int position = place.position();
+    build();
+    document()->documentLayout()->documentSize(); // lays it all out, so that its end can be reached
+    place.setPosition(std::min(position, document()->characterCount() - 1));
+    verticalScrollBar()->setValue(isAtTop ? 0
+                                          : verticalScrollBar()->value() + cursorRect(place).top());
 }
 
 void TextPage::follow(const QUrl &link) {
-    const QString target = link.toString();
-    if (target.startsWith(QLatin1Char('#')))
-        scrollToAnchor(target.mid(1));
-    else
-        Q_EMIT linkTapped(target);
+    Q_EMIT linkTapped(links_.value(link.path().toLongLong()));
 }
 
 } // namespace tidebrook

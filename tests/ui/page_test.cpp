@@ -1,0 +1,131 @@
+#include "ui/kit/text_page.h"
+
+#include <QFile>
+#include <QImage>
+#include <QPixmap>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// Pieces of bad pages, each used once and as often as the longest text of a feed has room for.
+const QString pieces =
+    u"<table><tr><td>|<table border=9><tr><td>x<table width=1><tr>|<b>|<div>|<ul>|<ul><li>x|<h1>x|"
+    u"<td colspan=20480 rowspan=20480>x|<tr><td colspan=&#57;&#57;&#57;&#57;99999 rowspan=-1>x|"
+    u"<ol type=I start=2147483647><li>x|<dl><dd>x|<font size=+7>x|<br>|<p>&nbsp;|<pre>x\n|w|</|"
+    u"<hr width=1000000000 size=1000000000>|<a href=x name=y>x|<img width=1000000000 src=x>|&#|"
+    u"<p style='font-size:99999pt;line-height:1e9'>x|<p style='font-size:99999em;color:#123'>x|"
+    u"<p style='margin:1e9px;padding:1e9px;text-indent:1e9px'>x|<blockquote>x|<script>|<table|"
+    u"<p style='margin:-999999999px;text-indent:-999999999px'>x|<!--|<a href=\"x|<style>*{x:y}|"
+    u"<div style='float:right;position:absolute;width:1e9px;height:-5px'>x|<a href=\"|<a x=|"
+    u"<iframe src=x><object data=x><svg><math><form><input value=x><select><option>|\u0301|"
+    u"<meta http-equiv=refresh content='0;url=x'><base href='file:///etc/'>|<p style='a{a{a{a{'>|"
+    u"<p style='color:f(f(f(f(f('>|\u202ex\u202a|\ufdd0\ufdd1\ufffc\u2029\u2028\x01\x1b|\xd800|"
+    u"<p style='-qt-block-indent:9999999'>|&#0;&#xD800;&#xFDD0;&#xFFFC;&#9999999999;|\x00"_s;
+
+TEST(Page, IsShownInAMomentWhateverAFeedHas) {
+    TextPage page(nullptr);
+    for (const QString &piece : pieces.split(u'|')) {
+        for (const int count : {1, static_cast<int>(3000 / piece.size())}) {
+            const std::string name = piece.toStdString() + " x " + std::to_string(count);
+            page.resize(count > 1 ? QSize(240, 320) : QSize(480, 640));
+            const std::clock_t start = std::clock();
+            page.setPage(u"First.<div>"_s + piece.repeated(count) + u"</div>\">--><p>Last."_s);
+            page.grab();
+            EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC) << name;
+            const QString text = page.toPlainText();
+            EXPECT_TRUE(text.startsWith(u"First."_s) && text.endsWith(u"Last."_s)) << name;
+            EXPECT_EQ(page.horizontalScrollBar()->maximum(), 0) << name;
+            EXPECT_LT(page.verticalScrollBar()->maximum(), 150000) << name;
+        }
+    }
+}
+
+TEST(Page, LoadsNothing) {
+    const QTemporaryDir folder;
+    const QString picture = folder.filePath(u"p.png"_s);
+    QImage red(90, 90, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    QFile sheet(folder.filePath(u"s.css"_s));
+    ASSERT_TRUE(red.save(picture) && sheet.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(sheet.write("* { color: #f00 }") > 0 && sheet.flush());
+    const QUrl pictureUrl = QUrl::fromLocalFile(picture);
+    TextPage page(nullptr);
+    page.setPage(u"<p>words</p>"_s);
+    const QImage bare = page.grab().toImage();
+    for (const QString &address : {picture, pictureUrl.toString(), u"p.png"_s}) {
+        page.setPage(u"<base href='file://%1/'><link rel=stylesheet href='%2'>"
+                     u"<style>@import url(%2);</style><img src='%3' width=90><img alt=x>"
+                     u"<body background='%3' style='background:url(%3)'><object data='%3'></object>"
+                     u"<input type=image src='%3'><p>words</p>"_s.arg(folder.path(),
+                                                                      sheet.fileName(), address));
+        EXPECT_EQ(page.grab().toImage(), bare) << address.toStdString();
+    }
+    constexpr int image = QTextDocument::ImageResource;
+    EXPECT_TRUE(QTextDocument().resource(image, pictureUrl).isValid()) << "any other opens it";
+    EXPECT_FALSE(page.document()->resource(image, pictureUrl).isValid());
+    const QSignalSpy left(&page, &TextPage::left);
+    page.setSource(QUrl::fromLocalFile(sheet.fileName()));
+    EXPECT_TRUE(left.size() == 1 && page.toPlainText().isEmpty());
+}
+
+TEST(Page, TellsTargetsExactlyByTapAndByKey) {
+    TextPage page(nullptr);
+    page.show();
+    page.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+    for (const QString &target :
+         {u"http://example.org/?a=1&b=%20%7e<\u00e9\"'"_s, u"HTTP://Example.ORG:80/../x"_s, u""_s,
+          u"#part"_s, u" a  b "_s, u"http://[bad:%zz"_s, QString(600, u'l')}) {
+        const QSignalSpy tapped(&page, &TextPage::linkTapped);
+        page.setPage(
+            u"<a href=other>other</a><p><a href=\"%1\">the link</a>"_s.arg(target.toHtmlEscaped()));
+        const QRect within = page.cursorRect(page.document()->find(u"the l"_s));
+        QTest::mouseClick(page.viewport(), Qt::LeftButton, {}, within.center());
+        page.setTextCursor(QTextCursor(page.document()));
+        for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Return})
+            QTest::keyClick(&page, key);
+        EXPECT_EQ(tapped, QList<QVariantList>(2, {target})) << target.toStdString();
+    }
+}
+
+TEST(Page, IsReadableAtEverySizeOnEveryGround) {
+    TextPage page(nullptr);
+    page.setPage(
+        u"<p>body<p style='font-size:8pt'>eight %1<a href=x>top</a><p><font color=#005091>blue"
+        u"<p><font color=gray>gray<p><font color=white>white<p style='color:#000'>black%1"_s.arg(
+            u"<p>a word and another word and one more"_s.repeated(60)));
+    const auto find = [&page](const QString &text) { return page.document()->find(text); };
+    page.verticalScrollBar()->setValue(page.cursorRect(find(u"top"_s)).top());
+    for (const int level : {4, 2, 3}) {
+        QPalette palette;
+        palette.setColor(QPalette::Base, level == 3 ? Qt::white : QColor(30, 31, 34));
+        page.setZoom(level);
+        page.setPalette(palette);
+        EXPECT_DOUBLE_EQ(find(u"body"_s).charFormat().fontPointSize(), 5 + 2 * level);
+        EXPECT_DOUBLE_EQ(find(u"eight"_s).charFormat().fontPointSize(), (5 + 2 * level) * 8 / 9.0);
+        EXPECT_LT(std::abs(page.cursorRect(find(u"top"_s)).top()), 40) << level;
+        for (const QString &text : {u"top"_s, u"blue"_s, u"gray"_s, u"white"_s, u"black"_s}) {
+            const int shown = qGray(find(text).charFormat().foreground().color().rgb());
+            EXPECT_GT(std::abs(shown - qGray(palette.base().color().rgb())), 50)
+                << level << text.toStdString();
+        }
+    }
+    for (const int key : {Qt::Key_Left, Qt::Key_Escape, Qt::Key_Back, Qt::Key_F1, Qt::Key_Down}) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(&page, &event);
+        EXPECT_EQ(event.isAccepted(), key == Qt::Key_Down) << "the dialog has the others: " << key;
+    }
+}
+
+} // namespace
+} // namespace tidebrook
