@@ -150,9 +150,7 @@ void Instance::runScreens(int messageId) {
 // The window goes first; what changes data is waited for; then the database closes.
 void Instance::closeDown() {
     stack_.close();
-    state_->fills.finish();
-    state_->settings.finish();
-    state_->changes.finish();
+    state_->finish();
     if (activation_.joinable())
         activation_.join();
     device_->close();

@@ -4,6 +4,7 @@
 #include "app/base/list_font.h"
 #include "app/base/messages.h"
 #include "app/base/text_screens.h"
+#include "app/base/today_taps.h"
 #include "platform/text.h"
 #include "res/commands.h"
 #include "res/strings.h"
@@ -17,6 +18,7 @@
 #include "ui/kit/menu_bar.h"
 #include "ui/kit/screen_menu.h"
 #include "ui/kit/screen_stack.h"
+#include "ui/update_commands.h"
 #include "update/dialogs/settings_sheet.h"
 
 #include <QKeyEvent>
@@ -68,8 +70,8 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
     QObject::connect(&state_.stack.inputPanel(), &InputPanel::changed, &dialog,
                      [this] { dialog_->relayout(); });
 
-    // What updates and exports is not there yet.
-    dialog.menuBar()->enable(CommandUpdateCategory, false);
+    followUpdates(state_, dialog, {CommandUpdateCategory});
+    // What exports is not there yet.
     dialog.menuBar()->enable(CommandExportCategory, false);
 
     readFontSize(state_, &dialog);
@@ -82,6 +84,8 @@ void CategoryListScreen::command(int id) {
     if (id != CommandRefreshCategories) // which is nothing that the user does
         list_->finishEditing();
     switch (id) {
+    case CommandUpdateCategory:
+        return updateCategory();
     case CommandNewCategory:
         return newCategory();
     case CommandDeleteCategory:
@@ -138,7 +142,7 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     list_->setRows(std::move(rows));
     list_->selectRow(0);
     setColumnWidth();
-    if (tap_)
+    if (!state_.todayCategory.isEmpty())
         dialog_->post(CommandOpenChannels);
 }
 
@@ -183,6 +187,11 @@ void CategoryListScreen::catchUp() {
         isTold_ = true;
         ShowError(state_, messageId);
     }
+}
+
+void CategoryListScreen::updateCategory() {
+    if (!warnWithoutSelection())
+        state_.updates.startUpdateCategory(list_->rowText(SelectedRow(list_)));
 }
 
 void CategoryListScreen::newCategory() {
@@ -307,32 +316,16 @@ void CategoryListScreen::openChannels() {
 void CategoryListScreen::activated() {
     if (std::exchange(isUnread_, false))
         dialog_->post(CommandRefreshCategories);
-    takeTodayTap();
+    // Once the tapped headline's category is in the list.
+    lookForTodayTap(state_, dialog_, [this] { dialog_->post(CommandRefreshCategories); });
     state_.stack.inputPanel().putDown();
 }
 
-void CategoryListScreen::takeTodayTap() {
-    state_.settings.ask(
-        dialog_,
-        [&device = state_.device] {
-            return tidebrook::takeTodayTap(device.root, device.registry, device.todayItemKey);
-        },
-        [this](const std::optional<TodayTap> &tap) {
-            if (!tap)
-                return;
-            tap_ = tap; // once its category is in the list
-            dialog_->post(CommandRefreshCategories);
-        });
-}
-
 void CategoryListScreen::openTapped() {
-    if (!tap_)
-        return;
-    state_.todayTap = *std::exchange(tap_, std::nullopt);
-    if (list_->findRow(state_.todayTap.category) >= 0)
+    if (list_->findRow(state_.todayCategory) >= 0)
         openChannels();
     else
-        state_.todayTap = {}; // its category has gone since
+        forgetTodayTap(state_); // its category has gone since
 }
 
 void CategoryListScreen::sized() {

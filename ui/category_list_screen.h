@@ -36,6 +36,7 @@ private:
     JobEnd counted(JobEnd end);
     void catchUp();
     void newCategory();
+    void updateCategory();
     void renameCategory();
     void endLabelEdit(int row, const QString &text);
     void deleteCategory();
@@ -45,18 +46,16 @@ private:
     void openCategory(int row);
     void openChannels();
     void tellFailedChange(int messageId);
-    void takeTodayTap();
     void openTapped();
 
     AppState &state_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
-    int changes_ = 0;             // asked for, and not stored yet
-    bool isRefreshOwed_ = false;  // rows could not be shown when they came
-    int owedMessage_ = 0;         // of a failure that could not be told when it came
-    bool isUnread_ = false;       // the list could not be read
-    bool isTold_ = false;         // of a failure, until the list is refreshed
-    std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
+    int changes_ = 0;            // asked for, and not stored yet
+    bool isRefreshOwed_ = false; // rows could not be shown when they came
+    int owedMessage_ = 0;        // of a failure that could not be told when it came
+    bool isUnread_ = false;      // the list could not be read
+    bool isTold_ = false;        // of a failure, until the list is refreshed
 };
 
 /// Shows the category list, and with it every other screen, until the user leaves it.

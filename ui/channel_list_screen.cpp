@@ -1,29 +1,23 @@
 #include "ui/channel_list_screen.h"
 
-#include "app/base/list_font.h"
+#include "app/base/data_jobs.h"
 #include "app/base/messages.h"
-#include "app/base/text_screens.h"
+#include "app/base/today_taps.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "store/escape_sql.h"
-#include "ui/column_width.h"
+#include "ui/article_list_screen.h"
 #include "ui/kit/dialog.h"
-#include "ui/kit/header_bar.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/menu_bar.h"
-#include "ui/kit/screen_menu.h"
-#include "ui/kit/screen_stack.h"
+#include "ui/row_painter.h"
+#include "ui/update_commands.h"
 
-#include <memory>
-#include <optional>
-#include <utility>
+#include <QKeyEvent>
 
 namespace tidebrook {
 
 namespace {
-
-constexpr int listId = 802;
-constexpr int menuBarId = 403;
 
 // A database that was not to be had when the program started may be had by now.
 bool listChannels(FeedStore &store, const QString &category) {
@@ -31,7 +25,8 @@ bool listChannels(FeedStore &store, const QString &category) {
     return store.ListChannels(escaped) || (store.Open() && store.ListChannels(escaped));
 }
 
-// Nothing when they cannot be read.
+QString countsText(int unread, int total) { return QStringLiteral("%1/%2").arg(unread).arg(total); }
+
 std::optional<QList<ListRow>> collectChannels(FeedStore &store, const QString &category,
                                               FillStop &stop) {
     QList<ChannelRow> channels;
@@ -47,81 +42,141 @@ std::optional<QList<ListRow>> collectChannels(FeedStore &store, const QString &c
         if (stop.isRequested())
             break;
         rows.append({.text = channel.nameText(),
-                     .detail = QStringLiteral("%1/%2").arg(channel.unread).arg(channel.total),
-                     .image = 0});
+                     .detail = countsText(channel.unread, channel.total),
+                     .image = ChannelImage});
     }
     return rows;
 }
 
 } // namespace
 
+ChannelListScreen::ChannelListScreen(AppState &state)
+    : SteppedListScreen(state, {.screen = ChannelScreen,
+                                .menuBarId = 403,
+                                .refreshCommand = CommandRefreshChannels,
+                                .backCommand = CommandBackToCategories,
+                                .updateCommand = CommandUpdateChannel,
+                                .nothingSelectedString = noChannelSelectedString,
+                                .stopsByCommand = false,
+                                .keepsPlace = false,
+                                .names = state.categories,
+                                .index = state.currentCategory}) {}
+
 bool ChannelListScreen::initialise(Dialog &dialog) {
-    dialog_ = &dialog;
-    list_ = dialog.control<ListView>(listId);
-    if (list_ == nullptr || !dialog.makeMenuBar(menuBarId))
+    const int tapped = findName(state().categories, state().todayCategory, categoryCapacity);
+    if (tapped >= 0)
+        state().currentCategory = tapped;
+    if (!SteppedListScreen::initialise(dialog))
         return false;
-    state_.lists[ChannelScreen] = list_;
-    list_->setImages({"channel"});
-    list_->setFont(state_.listFont);
-    if (const qsizetype tapped = state_.categories.indexOf(state_.todayTap.category); tapped >= 0)
-        state_.currentCategory = static_cast<int>(tapped);
-    dialog.makeHeaderBar(category());
-    list_->setAccessibleName(category());
-    // What the other entries open is not there yet.
-    for (const int pending : {CommandUpdateChannel, CommandUpdateAll, CommandNewChannel,
-                              CommandDeleteChannel, CommandExportChannel, CommandProperties})
+    followUpdates(state(), dialog, {CommandUpdateChannel, CommandUpdateAll});
+    QObject::connect(&state().updates, &UpdateJobs::channelUpdated, &dialog,
+                     [this](const QString &category) {
+                         if (category == name())
+                             refreshSoon();
+                     });
+    QObject::connect(
+        &state().updates, &UpdateJobs::channelCounted, &dialog,
+        [this](const QString &category, const QString &channel, int unread, int total) {
+            if (category == name())
+                showCounts(channel, unread, total);
+        });
+    // What these open is not there yet.
+    for (const int pending : {CommandNewChannel, CommandExportChannel, CommandProperties})
         dialog.menuBar()->enable(pending, false);
-    dialog.post(CommandRefreshChannels);
+    refreshSoon();
     return true;
 }
 
 void ChannelListScreen::command(int id) {
-    if (id == CommandBackToCategories)
-        close();
-    else if (id == CommandRefreshChannels)
-        refresh();
-    else if (chooseFontSize(state_, id))
-        dialog_->post(CommandRefreshChannels);
-}
-
-void ChannelListScreen::refresh() {
-    list_->setFocus();
-    list_->setRows({});
-    if (category().isNull())
+    switch (id) {
+    case CommandUpdateChannel:
+        return updateChannel();
+    case CommandUpdateAll:
+        state().updates.startUpdateCategory(name());
         return;
-    auto rows = std::make_shared<std::optional<QList<ListRow>>>();
-    state_.fills.launch(
-        dialog_,
-        {.collect = [&store = *state_.device.store, category = category(),
-                     rows](FillStop &stop) { *rows = collectChannels(store, category, stop); },
-         .show = [this, rows] { showRows(std::move(*rows)); },
-         .again = [this] { dialog_->post(CommandRefreshChannels); }});
+    case CommandDeleteChannel:
+        return deleteChannel();
+    case CommandOpenArticles:
+        return openArticles();
+    default:
+        SteppedListScreen::command(id);
+    }
 }
 
-void ChannelListScreen::showRows(std::optional<QList<ListRow>> rows) {
-    if (!rows) {
-        ShowError(state_, databaseProblemString);
+SteppedListScreen::Collector ChannelListScreen::collector() const {
+    return [&store = *state().device.store, category = name()](FillStop &stop) {
+        return collectChannels(store, category, stop);
+    };
+}
+
+QStringList ChannelListScreen::listedChannels() const {
+    QStringList names;
+    for (int row = 0; row < list().rowCount(); ++row)
+        names.append(list().rowText(row));
+    return names;
+}
+
+// The headline that led here is to be found in one of the channels, which are known now.
+void ChannelListScreen::filled() {
+    if (state().todayChannel.isEmpty())
+        return;
+    const int tapped = findName(listedChannels(), state().todayChannel, channelNameCapacity);
+    if (tapped < 0) {
+        forgetTodayTap(state()); // it has gone since
         return;
     }
-    list_->setRows(std::move(*rows));
-    list_->selectRow(0);
-    sized();
+    state().channelIndex = tapped;
+    dialog().post(CommandOpenArticles);
 }
 
-void ChannelListScreen::sized() {
-    list_->setColumnWidth(listColumnWidth(state_.stack.size(), list_->rowCount(), *list_));
+void ChannelListScreen::openTapped() {
+    const int tapped = findName(state().categories, state().todayCategory, categoryCapacity);
+    if (tapped >= 0)
+        step(tapped);
+    refreshSoon();
 }
 
-void ChannelListScreen::close() {
-    state_.lists[ChannelScreen] = nullptr;
-    state_.todayTap = {};
-    dialog_->end(1);
+void ChannelListScreen::open(int row) {
+    state().channelIndex = row;
+    openArticles();
 }
 
-void ChannelListScreen::helpRequested() { showHelp(state_); }
+void ChannelListScreen::openArticles() {
+    state().channels = listedChannels();
+    ArticleListScreen screen(state());
+    if (RunDialog(ArticleListScreen::templateId, state().stack, screen) == 1)
+        refreshSoon();
+}
 
-std::optional<int> ChannelListScreen::backCommand() const { return CommandBackToCategories; }
+void ChannelListScreen::updateChannel() {
+    if (const auto row = selection())
+        state().updates.startUpdateChannel(name(), list().rowText(*row));
+}
 
-void ChannelListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
+void ChannelListScreen::deleteChannel() {
+    const auto row = selection();
+    if (!row)
+        return;
+    const QString channel = list().rowText(*row);
+    if (!askUser(state(), confirmDeletionString, deleteChannelString))
+        return;
+    const JobEnd end = [this](int messageId) {
+        if (messageId != 0)
+            ShowError(state(), messageId);
+        refreshSoon();
+    };
+    if (!startDeleteChannel(state(), &dialog(), channel, end))
+        end(fileProblemString);
+}
+
+void ChannelListScreen::showCounts(const QString &channel, int unread, int total) {
+    if (const int row = list().findRow(channel); row >= 0)
+        list().setRowDetail(row, countsText(unread, total));
+}
+
+std::optional<int> ChannelListScreen::commandOfKey(const QKeyEvent &event) const {
+    return event.key() == Qt::Key_Delete ? CommandDeleteChannel
+                                         : SteppedListScreen::commandOfKey(event);
+}
 
 } // namespace tidebrook

@@ -1,40 +1,31 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "ui/kit/dialog_procedure.h"
-#include "ui/kit/list_rows.h"
-
-#include <QList>
+#include "ui/stepped_list_screen.h"
 
 namespace tidebrook {
 
-class ListView;
-
 /// The second screen: the channels of the category that was chosen in the first, each with its
 /// unread and total counts. It ends with 1, which has the first screen refresh.
-class ChannelListScreen : public DialogProcedure {
+class ChannelListScreen : public SteppedListScreen {
 public:
-    explicit ChannelListScreen(AppState &state) : state_(state) {}
-
-    static constexpr int templateId = 134;
+    explicit ChannelListScreen(AppState &state);
 
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
-    void sized() override;
-    void close() override;
-    void helpRequested() override;
-    std::optional<int> backCommand() const override;
-    void prepareMenu(ScreenMenu &menu) override;
+    void close() override { leave(); }
+    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
 
 private:
-    /// Null where there is none: a name may be empty.
-    QString category() const { return state_.categories.value(state_.currentCategory); }
-    void refresh();
-    void showRows(std::optional<QList<ListRow>> rows);
+    Collector collector() const override;
+    void open(int row) override;
+    void openTapped() override;
+    void filled() override;
 
-    AppState &state_;
-    Dialog *dialog_ = nullptr;
-    ListView *list_ = nullptr;
+    QStringList listedChannels() const;
+    void updateChannel();
+    void deleteChannel();
+    void openArticles();
+    void showCounts(const QString &channel, int unread, int total);
 };
 
 } // namespace tidebrook

@@ -1,5 +1,6 @@
 #include "app/base/app_state.h"
 
+#include "app/base/messages.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/progress_line.h"
 #include "ui/kit/screen_stack.h"
@@ -16,10 +17,21 @@ template <class Worker> void showOn(ProgressLine &line, const Worker &worker) {
 } // namespace
 
 AppState::AppState(DeviceParts &parts, ScreenStack &screenStack)
-    : device(parts), stack(screenStack), fills(parts.dbMutex) {
+    : device(parts), stack(screenStack), fills(parts.dbMutex), updates(parts) {
     showOn(stack.progressLine(), changes);
     showOn(stack.progressLine(), settings);
     showOn(stack.progressLine(), fills);
+    showOn(stack.progressLine(), updates);
+    QObject::connect(&updates, &UpdateJobs::stepped, &stack.progressLine(),
+                     &ProgressLine::setSteps);
+    QObject::connect(&updates, &UpdateJobs::failed, &stack, [this] { ShowError(*this, 0); });
+}
+
+void AppState::finish() {
+    updates.finish();
+    fills.finish();
+    settings.finish();
+    changes.finish();
 }
 
 } // namespace tidebrook

@@ -2,8 +2,8 @@
 
 #include "app/base/device_parts.h"
 #include "app/base/fill_jobs.h"
+#include "app/base/update_jobs.h"
 #include "app/base/work_queue.h"
-#include "update/today_tap.h"
 
 #include <QFont>
 #include <QPointer>
@@ -38,18 +38,35 @@ struct AppState {
     /// Reading and writing settings, which need not wait for that.
     WorkQueue settings;
     FillJobs fills;
+    /// What the screens have asked the downloader for. One that fails is told to the user.
+    UpdateJobs updates;
+
+    /// Ends all that works for the screens: what fills a list, reads a setting or waits for the
+    /// downloader at once, what changes data when it is done.
+    void finish();
 
     /// The list of each list screen that is open.
     std::array<QPointer<ListView>, ListScreenCount> lists;
 
     QStringList categories;   ///< as the category list shows them
     int currentCategory = -1; ///< the row that was opened
+    QStringList channels;     ///< as the channel list shows them
+    int channelIndex = -1;    ///< the row that was opened
+    int articleRow = -1;      ///< the row that was opened
+
+    SortMode sortMode = SortMode::Date;
+
+    // The article that is shown, and its channel.
+    QString fillChannel;
+    QString fillTitle;
 
     int fontSize = fontSizes[0];
     QFont listFont;
 
-    /// The tapped headline that the screens are to lead to; empty texts when there is none.
-    TodayTap todayTap;
+    // The tapped headline that the screens are to lead to; empty when there is none.
+    QString todayCategory;
+    QString todayChannel;
+    QString todayTitle;
 };
 
 } // namespace tidebrook

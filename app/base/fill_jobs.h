@@ -26,6 +26,8 @@ public:
         isRequested_ = isRequested_ || counter_ >= 1;
         return isRequested_ || isFinished_;
     }
+    /// Whether a stop is asked for, which this one leaves for the next fill.
+    bool isPending() const { return counter_ >= 1 || isFinished_; }
     /// Whether the counter asked for it.
     bool isCounted() const { return isRequested_; }
 

@@ -32,19 +32,28 @@ void TestDevice::restart() {
 
 void TestDevice::addChannel(const QString &category, const QString &name,
                             const QStringList &titles) {
+    QList<TestArticle> articles;
+    for (const QString &title : titles)
+        articles.append(
+            {.title = title,
+             .link = QStringLiteral("http://example.org/%1").arg(articles.size()),
+             .date = QStringLiteral("2026-01-%1").arg(28 - articles.size(), 2, 10, QChar(u'0'))});
+    addChannel(category, name, articles);
+}
+
+void TestDevice::addChannel(const QString &category, const QString &name,
+                            const QList<TestArticle> &articles) {
     store->InsertChannel({category, name, QStringLiteral("http://example.org/feed")});
     store->changeAtOnce([&](SqlCommand &command) {
         int number = 0;
-        for (const QString &title : titles) {
+        for (TestArticle article : articles) {
             command.setText(QStringLiteral("INSERT INTO RSSRecord VALUES ('%1', '%1 %2', '%3', "
-                                           "'http://example.org/%2', 'Text', '2026-01-%4', 0, "
-                                           "4000000000, '%5')")
-                                .arg(escapedChannelName(name), QString::number(number),
-                                     escapedTitle(title),
-                                     QStringLiteral("%1").arg(28 - number, 2, 10, QChar(u'0')),
-                                     escapedCategory(category)));
+                                           "'%4', '%5', '%6', 0, 4000000000, '%7')")
+                                .arg(escapedChannelName(name), QString::number(number++),
+                                     escapedTitle(article.title), article.link,
+                                     article.description.replace(u'\'', QLatin1String("''")),
+                                     article.date, escapedCategory(category)));
             command.execute();
-            ++number;
         }
         store->RecountChannel(escapedChannelName(name));
     });

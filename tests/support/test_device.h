@@ -14,6 +14,14 @@ namespace tidebrook {
 
 inline constexpr QStringView testTodayKey = u"Software\\Microsoft\\Today\\Items\\Tidebrook";
 
+/// An article, with texts as they stand in the database.
+struct TestArticle {
+    QString title;
+    QString link = QStringLiteral("http://example.org/");
+    QString description = QStringLiteral("Text");
+    QString date = QStringLiteral("2026-01-28");
+};
+
 /// A device root of its own for one test, with whatever seed file it is given.
 class TestDevice {
 public:
@@ -23,8 +31,12 @@ public:
     /// Ends the store and starts another over the same files, as a restart does.
     void restart();
 
-    /// Adds a channel to the open store and an article for each title, unread and dated today.
+    /// Adds a channel to the open store and an article for each title, unread, each a day older
+    /// than the one before.
     void addChannel(const QString &category, const QString &name, const QStringList &titles = {});
+    /// The same with these articles.
+    void addChannel(const QString &category, const QString &name,
+                    const QList<TestArticle> &articles);
 
     QStringList titles(const QString &channel, SortMode mode = SortMode::Date);
     /// "unread/total" of a channel as its category's list shows it; null when it is not there.

@@ -386,7 +386,7 @@ TEST_F(CategoryListTest, AHeadlineTappedTodayLeadsIntoItsCategory) {
     NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
     const auto tapHeadline = [&](const QString &category) {
         device.registry->write(testTodayKey, u"CATEGORY", category);
-        device.registry->write(testTodayKey, u"CHANNEL", u"Moon"_s);
+        device.registry->write(testTodayKey, u"CHANNEL", u"Sun"_s);
         device.registry->write(testTodayKey, u"TITLE", u"A title"_s);
         tapped.set();
     };

@@ -22,7 +22,7 @@ using namespace Qt::StringLiterals;
 
 const QString seed = u"The Harbour Post\thttp://example.org/1\tNews\n"
                      u"Evening Ferry\thttp://example.org/2\tNews\n"
-                     u"Planet of Small Things\thttp://example.org/3\tTechnology\n"
+                     u"Small Machines\thttp://example.org/3\tTechnology\n"
                      u"Tide Tables Weekly\thttp://example.org/4\tScience\n"
                      u"Long Waves\thttp://example.org/5\tScience\n"
                      u"Kitchen by the Sea\thttp://example.org/6\tFood and drink\n"
@@ -78,7 +78,7 @@ bool seesMenus(User &user, int count) {
 void photographMenus(User &user, Photographer &photographer) {
     user.press(Qt::Key_F10);
     photographer.take(u"menu"_s, seesMenus(user, 1));
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 5; ++i)
         user.press(Qt::Key_Down);
     user.press(Qt::Key_Right);
     photographer.take(u"font-sizes"_s, seesMenus(user, 2));
@@ -119,6 +119,34 @@ void photographSettings(User &user, Photographer &photographer) {
     user.seesCaption(u"All Categories"_s);
 }
 
+void photographArticles(User &user, Photographer &photographer) {
+    user.tapRow(1);
+    photographer.take(u"articles"_s,
+                      user.seesCaption(u"Planet of Small Things"_s) && user.seesSelected(0));
+    user.press(Qt::Key_Return);
+    photographer.take(u"article"_s, user.seesPage(u"matchbox"_s));
+    user.choose({u"Font Size"_s, u"Big"_s});
+    photographer.take(u"article-big"_s, user.seesPage(u"matchbox"_s));
+    user.tap(u"Article List"_s);
+    photographer.take(u"articles-big"_s,
+                      user.seesCaption(u"Planet of Small Things"_s) && user.seesSelected(0));
+    user.choose({u"Font Size"_s, u"Small"_s});
+    user.choose({u"Show Unread Only"_s});
+    photographer.take(u"articles-unread"_s, user.seesSelected(0));
+    user.press(Qt::Key_Escape);
+    user.seesCaption(u"Technology"_s);
+}
+
+void photographChannels(User &user, Photographer &photographer) {
+    user.tapRow(1);
+    photographer.take(u"channels"_s, user.seesCaption(u"Technology"_s) && user.seesSelected(0));
+    photographArticles(user, photographer);
+    user.press(Qt::Key_F4);
+    photographer.take(u"choices"_s, user.seesChoices());
+    user.press(Qt::Key_Escape);
+    user.seesQuiet();
+}
+
 void photographTexts(User &user, Photographer &photographer) {
     user.press(Qt::Key_F1);
     photographer.take(u"help"_s, user.seesCaption(u"Tidebrook"_s));
@@ -130,6 +158,24 @@ void photographTexts(User &user, Photographer &photographer) {
     user.seesCaption(u"All Categories"_s);
 }
 
+QList<TestArticle> articles() {
+    const QString link = u"http://example.org/planet"_s;
+    return {
+        {u"A radio the size of a matchbox, built over one long winter"_s, link,
+         u"<p>It began with a drawer of <b>old parts</b> and a box of matches. What came of it "
+         "receives three stations, <i>one of them well</i>, and runs for a week on a coin cell.</p>"
+         "<h3>What is in it</h3><ul><li>a coil, wound by hand</li><li>two transistors</li>"
+         "<li>patience</li></ul><blockquote>Make it small, and then make it smaller.</blockquote>"
+         "<p>The <a href=\"http://example.org/plans\">plans</a> are free.</p>"_s,
+         u"2026-11-20"_s},
+        {u"Why pocket computers had keys"_s, link, u"Because fingers know where they are."_s,
+         u"2026-11-19"_s},
+        {u"Letters: your smallest workshop, and how you keep it tidy when somebody is at the door"_s,
+         link, u"DEFAULT"_s, u"2026-11-18"_s},
+        {u"Soldering by candlelight"_s, link, u"Please do not."_s, u"2026-11-17"_s},
+    };
+}
+
 void furnish(TestDevice &device) {
     for (const QStringView name : {u"UpdateInterval", u"UpdateMode"})
         device.registry->write(programKey, name, 1U);
@@ -138,8 +184,10 @@ void furnish(TestDevice &device) {
     for (const QStringView name : {u"Enabled", u"TodayTimer"})
         device.registry->write(testTodayKey, name, 1U);
     device.store->Open();
-    for (int i = 1; i <= 3; ++i)
-        device.addChannel(u"Technology"_s, u"Channel %1"_s.arg(i), {u"One"_s, u"Two"_s});
+    device.addChannel(u"Technology"_s, u"Planet of Small Things"_s, articles());
+    device.addChannel(u"Technology"_s, u"The Slow Web, with a name that is rather long"_s,
+                      {u"One"_s, u"Two"_s});
+    device.addChannel(u"Technology"_s, u"Open Bench"_s, QStringList{});
     device.store->Close();
 }
 
@@ -158,8 +206,7 @@ int photographAll(const QDir &folder, bool isDark) {
         photographCategories(user, photographer);
         photographSettings(user, photographer);
         photographTexts(user, photographer);
-        user.tapRow(1);
-        photographer.take(u"channels"_s, user.seesCaption(u"Technology"_s) && user.seesSelected(0));
+        photographChannels(user, photographer);
         failures = photographer.failures();
     });
     return failures;

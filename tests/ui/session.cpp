@@ -8,6 +8,7 @@
 #include "ui/kit/list_view.h"
 #include "ui/kit/message_box.h"
 #include "ui/kit/progress_line.h"
+#include "ui/kit/text_page.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -279,6 +280,20 @@ bool User::seesCaption(const QString &caption) {
     });
 }
 
+bool User::seesChoices() {
+    return sees([this] {
+        const auto *header = stack_.top()->findChild<HeaderBar *>();
+        return header != nullptr && header->areChoicesVisible();
+    });
+}
+
+bool User::seesPage(const QString &text) {
+    return sees([this, text] {
+        const auto *page = stack_.top()->findChild<TextPage *>();
+        return page != nullptr && page->toPlainText().contains(text);
+    });
+}
+
 bool User::seesQuiet() {
     constexpr int looks = 3; // what is done may have posted a command that begins more
     int quiet = 0;
@@ -339,9 +354,7 @@ bool Session::run(const std::function<void(User &)> &user) {
     while (!isUserDone) // who has left the screens may still want to look
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     hands.join();
-    state_->fills.finish();
-    state_->settings.finish();
-    state_->changes.finish();
+    state_->finish();
     return stack_.top() == nullptr;
 }
 

@@ -69,6 +69,10 @@ public:
     bool seesPopup();
     /// A header with this caption.
     bool seesCaption(const QString &caption);
+    /// The header's list of all that can be chosen.
+    bool seesChoices();
+    /// A page, with this text in it.
+    bool seesPage(const QString &text);
     QStringList rows();
     /// Nothing is at work any more.
     bool seesQuiet();

@@ -71,13 +71,18 @@ HeaderBar &Dialog::makeHeaderBar(const QString &caption) {
     return *headerBar_;
 }
 
+void Dialog::makeTitleStrip(const QString &caption) {
+    headerUnits_ = titleStripUnits;
+    makeHeaderBar(caption);
+}
+
 void Dialog::relayout() {
     const DialogUnits units = stack().units();
     const int barHeight = units.height(menuBarUnits);
     form_->setGeometry(rect());
     form_->lower();
     if (headerBar_ != nullptr) {
-        headerBar_->setGeometry(0, 0, width(), units.height(titleStripUnits + headerBarUnits));
+        headerBar_->setGeometry(0, 0, width(), units.height(headerUnits_));
         headerBar_->setUnits(units);
     }
     if (menuBar_ != nullptr)

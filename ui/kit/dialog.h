@@ -36,6 +36,8 @@ public:
     MenuBar *menuBar() const { return menuBar_; }
 
     HeaderBar &makeHeaderBar(const QString &caption);
+    /// Nothing but the caption, over the title strip alone.
+    void makeTitleStrip(const QString &caption);
     HeaderBar *headerBar() const { return headerBar_; }
 
     /// Lays everything out for the size of the window, as when that changes.
@@ -45,6 +47,7 @@ public:
     void closeRequested() override;
     bool isOpaque() const override { return true; }
     QWidget *firstFocus() override;
+    int headerUnits() const override { return headerUnits_; }
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
@@ -60,6 +63,7 @@ private:
     Form *form_;
     MenuBar *menuBar_ = nullptr;
     HeaderBar *headerBar_ = nullptr;
+    int headerUnits_ = titleStripUnits + headerBarUnits;
     QList<int> waiting_; // posted while something lay above
 };
 

@@ -5,6 +5,7 @@
 #include "ui/kit/icon.h"
 #include "ui/kit/list_view.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QPainter>
 #include <QStyle>
@@ -20,6 +21,21 @@ constexpr int iconUnits = 24;
 constexpr int marginUnits = 6;
 constexpr int keyUnits = 41;
 constexpr int choicesUnits = 205; // of the screen's height, at most
+
+// The bar paints the caption, which is seen through the key.
+class CaptionKey : public QToolButton {
+public:
+    using QToolButton::QToolButton;
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        if (!isDown())
+            return;
+        QColor shade = palette().color(QPalette::Highlight);
+        shade.setAlphaF(0.3F);
+        QPainter(this).fillRect(rect(), shade);
+    }
+};
 
 } // namespace
 
@@ -37,9 +53,12 @@ void HeaderBar::setCaption(const QString &caption) {
 }
 
 void HeaderBar::setSteppable() {
-    captionKey_ = makeKey(caption_, CommandShowChoices);
-    previous_ = makeKey(resourceString(previousString), CommandPrevious);
-    next_ = makeKey(resourceString(nextString), CommandNext);
+    captionKey_ = new CaptionKey(this);
+    previous_ = new QToolButton(this);
+    next_ = new QToolButton(this);
+    prepareKey(*captionKey_, caption_, CommandShowChoices);
+    prepareKey(*previous_, resourceString(previousString), CommandPrevious);
+    prepareKey(*next_, resourceString(nextString), CommandNext);
     choices_ = new ListView(parentWidget());
     choices_->hide();
     choices_->setFrameShape(QFrame::Box);
@@ -61,14 +80,12 @@ void HeaderBar::takeChoice(int row) {
         Q_EMIT chosen(CommandHideChoices);
 }
 
-QToolButton *HeaderBar::makeKey(const QString &name, int command) {
-    auto *key = new QToolButton(this);
-    key->setAutoRaise(true);
-    key->setFocusPolicy(Qt::NoFocus);
-    key->setAccessibleName(name);
-    connect(key, &QToolButton::clicked, this, [this, command] { Q_EMIT chosen(command); });
-    key->show();
-    return key;
+void HeaderBar::prepareKey(QToolButton &key, const QString &name, int command) {
+    key.setAutoRaise(true);
+    key.setFocusPolicy(Qt::NoFocus);
+    key.setAccessibleName(name);
+    connect(&key, &QToolButton::clicked, this, [this, command] { Q_EMIT chosen(command); });
+    key.show();
 }
 
 void HeaderBar::setChoices(const QStringList &names, int current) {
@@ -80,13 +97,30 @@ void HeaderBar::setChoices(const QStringList &names, int current) {
     choices_->selectRow(current);
 }
 
+bool HeaderBar::eventFilter(QObject *watched, QEvent *event) {
+    const bool isPress = event->type() == QEvent::MouseButtonPress;
+    if (!isPress && event->type() != QEvent::MouseButtonRelease)
+        return false;
+    const auto *target = qobject_cast<QWidget *>(watched);
+    if (target == nullptr || target->window() != window() || target == captionKey_ ||
+        target == choices_ || choices_->isAncestorOf(target))
+        return false;
+    if (!isPress)
+        Q_EMIT chosen(CommandHideChoices);
+    return true;
+}
+
 void HeaderBar::showChoices() {
+    qApp->installEventFilter(this);
     choices_->show();
     choices_->raise();
     choices_->setFocus();
 }
 
-void HeaderBar::hideChoices() { choices_->hide(); }
+void HeaderBar::hideChoices() {
+    qApp->removeEventFilter(this);
+    choices_->hide();
+}
 
 bool HeaderBar::areChoicesVisible() const { return choices_ != nullptr && choices_->isVisible(); }
 
@@ -129,7 +163,7 @@ QRect HeaderBar::captionPlace() const {
 
 void HeaderBar::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
+    const QSize iconSize(units_.width(iconUnits), std::min(units_.height(iconUnits), height() - 2));
     const int middle = (height() - iconSize.height()) / 2;
     const QRect mark(QPoint(units_.width(marginUnits), middle), iconSize);
     painter.drawPixmap(mirrored(mark).topLeft(), icon("header", iconSize, palette()));

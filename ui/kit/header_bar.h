@@ -27,7 +27,8 @@ public:
     /// Gives the bar its keys, and the caption a list to choose from.
     void setSteppable();
 
-    /// What can be chosen. It is shown below the bar, over the dialog.
+    /// What can be chosen. It is shown below the bar, over the dialog; a tap beside it, which does
+    /// nothing else, asks for its being hidden.
     void setChoices(const QStringList &names, int current);
     void showChoices();
     void hideChoices();
@@ -42,12 +43,13 @@ Q_SIGNALS:
     void choiceTaken(int index);
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
-    QToolButton *makeKey(const QString &name, int command);
+    void prepareKey(QToolButton &key, const QString &name, int command);
     void takeChoice(int row);
     void arrange();
     QRect captionPlace() const;

@@ -30,6 +30,8 @@ public:
     virtual bool isOpaque() const = 0;
     /// The widget that has the focus when nothing of the layer had it before.
     virtual QWidget *firstFocus() = 0;
+    /// How much of its upper end is a header; the progress line lies under that.
+    virtual int headerUnits() const { return 0; }
 
 private:
     friend class ScreenStack;

@@ -63,6 +63,13 @@ int ListView::findRow(const QString &text) const {
     return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
 }
 
+void ListView::replaceRows(QList<ListRow> rows) {
+    const int place = verticalScrollBar()->value();
+    rows_.replace(std::move(rows));
+    executeDelayedItemsLayout();
+    verticalScrollBar()->setValue(place);
+}
+
 void ListView::removeRow(int row) {
     // Otherwise the view would choose a neighbour by itself. Where a label is being edited its row
     // stays the chosen one.
@@ -154,13 +161,16 @@ void ListView::keyPressEvent(QKeyEvent *event) {
         event->setAccepted(!isHelp && key != Qt::Key_F10 && key != Qt::Key_Menu);
         return;
     }
+    const bool isModified =
+        (event->modifiers() & (Qt::AltModifier | Qt::ControlModifier)) != Qt::NoModifier;
     bool isTaken = false;
-    Q_EMIT keyPressed(key, isTaken);
+    if (!isModified)
+        Q_EMIT keyPressed(key, isTaken);
     if (isTaken)
         event->accept();
     else if (isCheckable_ && key == Qt::Key_Space && currentIndex().isValid())
         setChecked(currentIndex().row(), !isChecked(currentIndex().row()));
-    else if ((event->modifiers() & (Qt::AltModifier | Qt::ControlModifier)) != 0)
+    else if (isModified)
         event->ignore();
     else
         moveByKey(*event);

@@ -40,6 +40,8 @@ public:
 
     /// Replaces all rows; none is selected then.
     void setRows(QList<ListRow> rows) { rows_.replace(std::move(rows)); }
+    /// The same, with the list scrolled to where it was.
+    void replaceRows(QList<ListRow> rows);
     void insertRow(int row, const ListRow &content) { rows_.insert(row, content); }
     void removeRow(int row);
     void setRowText(int row, const QString &text);

@@ -26,6 +26,9 @@ public:
     void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
                               const QModelIndex &index) const override;
 
+protected:
+    const ListView &list() const { return list_; }
+
 private:
     QRect labelRect(const QStyleOptionViewItem &option) const;
     QRect imageRect(const QStyleOptionViewItem &option) const;

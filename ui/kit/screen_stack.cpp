@@ -43,8 +43,10 @@ void ScreenStack::push(Layer &layer) {
     layer.setGeometry(rect());
     layer.show();
     layer.raise();
-    if (layer.isOpaque())
+    if (layer.isOpaque()) {
+        placeProgressLine(layer);
         progressLine_->raise();
+    }
     if (QWidget *first = layer.firstFocus())
         first->setFocus();
     layer.activated();
@@ -56,6 +58,8 @@ void ScreenStack::pop(Layer &layer) {
     if (below != nullptr) {
         below->setGeometry(rect());
         below->show();
+        if (below->isOpaque())
+            placeProgressLine(*below);
         QWidget *focus = below->focusBefore_ ? below->focusBefore_.data() : below->firstFocus();
         if (focus != nullptr)
             focus->setFocus();
@@ -95,13 +99,19 @@ void ScreenStack::closeEvent(QCloseEvent *event) {
 
 void ScreenStack::resizeEvent(QResizeEvent *) { arrange(); }
 
-void ScreenStack::arrange() {
+void ScreenStack::placeProgressLine(const Layer &layer) {
     const DialogUnits units = this->units();
-    setTouchHeight(units.height(menuBarUnits));
-    progressLine_->setGeometry(0, units.height(titleStripUnits + headerBarUnits), width(),
+    progressLine_->setGeometry(0, units.height(layer.headerUnits()), width(),
                                units.height(progressUnits));
-    for (Layer *layer : layers_)
+}
+
+void ScreenStack::arrange() {
+    setTouchHeight(units().height(menuBarUnits));
+    for (Layer *layer : layers_) {
         layer->setGeometry(rect());
+        if (layer->isOpaque())
+            placeProgressLine(*layer);
+    }
 }
 
 } // namespace tidebrook

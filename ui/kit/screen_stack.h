@@ -49,6 +49,7 @@ private:
     void pop(Layer &layer);
     void closeTop();
     void arrange();
+    void placeProgressLine(const Layer &layer);
 
     QList<Layer *> layers_;
     ProgressLine *progressLine_;

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+namespace tidebrook {
+
+/// Whether the desktop is asked to open this link: an address of the web, of a mailbox or of a file
+/// server that is written in full. What a feed sends must not reach any other program.
+bool isOpenable(const QString &link);
+
+/// Has the desktop open a link in the program that the user has chosen for it. False when it is not
+/// one to be opened, or when there is nobody to open it. The link is handed over as one argument
+/// that never looks like an option, and through no command line. May wait for a moment.
+bool openLink(const QString &link);
+
+} // namespace tidebrook

@@ -1,0 +1,175 @@
+#include "ui/article_list_screen.h"
+
+#include "res/commands.h"
+#include "res/strings.h"
+#include "store/escape_sql.h"
+#include "ui/article_view_screen.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/screen_menu.h"
+#include "ui/row_painter.h"
+#include "ui/update_commands.h"
+
+namespace tidebrook {
+
+namespace {
+
+constexpr QStringView sortModeValue = u"SortMode";
+
+constexpr int firstMode = static_cast<int>(SortMode::Date); // is stored as 0
+
+// A number that no order has counts as the first one.
+SortMode modeOf(quint32 stored) {
+    return stored <= 2 ? static_cast<SortMode>(firstMode + static_cast<int>(stored))
+                       : SortMode::Date;
+}
+
+std::optional<QList<ListRow>> collectArticles(FeedStore &store, const QString &channel,
+                                              SortMode mode, FillStop &stop) {
+    QList<ArticleRow> articles;
+    {
+        const auto guard = store.lock();
+        if (!store.ListArticles(channel, mode))
+            return std::nullopt;
+        articles = store.takeArticleRows();
+    }
+    QList<ListRow> rows;
+    rows.reserve(articles.size());
+    for (const ArticleRow &article : articles) {
+        if (stop.isRequested())
+            break;
+        rows.append({.text = article.titleText(),
+                     .detail = article.publicationDateText(),
+                     .image = article.isRead() ? ReadImage : UnreadImage});
+    }
+    return rows;
+}
+
+} // namespace
+
+ArticleListScreen::ArticleListScreen(AppState &state)
+    : SteppedListScreen(state, {.screen = ArticleScreen,
+                                .menuBarId = 404,
+                                .refreshCommand = CommandRefreshArticles,
+                                .backCommand = CommandBackToChannels,
+                                .updateCommand = CommandUpdateArticles,
+                                .nothingSelectedString = noArticleSelectedString,
+                                .stopsByCommand = true,
+                                .keepsPlace = true,
+                                .names = state.channels,
+                                .index = state.channelIndex}) {}
+
+bool ArticleListScreen::initialise(Dialog &dialog) {
+    state().articleRow = -1;
+    const int tapped = findName(state().channels, state().todayChannel, channelNameCapacity);
+    if (tapped >= 0)
+        state().channelIndex = tapped;
+    if (!SteppedListScreen::initialise(dialog))
+        return false;
+    followUpdates(state(), dialog, {CommandUpdateArticles});
+    QObject::connect(&state().updates, &UpdateJobs::channelUpdated, &dialog,
+                     [this](const QString &category, const QString &channel) {
+                         if (category == this->category() && channel == name())
+                             refreshSoon();
+                     });
+    return state().settings.ask(
+        &dialog,
+        [&settings = state().device.settings]() -> std::optional<quint32> {
+            quint32 mode = 0;
+            return settings.RegReadDword(programKey, sortModeValue, mode) ? std::optional(mode)
+                                                                          : std::nullopt;
+        },
+        [this](std::optional<quint32> mode) { begin(mode); });
+}
+
+void ArticleListScreen::begin(std::optional<quint32> storedMode) {
+    if (storedMode)
+        state().sortMode = modeOf(*storedMode);
+    if (state().todayTitle.isEmpty())
+        refreshSoon();
+    else
+        dialog().post(CommandOpenArticle);
+}
+
+void ArticleListScreen::command(int id) {
+    switch (id) {
+    case CommandSortByDate:
+        return sortBy(SortMode::Date);
+    case CommandSortByStatus:
+        return sortBy(SortMode::Status);
+    case CommandUnreadOnly:
+        if (state().sortMode != SortMode::UnreadOnly)
+            return sortBy(SortMode::UnreadOnly);
+        return dialog().post(CommandSortByStatus);
+    case CommandMarkAllRead:
+        return markAll(&FeedStore::MarkChannelRead);
+    case CommandMarkAllUnread:
+        return markAll(&FeedStore::MarkChannelUnread);
+    case CommandUpdateArticles:
+        state().updates.startUpdateChannel(category(), name());
+        return;
+    case CommandOpenArticle:
+        return openArticle();
+    default:
+        SteppedListScreen::command(id);
+    }
+}
+
+SteppedListScreen::Collector ArticleListScreen::collector() const {
+    return [&store = *state().device.store, channel = name(), mode = state().sortMode](
+               FillStop &stop) { return collectArticles(store, channel, mode, stop); };
+}
+
+void ArticleListScreen::sortBy(SortMode mode) {
+    state().sortMode = mode;
+    setPlace({0, QString()});
+    refreshSoon();
+}
+
+// What comes of it the list shows.
+void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel)) {
+    const auto work = [&store = *state().device.store, channel = name(), mark] {
+        (store.*mark)(channel);
+        return store.PublishTotalUnread();
+    };
+    if (!state().changes.ask(&dialog(), work, [this](bool) { refreshSoon(); }))
+        refreshSoon();
+}
+
+void ArticleListScreen::open(int row) {
+    state().articleRow = row;
+    openArticle();
+}
+
+void ArticleListScreen::openTapped() {
+    const int tapped = findName(state().channels, state().todayChannel, channelNameCapacity);
+    if (tapped >= 0)
+        step(tapped);
+    dialog().post(CommandOpenArticle);
+}
+
+void ArticleListScreen::openArticle() {
+    ArticleViewScreen screen(state());
+    const int result = RunDialog(ArticleViewScreen::templateId, state().stack, screen);
+    if (state().fillChannel == name())
+        setPlace({state().articleRow, state().fillTitle});
+    if (result == 1 || result == CommandBackToArticles)
+        refreshSoon();
+}
+
+void ArticleListScreen::prepareMenu(ScreenMenu &menu) {
+    SteppedListScreen::prepareMenu(menu);
+    const int order = static_cast<int>(state().sortMode) - firstMode;
+    menu.radioCheck(CommandSortByDate, CommandSortByStatus, CommandSortByDate + order);
+    menu.check(CommandUnreadOnly, state().sortMode == SortMode::UnreadOnly);
+}
+
+void ArticleListScreen::close() {
+    const auto stored = static_cast<quint32>(static_cast<int>(state().sortMode) - firstMode);
+    state().settings.tell([&settings = state().device.settings, stored] {
+        settings.RegWriteDword(programKey, sortModeValue, stored);
+    });
+    leave();
+}
+
+} // namespace tidebrook

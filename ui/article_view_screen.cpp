@@ -1,0 +1,171 @@
+#include "ui/article_view_screen.h"
+
+#include "app/base/list_font.h"
+#include "app/base/messages.h"
+#include "app/base/text_screens.h"
+#include "app/base/today_taps.h"
+#include "platform/shell.h"
+#include "platform/text.h"
+#include "res/commands.h"
+#include "res/strings.h"
+#include "store/escape_sql.h"
+#include "ui/article_page.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/menu_bar.h"
+#include "ui/kit/text_page.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int menuBarId = 405;
+constexpr int pageId = 1029;
+constexpr int linkLimit = 512;
+constexpr int zoomOfSmall = 2;
+
+int zoomOf(int fontSize) {
+    const auto *found = std::find(fontSizes.begin(), fontSizes.end(), fontSize);
+    return zoomOfSmall + static_cast<int>(found - fontSizes.begin());
+}
+
+int rowOfTitle(FeedStore &store, const QString &channel, const QString &title, SortMode mode) {
+    const auto guard = store.lock();
+    if (!store.ListArticles(channel, mode))
+        return -1;
+    int row = 0;
+    for (const ArticleRow &article : store.takeArticleRows()) {
+        if (article.titleText() == cutText(title, titleCapacity))
+            return row;
+        ++row;
+    }
+    return -1;
+}
+
+} // namespace
+
+/// An article, and the page that a job builds of it.
+struct ArticleViewScreen::Building {
+    QString channel;
+    QString title;
+    SortMode mode;
+    bool isRowWanted = false;
+    std::optional<QString> page; ///< nothing when it could not be read
+    int row = -1;                ///< of the article in its list
+    bool isDropped = false;      ///< a stop was asked for meanwhile
+};
+
+// Reading the article is what marks it read.
+void ArticleViewScreen::build(FeedStore &store, Building &building) {
+    if (building.isRowWanted)
+        building.row = rowOfTitle(store, building.channel, building.title, building.mode);
+    ArticleDetail detail;
+    if (store.GetArticleDetail(building.channel, building.title, detail))
+        building.page = articlePage(building.channel, building.title, detail);
+}
+
+bool ArticleViewScreen::initialise(Dialog &dialog) {
+    dialog_ = &dialog;
+    page_ = dialog.control<TextPage>(pageId);
+    if (page_ == nullptr || !dialog.makeMenuBar(menuBarId))
+        return false;
+    QObject::connect(page_, &TextPage::linkTapped, &dialog,
+                     [this](const QString &target) { openTarget(target); });
+    QObject::connect(page_, &TextPage::left, &dialog, [this] { buildPage(); });
+    page_->setZoom(zoomOf(state_.fontSize));
+    // What saves and sends is not there yet.
+    for (const int pending :
+         {CommandSaveLink, CommandSaveArticle, CommandSendByMail, CommandSendBySms})
+        dialog.menuBar()->enable(pending, false);
+    dialog.makeTitleStrip(resourceString(programNameString));
+    chooseArticle();
+    buildPage();
+    return true;
+}
+
+void ArticleViewScreen::chooseArticle() {
+    if (!state_.todayTitle.isEmpty()) {
+        takeOver();
+        return;
+    }
+    const ListView *list = state_.lists[ArticleScreen];
+    state_.fillTitle = list != nullptr ? list->rowText(state_.articleRow) : QString();
+    state_.fillChannel = state_.channels.value(state_.channelIndex);
+}
+
+// The tapped headline becomes the article that is shown, and its row the one that was opened.
+void ArticleViewScreen::takeOver() {
+    state_.fillTitle = state_.todayTitle;
+    state_.fillChannel = state_.todayChannel;
+    forgetTodayTap(state_);
+    isTapped_ = true;
+}
+
+void ArticleViewScreen::buildPage() {
+    auto building = std::make_shared<Building>();
+    building->channel = state_.fillChannel;
+    building->title = state_.fillTitle;
+    building->mode = state_.sortMode;
+    building->isRowWanted = isTapped_;
+    state_.fills.launch(dialog_, {.collect =
+                                      [&store = *state_.device.store, building](FillStop &stop) {
+                                          build(store, *building);
+                                          building->isDropped = stop.isPending();
+                                      },
+                                  .show = [this, building] { show(*building); },
+                                  .again = [this] { buildPage(); }});
+}
+
+void ArticleViewScreen::show(const Building &building) {
+    if (building.isDropped)
+        return buildPage();
+    if (!building.page)
+        return ShowError(state_, databaseProblemString);
+    if (std::exchange(isTapped_, false))
+        state_.articleRow = building.row;
+    page_->setPage(*building.page);
+}
+
+void ArticleViewScreen::command(int id) {
+    if (id == CommandBackToArticles)
+        close();
+    else if (chooseFontSize(state_, id))
+        page_->setZoom(zoomOf(state_.fontSize));
+}
+
+void ArticleViewScreen::openTarget(const QString &target) {
+    if (target.size() > linkLimit || !isOpenable(target)) {
+        ShowMessage(state_, warningString, wrongUrlString);
+        return;
+    }
+    state_.settings.ask(
+        dialog_, [target] { return openLink(target); },
+        [this](bool isOpened) {
+            if (!isOpened)
+                ShowError(state_, unidentifiedProblemString);
+        });
+}
+
+void ArticleViewScreen::activated() {
+    lookForTodayTap(state_, dialog_, [this] {
+        takeOver();
+        buildPage();
+    });
+}
+
+void ArticleViewScreen::close() {
+    state_.changes.tell([&store = *state_.device.store] { store.PublishTotalUnread(); });
+    dialog_->end(1);
+}
+
+void ArticleViewScreen::helpRequested() { showHelp(state_); }
+
+std::optional<int> ArticleViewScreen::backCommand() const { return CommandBackToArticles; }
+
+void ArticleViewScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
+
+} // namespace tidebrook

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "ui/kit/dialog_procedure.h"
+
+#include <functional>
+#include <optional>
+
+namespace tidebrook {
+
+class TextPage;
+
+/// The fourth screen: one article. Opening it marks the article read. It ends with 1, which has
+/// the article list refresh.
+class ArticleViewScreen : public DialogProcedure {
+public:
+    explicit ArticleViewScreen(AppState &state) : state_(state) {}
+
+    static constexpr int templateId = 136;
+
+    bool initialise(Dialog &dialog) override;
+    void command(int id) override;
+    void activated() override;
+    void close() override;
+    void helpRequested() override;
+    std::optional<int> backCommand() const override;
+    void prepareMenu(ScreenMenu &menu) override;
+
+private:
+    void chooseArticle();
+    void takeOver();
+    struct Building;
+    void buildPage();
+    static void build(FeedStore &store, Building &building);
+    void show(const Building &building);
+    void openTarget(const QString &target);
+
+    AppState &state_;
+    Dialog *dialog_ = nullptr;
+    TextPage *page_ = nullptr;
+    bool isTapped_ = false; // the article is a tapped headline, whose row is not known yet
+};
+
+} // namespace tidebrook

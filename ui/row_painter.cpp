@@ -1,0 +1,149 @@
+#include "ui/row_painter.h"
+
+#include "app/base/app_state.h"
+#include "platform/text.h"
+#include "ui/kit/icon.h"
+#include "ui/kit/list_view.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QStyle>
+#include <QTextLayout>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int iconMargin = 2; // pixels
+constexpr int gap = 4;
+constexpr int hanging = 2;
+
+constexpr int textCapacity = 255;
+
+struct RowColours {
+    QColor fill;
+    QColor text;
+    QColor background;
+};
+
+// The platform's: window with button text; highlight; button face with the text of an inactive
+// caption. On the highlight the button face's colour cannot be read in dark themes, so the text
+// there is the theme's own.
+RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
+    const QPalette &palette = option.palette;
+    const QColor window = palette.color(QPalette::Base);
+    const QColor highlight = palette.color(QPalette::Highlight);
+    const QColor button = palette.color(QPalette::Button);
+    if (!option.state.testFlag(QStyle::State_Selected))
+        return {window, palette.color(QPalette::ButtonText), window};
+    if (listHasFocus)
+        return {highlight, palette.color(QPalette::HighlightedText), highlight};
+    return {button, palette.color(QPalette::Inactive, QPalette::ButtonText), button};
+}
+
+QFont bold(QFont font) {
+    font.setWeight(QFont::Bold);
+    return font;
+}
+
+// A little smaller than the lists' font: 10, 12 or 14 pixels, where an inch has 96 of them.
+QFont detailFont(QFont font, int listPoints) {
+    constexpr double pointsPerPixel = 72.0 / 96;
+    font.setPointSizeF((listPoints + 1) * pointsPerPixel);
+    return font;
+}
+
+bool hasUnread(const QString &counts) {
+    return !counts.isEmpty() && counts.front().isDigit() && counts.front() != u'0';
+}
+
+/// A text in a place of which its last lines leave the lower right corner free.
+class Label {
+public:
+    Label(const QRect &place, const QSize &corner, Qt::LayoutDirection direction)
+        : place_(place), corner_(corner), direction_(direction) {}
+
+    void paint(QPainter &painter, const QString &text, const QFont &font, int mostLines) const;
+
+private:
+    // What hangs below the last line's letters may reach into the corner.
+    int widthAt(int bottom) const {
+        return bottom - hanging > place_.height() - corner_.height() ? place_.width() - corner_.width()
+                                                           : place_.width();
+    }
+
+    const QRect place_;
+    const QSize corner_;
+    const Qt::LayoutDirection direction_;
+};
+
+void Label::paint(QPainter &painter, const QString &text, const QFont &font, int mostLines) const {
+    const QFontMetrics metrics(font);
+    const int height = metrics.height();
+    QTextLayout layout(text, font);
+    QTextOption wrapping;
+    wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(wrapping);
+    layout.beginLayout();
+    for (int lines = 1, bottom = height;; ++lines, bottom += height) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid())
+            break;
+        const QRect row(place_.left(), place_.top() + bottom - height, widthAt(bottom), height);
+        line.setLineWidth(row.width());
+        const bool isLast = lines == mostLines || bottom + height > place_.height();
+        const QString shown =
+            isLast ? metrics.elidedText(text.mid(line.textStart()), Qt::ElideRight, row.width())
+                   : text.mid(line.textStart(), line.textLength());
+        painter.drawText(QStyle::visualRect(direction_, place_, row),
+                         Qt::AlignLeading | Qt::AlignTop | Qt::TextSingleLine, shown);
+        if (isLast)
+            break;
+    }
+    layout.endLayout();
+}
+
+} // namespace
+
+const QList<const char *> &rowImages() {
+    static const QList<const char *> images{"article-unread", "article-read", "channel"};
+    return images;
+}
+
+RowPainter::RowPainter(const AppState &state, ListView &list) : RowDelegate(list), state_(state) {}
+
+void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                       const QModelIndex &index) const {
+    const ListRow row = list().row(index.row());
+    const bool isChannel = row.image == ChannelImage;
+    const RowColours colours = coloursOf(option, list().hasFocus());
+    painter->fillRect(option.rect, colours.fill);
+    painter->setPen(option.palette.color(QPalette::Button));
+    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+    const QRect iconPlace(option.rect.topLeft() + QPoint(iconMargin, 0), list().imageSize());
+    painter->drawPixmap(QStyle::visualRect(option.direction, option.rect, iconPlace).topLeft(),
+                        icon(list().image(row.image), iconPlace.size(), option.palette));
+
+    const QFont plain = detailFont(option.font, state_.fontSize);
+    const QFont detail = isChannel && hasUnread(row.detail) ? bold(plain) : plain;
+    const QSize detailSize = QFontMetrics(detail).size(Qt::TextSingleLine, row.detail);
+    const int labelStart = iconMargin + iconPlace.width() + gap;
+    const QRect place = QStyle::visualRect(option.direction, option.rect,
+                                           option.rect.adjusted(labelStart, 0, -gap, -1));
+    const QFont label = isChannel || row.image == ReadImage ? option.font : bold(option.font);
+    painter->setPen(colours.text);
+    painter->setFont(label);
+    const bool isBig = state_.fontSize == fontSizes.back();
+    const QSize taken = row.detail.isEmpty() ? QSize(0, 0) : detailSize + QSize(gap, 0);
+    Label(place, taken, option.direction)
+        .paint(*painter, withoutControls(row.text.left(textCapacity)), label,
+               isBig ? 1 : place.height());
+
+    painter->setFont(detail);
+    const QRect corner =
+        QStyle::alignedRect(option.direction, Qt::AlignRight | Qt::AlignBottom, detailSize, place);
+    painter->fillRect(corner, colours.background);
+    painter->drawText(corner, Qt::AlignTrailing | Qt::AlignBottom | Qt::TextSingleLine, row.detail);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,249 @@
+#include "ui/stepped_list_screen.h"
+
+#include "app/base/list_font.h"
+#include "app/base/messages.h"
+#include "app/base/text_screens.h"
+#include "app/base/today_taps.h"
+#include "platform/text.h"
+#include "res/commands.h"
+#include "res/strings.h"
+#include "ui/column_width.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/header_bar.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/screen_stack.h"
+#include "ui/row_painter.h"
+
+#include <QKeyEvent>
+
+#include <algorithm>
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int listId = 802;
+
+} // namespace
+
+bool SteppedListScreen::initialise(Dialog &dialog) {
+    dialog_ = &dialog;
+    list_ = dialog.control<ListView>(listId);
+    if (list_ == nullptr || !dialog.makeMenuBar(kind_.menuBarId))
+        return false;
+    state_.lists[kind_.screen] = list_;
+    list_->setImages(rowImages());
+    list_->setItemDelegate(new RowPainter(state_, *list_));
+    list_->setFont(state_.listFont);
+    QObject::connect(list_, &ListView::keyPressed, &dialog,
+                     [this](int key, bool &isTaken) { takeKey(key, isTaken); });
+    QObject::connect(list_, &ListView::tapped, &dialog, [this] {
+        state_.fills.requestStop();
+        openSelected();
+    });
+    HeaderBar &bar = dialog.makeHeaderBar(QString());
+    bar.setSteppable();
+    QObject::connect(&bar, &HeaderBar::choiceTaken, &dialog,
+                     [this](int index) { takeChoice(index); });
+    step(kind_.index);
+    return true;
+}
+
+HeaderBar &SteppedListScreen::header() const { return *dialog_->headerBar(); }
+
+void SteppedListScreen::step(int index) {
+    const auto count = static_cast<int>(kind_.names.size());
+    if (count == 0)
+        return;
+    kind_.index = (index + count) % count;
+    header().setCaption(name());
+    list_->setAccessibleName(name());
+}
+
+void SteppedListScreen::command(int id) {
+    switch (id) {
+    case CommandPrevious:
+        return stepByCommand(kind_.index - 1);
+    case CommandNext:
+        return stepByCommand(kind_.index + 1);
+    case CommandShowChoices:
+        return toggleChoices();
+    case CommandHideChoices:
+        return hideChoices();
+    default:
+        break;
+    }
+    if (id == kind_.backCommand)
+        close();
+    else if (id == kind_.refreshCommand)
+        refresh();
+    else if (chooseFontSize(state_, id))
+        refreshSoon();
+}
+
+void SteppedListScreen::stepByCommand(int index) {
+    if (kind_.stopsByCommand)
+        state_.fills.requestStop();
+    step(index);
+    refreshSoon();
+}
+
+void SteppedListScreen::refreshSoon() { dialog_->post(kind_.refreshCommand); }
+
+void SteppedListScreen::refresh() {
+    header().hideChoices();
+    list_->setFocus();
+    const QString name = this->name();
+    // What is shown of the same name stays until what replaces it is there.
+    if (shown_ != name) {
+        list_->setRows({});
+        shown_.reset();
+    }
+    if (name.isNull())
+        return;
+    struct Filling {
+        Rows rows;
+        bool isStopped = false;
+    };
+    auto filling = std::make_shared<Filling>();
+    state_.fills.launch(dialog_, {.collect =
+                                      [filling, collect = collector()](FillStop &stop) {
+                                          filling->rows = collect(stop);
+                                          filling->isStopped = stop.isRequested();
+                                      },
+                                  .show =
+                                      [this, filling, name] {
+                                          show(name, std::move(filling->rows));
+                                          if (filling->isStopped) // the rest is missing
+                                              refreshSoon();
+                                      },
+                                  .again = [this] { refreshSoon(); }});
+}
+
+void SteppedListScreen::show(const QString &name, Rows rows) {
+    if (!rows) {
+        list_->setRows({});
+        shown_.reset();
+        ShowError(state_, databaseProblemString);
+        return;
+    }
+    const bool isSame = shown_ == name;
+    shown_ = name;
+    if (isSame && kind_.keepsPlace) {
+        if (!place_)
+            place_ = Place{SelectedRow(list_), list_->rowText(SelectedRow(list_))};
+        list_->replaceRows(std::move(*rows));
+    } else {
+        list_->setRows(std::move(*rows));
+    }
+    sized();
+    selectPlace();
+    filled();
+}
+
+// The same text, where it was before if there are several; the row that has come into its place
+// when it is no longer there.
+void SteppedListScreen::selectPlace() {
+    const auto place = std::exchange(place_, std::nullopt);
+    if (!place) {
+        list_->selectRow(0);
+        return;
+    }
+    int row = place->row;
+    if (!place->text.isNull() && list_->rowText(row) != place->text) {
+        if (const int found = list_->findRow(place->text); found >= 0)
+            row = found;
+    }
+    list_->selectRow(std::clamp(row, 0, std::max(0, list_->rowCount() - 1)));
+}
+
+void SteppedListScreen::toggleChoices() {
+    if (header().areChoicesVisible()) {
+        dialog_->post(CommandHideChoices);
+        return;
+    }
+    header().setChoices(kind_.names, kind_.index);
+    header().showChoices();
+}
+
+void SteppedListScreen::hideChoices() {
+    header().hideChoices();
+    list_->selectRow(0);
+    list_->setFocus();
+}
+
+void SteppedListScreen::takeChoice(int index) {
+    state_.fills.requestStop();
+    step(index);
+    refreshSoon();
+}
+
+void SteppedListScreen::takeKey(int key, bool &isTaken) {
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        isTaken = true;
+        return openSelected();
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        isTaken = true;
+        if (!kind_.stopsByCommand)
+            state_.fills.requestStop();
+        return command(key == Qt::Key_Left ? CommandPrevious : CommandNext);
+    default:
+        return;
+    }
+}
+
+std::optional<int> SteppedListScreen::selection() {
+    const int row = SelectedRow(list_);
+    if (row >= 0)
+        return row;
+    ShowMessage(state_, warningString, kind_.nothingSelectedString);
+    return std::nullopt;
+}
+
+void SteppedListScreen::openSelected() {
+    if (const auto row = selection())
+        open(*row);
+}
+
+void SteppedListScreen::activated() {
+    lookForTodayTap(state_, dialog_, [this] { openTapped(); });
+}
+
+void SteppedListScreen::sized() {
+    list_->setColumnWidth(listColumnWidth(state_.stack.size(), list_->rowCount(), *list_));
+}
+
+void SteppedListScreen::helpRequested() { showHelp(state_); }
+
+std::optional<int> SteppedListScreen::commandOfKey(const QKeyEvent &event) const {
+    switch (event.key()) {
+    case Qt::Key_F4:
+        return CommandShowChoices;
+    case Qt::Key_F5:
+        return kind_.updateCommand;
+    default:
+        return std::nullopt;
+    }
+}
+
+void SteppedListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
+
+void SteppedListScreen::leave() {
+    state_.lists[kind_.screen] = nullptr;
+    kind_.names.clear();
+    forgetTodayTap(state_);
+    dialog_->end(1);
+}
+
+int findName(const QStringList &names, const QString &name, qsizetype capacity) {
+    const auto found = std::find_if(names.begin(), names.end(), [&](const QString &candidate) {
+        return cutText(candidate, capacity) == cutText(name, capacity);
+    });
+    return found == names.end() ? -1 : static_cast<int>(found - names.begin());
+}
+
+} // namespace tidebrook
