@@ -151,7 +151,8 @@ void ArticleViewScreen::openTarget(const QString &target) {
 }
 
 void ArticleViewScreen::activated() {
-    lookForTodayTap(state_, dialog_, [this] {
+    lookForTodayTap(state_, dialog_, [this](const TodayTap &tap) {
+        leadTo(state_, tap);
         takeOver();
         buildPage();
     });

@@ -142,7 +142,7 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     list_->setRows(std::move(rows));
     list_->selectRow(0);
     setColumnWidth();
-    if (!state_.todayCategory.isEmpty())
+    if (tap_)
         dialog_->post(CommandOpenChannels);
 }
 
@@ -316,16 +316,19 @@ void CategoryListScreen::openChannels() {
 void CategoryListScreen::activated() {
     if (std::exchange(isUnread_, false))
         dialog_->post(CommandRefreshCategories);
-    // Once the tapped headline's category is in the list.
-    lookForTodayTap(state_, dialog_, [this] { dialog_->post(CommandRefreshCategories); });
+    lookForTodayTap(state_, dialog_, [this](const TodayTap &tap) {
+        tap_ = tap; // once its category is in the list
+        dialog_->post(CommandRefreshCategories);
+    });
     state_.stack.inputPanel().putDown();
 }
 
 void CategoryListScreen::openTapped() {
-    if (list_->findRow(state_.todayCategory) >= 0)
-        openChannels();
-    else
-        forgetTodayTap(state_); // its category has gone since
+    const auto tap = std::exchange(tap_, std::nullopt);
+    if (!tap || list_->findRow(tap->category) < 0)
+        return; // its category has gone since
+    leadTo(state_, *tap);
+    openChannels();
 }
 
 void CategoryListScreen::sized() {

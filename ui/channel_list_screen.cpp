@@ -133,7 +133,6 @@ void ChannelListScreen::openTapped() {
     const int tapped = findName(state().categories, state().todayCategory, categoryCapacity);
     if (tapped >= 0)
         step(tapped);
-    refreshSoon();
 }
 
 void ChannelListScreen::open(int row) {

@@ -68,8 +68,9 @@ public:
 private:
     // What hangs below the last line's letters may reach into the corner.
     int widthAt(int bottom) const {
-        return bottom - hanging > place_.height() - corner_.height() ? place_.width() - corner_.width()
-                                                           : place_.width();
+        return bottom - hanging > place_.height() - corner_.height()
+                   ? place_.width() - corner_.width()
+                   : place_.width();
     }
 
     const QRect place_;

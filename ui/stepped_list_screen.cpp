@@ -92,6 +92,10 @@ void SteppedListScreen::stepByCommand(int index) {
 void SteppedListScreen::refreshSoon() { dialog_->post(kind_.refreshCommand); }
 
 void SteppedListScreen::refresh() {
+    if (const auto tap = std::exchange(tap_, std::nullopt)) {
+        leadTo(state_, *tap);
+        openTapped();
+    }
     header().hideChoices();
     list_->setFocus();
     const QString name = this->name();
@@ -210,7 +214,10 @@ void SteppedListScreen::openSelected() {
 }
 
 void SteppedListScreen::activated() {
-    lookForTodayTap(state_, dialog_, [this] { openTapped(); });
+    lookForTodayTap(state_, dialog_, [this](const TodayTap &tap) {
+        tap_ = tap; // once the screen is on top
+        refreshSoon();
+    });
 }
 
 void SteppedListScreen::sized() {

@@ -3,6 +3,7 @@
 #include "app/base/app_state.h"
 #include "ui/kit/dialog_procedure.h"
 #include "ui/kit/list_rows.h"
+#include "update/today_tap.h"
 
 #include <QList>
 
@@ -78,7 +79,7 @@ private:
     /// Reads the rows of the present name. It runs on the job's thread, and takes values with it.
     virtual Collector collector() const = 0;
     virtual void open(int row) = 0;
-    /// A headline was tapped, to which the screen is to lead.
+    /// The screen is to lead to a headline.
     virtual void openTapped() = 0;
     /// The list shows what the job has read.
     virtual void filled() {}
@@ -100,6 +101,7 @@ private:
     ListView *list_ = nullptr;
     std::optional<QString> shown_; // the name whose rows are in the list
     std::optional<Place> place_;
+    std::optional<TodayTap> tap_; // a headline that is still to be led to
 };
 
 /// The name that is this one, as far as its capacity goes; -1 without one.

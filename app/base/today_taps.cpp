@@ -1,23 +1,26 @@
 #include "app/base/today_taps.h"
 
-#include "update/today_tap.h"
+#include <utility>
 
 namespace tidebrook {
 
-void lookForTodayTap(AppState &state, QObject *receiver, std::function<void()> then) {
+void lookForTodayTap(AppState &state, QObject *receiver,
+                     std::function<void(const TodayTap &)> then) {
     state.settings.ask(
         receiver,
         [&device = state.device] {
             return takeTodayTap(device.root, device.registry, device.todayItemKey);
         },
-        [&state, then = std::move(then)](const std::optional<TodayTap> &tap) {
-            if (!tap)
-                return;
-            state.todayCategory = tap->category;
-            state.todayChannel = tap->channel;
-            state.todayTitle = tap->title;
-            then();
+        [then = std::move(then)](const std::optional<TodayTap> &tap) {
+            if (tap)
+                then(*tap);
         });
+}
+
+void leadTo(AppState &state, const TodayTap &tap) {
+    state.todayCategory = tap.category;
+    state.todayChannel = tap.channel;
+    state.todayTitle = tap.title;
 }
 
 void forgetTodayTap(AppState &state) {

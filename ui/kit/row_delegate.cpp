@@ -37,8 +37,9 @@ QSize RowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) c
 // Mirrored where the text runs from right to left.
 QRect RowDelegate::labelRect(const QStyleOptionViewItem &option) const {
     const QRect row = option.rect;
-    return QStyle::visualRect(option.direction, row,
-                              row.adjusted(list_.imageSize().width() + 2 * gap, 0, -gap, 0));
+    const bool hasImage = list_.isCheckable() || list_.image(0) != nullptr;
+    const int start = 2 * gap + (hasImage ? list_.imageSize().width() : 0);
+    return QStyle::visualRect(option.direction, row, row.adjusted(start, 0, -gap, 0));
 }
 
 QRect RowDelegate::imageRect(const QStyleOptionViewItem &option) const {
