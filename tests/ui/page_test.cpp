@@ -1,7 +1,6 @@
 #include "ui/kit/text_page.h"
 
 #include <QFile>
-#include <QImage>
 #include <QPixmap>
 #include <QScrollBar>
 #include <QSignalSpy>
