@@ -135,9 +135,11 @@ private:
         format.setHeadingLevel(std::clamp(given.headingLevel(), 0, 6));
         if (given.hasProperty(QTextFormat::LayoutDirection))
             format.setLayoutDirection(given.layoutDirection());
-        if (given.hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth))
+        if (given.hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth)) {
             format.setProperty(QTextFormat::BlockTrailingHorizontalRulerWidth,
                                QTextLength(QTextLength::PercentageLength, 100));
+            format.setBackground(readableOn(look_.base, Qt::gray)); // the rule's colour
+        }
         return format;
     }
 

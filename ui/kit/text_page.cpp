@@ -64,7 +64,8 @@ void TextPage::setPage(const QString &html) {
 }
 
 void TextPage::setZoom(int level) {
-    if (std::exchange(zoom_, std::clamp(level, 2, 4)) != zoom_)
+    const int zoom = std::clamp(level, 2, 4);
+    if (std::exchange(zoom_, zoom) != zoom)
         buildKeepingPlace();
 }
 
