@@ -2,6 +2,7 @@
 
 #include "app/base/app_state.h"
 #include "platform/text.h"
+#include "store/escape_sql.h"
 #include "ui/kit/icon.h"
 #include "ui/kit/list_view.h"
 
@@ -17,8 +18,6 @@ namespace {
 constexpr int iconMargin = 2; // pixels
 constexpr int gap = 4;
 constexpr int hanging = 2;
-
-constexpr int textCapacity = 255;
 
 struct RowColours {
     QColor fill;
@@ -137,7 +136,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const bool isBig = state_.fontSize == fontSizes.back();
     const QSize taken = row.detail.isEmpty() ? QSize(0, 0) : detailSize + QSize(gap, 0);
     Label(place, taken, option.direction)
-        .paint(*painter, withoutControls(row.text.left(textCapacity)), label,
+        .paint(*painter, withoutControls(cutText(row.text, titleCapacity).toString()), label,
                isBig ? 1 : place.height());
 
     painter->setFont(detail);

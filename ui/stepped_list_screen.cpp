@@ -57,6 +57,7 @@ void SteppedListScreen::step(int index) {
     if (count == 0)
         return;
     kind_.index = (index + count) % count;
+    place_.reset(); // it was one in another list
     header().setCaption(name());
     list_->setAccessibleName(name());
 }

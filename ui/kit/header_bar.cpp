@@ -102,8 +102,10 @@ bool HeaderBar::eventFilter(QObject *watched, QEvent *event) {
     if (!isPress && event->type() != QEvent::MouseButtonRelease)
         return false;
     const auto *target = qobject_cast<QWidget *>(watched);
-    if (target == nullptr || target->window() != window() || target == captionKey_ ||
-        target == choices_ || choices_->isAncestorOf(target))
+    const bool isBeside = target != nullptr && parentWidget()->isAncestorOf(target) &&
+                          target != captionKey_ && target != choices_ &&
+                          !choices_->isAncestorOf(target);
+    if (!isBeside)
         return false;
     if (!isPress)
         Q_EMIT chosen(CommandHideChoices);
