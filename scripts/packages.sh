@@ -4,7 +4,7 @@
 # shellcheck disable=SC2034  # the lists are used where this is sourced
 buildPackages=(
     build-essential cmake ninja-build pkg-config
-    qt6-base-dev qt6-svg-dev fonts-dejavu-core
+    qt6-base-dev qt6-svg-dev fonts-dejavu-core xdg-utils
     libsqlite3-dev libcurl4-openssl-dev libexpat1-dev zlib1g-dev
     libgtest-dev libcpp-httplib-dev ca-certificates
 )
