@@ -3,12 +3,25 @@
 #include <QProcess>
 #include <QStringList>
 #include <QUrl>
+#include <QUrlQuery>
 
 namespace tidebrook {
 
 namespace {
 
 const QString opener = QStringLiteral("xdg-open");
+
+// What else a message could be told to have, as a file to go with it, is no concern of a feed.
+void leaveMessageAlone(QUrl &url) {
+    static const QStringList harmless{QStringLiteral("subject"), QStringLiteral("body"),
+                                      QStringLiteral("cc"), QStringLiteral("bcc")};
+    QUrlQuery query(url);
+    for (const auto &[name, value] : query.queryItems()) {
+        if (!harmless.contains(name.toLower()))
+            query.removeAllQueryItems(name);
+    }
+    url.setQuery(query);
+}
 
 } // namespace
 
@@ -24,8 +37,12 @@ bool isOpenable(const QString &link) {
 }
 
 bool openLink(const QString &link) {
-    const QString address = QString::fromLatin1(QUrl(link.trimmed()).toEncoded());
-    return isOpenable(link) && QProcess::startDetached(opener, {address});
+    if (!isOpenable(link))
+        return false;
+    QUrl url(link.trimmed());
+    if (url.scheme() == QLatin1String("mailto") && url.hasQuery())
+        leaveMessageAlone(url);
+    return QProcess::startDetached(opener, {QString::fromLatin1(url.toEncoded())});
 }
 
 } // namespace tidebrook

@@ -10,7 +10,8 @@ bool isOpenable(const QString &link);
 
 /// Has the desktop open a link in the program that the user has chosen for it. False when it is not
 /// one to be opened, or when there is nobody to open it. The link is handed over as one argument
-/// that never looks like an option, and through no command line. May wait for a moment.
+/// that never looks like an option, and through no command line; of a message only whom it goes to
+/// and its texts. May wait for a moment.
 bool openLink(const QString &link);
 
 } // namespace tidebrook

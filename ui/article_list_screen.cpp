@@ -61,28 +61,28 @@ ArticleListScreen::ArticleListScreen(AppState &state)
 
 bool ArticleListScreen::initialise(Dialog &dialog) {
     state().articleRow = -1;
-    const int tapped = findName(state().channels, state().todayChannel, channelNameCapacity);
-    if (tapped >= 0)
-        state().channelIndex = tapped;
     if (!SteppedListScreen::initialise(dialog))
         return false;
+    turnTo(state().todayChannel, channelNameCapacity);
     followUpdates(state(), dialog, {CommandUpdateArticles});
     QObject::connect(&state().updates, &UpdateJobs::channelUpdated, &dialog,
                      [this](const QString &category, const QString &channel) {
                          if (category == this->category() && channel == name())
                              refreshSoon();
                      });
-    return state().settings.ask(
-        &dialog,
-        [&settings = state().device.settings]() -> std::optional<quint32> {
-            quint32 mode = 0;
-            return settings.RegReadDword(programKey, sortModeValue, mode) ? std::optional(mode)
-                                                                          : std::nullopt;
-        },
-        [this](std::optional<quint32> mode) { begin(mode); });
+    const auto read = [&settings = state().device.settings]() -> std::optional<quint32> {
+        quint32 mode = 0;
+        return settings.RegReadDword(programKey, sortModeValue, mode) ? std::optional(mode)
+                                                                      : std::nullopt;
+    };
+    const auto then = [this](std::optional<quint32> mode) { begin(mode); };
+    if (!state().settings.ask(&dialog, read, then))
+        begin(std::nullopt);
+    return true;
 }
 
 void ArticleListScreen::begin(std::optional<quint32> storedMode) {
+    isModeKnown_ = storedMode.has_value();
     if (storedMode)
         state().sortMode = modeOf(*storedMode);
     if (state().todayTitle.isEmpty())
@@ -106,8 +106,7 @@ void ArticleListScreen::command(int id) {
     case CommandMarkAllUnread:
         return markAll(&FeedStore::MarkChannelUnread);
     case CommandUpdateArticles:
-        state().updates.startUpdateChannel(category(), name());
-        return;
+        return startUpdate(state(), category(), name());
     case CommandOpenArticle:
         return openArticle();
     default:
@@ -122,6 +121,7 @@ SteppedListScreen::Collector ArticleListScreen::collector() const {
 
 void ArticleListScreen::sortBy(SortMode mode) {
     state().sortMode = mode;
+    isModeKnown_ = true;
     setPlace({0, QString()});
     refreshSoon();
 }
@@ -142,17 +142,17 @@ void ArticleListScreen::open(int row) {
 }
 
 void ArticleListScreen::openTapped() {
-    const int tapped = findName(state().channels, state().todayChannel, channelNameCapacity);
-    if (tapped >= 0)
-        step(tapped);
+    turnTo(state().todayChannel, channelNameCapacity);
     dialog().post(CommandOpenArticle);
 }
 
 void ArticleListScreen::openArticle() {
     ArticleViewScreen screen(state());
     const int result = RunDialog(ArticleViewScreen::templateId, state().stack, screen);
+    // Where unread articles come first, the next of them has come into the place of a read one.
+    const bool isByDate = state().sortMode == SortMode::Date;
     if (state().fillChannel == name())
-        setPlace({state().articleRow, state().fillTitle});
+        setPlace({state().articleRow, isByDate ? state().fillTitle : QString()});
     if (result == 1 || result == CommandBackToArticles)
         refreshSoon();
 }
@@ -166,9 +166,10 @@ void ArticleListScreen::prepareMenu(ScreenMenu &menu) {
 
 void ArticleListScreen::close() {
     const auto stored = static_cast<quint32>(static_cast<int>(state().sortMode) - firstMode);
-    state().settings.tell([&settings = state().device.settings, stored] {
-        settings.RegWriteDword(programKey, sortModeValue, stored);
-    });
+    if (isModeKnown_) // or else what is stored would be lost
+        state().settings.tell([&settings = state().device.settings, stored] {
+            settings.RegWriteDword(programKey, sortModeValue, stored);
+        });
     leave();
 }
 

@@ -25,6 +25,8 @@ private:
     void sortBy(SortMode mode);
     void markAll(bool (FeedStore::*mark)(const QString &channel));
     void openArticle();
+
+    bool isModeKnown_ = false; // that the user has chosen last
 };
 
 } // namespace tidebrook

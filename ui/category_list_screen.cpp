@@ -191,7 +191,7 @@ void CategoryListScreen::catchUp() {
 
 void CategoryListScreen::updateCategory() {
     if (!warnWithoutSelection())
-        state_.updates.startUpdateCategory(list_->rowText(SelectedRow(list_)));
+        startUpdate(state_, list_->rowText(SelectedRow(list_)));
 }
 
 void CategoryListScreen::newCategory() {

@@ -57,7 +57,7 @@ private:
     int owedMessage_ = 0;         // of a failure that could not be told when it came
     bool isUnread_ = false;       // the list could not be read
     bool isTold_ = false;         // of a failure, until the list is refreshed
-    std::optional<TodayTap> tap_; // a headline that is still to lead to its category\'s channels
+    std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
 };
 
 /// Shows the category list, and with it every other screen, until the user leaves it.

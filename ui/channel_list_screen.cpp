@@ -63,11 +63,9 @@ ChannelListScreen::ChannelListScreen(AppState &state)
                                 .index = state.currentCategory}) {}
 
 bool ChannelListScreen::initialise(Dialog &dialog) {
-    const int tapped = findName(state().categories, state().todayCategory, categoryCapacity);
-    if (tapped >= 0)
-        state().currentCategory = tapped;
     if (!SteppedListScreen::initialise(dialog))
         return false;
+    turnTo(state().todayCategory, categoryCapacity);
     followUpdates(state(), dialog, {CommandUpdateChannel, CommandUpdateAll});
     QObject::connect(&state().updates, &UpdateJobs::channelUpdated, &dialog,
                      [this](const QString &category) {
@@ -92,8 +90,7 @@ void ChannelListScreen::command(int id) {
     case CommandUpdateChannel:
         return updateChannel();
     case CommandUpdateAll:
-        state().updates.startUpdateCategory(name());
-        return;
+        return startUpdate(state(), name());
     case CommandDeleteChannel:
         return deleteChannel();
     case CommandOpenArticles:
@@ -129,11 +126,7 @@ void ChannelListScreen::filled() {
     dialog().post(CommandOpenArticles);
 }
 
-void ChannelListScreen::openTapped() {
-    const int tapped = findName(state().categories, state().todayCategory, categoryCapacity);
-    if (tapped >= 0)
-        step(tapped);
-}
+void ChannelListScreen::openTapped() { turnTo(state().todayCategory, categoryCapacity); }
 
 void ChannelListScreen::open(int row) {
     state().channelIndex = row;
@@ -149,7 +142,7 @@ void ChannelListScreen::openArticles() {
 
 void ChannelListScreen::updateChannel() {
     if (const auto row = selection())
-        state().updates.startUpdateChannel(name(), list().rowText(*row));
+        startUpdate(state(), name(), list().rowText(*row));
 }
 
 void ChannelListScreen::deleteChannel() {

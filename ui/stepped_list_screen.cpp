@@ -15,6 +15,7 @@
 #include "ui/row_painter.h"
 
 #include <QKeyEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <utility>
@@ -53,6 +54,7 @@ bool SteppedListScreen::initialise(Dialog &dialog) {
 HeaderBar &SteppedListScreen::header() const { return *dialog_->headerBar(); }
 
 void SteppedListScreen::step(int index) {
+    header().hideChoices();
     const auto count = static_cast<int>(kind_.names.size());
     if (count == 0)
         return;
@@ -97,8 +99,8 @@ void SteppedListScreen::refresh() {
         leadTo(state_, *tap);
         openTapped();
     }
-    header().hideChoices();
-    list_->setFocus();
+    if (!header().areChoicesVisible())
+        list_->setFocus();
     const QString name = this->name();
     // What is shown of the same name stays until what replaces it is there.
     if (shown_ != name) {
@@ -119,9 +121,13 @@ void SteppedListScreen::refresh() {
                                       },
                                   .show =
                                       [this, filling, name] {
+                                          const bool isWhole = !filling->isStopped;
+                                          const bool isRead = filling->rows.has_value();
                                           show(name, std::move(filling->rows));
-                                          if (filling->isStopped) // the rest is missing
-                                              refreshSoon();
+                                          if (!isWhole)
+                                              refreshSoon(); // for the rest
+                                          else if (isRead)
+                                              filled();
                                       },
                                   .again = [this] { refreshSoon(); }});
 }
@@ -136,28 +142,34 @@ void SteppedListScreen::show(const QString &name, Rows rows) {
     const bool isSame = shown_ == name;
     shown_ = name;
     if (isSame && kind_.keepsPlace) {
-        if (!place_)
-            place_ = Place{SelectedRow(list_), list_->rowText(SelectedRow(list_))};
-        list_->replaceRows(std::move(*rows));
+        replaceRows(std::move(*rows));
     } else {
         list_->setRows(std::move(*rows));
+        selectPlace(std::exchange(place_, std::nullopt).value_or(Place{0, {}}));
     }
     sized();
-    selectPlace();
-    filled();
+}
+
+// The list stays scrolled to where the user has it, unless he is to find himself elsewhere.
+void SteppedListScreen::replaceRows(QList<ListRow> rows) {
+    QScrollBar &bar = *list_->verticalScrollBar();
+    const int scrolled = bar.value();
+    const Place selected{SelectedRow(list_), list_->rowText(SelectedRow(list_))};
+    list_->setRows(std::move(rows));
+    list_->doItemsLayout();
+    bar.setValue(scrolled);
+    const auto place = std::exchange(place_, std::nullopt);
+    selectPlace(place.value_or(selected));
+    if (!place)
+        bar.setValue(scrolled);
 }
 
 // The same text, where it was before if there are several; the row that has come into its place
 // when it is no longer there.
-void SteppedListScreen::selectPlace() {
-    const auto place = std::exchange(place_, std::nullopt);
-    if (!place) {
-        list_->selectRow(0);
-        return;
-    }
-    int row = place->row;
-    if (!place->text.isNull() && list_->rowText(row) != place->text) {
-        if (const int found = list_->findRow(place->text); found >= 0)
+void SteppedListScreen::selectPlace(const Place &place) {
+    int row = place.row;
+    if (!place.text.isNull() && list_->rowText(row) != place.text) {
+        if (const int found = list_->findRow(place.text); found >= 0)
             row = found;
     }
     list_->selectRow(std::clamp(row, 0, std::max(0, list_->rowCount() - 1)));
@@ -247,7 +259,14 @@ void SteppedListScreen::leave() {
     dialog_->end(1);
 }
 
+void SteppedListScreen::turnTo(const QString &name, qsizetype capacity) {
+    if (const int found = findName(kind_.names, name, capacity); found >= 0)
+        step(found);
+}
+
 int findName(const QStringList &names, const QString &name, qsizetype capacity) {
+    if (name.isEmpty())
+        return -1;
     const auto found = std::find_if(names.begin(), names.end(), [&](const QString &candidate) {
         return cutText(candidate, capacity) == cutText(name, capacity);
     });

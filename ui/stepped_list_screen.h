@@ -67,6 +67,8 @@ protected:
 
     /// Turns to another name, counted round and round.
     void step(int index);
+    /// Turns to this name, as far as its capacity goes, if it is there.
+    void turnTo(const QString &name, qsizetype capacity);
     void refreshSoon();
     /// Where the user is to find himself after the next refresh.
     void setPlace(const Place &place) { place_ = place; }
@@ -81,13 +83,14 @@ private:
     virtual void open(int row) = 0;
     /// The screen is to lead to a headline.
     virtual void openTapped() = 0;
-    /// The list shows what the job has read.
+    /// The list shows all that the job has read.
     virtual void filled() {}
 
     HeaderBar &header() const;
     void refresh();
     void show(const QString &name, Rows rows);
-    void selectPlace();
+    void replaceRows(QList<ListRow> rows);
+    void selectPlace(const Place &place);
     void stepByCommand(int index);
     void toggleChoices();
     void hideChoices();
@@ -104,7 +107,7 @@ private:
     std::optional<TodayTap> tap_; // a headline that is still to be led to
 };
 
-/// The name that is this one, as far as its capacity goes; -1 without one.
+/// The name that is this one, as far as its capacity goes; -1 without one, and for an empty one.
 int findName(const QStringList &names, const QString &name, qsizetype capacity);
 
 } // namespace tidebrook

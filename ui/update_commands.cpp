@@ -1,5 +1,7 @@
 #include "ui/update_commands.h"
 
+#include "app/base/messages.h"
+#include "res/strings.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/menu_bar.h"
 
@@ -13,6 +15,14 @@ void followUpdates(AppState &state, Dialog &dialog, std::initializer_list<int> c
     QObject::connect(&state.updates, &UpdateJobs::begun, &dialog, enable);
     QObject::connect(&state.updates, &UpdateJobs::done, &dialog, enable);
     enable();
+}
+
+void startUpdate(AppState &state, const QString &category, const std::optional<QString> &channel) {
+    UpdateJobs &updates = state.updates;
+    const bool isStarted = channel ? updates.startUpdateChannel(category, *channel)
+                                   : updates.startUpdateCategory(category);
+    if (!isStarted && !updates.isUpdating())
+        ShowError(state, unidentifiedProblemString);
 }
 
 } // namespace tidebrook

@@ -35,7 +35,7 @@ void Dialog::post(int command) {
         [this, command] {
             if (isOnTop())
                 procedure_.command(command);
-            else
+            else if (!waiting_.contains(command))
                 waiting_.append(command);
         },
         Qt::QueuedConnection);

@@ -23,8 +23,8 @@ public:
     template <class Widget> Widget *control(int id) const { return form_->control<Widget>(id); }
 
     /// Sends a command to the procedure, never before the present event is done with, nor while
-    /// something lies above the dialog. One that is still waiting when the dialog ends is
-    /// forgotten.
+    /// something lies above the dialog; then once, however often it was posted meanwhile. One that
+    /// is still waiting when the dialog ends is forgotten.
     void post(int command);
     /// The same for a command that the user gave. It was not meant for what lies above the dialog
     /// by then, if anything does, nor for what the dialog shows afterwards: then it is forgotten.

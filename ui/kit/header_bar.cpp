@@ -20,7 +20,6 @@ namespace {
 constexpr int iconUnits = 24;
 constexpr int marginUnits = 6;
 constexpr int keyUnits = 41;
-constexpr int choicesUnits = 205; // of the screen's height, at most
 
 // The bar paints the caption, which is seen through the key.
 class CaptionKey : public QToolButton {
@@ -64,10 +63,12 @@ void HeaderBar::setSteppable() {
     choices_->setFrameShape(QFrame::Box);
     connect(choices_, &ListView::tapped, this, &HeaderBar::takeChoice);
     connect(choices_, &ListView::keyPressed, this, [this](int key, bool &isTaken) {
-        isTaken = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
-        if (key == Qt::Key_Escape)
+        const bool isBack = key == Qt::Key_Escape || key == Qt::Key_Back;
+        const bool isEnter = key == Qt::Key_Return || key == Qt::Key_Enter;
+        isTaken = isBack || isEnter || key == Qt::Key_Delete; // which is meant for what lies below
+        if (isBack)
             Q_EMIT chosen(CommandHideChoices);
-        else if (isTaken)
+        else if (isEnter)
             takeChoice(SelectedRow(choices_));
     });
     arrange();
@@ -113,6 +114,7 @@ bool HeaderBar::eventFilter(QObject *watched, QEvent *event) {
 }
 
 void HeaderBar::showChoices() {
+    arrange();
     qApp->installEventFilter(this);
     choices_->show();
     choices_->raise();
@@ -146,8 +148,10 @@ void HeaderBar::arrange() {
         key->setIcon(icon(key == next_ ? "next" : "previous", key->iconSize(), palette()));
     }
     choices_->setUnits(units_);
-    choices_->setColumnWidth(width());
-    choices_->setGeometry(0, height(), width(), units_.height(choicesUnits));
+    const int frame = 2 * choices_->frameWidth();
+    const int room = parentWidget()->height() - height() - units_.height(menuBarUnits);
+    const int needed = choices_->rowCount() * choices_->rowHeight() + frame;
+    choices_->setGeometry(0, height(), width(), std::min(room, needed));
 }
 
 // Where a place lies when the text runs from right to left.

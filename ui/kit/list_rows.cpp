@@ -16,10 +16,8 @@ QVariant ListRows::data(const QModelIndex &index, int role) const {
     case Qt::DisplayRole:
     case Qt::EditRole:
         return row.text;
-    case DetailRole:
-        return row.detail;
-    case ImageRole:
-        return row.image;
+    case Qt::AccessibleTextRole:
+        return row.detail.isEmpty() ? row.text : QString(row.text + u", " + row.detail);
     default:
         return {};
     }

@@ -20,8 +20,6 @@ class ListRows : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    enum Role : int { DetailRole = Qt::UserRole, ImageRole };
-
     using QAbstractListModel::QAbstractListModel;
 
     const QList<ListRow> &rows() const { return rows_; }

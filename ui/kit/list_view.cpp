@@ -63,11 +63,15 @@ int ListView::findRow(const QString &text) const {
     return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
 }
 
-void ListView::replaceRows(QList<ListRow> rows) {
-    const int place = verticalScrollBar()->value();
+void ListView::setRows(QList<ListRow> rows) {
+    const bool isPressed = isTapPossible_ && pressed_.isValid();
+    const QString text = rowText(pressed_.row());
     rows_.replace(std::move(rows));
+    if (!isPressed)
+        return;
     executeDelayedItemsLayout();
-    verticalScrollBar()->setValue(place);
+    pressed_ = indexAt(pressedAt_);
+    isTapPossible_ = pressed_.isValid() && rowText(pressed_.row()) == text;
 }
 
 void ListView::removeRow(int row) {
@@ -112,7 +116,6 @@ void ListView::editLabel(int row) {
 void ListView::takeEditor(QLineEdit *editor, int row) {
     editor_ = editor;
     selectRow(row);
-    Q_EMIT labelEditBegun();
 }
 
 // The editor is still open here, and would take a dialog's getting the focus for its own end.
@@ -210,6 +213,12 @@ void ListView::mouseReleaseEvent(QMouseEvent *event) {
             setChecked(pressed_.row(), !isChecked(pressed_.row()));
     }
     Q_EMIT tapped(pressed_.row());
+}
+
+// The second press of two was not meant for what the first one has opened.
+void ListView::mouseDoubleClickEvent(QMouseEvent *event) {
+    QListView::mouseDoubleClickEvent(event);
+    isTapPossible_ = isTapPossible_ && isCheckable_;
 }
 
 int SelectedRow(const ListView *list) {

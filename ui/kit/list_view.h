@@ -38,10 +38,9 @@ public:
     /// The first row with exactly this label, or -1.
     int findRow(const QString &text) const;
 
-    /// Replaces all rows; none is selected then.
-    void setRows(QList<ListRow> rows) { rows_.replace(std::move(rows)); }
-    /// The same, with the list scrolled to where it was.
-    void replaceRows(QList<ListRow> rows);
+    /// Replaces all rows; none is selected then. A tap that is under way still opens what it was
+    /// begun on, if that stays where it is.
+    void setRows(QList<ListRow> rows);
     void insertRow(int row, const ListRow &content) { rows_.insert(row, content); }
     void removeRow(int row);
     void setRowText(int row, const QString &text);
@@ -79,7 +78,6 @@ Q_SIGNALS:
     void keyPressed(int key, bool &isTaken);
     /// A row was tapped, and is selected; -1 where there is none.
     void tapped(int row);
-    void labelEditBegun();
     /// A label was edited to this text, which the row does not have yet. Not told when the editing
     /// was broken off. Whoever is told may open dialogs: the editor is gone.
     void labelEdited(int row, const QString &text);
@@ -91,6 +89,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:

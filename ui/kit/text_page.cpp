@@ -86,7 +86,8 @@ void TextPage::changeEvent(QEvent *event) {
 
 // The menu would copy what the document has for a target.
 void TextPage::contextMenuEvent(QContextMenuEvent *event) {
-    QMenu *menu = createStandardContextMenu(event->pos());
+    const QPoint inDocument = event->pos() + QPoint(0, verticalScrollBar()->value());
+    QMenu *menu = createStandardContextMenu(inDocument);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     if (auto *copyLink = menu->findChild<QAction *>(QStringLiteral("link-copy"))) {
         const qsizetype link = QUrl(anchorAt(event->pos())).path().toLongLong();
@@ -114,16 +115,24 @@ void TextPage::build() {
 }
 
 void TextPage::buildKeepingPlace() {
-    if (html_.isEmpty())
-        return;
+    if (!html_.isEmpty())
+        keepPlace([this] { build(); });
+}
+
+void TextPage::resizeEvent(QResizeEvent *event) {
+    keepPlace([this, event] { QTextBrowser::resizeEvent(event); });
+}
+
+void TextPage::keepPlace(const std::function<void()> &change) {
     const bool isAtTop = verticalScrollBar()->value() == 0;
-    QTextCursor place = cursorForPosition({0, 0});
-    const int position = place.position();
-    build();
+    const int position = cursorForPosition({0, 0}).position();
+    change();
+    if (isAtTop)
+        return verticalScrollBar()->setValue(0);
     document()->documentLayout()->documentSize(); // lays it all out, so that its end can be reached
+    QTextCursor place(document());
     place.setPosition(std::min(position, document()->characterCount() - 1));
-    verticalScrollBar()->setValue(isAtTop ? 0
-                                          : verticalScrollBar()->value() + cursorRect(place).top());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(place).top());
 }
 
 void TextPage::follow(const QUrl &link) {

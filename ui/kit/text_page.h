@@ -3,6 +3,8 @@
 #include <QStringList>
 #include <QTextBrowser>
 
+#include <functional>
+
 namespace tidebrook {
 
 /// Shows a page of formatted text that comes as HTML, from whomever. Nothing is loaded for it,
@@ -10,8 +12,8 @@ namespace tidebrook {
 /// takes longer to show, or more memory, than others of its length. It is as wide as the screen:
 /// long words are broken. Colours are changed where they could not be read.
 ///
-/// It has the keys that move up and down, the one for the next link and the one that takes it;
-/// all others are left to the dialog.
+/// It has the keys that move up and down, those that go to the next link and take it, and those
+/// that select all and copy; all others are left to the dialog.
 class TextPage : public QTextBrowser {
     Q_OBJECT
 
@@ -30,6 +32,7 @@ public:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     QMimeData *createMimeDataFromSelection() const override;
 
@@ -43,6 +46,7 @@ Q_SIGNALS:
 private:
     void build();
     void buildKeepingPlace();
+    void keepPlace(const std::function<void()> &change);
     void follow(const QUrl &link);
 
     QString html_;
