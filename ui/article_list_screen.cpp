@@ -1,5 +1,6 @@
 #include "ui/article_list_screen.h"
 
+#include "app/base/messages.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "store/escape_sql.h"
@@ -126,14 +127,19 @@ void ArticleListScreen::sortBy(SortMode mode) {
     refreshSoon();
 }
 
-// What comes of it the list shows.
 void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel)) {
     const auto work = [&store = *state().device.store, channel = name(), mark] {
-        (store.*mark)(channel);
-        return store.PublishTotalUnread();
+        const bool isMarked = (store.*mark)(channel);
+        store.PublishTotalUnread();
+        return isMarked;
     };
-    if (!state().changes.ask(&dialog(), work, [this](bool) { refreshSoon(); }))
+    const auto end = [this](bool isMarked) {
         refreshSoon();
+        if (!isMarked)
+            ShowError(state(), databaseProblemString);
+    };
+    if (!state().changes.ask(&dialog(), work, end))
+        end(false);
 }
 
 void ArticleListScreen::open(int row) {

@@ -56,6 +56,7 @@ struct ArticleViewScreen::Building {
     bool isRowWanted = false;
     std::optional<QString> page; ///< nothing when it could not be read
     int row = -1;                ///< of the article in its list
+    bool isGone = false;         ///< there is no such article any more
     bool isDropped = false;      ///< a stop was asked for meanwhile
 };
 
@@ -66,6 +67,7 @@ void ArticleViewScreen::build(FeedStore &store, Building &building) {
     ArticleDetail detail;
     if (store.GetArticleDetail(building.channel, building.title, detail))
         building.page = articlePage(building.channel, building.title, detail);
+    building.isGone = detail.itemLink.isEmpty(); // every article has one, if only the mark of none
 }
 
 bool ArticleViewScreen::initialise(Dialog &dialog) {
@@ -125,6 +127,8 @@ void ArticleViewScreen::show(const Building &building) {
         return buildPage();
     if (!building.page)
         return ShowError(state_, databaseProblemString);
+    if (isTapped_ && building.isGone) // the headline stood longer than its article
+        return dialog_->post(CommandBackToArticles);
     if (std::exchange(isTapped_, false))
         state_.articleRow = building.row;
     page_->setPage(*building.page);
