@@ -28,6 +28,7 @@
 
 namespace tidebrook {
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -75,6 +76,8 @@ QAction *findEntry(QMenu &menu, const QString &text) {
 QAbstractButton *findButton(QWidget &widget, const QString &text) {
     for (auto *button : widget.findChildren<QAbstractButton *>()) {
         QString shown = button->text();
+        if (shown.isEmpty())
+            shown = button->accessibleName();
         if (button->isVisible() && shown.remove(u'&') == text)
             return button;
     }
@@ -185,6 +188,20 @@ void User::tap(const QString &buttonText) {
     });
 }
 
+void User::tapLink(const QString &text) {
+    act([this, text] {
+        auto *page = stack_.top()->findChild<TextPage *>();
+        ASSERT_NE(page, nullptr);
+        QTextCursor place = page->document()->find(text);
+        ASSERT_FALSE(place.isNull()) << "there is no " << text.toStdString();
+        place.setPosition(place.selectionStart());
+        page->setTextCursor(place);
+        page->ensureCursorVisible();
+        const QPoint inside = page->cursorRect(place).center() + QPoint(4, 0);
+        QTest::mouseClick(page->viewport(), Qt::LeftButton, {}, inside);
+    });
+}
+
 void User::choose(const QStringList &path) {
     press(Qt::Key_F10);
     for (const QString &text : path) {
@@ -232,14 +249,55 @@ QStringList User::rows() {
     return names;
 }
 
-bool User::seesRows(const QStringList &names) {
+bool User::seesList(const std::function<QStringList()> &seen, const QStringList &expected) {
     const auto end = std::chrono::steady_clock::now() + patience;
-    while (rows() != names) {
-        if (std::chrono::steady_clock::now() > end)
+    QStringList last;
+    while ((last = seen()) != expected) {
+        if (std::chrono::steady_clock::now() > end) {
+            ADD_FAILURE() << "sees " << last.join(u" | ").toStdString();
             return false;
+        }
         std::this_thread::sleep_for(lookAgainAfter);
     }
     return true;
+}
+
+bool User::seesRows(const QStringList &names) {
+    return seesList([this] { return rows(); }, names);
+}
+
+bool User::seesLines(const QStringList &lines) {
+    return seesList([this] { return this->lines(); }, lines);
+}
+
+QStringList User::lines() {
+    QStringList lines;
+    look([&] {
+        for (int i = 0; list() != nullptr && i < list()->rowCount(); ++i) {
+            const ListRow row = list()->row(i);
+            const bool isUnread = qstrcmp(list()->image(row.image), "article-unread") == 0;
+            lines.append((isUnread ? u"*%1: %2"_s : u"%1: %2"_s).arg(row.text, row.detail));
+        }
+    });
+    return lines;
+}
+
+QStringList User::entries(const QString &within) {
+    choose(within.isEmpty() ? QStringList() : QStringList{within});
+    EXPECT_TRUE(seesPopup());
+    QStringList texts;
+    sees([&] {
+        const auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        for (const QAction *entry : menu != nullptr ? menu->actions() : QList<QAction *>()) {
+            if (!entry->isSeparator())
+                texts.append((entry->isEnabled() ? u""_s : u"-"_s) %
+                             (entry->isChecked() ? u"+"_s : u""_s) % entry->text());
+        }
+        return true;
+    });
+    for (int open = within.isEmpty() ? 1 : 2; open > 0; --open)
+        press(Qt::Key_Escape);
+    return texts;
 }
 
 bool User::seesSelected(int row) {

@@ -38,7 +38,10 @@ public:
     void touchRow(int row, int way = 0);
     /// Turns the mouse's wheel over the list by so many steps, downward.
     void turnWheel(int steps);
+    /// Taps a button by its text or, where it has none, by its name.
     void tap(const QString &buttonText);
+    /// Taps the link of a page that has this text, the only such text in it.
+    void tapLink(const QString &text);
     void tapAt(const std::function<QWidget *()> &find, const QPoint &position);
     /// Opens the menu and chooses an entry; further texts lead into menus within it.
     void choose(const QStringList &path);
@@ -74,6 +77,12 @@ public:
     /// A page, with this text in it.
     bool seesPage(const QString &text);
     QStringList rows();
+    /// The rows as "LABEL: DETAIL", behind a "*" where the image is that of an unread article.
+    QStringList lines();
+    bool seesLines(const QStringList &lines);
+    /// The entries of the menu, or of one within it; "-" stands before those that cannot be
+    /// chosen, "+" before checked ones. The menu is closed again.
+    QStringList entries(const QString &within = {});
     /// Nothing is at work any more.
     bool seesQuiet();
 
@@ -83,6 +92,8 @@ public:
     ScreenStack &stack() const { return stack_; }
 
 private:
+    bool seesList(const std::function<QStringList()> &seen, const QStringList &expected);
+
     ScreenStack &stack_;
     Mailbox mailbox_;
 };

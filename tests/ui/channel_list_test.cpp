@@ -1,0 +1,107 @@
+#include "ui/reading_test.h"
+
+namespace tidebrook {
+namespace {
+
+using ChannelListTest = ReadingTest;
+
+Hand press(int key) {
+    return [key](User &user) { user.press(key); };
+}
+Hand tap(const QString &key) {
+    return [key](User &user) { user.tap(key); };
+}
+Hand choose(const QString &entry) {
+    return [entry](User &user) { user.choose({entry}); };
+}
+bool seesListAlone(User &user) {
+    return user.sees([&user] { return user.list()->hasFocus(); }) && user.seesQuiet();
+}
+
+TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
+    const QString news = u"News"_s;
+    const QString travel = u"Travel"_s;
+    const std::pair<Hand, QString> steps[]{
+        {press(Qt::Key_Right), travel}, {press(Qt::Key_Right), news}, {press(Qt::Key_Left), travel},
+        {tap(u"Next"_s), news},         {tap(u"Previous"_s), travel},
+    };
+    run([&](User &user) {
+        go(user, 1);
+        EXPECT_TRUE(user.seesLines(scienceLines));
+        for (const auto &[step, category] : steps) {
+            step(user);
+            EXPECT_TRUE(user.seesCaption(category) && user.seesRows(device.channelNames(category)));
+            EXPECT_TRUE(user.seesQuiet() && user.seesSelected(0));
+        }
+        for (const Hand &open : {press(Qt::Key_F4), tap(u"Science"_s), tap(u"Science"_s)}) {
+            open(user);
+            ASSERT_TRUE(user.seesChoices());
+            user.press(Qt::Key_Home);
+            user.press(Qt::Key_Down);
+            user.press(Qt::Key_Return);
+            ASSERT_TRUE(user.seesCaption(u"Science"_s) && user.seesLines(scienceLines));
+        }
+        for (const QString &beside : {u"Category List"_s, u"Next"_s}) {
+            user.press(Qt::Key_Down);
+            user.tap(u"Science"_s);
+            ASSERT_TRUE(user.seesChoices());
+            user.tap(beside);
+            EXPECT_TRUE(seesListAlone(user) && user.seesSelected(0));
+            EXPECT_TRUE(user.seesCaption(u"Science"_s));
+        }
+        user.tap(u"Category List"_s);
+        EXPECT_TRUE(user.seesCaption(u"All Categories"_s));
+    });
+}
+
+TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
+    const QString question = u"Are you sure you want to delete this channel?"_s;
+    run([&](User &user) {
+        go(user, 1);
+        user.press(Qt::Key_Delete);
+        expectBox(user, question); // Enter is a No
+        EXPECT_EQ(user.lines(), scienceLines);
+        for (int left = 2; left >= 0; --left) {
+            user.choose({u"Delete Channel"_s});
+            ASSERT_TRUE(user.seesBox(question));
+            user.tap(u"Yes"_s);
+            EXPECT_TRUE(user.seesLines(scienceLines.last(left)) && user.seesQuiet());
+        }
+        for (const Hand &act : {press(Qt::Key_Return), choose(u"Update"_s), press(Qt::Key_F5),
+                                choose(u"Delete Channel"_s), Hand(&User::tapBelowRows)}) {
+            act(user);
+            expectBox(user, u"No channel selected!"_s);
+        }
+    });
+    EXPECT_EQ(device.channelNames(u"Science"_s), QStringList());
+    EXPECT_EQ(device.channelNames(u"News"_s), QStringList{u"Planet"_s});
+    EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 0U);
+}
+
+TEST_F(ChannelListTest, WhatIsDoneWhileListsFillIsDoneToTheListThatComes) {
+    QStringList titles;
+    for (int i = 0; i < 110; ++i)
+        titles.append(u"title %1"_s.arg(i));
+    device.addChannel(u"Travel"_s, u"Sun"_s, titles);
+    run([&](User &user) {
+        auto held = session->state().device.store->lock();
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesCaption(u"News"_s));
+        for (const int key : {Qt::Key_Left, Qt::Key_Left, Qt::Key_Right, Qt::Key_Down})
+            user.press(key);
+        held.unlock();
+        EXPECT_TRUE(user.seesRows({u"Comet"_s, u"Sun"_s}) && user.seesQuiet());
+        held.lock();
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesCaption(u"Comet"_s));
+        user.choose({u"Show Unread Only"_s});
+        for (int i = 0; i < 9; ++i)
+            user.press(i < 5 ? Qt::Key_Left : Qt::Key_Right);
+        held.unlock();
+        EXPECT_TRUE(user.seesCaption(u"Sun"_s) && user.seesQuiet());
+        EXPECT_EQ(user.rows(), device.titles(u"Sun"_s, SortMode::UnreadOnly));
+    });
+}
+
+} // namespace
+} // namespace tidebrook

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "ctl/ctl_process.h"
+#include "support/test_device.h"
+#include "ui/kit/list_view.h"
+#include "ui/session.h"
+
+#include <gtest/gtest.h>
+
+namespace tidebrook {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+using Hand = std::function<void(User &)>;
+
+inline const QStringList scienceLines{u"Moon: 3/5"_s, u"Odd: 4/4"_s, u"Star: 0/0"_s};
+inline const QString databaseProblem = u"Encountering Problem when Accessing Database"_s;
+
+/// A device with Planet in News, Comet in Travel, and in Science Moon, whose articles are partly
+/// read, Odd, whose titles are, and Star.
+class ReadingTest : public testing::Test {
+protected:
+    ReadingTest() {
+        EXPECT_TRUE(device.store->Open());
+        device.addChannel(u"Science"_s, u"Moon"_s, {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s});
+        device.store->MarkArticleRead(u"Moon"_s, u"a"_s);
+        device.store->MarkArticleRead(u"Moon"_s, u"c"_s);
+        device.store->RecountChannel(u"Moon"_s);
+        const QString title(254, u'm');
+        device.addChannel(u"Science"_s, u"Odd"_s,
+                          {QString(title + u"123"), QString(title + u'2'), u""_s, u"b'\"<i>"_s});
+    }
+    /// The screens' thread is never blocked meanwhile.
+    void run(const Hand &user) {
+        session = std::make_unique<Session>(device.root);
+        EXPECT_TRUE(session->run([&](User &someone) {
+            ASSERT_TRUE(someone.seesRows({u"News"_s, u"Science"_s, u"Travel"_s}));
+            ASSERT_TRUE(someone.seesQuiet());
+            user(someone);
+        }));
+        EXPECT_LT(session->longestBlocked(), 50ms);
+    }
+    /// From the categories to the first channel's articles (2) or the first article (3).
+    static void go(User &user, int screen, int category = 1) {
+        for (int i = 0; i < category && screen > 0; ++i)
+            user.press(Qt::Key_Down);
+        for (int i = 1; i <= screen; ++i) {
+            user.press(Qt::Key_Return);
+            ASSERT_TRUE(user.sees([&user, i] {
+                return i == 3 ? !user.list() : user.list() && user.list()->rowCount() > 0;
+            }));
+            ASSERT_TRUE(user.seesQuiet());
+        }
+    }
+    /// Sees this box, answers it with Enter, and sees no other.
+    static void expectBox(User &user, const QString &text) {
+        ASSERT_TRUE(user.seesBox(text)) << text.toStdString();
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
+    }
+    quint32 setting(QStringView name, QStringView key = programKey) {
+        return SettingsStore(*device.registry).dword(key, name);
+    }
+
+    TestDevice device{u"Planet\thttp://example.org/a\tNews\n"
+                      u"Star\thttp://example.org/b\tScience\n"
+                      u"Comet\thttp://example.org/c\tTravel\n"_s};
+    std::unique_ptr<Session> session;
+};
+
+} // namespace tidebrook
