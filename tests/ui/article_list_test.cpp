@@ -1,0 +1,179 @@
+#include "platform/sqlite_database.h"
+#include "ui/kit/progress_line.h"
+#include "ui/reading_test.h"
+
+#include <QPixmap>
+
+namespace tidebrook {
+namespace {
+
+class ArticleListTest : public ReadingTest {
+protected:
+    const QStringList byDate{u"a: 2026-01-28"_s, u"*b: 2026-01-27"_s, u"c: 2026-01-26"_s,
+                             u"*d: 2026-01-25"_s, u"*e: 2026-01-24"_s};
+    const QStringList unread{byDate[1], byDate[3], byDate[4]};
+    const QStringList byStatus = unread + QStringList{byDate[0], byDate[2]};
+};
+
+TEST_F(ArticleListTest, IsOrderedAsChosenAndKeepsTheOrder) {
+    const QString unreadOnly = u"Show Unread Only"_s;
+    const struct {
+        quint32 before;
+        QStringList chosen;
+        QStringList lines;
+        quint32 after;
+    } rounds[]{{7, {}, byDate, 0}, // no order has this number
+               {0, {unreadOnly}, unread, 2},
+               {2, {unreadOnly}, byStatus, 1},
+               {1, {u"Sort by"_s, u"Date"_s}, byDate, 0},
+               {2, {u"Sort by"_s, u"Status"_s}, byStatus, 1}};
+    for (const auto &round : rounds) {
+        SettingsStore(*device.registry).setDword(programKey, u"SortMode", round.before);
+        run([&](User &user) {
+            go(user, 2);
+            if (!round.chosen.isEmpty())
+                user.choose(round.chosen);
+            EXPECT_TRUE(user.seesLines(round.lines) && user.seesQuiet() && user.seesSelected(0));
+            const QStringList entries = user.entries(u"Sort by"_s) + user.entries();
+            const QStringList checks{u"+Date"_s, u"+Status"_s, u'+' + unreadOnly};
+            for (quint32 order = 0; order < 3; ++order)
+                EXPECT_EQ(entries.contains(checks[order]), order == round.after) << order;
+        });
+        EXPECT_EQ(setting(u"SortMode"), round.after);
+    }
+}
+
+TEST_F(ArticleListTest, ABusyDatabaseIsWaitedForOrTold) {
+    const auto other = SqliteDatabase::open(device.root.filePath(u"\\RSSVault.sdf"), {});
+    run([&](User &user) {
+        const auto act = [&](const Hand &hand, const QString &problem = {}) {
+            SqliteTransaction writing(*other);
+            hand(user);
+            if (!problem.isEmpty())
+                expectBox(user, problem);
+            else
+                EXPECT_TRUE(user.sees([&] { return user.stack().progressLine().isAtWork(); }));
+        };
+        const auto unreadNow = [&] {
+            EXPECT_TRUE(user.seesQuiet());
+            return user.lines().filter(u"*"_s).size();
+        };
+        const Hand open = [](User &someone) { someone.press(Qt::Key_Return); };
+        const Hand markRead = [](User &someone) { someone.choose({u"Mark all as Read"_s}); };
+        go(user, 2);
+        act(markRead);
+        EXPECT_EQ(unreadNow(), 0);
+        EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 4U);
+        user.choose({u"Mark all as Unread"_s});
+        EXPECT_EQ(unreadNow(), 5);
+        EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 9U);
+        act(open);
+        ASSERT_TRUE(user.seesPage(u"2026-01-28"_s));
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesCaption(u"Moon"_s));
+        EXPECT_EQ(unreadNow(), 4);
+        act(markRead, databaseProblem);
+        user.press(Qt::Key_Down);
+        act(open, databaseProblem);
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesCaption(u"Moon"_s));
+        EXPECT_EQ(unreadNow(), 4);
+    });
+    EXPECT_EQ(device.counts(u"Science"_s, u"Moon"_s), u"4/5");
+}
+
+TEST_F(ArticleListTest, KeepsItsPlaceWhenAnArticleWasRead) {
+    run([&](User &user) {
+        const auto read = [&user](const QString &channel, int row, int day) {
+            user.tapRow(row);
+            ASSERT_TRUE(user.seesPage(u"2026-01-%1"_s.arg(day)) && user.seesQuiet());
+            user.tap(u"Article List"_s);
+            ASSERT_TRUE(user.seesCaption(channel) && user.seesQuiet());
+        };
+        go(user, 2);
+        user.choose({u"Sort by"_s, u"Status"_s});
+        ASSERT_TRUE(user.seesLines(byStatus));
+        read(u"Moon"_s, 0, 27);
+        EXPECT_TRUE(user.seesRows({u"d"_s, u"e"_s, u"a"_s, u"b"_s, u"c"_s}));
+        EXPECT_TRUE(user.seesSelected(3)) << "the same title, wherever it is now";
+        user.choose({u"Show Unread Only"_s});
+        ASSERT_TRUE(user.seesLines(unread.last(2)));
+        read(u"Moon"_s, 0, 25);
+        EXPECT_TRUE(user.seesLines(unread.last(1)) && user.seesSelected(0));
+        read(u"Moon"_s, 0, 24);
+        EXPECT_TRUE(user.seesLines({}));
+        user.press(Qt::Key_Return);
+        expectBox(user, u"No article selected!"_s);
+        for (const int key : {Qt::Key_Right, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left})
+            user.press(key); // round the channels
+        ASSERT_TRUE(user.seesCaption(u"Odd"_s));
+        user.choose({u"Sort by"_s, u"Date"_s});
+        ASSERT_TRUE(user.sees([&] { return user.list()->rowCount() == 4; }) && user.seesQuiet());
+        for (const int row : {1, 2, 3}) {
+            read(u"Odd"_s, row, 28 - row);
+            EXPECT_TRUE(user.seesSelected(row));
+        }
+        EXPECT_TRUE(user.lines().filter(u"*"_s).join(u'|').endsWith(u"m1: 2026-01-28"));
+    });
+}
+
+/// How much ink each line of text has in a part of a row.
+QList<int> ink(User &user, int row, const QMargins &beside) {
+    QList<int> lines{0};
+    user.look([&] {
+        const QRect place = user.list()->visualRect(user.list()->model()->index(row, 0));
+        const QImage image = user.list()->viewport()->grab(place - beside).toImage();
+        for (int y = 0; y < image.height(); ++y) {
+            int all = 0;
+            for (int x = 0; x < image.width(); ++x)
+                all += 255 - image.pixelColor(x, y).lightness();
+            if (all == 0 && lines.last() > 0)
+                lines.append(0);
+            lines.last() += all;
+        }
+    });
+    return lines.last() > 0 ? lines : lines.first(lines.size() - 1);
+}
+
+TEST_F(ArticleListTest, RowsShowWhatIsUnreadAndSelected) {
+    const QMargins title(45, 0, 110, 1); // between the icon and the date
+    const QMargins counts(200, 20, 0, 1);
+    run([&](User &user) {
+        go(user, 1);
+        const QMargins corner(238, 0, 0, 1);
+        const QList<int> focused = ink(user, 0, corner);
+        user.press(Qt::Key_F4);
+        ASSERT_TRUE(user.seesChoices());
+        const QList<int> unfocused = ink(user, 0, corner);
+        EXPECT_TRUE(focused != unfocused && focused != ink(user, 1, corner));
+        EXPECT_NE(unfocused, ink(user, 1, corner));
+        user.press(Qt::Key_Escape);
+        QList<int> shown[3];
+        for (const QString &text : {u""_s, u"0/1"_s, u"1/0"_s}) {
+            user.look([&] { user.list()->setRowDetail(2, text); });
+            EXPECT_EQ(ink(user, 2, title).size(), 1) << "the name alone";
+            std::rotate(shown, shown + 1, shown + 3);
+            shown[2] = ink(user, 2, counts);
+        }
+        EXPECT_EQ(shown[0], QList<int>());
+        EXPECT_GT(shown[2].value(0), shown[1].value(0) * 11 / 10) << "bold";
+
+        user.press(Qt::Key_Down);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesCaption(u"Odd"_s) && user.seesQuiet());
+        for (const QStringList &entry :
+             {QStringList{u"Font Size"_s, u"Normal"_s}, QStringList{u"Mark all as Read"_s},
+              QStringList{u"Font Size"_s, u"Big"_s}}) {
+            user.choose(entry);
+            ASSERT_TRUE(user.seesQuiet());
+            std::rotate(shown, shown + 1, shown + 3);
+            shown[2] = ink(user, 1, title);
+        }
+        ASSERT_TRUE(shown[0].size() > 1 && shown[1].size() > 1);
+        EXPECT_GT(shown[0][0], shown[1][0] * 11 / 10) << "bold";
+        EXPECT_EQ(shown[2].size(), 1) << "in the biggest size";
+    });
+}
+
+} // namespace
+} // namespace tidebrook
