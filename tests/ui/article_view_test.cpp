@@ -1,0 +1,151 @@
+#include "platform/named_event.h"
+#include "ui/kit/layer.h"
+#include "ui/kit/text_page.h"
+#include "ui/reading_test.h"
+
+#include <QFile>
+
+namespace tidebrook {
+namespace {
+
+using ArticleViewTest = ReadingTest;
+
+TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
+    run([&](User &user) {
+        go(user, 2);
+        user.press(Qt::Key_Down);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesPage(u"2026-01-27"_s) && user.seesQuiet());
+        EXPECT_EQ(device.counts(u"Science"_s, u"Moon"_s), u"2/5");
+        const auto isOfSize = [&user](qreal points) {
+            return user.sees([&] {
+                const auto *page = user.stack().top()->findChild<TextPage *>();
+                return page->document()->find(u"more"_s).charFormat().fontPointSize() == points;
+            });
+        };
+        EXPECT_TRUE(isOfSize(9));
+        user.choose({u"Font Size"_s, u"Big"_s});
+        EXPECT_TRUE(isOfSize(13) && user.seesQuiet());
+        EXPECT_EQ(setting(u"FontSize"), 13U);
+        EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Big"_s));
+        for (const QString &caption : {u"Moon"_s, u"Science"_s, u"All Categories"_s}) {
+            user.press(Qt::Key_Escape);
+            ASSERT_TRUE(user.seesCaption(caption) && user.seesQuiet());
+            EXPECT_TRUE(user.sees([&user] { return user.list()->font().pointSize() == 13; }));
+            EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Big"_s));
+            EXPECT_TRUE(caption != u"Science" || user.lines().contains(u"Moon: 2/5"_s));
+        }
+    });
+    EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 6U);
+}
+
+TEST_F(ArticleViewTest, ATappedLinkIsOpenedAsOneArgumentOrRefused) {
+    const QString base = u"http://example.org/"_s;
+    const QStringList good{base + u"plain?a=1&b=2#c"_s,
+                           u"https://example.org/"_s,
+                           u"mailto:someone@example.org"_s,
+                           u"ftp://example.org/f"_s,
+                           base + QString(512 - base.size(), u'l'),
+                           base + u"a b'c\";$(touch x)`touch x`"_s};
+    const QStringList bad{base + QString(513 - base.size(), u'l'),
+                          u"javascript:alert(1)"_s,
+                          u"file:///etc/passwd"_s,
+                          u"data:text/html,x"_s,
+                          u"-option"_s,
+                          u"--help"_s,
+                          u"page.html"_s,
+                          u""_s};
+    const QStringList links = good + bad;
+    QString text;
+    for (int i = 0; i < links.size(); ++i)
+        text += u"<p>&raquo;<a href=\"%1\">(%2)</a></p>"_s.arg(links[i].toHtmlEscaped()).arg(i);
+    device.addChannel(u"News"_s, u"Links"_s,
+                      QList<TestArticle>{{.title = u"Q"_s, .description = text}});
+    const QString folder = device.root.path();
+    const QString opened = folder + u"/opened";
+    ASSERT_TRUE(writeFile(folder + u"/xdg-open",
+                          u"#!/bin/sh\necho \"$# $*\" >> '%1'\n"_s.arg(opened).toUtf8()));
+    QFile::setPermissions(folder + u"/xdg-open", QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", folder.toLocal8Bit() + ':' + path);
+    QByteArray expected;
+    run([&](User &user) {
+        go(user, 3, 0);
+        ASSERT_TRUE(user.seesPage(u"(0)"_s));
+        for (int i = 0; i < links.size(); ++i) {
+            SCOPED_TRACE(i);
+            user.tapLink(u"(%1)"_s.arg(i));
+            if (i >= good.size()) {
+                expectBox(user, u"The URL format is wrong!"_s);
+                continue;
+            }
+            expected += "1 " + QUrl(links[i]).toEncoded() + '\n';
+            EXPECT_TRUE(user.sees([&] {
+                QFile file(opened);
+                return file.open(QIODevice::ReadOnly) && file.readAll() == expected;
+            }));
+        }
+    });
+    qputenv("PATH", path);
+    EXPECT_FALSE(QFile::exists(u"x"_s));
+}
+
+TEST_F(ArticleViewTest, AHeadlineTappedTodayLeadsToItOnceOrEndsInAList) {
+    NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
+    device.addChannel(u"News"_s, u"Wire"_s, {u"Old"_s, u"Headline"_s});
+    for (int i = 0; i < 12; ++i) {
+        SCOPED_TRACE(i);
+        run([&](User &user) {
+            go(user, i % 4);
+            const auto tell = [&](QStringView name, const QString &text) {
+                device.registry->write(testTodayKey, name, text);
+            };
+            tell(u"CATEGORY", u"News"_s);
+            tell(u"CHANNEL", i < 8 ? u"Wire"_s : u"Gone"_s);
+            tell(u"TITLE", i < 4 ? u"Headline"_s : u"Gone"_s);
+            tapped.set();
+            user.leaveAndReturn();
+            if (i < 4) {
+                ASSERT_TRUE(user.seesPage(u"Headline"_s));
+                user.tap(u"Article List"_s);
+            }
+            ASSERT_TRUE(user.seesQuiet() && user.seesNoBox());
+            EXPECT_TRUE(user.sees([&user] { return user.list() != nullptr; }));
+            for (int back = 0; back < 3; ++back) {
+                user.press(Qt::Key_Escape); // stays in the first list
+                ASSERT_TRUE(user.seesQuiet());
+            }
+            EXPECT_TRUE(user.seesCaption(u"All Categories"_s)) << "nothing leads there again";
+        });
+    }
+    EXPECT_EQ(device.counts(u"News"_s, u"Wire"_s), u"1/2");
+}
+
+TEST_F(ArticleViewTest, WhatOthersChangeWhileAScreenIsOpenEndsInAListOfWhatIsLeft) {
+    CtlProcess ctl;
+    for (int screen = 1; screen <= 3; ++screen) {
+        for (const QStringList &change :
+             {QStringList{u"move"_s, u"A"_s, u"Travel"_s},
+              QStringList{u"rename"_s, u"A"_s, u"Zeta"_s}, QStringList{u"delete"_s, u"A"_s}}) {
+            SCOPED_TRACE(screen);
+            device.addChannel(u"Science"_s, u"A"_s, {u"t"_s});
+            run([&](User &user) {
+                go(user, screen);
+                ctl.run(QStringList{u"--home"_s, device.root.path()} + change);
+                user.press(Qt::Key_Return); // what is shown, but may be gone
+                for (int back = std::min(screen + 1, 3); back > 1; --back) {
+                    EXPECT_TRUE(user.seesQuiet() && user.seesNoBox());
+                    user.press(Qt::Key_Escape);
+                }
+                EXPECT_TRUE(user.seesCaption(u"Science"_s));
+                EXPECT_TRUE(user.seesRows(device.channelNames(u"Science"_s)));
+                EXPECT_FALSE(user.rows().contains(u"A"_s));
+            });
+            for (const QString &name : {u"A"_s, u"Zeta"_s})
+                device.store->DeleteChannel(name);
+        }
+    }
+}
+
+} // namespace
+} // namespace tidebrook
