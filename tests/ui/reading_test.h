@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ctl/ctl_process.h"
 #include "support/test_device.h"
 #include "ui/kit/list_view.h"
 #include "ui/session.h"
