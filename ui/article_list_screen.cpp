@@ -1,6 +1,5 @@
 #include "ui/article_list_screen.h"
 
-#include "app/base/messages.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "store/escape_sql.h"
@@ -127,19 +126,14 @@ void ArticleListScreen::sortBy(SortMode mode) {
     refreshSoon();
 }
 
+// What comes of it the list shows.
 void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel)) {
     const auto work = [&store = *state().device.store, channel = name(), mark] {
-        const bool isMarked = (store.*mark)(channel);
-        store.PublishTotalUnread();
-        return isMarked;
+        (store.*mark)(channel);
+        return store.PublishTotalUnread();
     };
-    const auto end = [this](bool isMarked) {
+    if (!state().changes.ask(&dialog(), work, [this](bool) { refreshSoon(); }))
         refreshSoon();
-        if (!isMarked)
-            ShowError(state(), databaseProblemString);
-    };
-    if (!state().changes.ask(&dialog(), work, end))
-        end(false);
 }
 
 void ArticleListScreen::open(int row) {

@@ -67,7 +67,8 @@ void ArticleViewScreen::build(FeedStore &store, Building &building) {
     ArticleDetail detail;
     if (store.GetArticleDetail(building.channel, building.title, detail))
         building.page = articlePage(building.channel, building.title, detail);
-    building.isGone = detail.itemLink.isEmpty(); // every article has one, if only the mark of none
+    building.isGone = detail.itemLink.isEmpty() && detail.description.isEmpty() &&
+                      detail.publicationDate.isEmpty();
 }
 
 bool ArticleViewScreen::initialise(Dialog &dialog) {
