@@ -1,8 +1,13 @@
 #include "platform/sqlite_database.h"
+#include "res/commands.h"
+#include "ui/kit/dialog.h"
 #include "ui/kit/progress_line.h"
 #include "ui/reading_test.h"
 
 #include <QPixmap>
+#include <QScrollBar>
+
+#include <semaphore>
 
 namespace tidebrook {
 namespace {
@@ -119,6 +124,38 @@ TEST_F(ArticleListTest, KeepsItsPlaceWhenAnArticleWasRead) {
             EXPECT_TRUE(user.seesSelected(row));
         }
         EXPECT_TRUE(user.lines().filter(u"*"_s).join(u'|').endsWith(u"m1: 2026-01-28"));
+    });
+}
+
+TEST_F(ArticleListTest, IsNotScrolledByARefreshNorItsOrderForgottenByAHastyUser) {
+    QStringList titles;
+    for (int i = 0; i < 25; ++i)
+        titles.append(u"title %1"_s.arg(i));
+    device.addChannel(u"News"_s, u"Long"_s, titles);
+    SettingsStore(*device.registry).setDword(programKey, u"SortMode", 2);
+    run([&](User &user) {
+        go(user, 1, 0);
+        std::binary_semaphore gate(0);
+        session->state().settings.tell([&gate] { gate.acquire(); });
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesCaption(u"Long"_s));
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesCaption(u"News"_s));
+        gate.release();
+        ASSERT_TRUE(user.seesQuiet());
+        EXPECT_EQ(setting(u"SortMode"), 2U);
+
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesRows(titles) && user.seesQuiet());
+        user.turnWheel(9);
+        int before = 0;
+        user.look([&] { before = user.list()->verticalScrollBar()->value(); });
+        ASSERT_GT(before, 0);
+        device.store->MarkArticleRead(u"Long"_s, titles[1]);
+        user.look(
+            [&] { qobject_cast<Dialog *>(user.stack().top())->post(CommandRefreshArticles); });
+        ASSERT_TRUE(user.sees([&] { return user.list()->rowCount() == 24; }) && user.seesQuiet());
+        EXPECT_TRUE(user.sees([&] { return user.list()->verticalScrollBar()->value() == before; }));
     });
 }
 

@@ -1,4 +1,10 @@
+#include "app/base/messages.h"
+#include "res/commands.h"
+#include "res/strings.h"
+#include "ui/kit/dialog.h"
 #include "ui/reading_test.h"
+
+#include <QTest>
 
 namespace tidebrook {
 namespace {
@@ -14,6 +20,7 @@ Hand tap(const QString &key) {
 Hand choose(const QString &entry) {
     return [entry](User &user) { user.choose({entry}); };
 }
+Dialog *dialog(const User &user) { return qobject_cast<Dialog *>(user.stack().top()); }
 bool seesListAlone(User &user) {
     return user.sees([&user] { return user.list()->hasFocus(); }) && user.seesQuiet();
 }
@@ -76,6 +83,42 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
     EXPECT_EQ(device.channelNames(u"Science"_s), QStringList());
     EXPECT_EQ(device.channelNames(u"News"_s), QStringList{u"Planet"_s});
     EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 0U);
+}
+
+TEST_F(ChannelListTest, ACategoryWithoutANameIsOneAmongOthers) {
+    session = std::make_unique<Session>(device.root);
+    session->state().device.categoryStore.AddCategory(u""_s);
+    EXPECT_TRUE(session->run([&](User &user) {
+        ASSERT_TRUE(user.seesRows({u"News"_s, u"Science"_s, u"Travel"_s, u""_s}));
+        go(user, 1);
+        EXPECT_TRUE(user.seesLines(scienceLines));
+    }));
+}
+
+TEST_F(ChannelListTest, ARefreshTakesNoTapAwayNorABoxThatLiesOverAnOpenDropDownList) {
+    run([&](User &user) {
+        go(user, 1);
+        const auto touch = [&](auto click) {
+            user.act([&user, click] {
+                const QRect row = user.list()->visualRect(user.list()->model()->index(1, 0));
+                click(user.list()->viewport(), Qt::LeftButton, Qt::KeyboardModifiers(),
+                      row.center(), -1);
+            });
+        };
+        user.press(Qt::Key_F4);
+        user.act([this] { ShowMessage(session->state(), warningString, nameExistsString); });
+        ASSERT_TRUE(user.seesBox(u"The name is exist!"_s));
+        user.tap(u"OK"_s);
+        ASSERT_TRUE(user.seesNoBox());
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(seesListAlone(user));
+
+        touch([](auto... way) { QTest::mousePress(way...); });
+        user.look([&] { dialog(user)->post(CommandRefreshChannels); });
+        ASSERT_TRUE(user.seesQuiet() && user.seesSelected(0));
+        touch([](auto... way) { QTest::mouseRelease(way...); });
+        EXPECT_TRUE(user.seesCaption(u"Odd"_s));
+    });
 }
 
 TEST_F(ChannelListTest, WhatIsDoneWhileListsFillIsDoneToTheListThatComes) {
