@@ -5,9 +5,8 @@
 #include "bench/store_maker.h"
 
 #include <QDir>
-#include <QHash>
 
-#include <array>
+#include <algorithm>
 
 namespace tidebrook {
 
@@ -15,47 +14,42 @@ namespace {
 
 constexpr int categoryCount = 600;
 constexpr int articlesPerChannel = 2;
-constexpr double frame = 16; // ms
+constexpr double frame = 16;  // ms
+constexpr double answer = 50; // ms
+constexpr double growthAllowed = 1.02;
 constexpr double milliseconds = 1e3;
 
-struct Kind {
-    const char *name; ///< as the program prints it
-    const char *text;
-};
-constexpr std::array kinds{Kind{"category-fill", "refreshed"},
-                           Kind{"category-wheel", "the wheel, notch by notch"},
-                           Kind{"category-page", "PageDown, key by key"}};
-
-/// The runs of one kind of step.
-struct Times {
-    std::vector<double> medians; // seconds
-    std::vector<double> worst;
-};
-using AllTimes = QHash<QByteArray, Times>;
-
-void read(const QByteArray &output, AllTimes &all) {
-    for (const Kind &kind : kinds) {
-        bool isThere = false;
-        for (const QByteArray &line : output.split('\n')) {
-            if (line.split(' ').first() != kind.name)
-                continue;
-            isThere = true;
-            all[kind.name].medians.push_back(figureOf(line, "median"));
-            all[kind.name].worst.push_back(figureOf(line, "worst"));
-        }
-        if (!isThere)
-            throw MeasurementError(
-                QStringLiteral("nothing was said of %1").arg(QLatin1String(kind.name)));
+QByteArray lineOf(const QByteArray &output, const QByteArray &name) {
+    for (const QByteArray &line : output.split('\n')) {
+        if (line.split(' ').first() == name)
+            return line;
     }
+    throw MeasurementError(QStringLiteral("nothing was said of %1").arg(QLatin1String(name)));
 }
 
 } // namespace
 
 ScreenCases::ScreenCases(const Options &options, const QString &folder, const Runner &runner,
                          Report &report)
-    : options_(options), folder_(folder), runner_(runner), report_(report) {}
+    : options_(options), folder_(folder), readStore_(QDir(folder).filePath(QStringLiteral("read"))),
+      runner_(runner), report_(report) {}
 
 void ScreenCases::run() {
+    measureCategories();
+    const ServerProcess server(0);
+    StorePlan plan{.filledChannels = readCategories * channelsToRead,
+                   .articlesPerChannel = articlesToRead,
+                   .categories = readCategories};
+    for (int i = 0; i < channelsToUpdate; ++i)
+        plan.automaticFeeds.append(
+            {QStringLiteral("Updated feed %1").arg(i), server.feed(articlesToRead, i + 1)});
+    makeStore(readStore_, plan);
+    measureSteps();
+    measureOpenings();
+    measureUpdates();
+}
+
+void ScreenCases::measureCategories() {
     report_.section(QStringLiteral("The list of 600 categories: CPU of the thread that shows it, "
                                    "from each step to the picture"),
                     QStringLiteral("tidebrook"), QStringLiteral("a frame"));
@@ -63,19 +57,80 @@ void ScreenCases::run() {
     makeStore(home, {.filledChannels = categoryCount,
                      .articlesPerChannel = articlesPerChannel,
                      .categories = categoryCount});
-    AllTimes all;
-    for (int run = 0; run < options_.runs; ++run) {
-        QByteArray output;
+    QList<QByteArray> outputs(options_.runs);
+    for (QByteArray &output : outputs)
         runner_.runWhole(QStringLiteral("bench_screens"), {home, QString::number(categoryCount)},
                          output);
-        read(output, all);
+    for (const char *step : {"refreshed", "wheel", "PageDown"})
+        reportStep(outputs, step, "thread", frame);
+}
+
+void ScreenCases::measureSteps() {
+    report_.section(QStringLiteral("What a key opens in a store of 104,500 articles: CPU of the "
+                                   "process and of the thread that shows it, 20 of each a run"),
+                    QStringLiteral("tidebrook"), QStringLiteral("allowed"));
+    QList<QByteArray> outputs(options_.runs);
+    for (QByteArray &output : outputs)
+        output = read(QStringLiteral("steps"));
+    for (const char *step : {"category", "channel", "article", "next-channel"}) {
+        reportStep(outputs, step, "process", answer);
+        reportStep(outputs, step, "thread", answer, std::nullopt);
     }
-    for (const Kind &kind : kinds) {
-        const QString text = QLatin1String(kind.text);
-        const Times &times = all[kind.name];
-        report_.row({text + u": median, ms", medianOf(times.medians) * milliseconds, frame, 2, 1});
-        report_.row({text + u": worst, ms", medianOf(times.worst) * milliseconds, frame, 2, 1});
+}
+
+void ScreenCases::measureOpenings() {
+    report_.section(QStringLiteral("A channel and an article opened and left 1,000 times"),
+                    QStringLiteral("at the end"), QStringLiteral("after 100"));
+    const QByteArray output = read(QStringLiteral("openings"));
+    const auto row = [&](const char *figure, double target) {
+        report_.row({QLatin1String(figure), figureOf(lineOf(output, "end"), figure),
+                     figureOf(lineOf(output, "warm"), figure), 0, target});
+    };
+    row("Rss/KiB", growthAllowed);
+    row("threads", 1);
+    row("descriptors", 1);
+}
+
+void ScreenCases::measureUpdates() {
+    report_.section(
+        QStringLiteral("Update All over 20 channels: wall time from keys and taps, which "
+                       "end the waits, or the wheel, to the picture"),
+        QStringLiteral("tidebrook"), QStringLiteral("allowed"));
+    qputenv("TIDEBROOK_PAUSES", "20"); // for the programs that are run
+    for (const char *way : {"taps", "wheel"}) {
+        const QByteArray output = read(QLatin1String(way));
+        reportStep({output}, way, "wall", answer);
+        reportStep({output}, way, "thread", answer, std::nullopt);
+        report_.note(QStringLiteral("  %1 of these events, one every 100 ms")
+                         .arg(figureOf(lineOf(output, way), "count")));
     }
+}
+
+QByteArray ScreenCases::read(const QString &what) const {
+    QByteArray output;
+    onCopy(readStore_, [&](const QString &home) {
+        BackgroundProcess service(Runner::pathOf(QStringLiteral("feedlarkd")),
+                                  {QStringLiteral("--foreground"), QStringLiteral("--home"), home},
+                                  QProcess::StandardError);
+        service.awaitLine("serves");
+        runner_.runWhole(QStringLiteral("bench_reading"), {home, what}, output);
+    });
+    return output;
+}
+
+void ScreenCases::reportStep(const QList<QByteArray> &outputs, const QByteArray &step,
+                             const QByteArray &figure, double allowed,
+                             std::optional<double> target) {
+    std::vector<double> medians;
+    double worst = 0;
+    for (const QByteArray &output : outputs) {
+        const QByteArray line = lineOf(output, step);
+        medians.push_back(figureOf(line, figure + "-median"));
+        worst = std::max(worst, figureOf(line, figure + "-worst"));
+    }
+    const QString text = QLatin1String(step + ", " + figure);
+    report_.row({text + u": median, ms", medianOf(medians) * milliseconds, allowed, 2, target});
+    report_.row({text + u": worst, ms", worst * milliseconds, allowed, 2, target});
 }
 
 } // namespace tidebrook

@@ -5,12 +5,19 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace tidebrook {
 
 struct Options;
 
-/// What the screens compute on the thread that shows them, step by step, beside what may pass
-/// between two pictures.
+// What the store holds that is read.
+inline constexpr int readCategories = 50;
+inline constexpr int channelsToRead = 19;  // in each of those
+inline constexpr int articlesToRead = 110; // in each channel
+inline constexpr int channelsToUpdate = 20;
+
+/// What the screens compute, step by step, how soon they answer, and how they hold out.
 class ScreenCases {
 public:
     ScreenCases(const Options &options, const QString &folder, const Runner &runner,
@@ -20,8 +27,20 @@ public:
     void run();
 
 private:
+    void measureCategories();
+    void measureSteps();
+    void measureOpenings();
+    void measureUpdates();
+
+    /// Has the user do this on a copy of the store, of which nothing was read or updated yet.
+    QByteArray read(const QString &what) const;
+    /// Of a kind of step: the median of the runs' medians, and the worst of all runs, in ms.
+    void reportStep(const QList<QByteArray> &outputs, const QByteArray &step,
+                    const QByteArray &figure, double allowed, std::optional<double> target = 1);
+
     const Options &options_;
     const QString folder_;
+    const QString readStore_;
     const Runner &runner_;
     Report &report_;
 };

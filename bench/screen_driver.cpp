@@ -1,21 +1,26 @@
 #include "bench/screen_driver.h"
 
+#include "bench/series.h"
 #include "ui/category_list_screen.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/list_view.h"
+#include "ui/kit/progress_line.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QImage>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPixmap>
 #include <QScreen>
-#include <QTimer>
 #include <QWheelEvent>
 
-#include <chrono>
+#include <pthread.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
+#include <thread>
 #include <utility>
 
 namespace tidebrook {
@@ -25,21 +30,32 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto patience = 60s;
-constexpr auto quiet = 20ms; // several times what a window puts its painting off
+constexpr auto quietOfSteps = 20ms; // several times what a window puts its painting off
 constexpr int wheelNotch = 120;
 
-// Of this thread, in seconds.
-double cpuTime() {
+double secondsOf(clockid_t clock) {
     timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+// The window as it stands on the screen, not as it would be painted now.
+QImage shown(const QWidget &window) {
+    const QPixmap picture = window.screen()->grabWindow(window.winId());
+    return picture.toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+ScreenDriver::Cost between(const ScreenDriver::Cost &begin, const ScreenDriver::Cost &end) {
+    return {end.wall - begin.wall, end.thread - begin.thread, end.process - begin.process};
 }
 
 } // namespace
 
 ScreenDriver::ScreenDriver(const QString &home, const QSize &screen) : device_(DeviceRoot(home)) {
     require(device_.open() == 0, QStringLiteral("the device opens"));
+    pthread_getcpuclockid(pthread_self(), &threadClock_);
     stack_.resize(screen);
+    stack_.show();
     state_ = std::make_unique<AppState>(device_, stack_);
     QCoreApplication::instance()->installEventFilter(this);
 }
@@ -50,107 +66,149 @@ ScreenDriver::~ScreenDriver() {
 }
 
 void ScreenDriver::run(const std::function<void()> &user) {
-    const auto work = [&] {
-        awaitPainted({QStringLiteral("the first list is painted"), [this] { stack_.show(); },
-                      [this] { return list().rowCount() > 0; }});
-        require(list().hasFocus(), QStringLiteral("the list has the focus"));
+    std::thread thread([&] {
+        rest(quietOfSteps);
         user();
-        stack_.close();
-    };
-    QMetaObject::invokeMethod(this, work, Qt::QueuedConnection);
+        mailbox_.post([this] { stack_.close(); });
+    });
     OpenCategoryList(*state_);
+    thread.join();
 }
 
-double ScreenDriver::measure(const Step &step) {
-    const QImage before = shown();
-    const double begin = cpuTime();
-    awaitPainted(step);
-    const double cpu = cpuTime() - begin;
-    QWidget &area = *list().viewport(); // beside which a scroll bar may have come
-    const QImage after = shown().copy(area.geometry());
-    require(after != before.copy(area.geometry()), step.name + u": another picture");
-    require(after == area.grab().toImage().convertToFormat(after.format()),
-            step.name + u": a picture of the rows");
-    return cpu;
+ScreenDriver::Cost ScreenDriver::now() const {
+    return {secondsOf(CLOCK_MONOTONIC), secondsOf(threadClock_),
+            secondsOf(CLOCK_PROCESS_CPUTIME_ID)};
 }
 
-void ScreenDriver::require(bool isSo, const QString &what) const {
+ScreenDriver::Cost ScreenDriver::answer(const Step &step) {
+    const Cost begin = now();
+    mailbox_.post([this, isThere = step.isThere] { isThere_ = isThere; });
+    step.begin();
+    require(isPainted_.try_acquire_for(patience), step.name);
+    return between(begin, painted_);
+}
+
+ScreenDriver::Cost ScreenDriver::measure(const Step &step) {
+    QImage before;
+    look([&] { before = shown(stack_); });
+    const Cost begin = now();
+    answer(step);
+    rest(quietOfSteps);
+    const Cost cost = between(begin, now());
+    look([&] {
+        const QImage after = shown(stack_);
+        require(after != before, step.name + u": another picture");
+        require(after == stack_.grab().toImage().convertToFormat(after.format()),
+                step.name + u": a picture of the screen");
+    });
+    return cost;
+}
+
+void ScreenDriver::rest(std::chrono::milliseconds quiet) {
+    int before = -1;
+    const auto isStill = [&] {
+        const bool isAtWork = stack_.top() == nullptr || stack_.progressLine().isAtWork();
+        return std::exchange(before, paints_) == paints_ && !isAtWork;
+    };
+    for (bool isOver = false; !isOver; look([&] { isOver = isStill(); }))
+        std::this_thread::sleep_for(quiet);
+}
+
+void ScreenDriver::look(const std::function<void()> &view) {
+    std::binary_semaphore isDone(0);
+    mailbox_.post([&] {
+        view();
+        isDone.release();
+    });
+    isDone.acquire();
+}
+
+void ScreenDriver::require(bool isSo, const QString &what) {
     if (isSo)
         return;
-    std::fprintf(stderr, "bench_screens: not so: %s\n", what.toLocal8Bit().constData());
+    std::fprintf(stderr, "bench: not so: %s\n", what.toLocal8Bit().constData());
     std::_Exit(1);
 }
 
-void ScreenDriver::awaitPainted(const Step &step) {
-    QEventLoop loop;
-    bool isPainted = false;
-    painted_ = [&] {
-        isPainted = isPainted || step.isThere();
-        if (isPainted)
-            loop.quit();
-    };
-    QTimer::singleShot(patience, &loop, [&] { require(false, step.name); });
-    step.begin();
-    if (!isPainted)
-        loop.exec();
-    painted_ = nullptr;
-    settle();
-}
-
-// Until nothing more is painted.
-void ScreenDriver::settle() {
-    int before = 0;
-    do {
-        before = paints_;
-        QEventLoop loop;
-        QTimer::singleShot(quiet, &loop, &QEventLoop::quit);
-        loop.exec();
-    } while (paints_ != before);
-}
-
+// It is on the screen once all is done that the event leads to that the painting is of.
 bool ScreenDriver::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::Paint) {
-        ++paints_;
-        if (painted_ && watched == list().viewport())
-            painted_();
+    if (event->type() != QEvent::Paint)
+        return false;
+    ++paints_;
+    const bool isIn = qobject_cast<QAbstractScrollArea *>(watched->parent()) != nullptr;
+    if ((isIn || watched->inherits("QMenu")) && isThere_ && isThere_()) {
+        isThere_ = nullptr;
+        mailbox_.post([this] {
+            painted_ = now();
+            isPainted_.release();
+        });
     }
     return false;
 }
 
-// The list as it stands on the screen, not as it would be painted now.
-QImage ScreenDriver::shown() const {
-    const QRect place(list().mapTo(&stack_, QPoint()), list().size());
-    return stack_.screen()
-        ->grabWindow(stack_.winId(), place.x(), place.y(), place.width(), place.height())
-        .toImage()
-        .convertToFormat(QImage::Format_RGB32);
-}
-
-ListView &ScreenDriver::list() const {
-    auto *list = stack_.top() != nullptr ? stack_.top()->findChild<ListView *>() : nullptr;
-    require(list != nullptr, QStringLiteral("there is a list"));
-    return *list;
-}
-
-void ScreenDriver::post(int command) {
-    auto *dialog = qobject_cast<Dialog *>(stack_.top());
-    require(dialog != nullptr, QStringLiteral("there is a screen for the command"));
-    dialog->post(command);
+ListView &ScreenDriver::list() {
+    ListView *seen = nullptr;
+    for (const QPointer<ListView> &list : state_->lists)
+        seen = list && list->isVisible() ? list.data() : seen;
+    require(seen != nullptr, QStringLiteral("there is a list"));
+    return *seen;
 }
 
 void ScreenDriver::press(int key) {
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(type, key, Qt::NoModifier);
-        QApplication::sendEvent(stack_.focusWidget(), &event);
+        mailbox_.post([this, type, key] {
+            QWidget *popup = QApplication::activePopupWidget();
+            QKeyEvent event(type, key, Qt::NoModifier);
+            QApplication::sendEvent(popup != nullptr ? popup : stack_.focusWidget(), &event);
+        });
     }
 }
 
-void ScreenDriver::turnWheel() {
-    QWidget *area = list().viewport();
-    const QPoint place = area->rect().center();
-    QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -wheelNotch), Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(area, &event);
+void ScreenDriver::tapRow(int row) {
+    mailbox_.post([this, row] {
+        QWidget *area = list().viewport();
+        const QPoint place = list().visualRect(list().model()->index(row, 0)).center();
+        for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            const bool isPress = type == QEvent::MouseButtonPress;
+            QMouseEvent event(type, place, area->mapToGlobal(place), Qt::LeftButton,
+                              isPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+            QApplication::sendEvent(area, &event);
+        }
+    });
+}
+
+void ScreenDriver::turnWheel(int direction) {
+    mailbox_.post([this, direction] {
+        QWidget *area = list().viewport();
+        const QPoint place = area->rect().center();
+        QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -wheelNotch * direction),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(area, &event);
+    });
+}
+
+void ScreenDriver::post(int command) {
+    mailbox_.post([this, command] {
+        auto *dialog = qobject_cast<Dialog *>(stack_.top());
+        require(dialog != nullptr, QStringLiteral("there is a screen for the command"));
+        dialog->post(command);
+    });
+}
+
+void printCosts(const char *name, const ScreenDriver::Costs &costs) {
+    using Cost = ScreenDriver::Cost;
+    std::printf("%s count=%zu", name, costs.size());
+    const auto print = [&costs](const char *figure, double Cost::*field) {
+        const auto isLess = [field](const Cost &a, const Cost &b) { return a.*field < b.*field; };
+        const auto worst = std::max_element(costs.begin(), costs.end(), isLess);
+        std::printf(" %s-median=%.6f %s-worst=%.6f", figure, medianOf(costs, field), figure,
+                    (*worst).*field);
+    };
+    print("wall", &Cost::wall);
+    print("thread", &Cost::thread);
+    print("process", &Cost::process);
+    std::printf("\n");
+    std::fflush(stdout);
 }
 
 } // namespace tidebrook

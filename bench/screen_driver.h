@@ -1,69 +1,97 @@
 #pragma once
 
 #include "app/base/app_state.h"
+#include "platform/mailbox.h"
 #include "ui/kit/screen_stack.h"
 
 #include <QObject>
 #include <QSize>
 #include <QString>
 
+#include <chrono>
+#include <ctime>
 #include <functional>
 #include <memory>
-
-class QImage;
+#include <semaphore>
+#include <vector>
 
 namespace tidebrook {
 
 class ListView;
 
-/// The reader's screens over a device, and a user who works with them on their own thread, which
-/// the CPU time is taken of. What does not happen as expected ends the program with the exit status
-/// 1 and a line that tells it: the time that it took would mean nothing.
+/// The reader's screens over a device, and a user on a thread of its own, who goes through them
+/// however deep the screens lie. What does not happen as expected ends the program with the exit
+/// status 1 and a line that tells it: the time that it took would mean nothing.
 class ScreenDriver : public QObject {
 public:
+    /// What a step costs, in seconds.
+    struct Cost {
+        double wall = 0;
+        double thread = 0;  ///< CPU of the thread that shows the screens
+        double process = 0; ///< CPU of all threads
+    };
+    using Costs = std::vector<Cost>;
+
     /// A step that the user makes: what begins it, and by what its end is told.
     struct Step {
         QString name;
-        std::function<void()> begin;
-        std::function<bool()> isThere; ///< asked whenever the list is being painted
+        std::function<void()> begin;   ///< on the user's thread; the functions that act are for it
+        std::function<bool()> isThere; ///< asked whenever a list, page or menu is being painted
     };
 
     ScreenDriver(const QString &home, const QSize &screen);
     ~ScreenDriver() override;
 
-    /// Opens the category list, has the user work once its rows are painted, and closes it.
+    /// Opens the category list, has the user work, and closes all that is open when he is done.
     void run(const std::function<void()> &user);
 
-    /// The CPU time in seconds from a step's beginning until all that it leads to is painted. The
-    /// picture of the rows has then changed, and shows them as they are.
-    double measure(const Step &step);
+    // For the user's thread.
+    /// From the step's sending until its end is on the screen; what else it leads to goes on.
+    Cost answer(const Step &step);
+    /// From the step's sending, at rest, until nothing is at work or painted any more. The screen
+    /// has then another picture, and shows the widgets as they are.
+    Cost measure(const Step &step);
+    /// Waits until nothing is at work, and nothing was painted for so long.
+    void rest(std::chrono::milliseconds quiet);
+    /// Does this on the screens' thread, and waits for it.
+    void look(const std::function<void()> &view);
 
-    /// Ends the program unless this is so.
-    void require(bool isSo, const QString &what) const;
-
-    AppState &state() { return *state_; }
-    /// The list of the screen on top.
-    ListView &list() const;
-
-    // What begins steps.
-    void post(int command);
+    // They do it on the screens' thread, and do not wait for that.
     void press(int key);
-    /// Turns the wheel over the list by one notch, downward.
-    void turnWheel();
+    void tapRow(int row);
+    /// By a notch: downward 1, upward -1.
+    void turnWheel(int direction);
+    void post(int command);
+
+    /// Ends the program unless this is so. For any thread.
+    static void require(bool isSo, const QString &what);
+
+    // For the screens' thread, and for the user's while the screens rest.
+    AppState &state() { return *state_; }
+    /// The list that is to be seen.
+    ListView &list();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void awaitPainted(const Step &step);
-    void settle();
-    QImage shown() const;
+    Cost now() const;
 
     DeviceParts device_;
     ScreenStack stack_;
     std::unique_ptr<AppState> state_;
-    std::function<void()> painted_; // what follows when the list is painted
-    int paints_ = 0;                // of anything
+    Mailbox mailbox_; // of the screens' thread
+    clockid_t threadClock_{};
+
+    // Of the screens' thread, but for what was painted by the time that it is told.
+    std::function<bool()> isThere_;
+    int paints_ = 0; // of anything
+    Cost painted_;   // when it was
+    std::binary_semaphore isPainted_{0};
 };
+
+/// Prints the line that the driver of the benchmarks reads: the name, how many there are, and the
+/// median and the worst of each figure.
+void printCosts(const char *name, const ScreenDriver::Costs &costs);
 
 } // namespace tidebrook

@@ -1,7 +1,6 @@
 // What the screens cost the thread that shows them.
 
 #include "bench/screen_driver.h"
-#include "bench/series.h"
 #include "res/commands.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/touch_style.h"
@@ -9,9 +8,7 @@
 #include <QApplication>
 #include <QScrollBar>
 
-#include <algorithm>
 #include <cstdio>
-#include <vector>
 
 namespace tidebrook {
 
@@ -20,15 +17,7 @@ namespace {
 constexpr QSize screen(480, 640);
 constexpr int refreshCount = 20;
 
-/// The CPU times of one kind of step, in seconds.
-using Times = std::vector<double>;
-
-/// Prints the line that the driver of the benchmarks reads.
-void print(const char *name, const Times &times) {
-    std::printf("%s median=%.6f worst=%.6f\n", name, medianOf(times),
-                *std::max_element(times.begin(), times.end()));
-    std::fflush(stdout);
-}
+using Times = ScreenDriver::Costs;
 
 QStringList rowTexts(const ListView &list) {
     QStringList texts;
@@ -49,7 +38,8 @@ Times fillCategories(ScreenDriver &driver, int count) {
     driver.require(names.size() == count, QStringLiteral("%1 categories").arg(count));
     Times times;
     for (int i = 0; i < refreshCount; ++i) {
-        driver.measure({QStringLiteral("an emptied list"), [&] { list.setRows({}); },
+        driver.measure({QStringLiteral("an emptied list"),
+                        [&] { driver.look([&] { list.setRows({}); }); },
                         [&] { return list.rowCount() == 0; }});
         times.push_back(driver.measure({QStringLiteral("a refreshed list"),
                                         [&] { driver.post(CommandRefreshCategories); },
@@ -68,7 +58,7 @@ Times scrollByWheel(ScreenDriver &driver) {
     while (bar.value() < bar.maximum()) {
         const int before = bar.value();
         times.push_back(
-            driver.measure({QStringLiteral("a turn of the wheel"), [&] { driver.turnWheel(); },
+            driver.measure({QStringLiteral("a turn of the wheel"), [&] { driver.turnWheel(1); },
                             [&] { return bar.value() > before; }}));
     }
     driver.require(showsRow(list, list.rowCount() - 1), QStringLiteral("the wheel at the end"));
@@ -93,9 +83,9 @@ Times scrollByPages(ScreenDriver &driver) {
 }
 
 void measureCategories(ScreenDriver &driver, int count) {
-    print("category-fill", fillCategories(driver, count));
-    print("category-wheel", scrollByWheel(driver));
-    print("category-page", scrollByPages(driver));
+    printCosts("refreshed", fillCategories(driver, count));
+    printCosts("wheel", scrollByWheel(driver));
+    printCosts("PageDown", scrollByPages(driver));
 }
 
 } // namespace
