@@ -159,6 +159,8 @@ void measureUpdate(ScreenDriver &driver, bool isByWheel) {
     int counted = 0;
     UpdateJobs &updates = driver.state().updates;
     QObject::connect(&updates, &UpdateJobs::channelCounted, &updates, [&] { ++counted; });
+    QObject::connect(&updates, &UpdateJobs::failed, &updates,
+                     [] { ScreenDriver::require(false, QStringLiteral("the update succeeds")); });
     select(driver, driver.list().rowCount() - 1);
     driver.measure(channels(driver, Qt::Key_Return, channelsToUpdate));
     const QList<Step> steps =
