@@ -187,11 +187,15 @@ bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts
 }
 
 bool FeedStore::PublishTotalUnread() {
-    const auto guard = lock();
     qint64 sum = 0;
-    return query(QStringLiteral("SELECT NUM_OF_UNREAD FROM RSSCHRecord"),
-                 [&](SqlCommand &command) { return SumUnread(command, sum); }) &&
-           settings_.setDword(todayItemKey_, u"UnreadItems", static_cast<quint32>(sum));
+    {
+        const auto guard = lock();
+        if (!query(QStringLiteral("SELECT NUM_OF_UNREAD FROM RSSCHRecord"),
+                   [&](SqlCommand &command) { return SumUnread(command, sum); }))
+            return false;
+    }
+    // Nobody is kept from the database while the registry is waited for.
+    return settings_.setDword(todayItemKey_, u"UnreadItems", static_cast<quint32>(sum));
 }
 
 bool FeedStore::MoveCategory(const QString &from, const QString &to) {
