@@ -117,6 +117,8 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const ListRow row = list().row(index.row());
     const bool isChannel = row.image == ChannelImage;
     const RowColours colours = coloursOf(option, list().hasFocus());
+    painter->save();
+    painter->setClipRect(option.rect); // letters can be higher than their font says
     painter->fillRect(option.rect, colours.fill);
     painter->setPen(option.palette.color(QPalette::Button));
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
@@ -144,6 +146,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
         QStyle::alignedRect(option.direction, Qt::AlignRight | Qt::AlignBottom, detailSize, place);
     painter->fillRect(corner, colours.background);
     painter->drawText(corner, Qt::AlignTrailing | Qt::AlignBottom | Qt::TextSingleLine, row.detail);
+    painter->restore();
 }
 
 } // namespace tidebrook

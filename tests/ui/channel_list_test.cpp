@@ -77,6 +77,8 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
         for (const Hand &act : {press(Qt::Key_Return), choose(u"Update"_s), press(Qt::Key_F5),
                                 choose(u"Delete Channel"_s), Hand(&User::tapBelowRows)}) {
             act(user);
+            ASSERT_TRUE(user.seesBox(u"No channel selected!"_s));
+            user.press(Qt::Key_Tab); // leads nowhere else
             expectBox(user, u"No channel selected!"_s);
         }
     });
@@ -106,6 +108,7 @@ TEST_F(ChannelListTest, ARefreshTakesNoTapAwayNorABoxThatLiesOverAnOpenDropDownL
             });
         };
         user.press(Qt::Key_F4);
+        ASSERT_TRUE(user.seesChoices());
         user.act([this] { ShowMessage(session->state(), warningString, nameExistsString); });
         ASSERT_TRUE(user.seesBox(u"The name is exist!"_s));
         user.tap(u"OK"_s);

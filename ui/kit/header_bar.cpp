@@ -98,15 +98,17 @@ void HeaderBar::setChoices(const QStringList &names, int current) {
     choices_->selectRow(current);
 }
 
+bool HeaderBar::isBesideChoices(const QObject *watched) const {
+    const auto *target = qobject_cast<const QWidget *>(watched);
+    return target != nullptr && parentWidget()->isAncestorOf(target) && target != captionKey_ &&
+           target != choices_ && !choices_->isAncestorOf(target);
+}
+
 bool HeaderBar::eventFilter(QObject *watched, QEvent *event) {
+    if (!isBesideChoices(watched))
+        return false;
     const bool isPress = event->type() == QEvent::MouseButtonPress;
     if (!isPress && event->type() != QEvent::MouseButtonRelease)
-        return false;
-    const auto *target = qobject_cast<QWidget *>(watched);
-    const bool isBeside = target != nullptr && parentWidget()->isAncestorOf(target) &&
-                          target != captionKey_ && target != choices_ &&
-                          !choices_->isAncestorOf(target);
-    if (!isBeside)
         return false;
     if (!isPress)
         Q_EMIT chosen(CommandHideChoices);

@@ -51,6 +51,7 @@ protected:
 private:
     void prepareKey(QToolButton &key, const QString &name, int command);
     void takeChoice(int row);
+    bool isBesideChoices(const QObject *watched) const;
     void arrange();
     QRect captionPlace() const;
     QRect mirrored(const QRect &place) const;

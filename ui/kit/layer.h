@@ -33,6 +33,10 @@ public:
     /// How much of its upper end is a header; the progress line lies under that.
     virtual int headerUnits() const { return 0; }
 
+protected:
+    /// The focus goes round in the layer: what lies below it is out of reach.
+    bool focusNextPrevChild(bool next) override;
+
 private:
     friend class ScreenStack;
 
