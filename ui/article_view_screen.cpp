@@ -52,7 +52,7 @@ int rowOfTitle(FeedStore &store, const QString &channel, const QString &title, S
 struct ArticleViewScreen::Building {
     QString channel;
     QString title;
-    SortMode mode;
+    SortMode mode = SortMode::Date;
     bool isRowWanted = false;
     std::optional<QString> page; ///< nothing when it could not be read
     int row = -1;                ///< of the article in its list

@@ -107,44 +107,45 @@ void SteppedListScreen::refresh() {
         list_->setRows({});
         shown_.reset();
     }
-    if (name.isNull())
-        return;
-    struct Filling {
-        Rows rows;
-        bool isStopped = false;
-    };
-    auto filling = std::make_shared<Filling>();
-    state_.fills.launch(dialog_, {.collect =
-                                      [filling, collect = collector()](FillStop &stop) {
-                                          filling->rows = collect(stop);
-                                          filling->isStopped = stop.isRequested();
-                                      },
-                                  .show =
-                                      [this, filling, name] {
-                                          const bool isWhole = !filling->isStopped;
-                                          const bool isRead = filling->rows.has_value();
-                                          show(name, std::move(filling->rows));
-                                          if (!isWhole)
-                                              refreshSoon(); // for the rest
-                                          else if (isRead)
-                                              filled();
-                                      },
-                                  .again = [this] { refreshSoon(); }});
+    if (!name.isNull())
+        fill(name);
 }
 
-void SteppedListScreen::show(const QString &name, Rows rows) {
-    if (!rows) {
-        list_->setRows({});
-        shown_.reset();
-        ShowError(state_, databaseProblemString);
-        return;
-    }
+void SteppedListScreen::fill(const QString &name) {
+    auto filling = std::make_shared<Filling>();
+    const auto collect = [filling, read = collector()](FillStop &stop) {
+        filling->rows = read(stop);
+        filling->isStopped = stop.isRequested();
+    };
+    const auto show = [this, filling, name] { showFilling(name, *filling); };
+    state_.fills.launch(dialog_, {collect, show, [this] { refreshSoon(); }});
+}
+
+void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
+    const bool isRead = filling.rows.has_value();
+    if (isRead)
+        showRows(name, std::move(*filling.rows));
+    else
+        showUnread();
+    if (filling.isStopped)
+        refreshSoon(); // for the rest
+    else if (isRead)
+        filled();
+}
+
+void SteppedListScreen::showUnread() {
+    list_->setRows({});
+    shown_.reset();
+    ShowError(state_, databaseProblemString);
+}
+
+void SteppedListScreen::showRows(const QString &name, QList<ListRow> rows) {
     const bool isSame = shown_ == name;
     shown_ = name;
     if (isSame && kind_.keepsPlace) {
-        replaceRows(std::move(*rows));
+        replaceRows(std::move(rows));
     } else {
-        list_->setRows(std::move(*rows));
+        list_->setRows(std::move(rows));
         selectPlace(std::exchange(place_, std::nullopt).value_or(Place{0, {}}));
     }
     sized();

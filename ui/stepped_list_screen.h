@@ -86,9 +86,18 @@ private:
     /// The list shows all that the job has read.
     virtual void filled() {}
 
+    /// What a job has read.
+    struct Filling {
+        Rows rows;
+        bool isStopped = false; ///< and so may lack the end
+    };
+
     HeaderBar &header() const;
     void refresh();
-    void show(const QString &name, Rows rows);
+    void fill(const QString &name);
+    void showFilling(const QString &name, Filling &filling);
+    void showUnread();
+    void showRows(const QString &name, QList<ListRow> rows);
     void replaceRows(QList<ListRow> rows);
     void selectPlace(const Place &place);
     void stepByCommand(int index);
