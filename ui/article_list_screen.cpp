@@ -10,6 +10,8 @@
 #include "ui/row_painter.h"
 #include "ui/update_commands.h"
 
+#include <utility>
+
 namespace tidebrook {
 
 namespace {
@@ -82,8 +84,8 @@ bool ArticleListScreen::initialise(Dialog &dialog) {
 }
 
 void ArticleListScreen::begin(std::optional<quint32> storedMode) {
-    isModeKnown_ = storedMode.has_value();
-    if (storedMode)
+    // The user may have been faster.
+    if (storedMode && !std::exchange(isModeKnown_, true))
         state().sortMode = modeOf(*storedMode);
     if (state().todayTitle.isEmpty())
         refreshSoon();
