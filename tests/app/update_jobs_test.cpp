@@ -108,7 +108,7 @@ protected:
             QTest::mouseEvent(kind == 'm' ? QTest::MousePress : QTest::MouseDClick, &widget_,
                               Qt::LeftButton, {}, {1, 1});
         else if (kind == 't')
-            QTest::touchEvent(&widget_, finger_).press(0, {1, 1}, &widget_);
+            QTest::touchEvent(&widget_, finger_.get()).press(0, {1, 1}, &widget_);
         else if (kind == 'r') { // what is no input
             QTest::keyRelease(&widget_, Qt::Key_A);
             QTest::mouseRelease(&widget_, Qt::LeftButton);
@@ -126,7 +126,7 @@ protected:
 
     TestDevice device_;
     DeviceParts parts_{device_.root};
-    QPointingDevice *finger_ = QTest::createTouchDevice();
+    const std::unique_ptr<QPointingDevice> finger_{QTest::createTouchDevice()};
     QWidget widget_;
     QString seen_;
     UpdateJobs jobs_{parts_};
