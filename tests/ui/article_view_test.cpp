@@ -1,4 +1,5 @@
 #include "platform/named_event.h"
+#include "ui/article_page.h"
 #include "ui/kit/layer.h"
 #include "ui/kit/text_page.h"
 #include "ui/reading_test.h"
@@ -11,6 +12,26 @@ namespace tidebrook {
 namespace {
 
 using ArticleViewTest = ReadingTest;
+
+TEST(ArticlePage, HasWhatTheFeedSentAndNothingOfWhatItDidNot) {
+    const struct {
+        ArticleDetail detail;
+        QString body;
+    } pages[]{
+        {{u"2026-01-02"_s, u"<b>x</b> &amp; 'y'"_s, u"http://a/?b=1&c"_s}, u"<b>x</b> &amp; 'y'"_s},
+        {{QString(), u"DEFAULT"_s, QString()}, u" "_s},
+        {{QString(), QString(), u"DEFAULT"_s}, QString()}};
+    for (const auto &[detail, body] : pages) {
+        const QString page = articlePage(u"A & B"_s, u"<i>T</i>"_s, detail);
+        const QString link = u"<a href=\""_s + detail.itemLink + u"\">";
+        EXPECT_TRUE(page.contains(u"<font color=#005091>A & B</font>"_s)) << "in its own colour";
+        EXPECT_TRUE(page.contains(link + u"<i>T</i></a>"));
+        EXPECT_TRUE(page.contains(u"<font color=gray>"_s + detail.publicationDate + u"</font>"));
+        EXPECT_TRUE(page.endsWith(u"/><p>"_s + body + u"</p><br><p>" + link +
+                                  u"more</a></p></body></html>"))
+            << page.toStdString();
+    }
+}
 
 TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
     run([&](User &user) {
