@@ -118,7 +118,7 @@ protected:
     /// Waits for an update's end, and has the user act as the downloader's script says.
     void awaitEnd(const Downloader *downloader = nullptr) {
         const auto isOver = [&] {
-            act(downloader != nullptr && jobs_.isUpdating() ? downloader->last() : 0);
+            act(downloader != nullptr && jobs_.isUpdating() ? downloader->last() : '\0');
             return !jobs_.isUpdating();
         };
         ASSERT_TRUE(QTest::qWaitFor(isOver, patience));

@@ -24,14 +24,14 @@ TEST_F(ArticleListTest, IsOrderedAsChosenAndKeepsTheOrder) {
     const QString unreadOnly = u"Show Unread Only"_s;
     const struct {
         quint32 before;
+        quint32 after;
         QStringList chosen;
         QStringList lines;
-        quint32 after;
-    } rounds[]{{7, {}, byDate, 0}, // no order has this number
-               {0, {unreadOnly}, unread, 2},
-               {2, {unreadOnly}, byStatus, 1},
-               {1, {u"Sort by"_s, u"Date"_s}, byDate, 0},
-               {2, {u"Sort by"_s, u"Status"_s}, byStatus, 1}};
+    } rounds[]{{7, 0, {}, byDate}, // no order has this number
+               {0, 2, {unreadOnly}, unread},
+               {2, 1, {unreadOnly}, byStatus},
+               {1, 0, {u"Sort by"_s, u"Date"_s}, byDate},
+               {2, 1, {u"Sort by"_s, u"Status"_s}, byStatus}};
     for (const auto &round : rounds) {
         SettingsStore(*device.registry).setDword(programKey, u"SortMode", round.before);
         run([&](User &user) {
