@@ -5,8 +5,6 @@
 #include "platform/spare_memory.h"
 #include "platform/wait_any.h"
 
-
-
 #include <algorithm>
 #include <system_error>
 
