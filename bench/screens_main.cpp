@@ -19,13 +19,6 @@ constexpr int refreshCount = 20;
 
 using Times = ScreenDriver::Costs;
 
-QStringList rowTexts(const ListView &list) {
-    QStringList texts;
-    for (int row = 0; row < list.rowCount(); ++row)
-        texts.append(list.rowText(row));
-    return texts;
-}
-
 /// Whether all of a row can be seen.
 bool showsRow(const ListView &list, int row) {
     return list.viewport()->rect().contains(list.visualRect(list.model()->index(row, 0)));
@@ -44,7 +37,7 @@ Times fillCategories(ScreenDriver &driver, int count) {
         times.push_back(driver.measure({QStringLiteral("a refreshed list"),
                                         [&] { driver.post(CommandRefreshCategories); },
                                         [&] { return list.rowCount() == count; }}));
-        driver.require(rowTexts(list) == names, QStringLiteral("the categories in the list"));
+        driver.require(list.rowTexts() == names, QStringLiteral("the categories in the list"));
     }
     return times;
 }

@@ -15,12 +15,12 @@ const QString opener = QStringLiteral("xdg-open");
 void leaveMessageAlone(QUrl &url) {
     static const QStringList harmless{QStringLiteral("subject"), QStringLiteral("body"),
                                       QStringLiteral("cc"), QStringLiteral("bcc")};
-    QUrlQuery query(url);
-    for (const auto &[name, value] : query.queryItems()) {
-        if (!harmless.contains(name.toLower()))
-            query.removeAllQueryItems(name);
+    QUrlQuery kept;
+    for (const auto &[name, value] : QUrlQuery(url).queryItems(QUrl::FullyEncoded)) {
+        if (harmless.contains(name.toLower()))
+            kept.addQueryItem(name, value);
     }
-    url.setQuery(query);
+    url.setQuery(kept);
 }
 
 } // namespace

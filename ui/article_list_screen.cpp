@@ -26,6 +26,12 @@ SortMode modeOf(quint32 stored) {
                        : SortMode::Date;
 }
 
+ListRow rowOf(const ArticleRow &article) {
+    return {.text = article.titleText(),
+            .detail = article.publicationDateText(),
+            .image = article.isRead() ? ReadImage : UnreadImage};
+}
+
 std::optional<QList<ListRow>> collectArticles(FeedStore &store, const QString &channel,
                                               SortMode mode, FillStop &stop) {
     QList<ArticleRow> articles;
@@ -35,16 +41,7 @@ std::optional<QList<ListRow>> collectArticles(FeedStore &store, const QString &c
             return std::nullopt;
         articles = store.takeArticleRows();
     }
-    QList<ListRow> rows;
-    rows.reserve(articles.size());
-    for (const ArticleRow &article : articles) {
-        if (stop.isRequested())
-            break;
-        rows.append({.text = article.titleText(),
-                     .detail = article.publicationDateText(),
-                     .image = article.isRead() ? ReadImage : UnreadImage});
-    }
-    return rows;
+    return makeRows(articles, stop, &rowOf);
 }
 
 } // namespace

@@ -15,7 +15,6 @@
 #include "ui/kit/menu_bar.h"
 #include "ui/kit/text_page.h"
 
-#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -28,10 +27,7 @@ constexpr int pageId = 1029;
 constexpr int linkLimit = 512;
 constexpr int zoomOfSmall = 2;
 
-int zoomOf(int fontSize) {
-    const auto *found = std::find(fontSizes.begin(), fontSizes.end(), fontSize);
-    return zoomOfSmall + static_cast<int>(found - fontSizes.begin());
-}
+int zoomOf(const AppState &state) { return zoomOfSmall + fontSizeIndex(state); }
 
 int rowOfTitle(FeedStore &store, const QString &channel, const QString &title, SortMode mode) {
     const auto guard = store.lock();
@@ -79,7 +75,7 @@ bool ArticleViewScreen::initialise(Dialog &dialog) {
     QObject::connect(page_, &TextPage::linkTapped, &dialog,
                      [this](const QString &target) { openTarget(target); });
     QObject::connect(page_, &TextPage::left, &dialog, [this] { buildPage(); });
-    page_->setZoom(zoomOf(state_.fontSize));
+    page_->setZoom(zoomOf(state_));
     // What saves and sends is not there yet.
     for (const int pending :
          {CommandSaveLink, CommandSaveArticle, CommandSendByMail, CommandSendBySms})
@@ -139,7 +135,7 @@ void ArticleViewScreen::command(int id) {
     if (id == CommandBackToArticles)
         close();
     else if (chooseFontSize(state_, id))
-        page_->setZoom(zoomOf(state_.fontSize));
+        page_->setZoom(zoomOf(state_));
 }
 
 void ArticleViewScreen::openTarget(const QString &target) {

@@ -146,14 +146,6 @@ void CategoryListScreen::showCategories(const QStringList &names) {
         dialog_->post(CommandOpenChannels);
 }
 
-// As they stand in the list: what was added, renamed or deleted since they were read counts.
-QStringList CategoryListScreen::listedCategories() const {
-    QStringList names;
-    for (int row = 0; row < list_->rowCount(); ++row)
-        names.append(list_->rowText(row));
-    return names;
-}
-
 void CategoryListScreen::setColumnWidth() {
     list_->setColumnWidth(listColumnWidth(state_.stack.size(), list_->rowCount(), *list_));
 }
@@ -307,7 +299,8 @@ void CategoryListScreen::openCategory(int row) {
 }
 
 void CategoryListScreen::openChannels() {
-    state_.categories = listedCategories();
+    // What was added, renamed or deleted since they were read counts.
+    state_.categories = list_->rowTexts();
     ChannelListScreen screen(state_);
     if (RunDialog(ChannelListScreen::templateId, state_.stack, screen) == 1)
         dialog_->post(CommandRefreshCategories);

@@ -30,7 +30,6 @@ private:
     void refresh();
     void showUnread(bool isTold);
     void showCategories(const QStringList &names);
-    QStringList listedCategories() const;
     void setColumnWidth();
     bool warnWithoutSelection();
 

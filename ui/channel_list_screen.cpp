@@ -27,6 +27,12 @@ bool listChannels(FeedStore &store, const QString &category) {
 
 QString countsText(int unread, int total) { return QStringLiteral("%1/%2").arg(unread).arg(total); }
 
+ListRow rowOf(const ChannelRow &channel) {
+    return {.text = channel.nameText(),
+            .detail = countsText(channel.unread, channel.total),
+            .image = ChannelImage};
+}
+
 std::optional<QList<ListRow>> collectChannels(FeedStore &store, const QString &category,
                                               FillStop &stop) {
     QList<ChannelRow> channels;
@@ -36,16 +42,7 @@ std::optional<QList<ListRow>> collectChannels(FeedStore &store, const QString &c
             return std::nullopt;
         channels = store.takeChannelRows();
     }
-    QList<ListRow> rows;
-    rows.reserve(channels.size());
-    for (const ChannelRow &channel : channels) {
-        if (stop.isRequested())
-            break;
-        rows.append({.text = channel.nameText(),
-                     .detail = countsText(channel.unread, channel.total),
-                     .image = ChannelImage});
-    }
-    return rows;
+    return makeRows(channels, stop, &rowOf);
 }
 
 } // namespace
@@ -106,18 +103,11 @@ SteppedListScreen::Collector ChannelListScreen::collector() const {
     };
 }
 
-QStringList ChannelListScreen::listedChannels() const {
-    QStringList names;
-    for (int row = 0; row < list().rowCount(); ++row)
-        names.append(list().rowText(row));
-    return names;
-}
-
 // The headline that led here is to be found in one of the channels, which are known now.
 void ChannelListScreen::filled() {
     if (state().todayChannel.isEmpty())
         return;
-    const int tapped = findName(listedChannels(), state().todayChannel, channelNameCapacity);
+    const int tapped = findName(list().rowTexts(), state().todayChannel, channelNameCapacity);
     if (tapped < 0) {
         forgetTodayTap(state()); // it has gone since
         return;
@@ -134,7 +124,7 @@ void ChannelListScreen::open(int row) {
 }
 
 void ChannelListScreen::openArticles() {
-    state().channels = listedChannels();
+    state().channels = list().rowTexts();
     ArticleListScreen screen(state());
     if (RunDialog(ArticleListScreen::templateId, state().stack, screen) == 1)
         refreshSoon();

@@ -21,7 +21,6 @@ private:
     void openTapped() override;
     void filled() override;
 
-    QStringList listedChannels() const;
     void updateChannel();
     void deleteChannel();
     void openArticles();

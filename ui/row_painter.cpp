@@ -20,9 +20,8 @@ constexpr int gap = 4;
 constexpr int hanging = 2;
 
 struct RowColours {
-    QColor fill;
-    QColor text;
     QColor background;
+    QColor text;
 };
 
 // The platform's: window with button text; highlight; button face with the text of an inactive
@@ -30,14 +29,12 @@ struct RowColours {
 // there is the theme's own.
 RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
     const QPalette &palette = option.palette;
-    const QColor window = palette.color(QPalette::Base);
-    const QColor highlight = palette.color(QPalette::Highlight);
-    const QColor button = palette.color(QPalette::Button);
     if (!option.state.testFlag(QStyle::State_Selected))
-        return {window, palette.color(QPalette::ButtonText), window};
+        return {palette.color(QPalette::Base), palette.color(QPalette::ButtonText)};
     if (listHasFocus)
-        return {highlight, palette.color(QPalette::HighlightedText), highlight};
-    return {button, palette.color(QPalette::Inactive, QPalette::ButtonText), button};
+        return {palette.color(QPalette::Highlight), palette.color(QPalette::HighlightedText)};
+    return {palette.color(QPalette::Button),
+            palette.color(QPalette::Inactive, QPalette::ButtonText)};
 }
 
 QFont bold(QFont font) {
@@ -119,7 +116,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const RowColours colours = coloursOf(option, list().hasFocus());
     painter->save();
     painter->setClipRect(option.rect); // letters can be higher than their font says
-    painter->fillRect(option.rect, colours.fill);
+    painter->fillRect(option.rect, colours.background);
     painter->setPen(option.palette.color(QPalette::Button));
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
     const QRect iconPlace(option.rect.topLeft() + QPoint(iconMargin, 0), list().imageSize());

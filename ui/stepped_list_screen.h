@@ -116,6 +116,20 @@ private:
     std::optional<TodayTap> tap_; // a headline that is still to be led to
 };
 
+/// The rows of what a job has read, as far as it comes before it is stopped.
+template <class Item>
+QList<ListRow> makeRows(const QList<Item> &items, FillStop &stop,
+                        ListRow (*makeRow)(const Item &)) {
+    QList<ListRow> rows;
+    rows.reserve(items.size());
+    for (const Item &item : items) {
+        if (stop.isRequested())
+            break;
+        rows.append(makeRow(item));
+    }
+    return rows;
+}
+
 /// The name that is this one, as far as its capacity goes; -1 without one, and for an empty one.
 int findName(const QStringList &names, const QString &name, qsizetype capacity);
 

@@ -62,9 +62,10 @@ void readFontSize(AppState &state, QObject *receiver) {
         });
 }
 
+int fontSizeIndex(const AppState &state) { return indexOfSize(state.fontSize); }
+
 void checkFontSize(const AppState &state, ScreenMenu &menu) {
-    menu.radioCheck(CommandFontSmall, CommandFontBig,
-                    CommandFontSmall + indexOfSize(state.fontSize));
+    menu.radioCheck(CommandFontSmall, CommandFontBig, CommandFontSmall + fontSizeIndex(state));
 }
 
 } // namespace tidebrook

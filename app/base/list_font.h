@@ -16,6 +16,9 @@ bool chooseFontSize(AppState &state, int command);
 /// Reads the stored size and sets it on every list, soon. A size that no menu has counts as Small.
 void readFontSize(AppState &state, QObject *receiver);
 
+/// Which of `fontSizes` is the present one.
+int fontSizeIndex(const AppState &state);
+
 /// Checks the present size in a menu.
 void checkFontSize(const AppState &state, ScreenMenu &menu);
 

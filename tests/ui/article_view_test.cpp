@@ -67,6 +67,7 @@ TEST_F(ArticleViewTest, ATappedLinkIsOpenedAsOneArgumentOrRefused) {
     const QStringList good{base + u"plain?a=1&b=2#c"_s,
                            u"https://example.org/"_s,
                            u"mailto:someone@example.org"_s,
+                           u"mailto:a@example.org?subject=a%26b&attach=/etc/passwd"_s,
                            u"ftp://example.org/f"_s,
                            base + QString(512 - base.size(), u'l'),
                            base + u"a b'c\";$(touch x)`touch x`"_s};
@@ -102,12 +103,19 @@ TEST_F(ArticleViewTest, ATappedLinkIsOpenedAsOneArgumentOrRefused) {
                 expectBox(user, u"The URL format is wrong!"_s);
                 continue;
             }
-            expected += "1 " + QUrl(links[i]).toEncoded() + '\n';
+            expected += "1 " + QUrl(links[i]).toEncoded().replace("&attach=/etc/passwd", "") + '\n';
             EXPECT_TRUE(user.sees([&] {
                 QFile file(opened);
                 return file.open(QIODevice::ReadOnly) && file.readAll() == expected;
             }));
         }
+    });
+    QFile::remove(folder + u"/xdg-open");
+    qputenv("PATH", folder.toLocal8Bit());
+    run([&](User &user) {
+        go(user, 3, 0);
+        user.tapLink(u"(0)"_s);
+        expectBox(user, u"Encountering Unidentified Problem"_s);
     });
     qputenv("PATH", path);
     EXPECT_FALSE(QFile::exists(u"x"_s));

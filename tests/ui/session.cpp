@@ -242,10 +242,7 @@ ListView *User::list() const {
 
 QStringList User::rows() {
     QStringList names;
-    look([&] {
-        for (int i = 0; list() != nullptr && i < list()->rowCount(); ++i)
-            names.append(list()->rowText(i));
-    });
+    look([&] { names = list() != nullptr ? list()->rowTexts() : QStringList(); });
     return names;
 }
 

@@ -56,6 +56,13 @@ void ListView::setColumnWidth(int pixels) {
 
 int ListView::rowHeight() const { return std::max(unitRowHeight_, fontMetrics().height() + 2); }
 
+QStringList ListView::rowTexts() const {
+    QStringList texts;
+    for (const ListRow &row : rows_.rows())
+        texts.append(row.text);
+    return texts;
+}
+
 int ListView::findRow(const QString &text) const {
     const QList<ListRow> &rows = rows_.rows();
     const auto found = std::find_if(rows.begin(), rows.end(),

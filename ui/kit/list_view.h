@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QPointer>
+#include <QStringList>
 
 namespace tidebrook {
 
@@ -35,6 +36,8 @@ public:
     int rowCount() const { return rows_.rowCount(); }
     ListRow row(int row) const { return rows_.rows().value(row); }
     QString rowText(int row) const { return rows_.rows().value(row).text; }
+    /// The labels, row by row.
+    QStringList rowTexts() const;
     /// The first row with exactly this label, or -1.
     int findRow(const QString &text) const;
 
