@@ -163,6 +163,7 @@ private:
     bool CountReadFlags(SqlCommand &command, ReadFlagCounts &counts);
     bool readRows(SqlCommand &command, const std::function<bool(const SqlRowset &)> &takeRow);
 
+    template <class Row> QList<Row> takeRows();
     void beginList(quint32 rowWidth);
     bool putRow(const void *row);
     SqlCommand newCommand();

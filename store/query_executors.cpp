@@ -171,22 +171,20 @@ bool FeedStore::NextRow(void *out, int index) {
     return true;
 }
 
-QList<ChannelRow> FeedStore::takeChannelRows() {
+// A row of zeros is one like any other here: a channel without a name and articles has one.
+template <class Row> QList<Row> FeedStore::takeRows() {
     const auto guard = lock();
-    QList<ChannelRow> rows;
-    ChannelRow row{};
-    while (rowWidth_ == sizeof row && NextRow(&row))
+    QList<Row> rows;
+    Row row{};
+    for (; rowWidth_ == sizeof row && rowCursor_ < rowsFilled_; ++rowCursor_) {
+        std::memcpy(&row, rows_.data() + rowCursor_ * rowWidth_, sizeof row);
         rows.append(row);
+    }
     return rows;
 }
 
-QList<ArticleRow> FeedStore::takeArticleRows() {
-    const auto guard = lock();
-    QList<ArticleRow> rows;
-    ArticleRow row{};
-    while (rowWidth_ == sizeof row && NextRow(&row))
-        rows.append(row);
-    return rows;
-}
+QList<ChannelRow> FeedStore::takeChannelRows() { return takeRows<ChannelRow>(); }
+
+QList<ArticleRow> FeedStore::takeArticleRows() { return takeRows<ArticleRow>(); }
 
 } // namespace tidebrook

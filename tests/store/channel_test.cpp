@@ -122,6 +122,15 @@ TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
     EXPECT_EQ(device_.channelNames(u"Moved"_s), QStringList());
 }
 
+TEST_F(ChannelTest, AChannelWithoutANameHidesNoOther) {
+    device_.addChannel(u"A"_s, u"first"_s);
+    device_.addChannel(u"A"_s, u"second"_s);
+    ASSERT_TRUE(store().RenameChannel(u"first"_s, u""_s));
+    EXPECT_EQ(device_.channelNames(u"A"_s), (QStringList{u""_s, u"second"_s}));
+    EXPECT_TRUE(store().RenameChannel(u""_s, u"third"_s));
+    EXPECT_EQ(device_.channelNames(u"A"_s), (QStringList{u"second"_s, u"third"_s}));
+}
+
 TEST_F(ChannelTest, RowsAreWalkedByCursorOrByIndex) {
     for (const QString &name : {u"a"_s, u"b"_s})
         device_.addChannel(u"C"_s, name);
