@@ -94,7 +94,7 @@ bool FeedFetcher::download(const QString &url) {
 }
 
 bool FeedFetcher::downloadToTempFile(const QString &url, QTemporaryFile &file) {
-    if (!httpDownloadDirect(url, file, limits_) || !file.flush())
+    if (httpDownloadDirect(url, file, limits_) != HttpProgress::Complete || !file.flush())
         return false;
     const QByteArray made = QFile::encodeName(file.fileName());
     return std::rename(made.constData(),

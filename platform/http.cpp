@@ -32,15 +32,15 @@ HttpAnswer httpGet(const HttpRequest &request, const HttpLimits &limits) {
     return get.takeAnswer(code);
 }
 
-bool httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits) {
+HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits) {
     const CurlUrl parsed = parseUrl(url);
     if (!parsed)
-        return false;
+        return HttpProgress::NotOpened;
     const QByteArray host = partOf(parsed, CURLUPART_HOST);
     const QByteArray target = directTarget(parsed);
     if (host.isEmpty() || host.size() > directHostLimit ||
         QString::fromUtf8(target).size() > directPathLimit)
-        return false;
+        return HttpProgress::NotOpened;
 
     HttpTransfer transfer(
         [&sink](const char *data, qint64 size) { return sink.write(data, size) == size; },
@@ -55,8 +55,9 @@ bool httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &l
     transfer.setHeaders(
         headerList({"Content-Type: text/xml", "Accept: text/xml", "Pragma: no-cache"}));
     transfer.set(CURLOPT_USERAGENT, "Feedlark");
+    transfer.set(CURLOPT_ACCEPT_ENCODING, "");
     transfer.setTimeLimits(limits, limits.direct);
-    return transfer.perform(limits.stop) == CURLE_OK;
+    return progressOf(transfer.perform(limits.stop), transfer);
 }
 
 } // namespace tidebrook

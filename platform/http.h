@@ -38,7 +38,7 @@ struct HttpRequest {
 enum class HttpProgress {
     NotOpened,  ///< the address is none that can be requested: malformed, or not http or https
     NotSent,    ///< the server could not be reached, or sent on for ever or to another scheme
-    Incomplete, ///< the answer did not come whole: cut off, too slow, too large or stopped
+    Incomplete, ///< the answer did not come whole: cut off, too slow, too large, stopped or refused
     Complete,   ///< the answer is here, whatever its status
 };
 
@@ -59,9 +59,9 @@ struct HttpAnswer {
 HttpAnswer httpGet(const HttpRequest &request, const HttpLimits &limits = {});
 
 /// A synchronous plain download past any proxy: always http on port 80, whatever scheme and port
-/// the address has. The body goes into `sink` byte for byte as it comes. Where the environment's
-/// TIDEBROOK_HTTP_PORT is set, that port stands for port 80. False when the download did not come
-/// whole or `sink` took no more; what `sink` holds then is not to be used. Thread-safe.
-bool httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits = {});
+/// the address has. The body goes into `sink` byte for byte as it comes, unpacked where the server
+/// has packed it. Where the environment's TIDEBROOK_HTTP_PORT is set, that port stands for port 80.
+/// A download is Incomplete also when `sink` takes no more, which ends it. Thread-safe.
+HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits = {});
 
 } // namespace tidebrook

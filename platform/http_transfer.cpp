@@ -17,29 +17,6 @@ bool isCurlReady() {
     return isReady;
 }
 
-HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
-    switch (code) {
-    case CURLE_OK:
-        return HttpProgress::Complete;
-    case CURLE_URL_MALFORMAT:
-        return HttpProgress::NotOpened;
-    case CURLE_OPERATION_TIMEDOUT:
-        return transfer.number(CURLINFO_CONNECT_TIME_T) > 0 ? HttpProgress::Incomplete
-                                                            : HttpProgress::NotSent;
-    case CURLE_ABORTED_BY_CALLBACK:
-        return HttpProgress::Incomplete;
-    // These may come behind a redirect, which is an answer, but not the one that was asked for.
-    case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY:
-    case CURLE_COULDNT_CONNECT:
-    case CURLE_TOO_MANY_REDIRECTS:
-    case CURLE_UNSUPPORTED_PROTOCOL:
-        return HttpProgress::NotSent;
-    default:
-        return transfer.status() != 0 ? HttpProgress::Incomplete : HttpProgress::NotSent;
-    }
-}
-
 QByteArray charsetOf(const QByteArray &contentType) {
     const QList<QByteArray> parts = contentType.split(';');
     for (const QByteArray &part : parts) {
@@ -175,6 +152,29 @@ size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
     const bool isTaken =
         transfer->bodyLeft_ >= 0 && transfer->sink_(data, static_cast<qint64>(size));
     return isTaken ? size : 0;
+}
+
+HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
+    switch (code) {
+    case CURLE_OK:
+        return HttpProgress::Complete;
+    case CURLE_URL_MALFORMAT:
+        return HttpProgress::NotOpened;
+    case CURLE_OPERATION_TIMEDOUT:
+        return transfer.number(CURLINFO_CONNECT_TIME_T) > 0 ? HttpProgress::Incomplete
+                                                            : HttpProgress::NotSent;
+    case CURLE_ABORTED_BY_CALLBACK:
+        return HttpProgress::Incomplete;
+    // These may come behind a redirect, which is an answer, but not the one that was asked for.
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_TOO_MANY_REDIRECTS:
+    case CURLE_UNSUPPORTED_PROTOCOL:
+        return HttpProgress::NotSent;
+    default:
+        return transfer.status() != 0 ? HttpProgress::Incomplete : HttpProgress::NotSent;
+    }
 }
 
 HttpGet::HttpGet(const HttpRequest &request, const HttpLimits &limits)

@@ -76,6 +76,9 @@ private:
     qint64 bodyLeft_;
 };
 
+/// How far a transfer got that has ended so.
+HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer);
+
 /// A GET with the settings of the system's request object.
 class HttpGet {
 public:

@@ -1,5 +1,7 @@
 #include "platform/shell.h"
 
+#include "platform/text.h"
+
 #include <QProcess>
 #include <QStringList>
 #include <QUrl>
@@ -23,6 +25,13 @@ void leaveMessageAlone(QUrl &url) {
     url.setQuery(kept);
 }
 
+QString encoded(const QString &text) { return QString::fromLatin1(QUrl::toPercentEncoding(text)); }
+
+QString withLineEnds(QString text, QLatin1String lineEnd) {
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
+    return text.replace(u'\n', lineEnd);
+}
+
 } // namespace
 
 bool isOpenable(const QString &link) {
@@ -43,6 +52,17 @@ bool openLink(const QString &link) {
     if (url.scheme() == QLatin1String("mailto") && url.hasQuery())
         leaveMessageAlone(url);
     return QProcess::startDetached(opener, {QString::fromLatin1(url.toEncoded())});
+}
+
+bool composeMail(const QString &subject, const QString &body) {
+    const QString address = u"mailto:?subject=" + encoded(withoutControls(subject)) + u"&body=" +
+                            encoded(withLineEnds(body, QLatin1String("\r\n")));
+    return QProcess::startDetached(opener, {address});
+}
+
+bool composeSms(const QString &text) {
+    const QString address = u"sms:?body=" + encoded(withLineEnds(text, QLatin1String("\n")));
+    return QProcess::startDetached(opener, {address});
 }
 
 } // namespace tidebrook

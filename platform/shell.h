@@ -14,4 +14,9 @@ bool isOpenable(const QString &link);
 /// and its texts. May wait for a moment.
 bool openLink(const QString &link);
 
+/// Has the desktop open its composer with a message to nobody yet. The text's line breaks are kept,
+/// the subject's are not. False when there is nobody to open it. May wait for a moment.
+bool composeMail(const QString &subject, const QString &body);
+bool composeSms(const QString &text);
+
 } // namespace tidebrook

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 #include <QStringView>
 
@@ -8,6 +9,9 @@ namespace tidebrook {
 /// The first `capacity` UTF-16 units of a text. A cut never leaves half of a surrogate pair: it
 /// then falls one unit shorter.
 QStringView cutText(QStringView text, qsizetype capacity);
+
+/// The first `capacity` bytes of a text in UTF-8, or fewer, so that no character is cut in two.
+QByteArrayView cutUtf8(QByteArrayView text, qsizetype capacity);
 
 /// The text without the blanks (U+0020) and terminators (U+0000) at its end. The first character
 /// is never taken, so a text of blanks alone keeps one.

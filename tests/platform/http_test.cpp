@@ -78,7 +78,8 @@ TEST_F(HttpTest, TheDirectDownloadIgnoresSchemeAndPortAndDecodesThePath) {
     server_.clearRequests();
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(httpDownloadDirect(u"https://localhost:8443/a%20feed?x=%41%26b"_s, buffer));
+    EXPECT_EQ(httpDownloadDirect(u"https://localhost:8443/a%20feed?x=%41%26b"_s, buffer),
+              HttpProgress::Complete);
     EXPECT_EQ(buffer.data(), "direct");
     const QList<FeedServer::Request> requests = server_.requests();
     ASSERT_EQ(requests.size(), 1);
@@ -93,16 +94,31 @@ TEST_F(HttpTest, ADirectDownloadThatIsCutOffOrDoesNotFitFails) {
     qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
     server_.resetHalfWay(u"/reset"_s, QByteArray(5000, 'x'));
     server_.endless(u"/endless"_s);
-    server_.serve(u"/feed"_s, "body");
-    for (const QString &url : {u"http://localhost/reset"_s, u"http://localhost/endless"_s,
-                               QString(u"http://" + QString(100, u'h') + u"/feed"),
-                               QString(u"http://localhost/" + QString(510, u'p'))}) {
-        QBuffer buffer;
+    server_.redirect(u"/refused"_s, "http://127.0.0.1:1/");
+    server_.serveGzip(u"/bomb"_s, QByteArray(10'000'000, ' '));
+    server_.serveGzip(u"/feed"_s, "body");
+    const std::tuple<QString, HttpProgress> cases[] = {
+        {u"http://localhost/reset"_s, HttpProgress::Incomplete},
+        {u"http://localhost/endless"_s, HttpProgress::Incomplete},
+        {u"http://localhost/bomb"_s, HttpProgress::Incomplete},
+        {u"http://localhost/refused"_s, HttpProgress::NotSent},
+        {u""_s, HttpProgress::NotOpened},
+        {QString(u"http://" + QString(100, u'h') + u"/feed"), HttpProgress::NotOpened},
+        {QString(u"http://localhost/" + QString(510, u'p')), HttpProgress::NotOpened},
+        {u"http://localhost/feed"_s, HttpProgress::Complete},
+    };
+    QBuffer buffer;
+    for (const auto &[url, progress] : cases) {
+        buffer.setData({});
         buffer.open(QIODevice::WriteOnly);
-        EXPECT_FALSE(httpDownloadDirect(url, buffer, smallLimits)) << url.toUtf8().constData();
+        EXPECT_EQ(httpDownloadDirect(url, buffer, smallLimits), progress)
+            << url.toUtf8().constData();
+        buffer.close();
     }
-    QBuffer closed;
-    EXPECT_FALSE(httpDownloadDirect(u"http://localhost/feed"_s, closed, smallLimits));
+    EXPECT_EQ(buffer.data(), "body");
+    EXPECT_EQ(httpDownloadDirect(u"http://localhost/feed"_s, buffer, smallLimits),
+              HttpProgress::Incomplete)
+        << "a closed sink takes nothing";
     qunsetenv("TIDEBROOK_HTTP_PORT");
 }
 
