@@ -116,12 +116,7 @@ bool dropAutomatic(Device &device, const QString &name) {
 }
 
 int renameAutomatic(Device &device, const QString &old, const QString &name) {
-    if (!isAutoUpdated(device.root, old))
-        return ExitDone;
-    const int added = addAutomatic(device, name);
-    if (added != ExitDone)
-        return added;
-    return dropAutomatic(device, old) ? ExitDone : fail(listFailure);
+    return renameAutoUpdated(device.root, old, name) ? ExitDone : fail(listFailure);
 }
 
 int runRequest(Device &device, const Arguments &arguments) {

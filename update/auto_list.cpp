@@ -67,13 +67,22 @@ QString withLine(const QString &text, const RefreshJob &job) {
     return text + (isWhole ? u"" : u"\n") + channelLine(job);
 }
 
+bool hasName(const Entry &entry, const QString &channelName) {
+    return entry.channel && comparable(entry.channel->channelName) == comparable(channelName);
+}
+
 QString withoutName(const QString &text, const QString &channelName) {
     QString kept;
     for (const Entry &entry : readEntries(text)) {
-        if (!entry.channel || comparable(entry.channel->channelName) != comparable(channelName))
+        if (!hasName(entry, channelName))
             kept += entry.text + u'\n';
     }
     return kept;
+}
+
+// A line that would not be read as these three texts again would spoil those behind it.
+bool canBeLine(const RefreshJob &job) {
+    return parseChannelLine(QStringView(channelLine(job)).chopped(1)).has_value();
 }
 
 } // namespace
@@ -83,16 +92,14 @@ bool isAutoUpdated(const DeviceRoot &device, const QString &channelName) {
     if (!QFileInfo::exists(path))
         QFile(path).open(QIODevice::WriteOnly | QIODevice::Append); // which makes it
     const QList<Entry> entries = readEntries(readList(path).value_or(QString()));
-    return std::any_of(entries.begin(), entries.end(), [&](const Entry &entry) {
-        return entry.channel && comparable(entry.channel->channelName) == comparable(channelName);
-    });
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const Entry &entry) { return hasName(entry, channelName); });
 }
 
 bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add) {
     if (job.url.isNull() || job.channelName.isNull() || job.category.isNull())
         return true;
-    // A line that would not be read as these three texts again would spoil those behind it.
-    if (add && !parseChannelLine(QStringView(channelLine(job)).chopped(1)))
+    if (add && !canBeLine(job))
         return false;
     const FileLock lock(device.filePath(listLock));
     const QString path = device.filePath(listFile);
@@ -103,6 +110,30 @@ bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add) {
         return false;
     const QString changed = add ? withLine(*text, job) : withoutName(*text, job.channelName);
     return replaceFile(path, encodeChannelFile(changed));
+}
+
+bool renameAutoUpdated(const DeviceRoot &device, const QString &old, const QString &name) {
+    const FileLock lock(device.filePath(listLock));
+    const QString path = device.filePath(listFile);
+    if (!QFileInfo::exists(path))
+        return true;
+    const std::optional<QString> text = readList(path);
+    if (!lock.isHeld() || !text)
+        return false;
+    QString changed;
+    bool isListed = false;
+    for (const Entry &entry : readEntries(*text)) {
+        if (!hasName(entry, old)) {
+            changed += entry.text + u'\n';
+            continue;
+        }
+        isListed = true;
+        const RefreshJob job{entry.channel->url, name, entry.channel->category};
+        if (!canBeLine(job))
+            return false;
+        changed += channelLine(job);
+    }
+    return !isListed || replaceFile(path, encodeChannelFile(changed));
 }
 
 QList<RefreshJob> autoUpdatedChannels(const DeviceRoot &device) {

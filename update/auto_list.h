@@ -19,6 +19,11 @@ bool isAutoUpdated(const DeviceRoot &device, const QString &channelName);
 /// written, or the channel cannot be a line of it (an empty text, a tab, a line feed).
 bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add);
 
+/// Gives the line of a channel that was renamed its new name; the rest of it and its place in the
+/// list stay. True also when the channel is not on the list. The list is replaced as
+/// `setAutoUpdate` does, with the same failures.
+bool renameAutoUpdated(const DeviceRoot &device, const QString &old, const QString &name);
+
 /// The channels of the list in its order, for whoever updates them: each name once, its texts cut
 /// to their capacities. A line that is not a name, an address and a category is left out.
 QList<RefreshJob> autoUpdatedChannels(const DeviceRoot &device);

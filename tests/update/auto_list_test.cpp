@@ -106,6 +106,21 @@ TEST_F(AutoListTest, AddingBehindAnUnendedLineSpoilsNeither) {
     EXPECT_EQ(content(), utf16(u"a\tu\tC\nb\thttp://x/b\tC\n"_s));
 }
 
+TEST_F(AutoListTest, ARenamedChannelKeepsItsPlaceAndTheRestOfItsLine) {
+    EXPECT_TRUE(renameAutoUpdated(device_.root, u"b"_s, u"new"_s)) << "there is no list yet";
+    ASSERT_TRUE(writeFile(path_, utf16(u"a\tu\tC\nb\tv\tD\nnote\nbc\tw\tE\n"_s)));
+    EXPECT_TRUE(renameAutoUpdated(device_.root, u"b"_s, u"It's new"_s));
+    const QByteArray renamed = utf16(u"a\tu\tC\nIt's new\tv\tD\nnote\nbc\tw\tE\n"_s);
+    EXPECT_EQ(content(), renamed);
+    EXPECT_TRUE(renameAutoUpdated(device_.root, u"b"_s, u"c"_s)) << "it is not on the list";
+    EXPECT_FALSE(renameAutoUpdated(device_.root, u"a"_s, u"t\tab"_s));
+    {
+        const FullDisk disk;
+        EXPECT_FALSE(renameAutoUpdated(device_.root, u"a"_s, u"c"_s));
+    }
+    EXPECT_EQ(content(), renamed);
+}
+
 TEST_F(AutoListTest, AFullDiskIsToldAndLeavesTheListAsItWas) {
     isAutoUpdated(device_.root, u""_s);
     set(u"a"_s, true);
