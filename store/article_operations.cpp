@@ -35,13 +35,27 @@ bool FeedStore::GetArticleDetail(const QString &channel, const QString &title,
     const QString name = escapedChannelName(channel);
     const QString titleText = escapedTitle(title);
     // Read before the change is begun: an article can be read while another process writes.
-    const bool isRead =
-        query(QStringLiteral("SELECT PUBDATE, DESCRIPTION, ITEM_LINK FROM RSSRecord WHERE "
-                             "CHANNEL_NAME = '%1' and TITLE = '%2'")
-                  .arg(name, titleText),
-              [&](SqlCommand &command) { return ReadArticleDetail(command, detail); });
+    bool isFound = false;
+    const bool isRead = selectArticle(name, titleText, detail, isFound);
     return changeAndReopen(
         [&] { return isRead && MarkArticleRead(name, titleText) && RecountChannel(name); });
+}
+
+bool FeedStore::GetArticleExtract(const QString &channel, const QString &title,
+                                  ArticleExtract &extract) {
+    const auto guard = lock();
+    extract = {};
+    bool isFound = false;
+    return selectArticle(escapedChannelName(channel), escapedTitle(title), extract, isFound) &&
+           isFound;
+}
+
+bool FeedStore::selectArticle(const QString &escapedChannel, const QString &escapedTitle,
+                              ArticleDetail &detail, bool &isFound) {
+    return query(QStringLiteral("SELECT PUBDATE, DESCRIPTION, ITEM_LINK FROM RSSRecord WHERE "
+                                "CHANNEL_NAME = '%1' and TITLE = '%2'")
+                     .arg(escapedChannel, escapedTitle),
+                 [&](SqlCommand &command) { return ReadArticleDetail(command, detail, isFound); });
 }
 
 bool FeedStore::MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle) {

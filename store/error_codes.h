@@ -7,9 +7,10 @@ namespace tidebrook {
 /// Why something failed, as the registry's "ERRORNO", the store's error field and the messages
 /// number it. 0 is no failure.
 enum ErrorCode : quint32 {
-    DatabaseFailed = 1001,  ///< opening, reading or writing it; also: an item cannot be stored
-    FeedNotXml = 1002,      ///< not even when it was downloaded again
-    FeedNotRss = 1003,      ///< XML, but of another kind; or nothing at all
+    DatabaseFailed = 1001, ///< opening, reading or writing it; also: an item cannot be stored
+    FeedNotXml = 1002, ///< not even when it was downloaded again; also: a list that cannot be read
+    FeedNotRss = 1003, ///< XML, but of another kind; or nothing at all; also: no list of channels
+    FileNotWritten = 1004,  ///< one that was downloaded, or saved for the user
     SeedFileMissing = 1006, ///< while the database was to be created
     FeedNotSent = 1007,     ///< no server was reached
     FeedNotComplete = 1008, ///< the answer did not come whole

@@ -32,6 +32,9 @@ struct ArticleDetail {
     QString itemLink;
 };
 
+/// The same, as it is saved and sent.
+using ArticleExtract = ArticleDetail;
+
 struct ReadFlagCounts {
     int unread = 0;
     int total = 0;
@@ -127,6 +130,8 @@ public:
     /// Reads an article and marks it read. `detail` is empty when there is no such article. It is
     /// filled also when only the marking failed.
     bool GetArticleDetail(const QString &channel, const QString &title, ArticleDetail &detail);
+    /// Reads an article and leaves it as it is. False when there is no such article.
+    bool GetArticleExtract(const QString &channel, const QString &title, ArticleExtract &extract);
     bool MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle);
     bool MarkChannelRead(const QString &channel);
     bool MarkChannelUnread(const QString &channel);
@@ -156,7 +161,9 @@ private:
     bool ExecuteNonQuery(SqlCommand &command);
     bool ReadChannelRows(SqlCommand &command);
     bool ReadArticleRows(SqlCommand &command);
-    bool ReadArticleDetail(SqlCommand &command, ArticleDetail &detail);
+    bool ReadArticleDetail(SqlCommand &command, ArticleDetail &detail, bool &isFound);
+    bool selectArticle(const QString &escapedChannel, const QString &escapedTitle,
+                       ArticleDetail &detail, bool &isFound);
     bool ReadChannelLink(SqlCommand &command, QString &link);
     bool CountRows(SqlCommand &command, int &count);
     bool SumUnread(SqlCommand &command, qint64 &sum);

@@ -115,8 +115,10 @@ bool FeedStore::ReadArticleRows(SqlCommand &command) {
     });
 }
 
-bool FeedStore::ReadArticleDetail(SqlCommand &command, ArticleDetail &detail) {
-    return readRows(command, [&detail](const SqlRowset &rows) {
+bool FeedStore::ReadArticleDetail(SqlCommand &command, ArticleDetail &detail, bool &isFound) {
+    isFound = false;
+    return readRows(command, [&](const SqlRowset &rows) {
+        isFound = true;
         detail = {columnText(rows, 0), columnText(rows, 1), columnText(rows, 2)};
         return false;
     });
