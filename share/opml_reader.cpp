@@ -1,0 +1,161 @@
+#include "share/opml_reader.h"
+
+#include "platform/replace_file.h"
+#include "platform/stop_signal.h"
+#include "platform/text.h"
+#include "store/error_codes.h"
+#include "store/settings_store.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstring>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr QStringView downloadFile = u"\\Temp\\TmpOpml.opml";
+constexpr qsizetype entriesSize = 262'144; // bytes
+constexpr qint32 entryCapacity = 223;
+static_assert((entryCapacity + 1) * sizeof(OpmlEntry) <= entriesSize, "the last is a hole");
+
+qsizetype placeOf(qint32 index) { return index * qsizetype{sizeof(OpmlEntry)}; }
+
+XmlNode childOf(const XmlNode &parent, std::string_view name) {
+    XmlNode child = parent.firstChild();
+    while (!child.isNull() && child.name() != name)
+        child = child.nextSibling();
+    return child;
+}
+
+QString eitherAttribute(const XmlNode &node, std::string_view first, std::string_view second) {
+    const QString value = node.attribute(first);
+    return value.isNull() ? node.attribute(second) : value;
+}
+
+template <std::size_t size> void copyText(const QString &text, char16_t (&out)[size]) {
+    const QStringView kept = TrimTrailingBlanks(cutText(text, size - 1));
+    std::copy_n(kept.utf16(), kept.size(), out);
+}
+
+} // namespace
+
+OpmlReader::OpmlReader(const DeviceRoot &device, Registry &registry, const HttpLimits &limits)
+    : device_(device), registry_(registry), limits_(limits) {}
+
+bool OpmlReader::open(AddMode mode, const QString &source) {
+    close();
+    capacity_ = entryCapacity;
+    error_ = 0;
+    std::optional<QByteArray> document;
+    if (mode == AddMode::ListFromUrl)
+        document = download(source);
+    else if (mode == AddMode::ListFromFile && !source.isEmpty())
+        document = readFile(source);
+    if (document && parse(*document))
+        return true;
+    close();
+    return false;
+}
+
+bool OpmlReader::fail(quint32 code) {
+    error_ = code;
+    SetLastErrorCode(registry_, code);
+    return false;
+}
+
+// The file has one fixed place, and two lists may be downloaded at once: each is read from what
+// came, and put in place when it is whole.
+std::optional<QByteArray> OpmlReader::download(const QString &url) {
+    QBuffer body;
+    body.open(QIODevice::WriteOnly);
+    const HttpProgress progress = httpDownloadDirect(url, body, limits_);
+    if (progress == HttpProgress::Complete) {
+        if (replaceFile(device_.filePath(downloadFile), body.data()))
+            return body.data();
+        fail(FileNotWritten);
+    } else if (!limits_.stop || !limits_.stop->isRaised()) {
+        fail(progress == HttpProgress::NotOpened ? FeedNotSent : FeedNotDownloaded);
+    }
+    return std::nullopt;
+}
+
+// Reading a pipe or a device could wait for ever.
+std::optional<QByteArray> OpmlReader::readFile(const QString &path) {
+    QFile file(path);
+    if (QFileInfo(path).isFile() && file.size() <= limits_.bodyBytes &&
+        file.open(QIODevice::ReadOnly)) {
+        QByteArray bytes = file.read(limits_.bodyBytes);
+        if (file.error() == QFile::NoError)
+            return bytes;
+    }
+    fail(FeedNotXml);
+    return std::nullopt;
+}
+
+bool OpmlReader::parse(const QByteArray &bytes) {
+    const std::optional<XmlDocument> document = XmlDocument::parse(bytes);
+    if (!document)
+        return fail(FeedNotXml);
+    const XmlNode body =
+        document->root().name() == "opml" ? childOf(document->root(), "body") : XmlNode();
+    if (body.isNull())
+        return fail(FeedNotRss);
+    entries_ = QByteArray(entriesSize, '\0');
+    return walk(body) || fail(FeedNotRss);
+}
+
+// As deep as a document can nest, which is not deep enough to exhaust a stack.
+bool OpmlReader::walk(const XmlNode &parent) {
+    for (XmlNode child = parent.firstChild(); !child.isNull() && count_ < capacity_;
+         child = child.nextSibling()) {
+        if (!(child.childCount() > 0 ? walk(child) : takeLeaf(child)))
+            return false;
+    }
+    return true;
+}
+
+bool OpmlReader::takeLeaf(const XmlNode &leaf) {
+    const QString url = eitherAttribute(leaf, "xmlUrl", "url");
+    if (url.isNull())
+        return true;
+    const QString type = leaf.attribute("type");
+    if (type.isNull())
+        return false;
+    if (type == u"rss" || type == u"link") {
+        const QString name = eitherAttribute(leaf, "text", "title");
+        if (name.isNull())
+            return false;
+        putEntry(name, url);
+    }
+    ++count_;
+    return true;
+}
+
+void OpmlReader::putEntry(const QString &name, const QString &url) {
+    OpmlEntry entry{};
+    copyText(name, entry.name);
+    copyText(url, entry.url);
+    std::memcpy(entries_.data() + placeOf(count_), &entry, sizeof entry);
+}
+
+bool OpmlReader::readEntry(int index, OpmlEntry *out) {
+    const qint32 wanted = index == -1 ? cursor_ : index;
+    if (entries_.isEmpty() || !out || wanted < 0 || wanted > count_)
+        return false;
+    std::memcpy(out, entries_.constData() + placeOf(wanted), sizeof *out);
+    if (index == -1)
+        ++cursor_;
+    return true;
+}
+
+void OpmlReader::close() {
+    entries_.clear();
+    count_ = 0;
+    cursor_ = 0;
+}
+
+} // namespace tidebrook
