@@ -16,8 +16,10 @@ std::optional<SortMode> sortMode(const QString &order) {
     return std::nullopt;
 }
 
-// The title as it is stored, for one that was copied from the list, where tabs and line ends are
-// blanks.
+QString shown(const QString &text) { return text.startsWith(missingText) ? QString() : text; }
+
+} // namespace
+
 QString listedTitle(Device &device, const QString &channel, const QString &title) {
     const auto guard = device.store.lock();
     if (!device.store.ListArticles(channel, SortMode::Date))
@@ -32,10 +34,6 @@ QString listedTitle(Device &device, const QString &channel, const QString &title
     }
     return found;
 }
-
-QString shown(const QString &text) { return text.startsWith(missingText) ? QString() : text; }
-
-} // namespace
 
 int runArticles(Device &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];

@@ -22,10 +22,12 @@ QString categoryName(const QString &text) {
 } // namespace
 
 // Not every operation that fails leaves a code.
-int failStore(const Device &device) {
+QString storeFailure(const Device &device) {
     const quint32 code = device.store.error();
-    return fail(messageWithCode(code != 0 ? code : quint32{DatabaseFailed}));
+    return messageWithCode(code != 0 ? code : quint32{DatabaseFailed});
 }
+
+int failStore(const Device &device) { return fail(storeFailure(device)); }
 
 int runInit(const DeviceRoot &root) {
     if (!provisionDevice(root, defaultChannelsFile(), todayItemKey()))

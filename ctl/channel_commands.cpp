@@ -9,12 +9,6 @@ namespace tidebrook {
 
 namespace {
 
-// What is left of a name when it is stored and listed.
-QString channelName(const QString &text) {
-    const QString name = withoutDropped(printable(text)).trimmed();
-    return cutText(name, channelNameCapacity).toString().trimmed();
-}
-
 bool isStorableLink(const QString &link) {
     return link.size() <= linkCapacity && !link.contains(u'\'') &&
            std::none_of(link.begin(), link.end(),
@@ -22,6 +16,28 @@ bool isStorableLink(const QString &link) {
 }
 
 } // namespace
+
+// What is left of a name when it is stored and listed.
+QString storableName(const QString &text) {
+    const QString name = withoutDropped(printable(text)).trimmed();
+    return cutText(name, channelNameCapacity).toString().trimmed();
+}
+
+QString refusalOf(const QString &storableName, const QString &link) {
+    if (storableName.isEmpty())
+        return QStringLiteral("a channel needs a name");
+    return isStorableLink(link) ? QString() : resourceString(wrongUrlString);
+}
+
+QString subscribe(Device &device, const ChannelRecord &channel, QString *reason) {
+    QString storedName;
+    if (device.store.InsertChannel(channel, &storedName))
+        return storedName;
+    QString other;
+    device.store.FindCategory(channel.channelName, other);
+    *reason = other.isNull() ? storeFailure(device) : resourceString(nameExistsString);
+    return {};
+}
 
 int runChannels(Device &device, const Arguments &arguments) {
     const QString category = arguments.operands.value(0);
@@ -38,28 +54,24 @@ int runChannels(Device &device, const Arguments &arguments) {
 
 int runAdd(Device &device, const Arguments &arguments) {
     const QString category = arguments.operands[0].trimmed();
-    const QString name = channelName(arguments.operands[1]);
+    const QString name = storableName(arguments.operands[1]);
     const QString link = arguments.operands[2].trimmed();
-    if (name.isEmpty())
-        return fail(QStringLiteral("a channel needs a name"));
-    if (!isStorableLink(link))
-        return fail(resourceString(wrongUrlString));
+    QString reason = refusalOf(name, link);
+    if (!reason.isNull())
+        return fail(reason);
     const QString listed = ensureCategory(device, category);
     if (listed.isEmpty())
         return ExitFailed;
-    QString storedName;
-    if (device.store.InsertChannel({listed, name, link}, &storedName)) {
-        printLine(storedName);
-        return ExitDone;
-    }
-    QString other;
-    device.store.FindCategory(name, other);
-    return other.isNull() ? failStore(device) : fail(resourceString(nameExistsString));
+    const QString storedName = subscribe(device, {listed, name, link}, &reason);
+    if (storedName.isNull())
+        return fail(reason);
+    printLine(storedName);
+    return ExitDone;
 }
 
 int runRename(Device &device, const Arguments &arguments) {
     const QString old = arguments.operands[0];
-    const QString name = channelName(arguments.operands[1]);
+    const QString name = storableName(arguments.operands[1]);
     if (!device.hasChannel(old))
         return ExitFailed;
     if (name.isEmpty())

@@ -24,6 +24,9 @@ int runDelete(Device &device, const Arguments &arguments);
 int runArticles(Device &device, const Arguments &arguments);
 int runShow(Device &device, const Arguments &arguments);
 int runMark(Device &device, const Arguments &arguments);
+int runSave(Device &device, const Arguments &arguments);
+int runImport(Device &device, const Arguments &arguments);
+int runExport(Device &device, const Arguments &arguments);
 int runUpdate(Device &device, const Arguments &arguments);
 int runRequest(Device &device, const Arguments &arguments);
 int runAuto(Device &device, const Arguments &arguments);
@@ -36,6 +39,18 @@ int runCheck(Device &device, const Arguments &arguments);
 /// when it cannot be made.
 QString ensureCategory(Device &device, const QString &name);
 
+/// A channel's name and address as they are stored.
+QString storableName(const QString &text);
+/// Why a channel cannot be stored under this name or with this address; null when it can.
+QString refusalOf(const QString &storableName, const QString &link);
+/// Adds a channel that can be stored to a listed category. The name under which it was stored;
+/// null, with the reason, when it was not.
+QString subscribe(Device &device, const ChannelRecord &channel, QString *reason);
+
+/// The title of an article as it is stored, for one that was copied from the list, where tabs and
+/// line ends are blanks.
+QString listedTitle(Device &device, const QString &channel, const QString &title);
+
 /// What refreshes a channel, which must be in that category. Nothing, with the failure told, when
 /// there is none such.
 std::optional<RefreshJob> jobOf(Device &device, const QString &category, const QString &channel);
@@ -45,6 +60,8 @@ bool dropAutomatic(Device &device, const QString &name);
 /// Has the automatic updates go on with a channel that was renamed; the exit code.
 int renameAutomatic(Device &device, const QString &old, const QString &name);
 
+/// That the database failed, in words.
+QString storeFailure(const Device &device);
 /// Tells that the database failed.
 int failStore(const Device &device);
 

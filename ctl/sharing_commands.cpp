@@ -1,0 +1,88 @@
+#include "ctl/commands.h"
+#include "ctl/output.h"
+#include "share/article_sharing.h"
+#include "share/opml_reader.h"
+#include "share/opml_writer.h"
+#include "store/error_codes.h"
+
+namespace tidebrook {
+
+namespace {
+
+bool isAddress(const QString &operand) {
+    return operand.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+           operand.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
+}
+
+int failWriting(const QString &path) {
+    return fail(QStringLiteral("%1: the file cannot be written").arg(path));
+}
+
+// Tells what has become of a channel of a list.
+bool importChannel(Device &device, const QString &category, const OpmlEntry &entry) {
+    const QString name = storableName(entry.nameText());
+    QString reason = refusalOf(name, entry.urlText());
+    const QString stored =
+        reason.isNull() ? subscribe(device, {category, name, entry.urlText()}, &reason) : QString();
+    if (stored.isNull())
+        fail(entry.nameText() + u": " + reason);
+    else
+        printLine(stored);
+    return !stored.isNull();
+}
+
+} // namespace
+
+int runImport(Device &device, const Arguments &arguments) {
+    const QString source = arguments.operands[0];
+    if (source.isEmpty())
+        return fail(QStringLiteral("a list needs a file or an address"));
+    OpmlReader reader(device.root, device.registry);
+    const AddMode mode = isAddress(source) ? AddMode::ListFromUrl : AddMode::ListFromFile;
+    if (!reader.open(mode, source))
+        return fail(QStringLiteral("%1: %2").arg(source, messageWithCode(reader.error())));
+    // Only now: nobody is to wait for a server that this waits for.
+    const FileLock channelsLock(device.channelsLockPath());
+    const QString category = ensureCategory(device, arguments.operands[1].trimmed());
+    if (category.isEmpty())
+        return ExitFailed;
+    bool isWhole = true;
+    OpmlEntry entry{};
+    for (int pass = reader.entryCount(); pass > 0; --pass) {
+        if (reader.readEntry(-1, &entry) && entry.name[0] != 0)
+            isWhole = importChannel(device, category, entry) && isWhole;
+    }
+    return isWhole ? ExitDone : ExitFailed;
+}
+
+int runExport(Device &device, const Arguments &arguments) {
+    const QString category = arguments.operands.first();
+    const QString channel = arguments.operands.size() == 3 ? arguments.operands[1] : QString();
+    const QString path = arguments.operands.last();
+    if (!device.hasCategory(category) || (!channel.isNull() && !jobOf(device, category, channel)))
+        return ExitFailed;
+    if (exportOpml(device.store, category, channel, path))
+        return ExitDone;
+    return device.store.error() != 0 ? failStore(device) : failWriting(path);
+}
+
+int runSave(Device &device, const Arguments &arguments) {
+    const QString channel = arguments.operands[0];
+    const QString what = arguments.operands[2];
+    const QString path = arguments.operands[3];
+    if (what != u"link" && what != u"article")
+        return failUsage(QStringLiteral("what is saved is the \"link\" or the \"article\""));
+    if (!device.hasChannel(channel))
+        return ExitFailed;
+    const QString title = listedTitle(device, channel, arguments.operands[1]);
+    const SaveKind kind = what == u"link" ? SaveKind::Link : SaveKind::Article;
+    if (saveArticleHtml(device.store, channel, title, path, kind))
+        return ExitDone;
+    const quint32 code = device.store.error();
+    if (code == FileNotWritten)
+        return failWriting(path);
+    return code == 0 ? fail(QStringLiteral("there is no article \"%1\"").arg(title))
+                     : failStore(device);
+}
+
+} // namespace tidebrook
