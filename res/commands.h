@@ -72,6 +72,10 @@ enum Command : int {
     CommandFinish = 32813,
     CommandCancelProperties = 32815,
     CommandPropertiesDone = 32816,
+
+    // file dialogs, besides OK and Cancel
+    CommandFolderAbove = 32840,
+    CommandTakeFile = 32841,
 };
 
 } // namespace tidebrook

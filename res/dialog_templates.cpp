@@ -159,6 +159,30 @@ constexpr std::array categoryChoiceWide{
 constexpr std::array help{control(1033, ControlKind::Page, {0, 23, 240, 245})};
 constexpr std::array helpWide{control(1033, ControlKind::Page, {0, 23, 320, 165})};
 
+// The file dialogs: the folder and the kind of files, a name to save under, and what is there.
+constexpr std::array openFile{
+    control(1034, ControlKind::Label, {8, 25, 126, 18}),
+    control(1035, ControlKind::Label, {138, 25, 94, 18}),
+    control(1037, ControlKind::ListView, {0, 45, 240, 223}),
+};
+constexpr std::array openFileWide{
+    control(1034, ControlKind::Label, {8, 25, 202, 18}),
+    control(1035, ControlKind::Label, {214, 25, 98, 18}),
+    control(1037, ControlKind::ListView, {0, 45, 320, 143}),
+};
+constexpr std::array saveFile{
+    control(1034, ControlKind::Label, {8, 25, 126, 18}),
+    control(1035, ControlKind::Label, {138, 25, 94, 18}),
+    control(1036, ControlKind::Edit, {8, 45, 224, 34}),
+    control(1037, ControlKind::ListView, {0, 83, 240, 185}),
+};
+constexpr std::array saveFileWide{
+    control(1034, ControlKind::Label, {8, 25, 202, 18}),
+    control(1035, ControlKind::Label, {214, 25, 98, 18}),
+    control(1036, ControlKind::Edit, {8, 45, 304, 34}),
+    control(1037, ControlKind::ListView, {0, 83, 320, 105}),
+};
+
 constexpr DialogTemplate tall(int id, const char16_t *title,
                               std::span<const ControlTemplate> controls) {
     return {id, 240, 320, title, 9, controls};
@@ -194,6 +218,10 @@ constexpr std::array templates{
     wide(151, u"Setting", sheetWide),
     tall(152, u"Help", help),
     wide(153, u"Help", helpWide),
+    tall(154, u"Tidebrook", openFile),
+    wide(155, u"Tidebrook", openFileWide),
+    tall(156, u"Tidebrook", saveFile),
+    wide(157, u"Tidebrook", saveFileWide),
 };
 
 } // namespace

@@ -96,6 +96,8 @@ constexpr std::array menuBars{
     MenuBarResource{410, key(CommandPropertiesDone, doneString),
                     key(CommandCancelProperties, cancelString)},
     MenuBarResource{411, key(CommandDone, doneString), blankKey}, // the help and the About box
+    MenuBarResource{412, key(CommandCancel, cancelString), key(CommandOk, openString)},
+    MenuBarResource{413, key(CommandCancel, cancelString), key(CommandOk, saveString)},
 };
 
 } // namespace

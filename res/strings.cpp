@@ -79,6 +79,15 @@ constexpr std::array table{
     Entry{58, u"Your device is roaming."},
     Entry{htmlFilterString, u"html (*.html)"},
     Entry{todayItemNameString, u"Tidebrook"},
+    Entry{openString, u"Open"},
+    Entry{folderAboveString, u"Folder above"},
+    Entry{fileNameString, u"File name"},
+    Entry{filesString, u"Files"},
+    Entry{replaceFileString, u"%1 is there already. Replace it?"},
+    Entry{noFileNameString, u"Please enter a file name."},
+    Entry{noFolderString, u"There is no folder %1."},
+    Entry{noFileString, u"%1 is not a file."},
+    Entry{longFileNameString, u"The file name is too long."},
 };
 
 struct ErrorText {

@@ -31,6 +31,7 @@ inline constexpr int categoryListString = 39;
 inline constexpr int channelListString = 40;
 inline constexpr int articleListString = 41;
 inline constexpr int previousString = 42;
+inline constexpr int openString = 61;
 
 // titles
 inline constexpr int aboutString = 4;
@@ -47,6 +48,11 @@ inline constexpr int newChannelNameString = 8;
 inline constexpr int opmlFilterString = 43;
 inline constexpr int htmlFilterString = 59;
 
+// file dialogs: what a row is, and the names of their controls for those who do not see them
+inline constexpr int folderAboveString = 62;
+inline constexpr int fileNameString = 63;
+inline constexpr int filesString = 64;
+
 // choices, one id after the other
 inline constexpr int firstIntervalString = 17;
 inline constexpr int intervalCount = 6;
@@ -58,6 +64,7 @@ inline constexpr int noCategoryString = 29; // stands for the categories where t
 inline constexpr int confirmDeletionString = 16; // their caption
 inline constexpr int deleteCategoryString = 15;
 inline constexpr int deleteChannelString = 31;
+inline constexpr int replaceFileString = 65;
 
 // warnings
 inline constexpr int warningString = 30; // their caption
@@ -70,6 +77,10 @@ inline constexpr int noArticleSelectedString = 38;
 // errors that are told without a code
 inline constexpr int errorString = 28; // the caption of every error
 inline constexpr int wrongUrlString = 27;
+inline constexpr int noFileNameString = 66;
+inline constexpr int noFolderString = 67;
+inline constexpr int noFileString = 68;
+inline constexpr int longFileNameString = 69;
 inline constexpr int databaseProblemString = 45;
 inline constexpr int fileProblemString = 50;
 inline constexpr int memoryProblemString = 54;

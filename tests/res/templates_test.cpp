@@ -75,7 +75,7 @@ TEST(Templates, KeepTheirControlsWhenTheScreenTurnsAndShowEachOfThemWhole) {
         expectRoomForEach(*tall);
         expectRoomForEach(*wide);
     }
-    EXPECT_EQ(found, 12);
+    EXPECT_EQ(found, 14);
 }
 
 void expectEntries(std::span<const MenuEntry> entries) {
@@ -99,7 +99,7 @@ void expectKey(const SoftKey &key) {
 }
 
 TEST(MenuBars, TellTheTextOfEveryKeyAndOpenTheirMenus) {
-    for (int id = 401; id <= 411; ++id) {
+    for (int id = 401; id <= 413; ++id) {
         SCOPED_TRACE(id);
         const MenuBarResource *bar = menuBarResource(id);
         ASSERT_NE(bar, nullptr);
@@ -116,8 +116,9 @@ QString faultOf(const QByteArray &xml) {
 }
 
 TEST(Icons, CanAllBeDrawn) {
-    for (const char *name : {"article-read", "article-unread", "category", "channel", "choices",
-                             "error", "header", "next", "previous", "warning"})
+    for (const char *name :
+         {"article-read", "article-unread", "category", "channel", "choices", "error", "file",
+          "folder", "folder-up", "header", "next", "previous", "warning"})
         EXPECT_EQ(faultOf(iconSvg(name)), QString()) << name;
 }
 

@@ -180,7 +180,7 @@ TEST(LabelEditor, CutsNoCharacterInHalves) {
 
 QString longestText() {
     QString longest;
-    for (int id = 1; id <= 60; ++id) {
+    for (int id = 1; id <= 69; ++id) {
         if (resourceString(id).size() > longest.size())
             longest = resourceString(id);
     }
