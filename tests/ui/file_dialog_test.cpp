@@ -1,0 +1,329 @@
+#include "support/test_device.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/file_dialog.h"
+#include "ui/kit/file_name.h"
+#include "ui/kit/list_view.h"
+#include "ui/session.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLineEdit>
+
+#include <gtest/gtest.h>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+const QString smile = u"\U0001F600"_s;
+
+/// A home with documents in it, and these folders and files in them; a folder's name ends in "/".
+class Home {
+public:
+    explicit Home(const QStringList &entries) {
+        QDir().mkpath(documents());
+        for (const QString &entry : entries) {
+            const QString path = documents() + u'/' + entry;
+            QDir().mkpath(QFileInfo(path).path());
+            EXPECT_TRUE(entry.endsWith(u'/') || writeFile(path, "before"));
+        }
+        writeFile(folder_.filePath(u"user-dirs.dirs"_s), "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n");
+        qputenv("HOME", folder_.path().toUtf8());
+        qputenv("XDG_CONFIG_HOME", folder_.path().toUtf8());
+    }
+    ~Home() {
+        qputenv("HOME", home_);
+        configuration_.isNull() ? qunsetenv("XDG_CONFIG_HOME")
+                                : qputenv("XDG_CONFIG_HOME", configuration_);
+    }
+    Home(const Home &) = delete;
+    Home &operator=(const Home &) = delete;
+
+    QString path() const { return folder_.path(); }
+    QString documents() const { return folder_.filePath(u"Papers"_s); }
+
+private:
+    const QByteArray home_ = qgetenv("HOME");
+    const QByteArray configuration_ = qgetenv("XDG_CONFIG_HOME");
+    QTemporaryDir folder_;
+};
+
+using Choose = FileChoice (*)(ScreenStack &, const FileRequest &);
+using Hand = std::function<void(User &)>;
+
+FileRequest request(const QString &name = {}) {
+    return {u"Export"_s, u"OPML (*.opml)"_s, u"*.opml"_s, name, 260, {}};
+}
+
+/// How a file dialog ends for a user who does this: a path as it is from the documents on, "too
+/// long", "nothing", or "open" when it does not end.
+QString outcome(Choose choose, const FileRequest &request, const Hand &hand) {
+    const TestDevice device(u"Moon\thttp://example.org/b\tScience\n"_s);
+    Session session(device.root);
+    QString result = u"open"_s;
+    const auto use = [&](User &user) {
+        ASSERT_TRUE(user.seesRows({u"Science"_s}) && user.seesQuiet());
+        user.act([&] {
+            const FileChoice choice = choose(user.stack(), request);
+            result = choice.isTooLong ? u"too long"_s : pathFromDocuments(choice.path);
+            if (!choice.isTooLong && choice.path.isNull())
+                result = u"nothing"_s;
+        });
+        ASSERT_TRUE(user.seesCaption(request.title) && user.seesQuiet());
+        hand(user);
+        user.sees([&] { return user.stack().isClosing() || result != u"open"; });
+    };
+    EXPECT_TRUE(session.run(use));
+    return result;
+}
+
+bool seesName(User &user, const QString &name) {
+    return user.sees([&] {
+        const auto *edit = user.stack().top()->findChild<QLineEdit *>();
+        return edit != nullptr && edit->text() == name;
+    });
+}
+
+/// The user puts this in place of the name, and presses Enter.
+void enter(User &user, const QString &name) {
+    user.press(Qt::Key_A, Qt::ControlModifier);
+    user.paste(name);
+    ASSERT_TRUE(seesName(user, name));
+    user.press(Qt::Key_Return);
+}
+
+TEST(OpenFile, ShowsFoldersAndWhatCanBeOpenedAsPeopleSort) {
+    const Home home({u"b10.opml"_s, u"b9.OPML"_s, u"A.opml"_s, u"note.txt"_s, u".hidden.opml"_s,
+                     u"zoo/"_s, u"Ark.opml/"_s, u".config/"_s, u"äpfel.opml"_s});
+    EXPECT_EQ(outcome(chooseFileToOpen, request(),
+                      [](User &user) {
+                          EXPECT_TRUE(
+                              user.seesRows({u".."_s, u"Ark.opml"_s, u"zoo"_s, u"A.opml"_s,
+                                             u"äpfel.opml"_s, u"b9.OPML"_s, u"b10.opml"_s}));
+                          user.tapRow(5);
+                      }),
+              u"b9.OPML");
+}
+
+TEST(OpenFile, IsWalkedThroughByKeysAndByTaps) {
+    const Home home({u"a.opml"_s, u"far/"_s, u"near/deep/x.opml"_s});
+    const QStringList top{u".."_s, u"far"_s, u"near"_s, u"a.opml"_s};
+    const auto comeBack = [&](User &user) { return user.seesRows(top) && user.seesSelected(2); };
+    EXPECT_EQ(outcome(chooseFileToOpen, request(),
+                      [&](User &user) {
+                          ASSERT_TRUE(user.seesRows(top) && user.seesSelected(0));
+                          user.tapRow(2);
+                          ASSERT_TRUE(user.seesRows({u".."_s, u"deep"_s}) && user.seesSelected(0));
+                          user.press(Qt::Key_Return);
+                          ASSERT_TRUE(comeBack(user)) << "by the row of the folder above";
+                          user.press(Qt::Key_Return);
+                          ASSERT_TRUE(user.seesRows({u".."_s, u"deep"_s}));
+                          user.press(Qt::Key_Backspace);
+                          ASSERT_TRUE(comeBack(user));
+                          user.tap(u"Open"_s);
+                          ASSERT_TRUE(user.seesRows({u".."_s, u"deep"_s}));
+                          user.press(Qt::Key_Up, Qt::AltModifier);
+                          ASSERT_TRUE(comeBack(user));
+                          user.press(Qt::Key_Backspace);
+                          ASSERT_TRUE(user.seesRows({u".."_s, u"Papers"_s}));
+                          ASSERT_TRUE(user.seesSelected(1));
+                          user.tapRow(1);
+                          ASSERT_TRUE(user.seesRows(top));
+                          user.tapRow(2);
+                          ASSERT_TRUE(user.seesRows({u".."_s, u"deep"_s}));
+                          user.tapRow(1);
+                          ASSERT_TRUE(user.seesRows({u".."_s, u"x.opml"_s}));
+                          user.press(Qt::Key_Down);
+                          user.press(Qt::Key_Return);
+                      }),
+              u"near/deep/x.opml");
+}
+
+TEST(OpenFile, FollowsWhatOtherProgramsDoToTheFolder) {
+    const Home home({u"a.opml"_s, u"c.opml"_s, u"sub/deep/x.opml"_s});
+    const auto follow = [&](User &user) {
+        ASSERT_TRUE(user.seesRows({u".."_s, u"sub"_s, u"a.opml"_s, u"c.opml"_s}));
+        user.press(Qt::Key_End);
+        ASSERT_TRUE(user.seesSelected(3));
+        ASSERT_TRUE(writeFile(home.documents() + u"/b.opml", "new"));
+        EXPECT_TRUE(user.seesRows({u".."_s, u"sub"_s, u"a.opml"_s, u"b.opml"_s, u"c.opml"_s}));
+        EXPECT_TRUE(user.seesSelected(4)) << "what was selected stays so";
+        QFile::remove(home.documents() + u"/a.opml");
+        EXPECT_TRUE(user.seesRows({u".."_s, u"sub"_s, u"b.opml"_s, u"c.opml"_s}));
+        user.tapRow(1);
+        ASSERT_TRUE(user.seesRows({u".."_s, u"deep"_s}));
+        user.tapRow(1);
+        ASSERT_TRUE(user.seesRows({u".."_s, u"x.opml"_s}));
+        ASSERT_TRUE(QDir(home.documents() + u"/sub").removeRecursively());
+        EXPECT_TRUE(user.seesRows({u".."_s, u"b.opml"_s, u"c.opml"_s})) << "the nearest left";
+        ASSERT_TRUE(user.seesQuiet());
+        user.tapRow(1);
+    };
+    EXPECT_EQ(outcome(chooseFileToOpen, request(), follow), u"b.opml");
+}
+
+TEST(OpenFile, ChoosesNothingWhenItIsLeft) {
+    const Home home({u"a.opml"_s});
+    for (const auto choose : {chooseFileToOpen, chooseFileToSave}) {
+        for (const Hand &leave : {Hand([](User &user) { user.press(Qt::Key_Escape); }),
+                                  Hand([](User &user) { user.tap(u"Cancel"_s); }),
+                                  Hand([](User &user) { user.closeWindow(); })})
+            EXPECT_EQ(outcome(choose, request(u"News"_s), leave), u"nothing");
+    }
+}
+
+TEST(OpenFile, BeginsAtHomeWithoutDocumentsAndTellsHelp) {
+    const Home home({});
+    ASSERT_TRUE(QDir().rmdir(home.documents()));
+    ASSERT_TRUE(writeFile(home.path() + u"/x.opml", ""));
+    int asked = 0;
+    FileRequest helped = request();
+    helped.help = [&] { ++asked; };
+    EXPECT_EQ(outcome(chooseFileToOpen, helped,
+                      [&](User &user) {
+                          EXPECT_TRUE(user.seesRows({u".."_s, u"x.opml"_s}));
+                          user.press(Qt::Key_F1);
+                          EXPECT_TRUE(user.sees([&] { return asked == 1; }));
+                          user.tapRow(1);
+                      }),
+              home.path() + u"/x.opml");
+}
+
+TEST(SaveFile, TakesTheNamesThatPeopleGive) {
+    const Home home({u"old.opml"_s, u"sub/"_s, u"dir.opml/"_s});
+    const QString longest = QString(250, u'x');
+    struct Case {
+        QString typed;
+        QString problem; // that is told before the user gives up
+        QString path;
+    };
+    const Case cases[]{
+        {u"News"_s, {}, u"News.opml"_s},
+        {u" News.OPML "_s, {}, u"News.OPML"_s},
+        {u"old.html"_s, {}, u"old.html.opml"_s},
+        {u":colon"_s, {}, u":colon.opml"_s},
+        {u"sub/x"_s, {}, u"sub/x.opml"_s},
+        {u"~/x"_s, {}, home.path() + u"/x.opml"_s},
+        {home.path() + u"/./y.opml", {}, home.path() + u"/y.opml"_s},
+        {longest, {}, longest + u".opml"},
+        {longest + u'x', u"The file name is too long."_s, {}},
+        {smile.repeated(64), u"The file name is too long."_s, {}},
+        {u"  "_s, u"Please enter a file name."_s, {}},
+        {u"/gone/x"_s, u"There is no folder /gone."_s, {}},
+        {u"/gone/"_s, u"There is no folder /gone."_s, {}},
+        {u"old.opml/x"_s, {}, {}},
+        {u"/dev/null"_s, u"null is not a file."_s, {}},
+        {u"dir"_s, u"dir.opml is not a file."_s, {}},
+    };
+    for (const Case &one : cases) {
+        const auto save = [&](User &user) {
+            enter(user, one.typed);
+            if (one.path.isNull()) {
+                EXPECT_TRUE(one.problem.isNull() || user.seesBox(one.problem));
+                user.sees([&] { return user.stack().top()->inherits("tidebrook::MessageBox"); });
+                user.press(Qt::Key_Return);
+                EXPECT_TRUE(user.seesNoBox() && seesName(user, one.typed));
+                user.press(Qt::Key_Escape);
+            }
+        };
+        EXPECT_EQ(outcome(chooseFileToSave, request(u"Proposed"_s), save),
+                  one.path.isNull() ? u"nothing"_s : one.path)
+            << one.typed.toStdString();
+    }
+}
+
+TEST(SaveFile, ReplacesAFileOnlyWhenTheUserAgrees) {
+    const Home home({u"old.opml"_s, u"sub/"_s});
+    const QString question = u"old.opml is there already. Replace it?"_s;
+    const auto replace = [&](User &user) {
+        ASSERT_TRUE(seesName(user, u"old"_s));
+        user.tap(u"Save"_s);
+        ASSERT_TRUE(user.seesBox(question));
+        user.press(Qt::Key_Return); // which is No
+        ASSERT_TRUE(user.seesNoBox());
+        enter(user, u"sub"_s);
+        ASSERT_TRUE(user.seesRows({u".."_s}) && seesName(user, u"old"_s)) << "a folder is gone to";
+        enter(user, u".."_s);
+        ASSERT_TRUE(user.seesRows({u".."_s, u"sub"_s, u"old.opml"_s}));
+        enter(user, u"other"_s + smile.repeated(70));
+        ASSERT_TRUE(user.seesBox(u"The file name is too long."_s));
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesNoBox());
+        user.tapRow(2);
+        ASSERT_TRUE(seesName(user, u"old.opml"_s));
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesBox(question));
+        user.tap(u"Yes"_s);
+    };
+    EXPECT_EQ(outcome(chooseFileToSave, request(u"old"_s), replace), u"old.opml");
+    QFile old(home.documents() + u"/old.opml");
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    EXPECT_EQ(old.readAll(), "before") << "it is left to the caller";
+}
+
+TEST(SaveFile, EndsAtAPathThatIsTooLong) {
+    const Home home({u"sub/old.opml"_s});
+    struct Case {
+        Choose choose;
+        QString typed; // in place of "News"
+        qsizetype limit;
+        QString outcome;
+    };
+    const QString outside = home.path() + u"/out"_s;
+    const Case cases[]{
+        {chooseFileToSave, u"sub/News"_s, 8, u"sub/News.opml"_s},
+        {chooseFileToSave, u"sub/News"_s, 7, u"too long"_s},
+        {chooseFileToSave, u"sub/News.opml"_s, 12, u"too long"_s},
+        {chooseFileToSave, u"sub/old.opml"_s, 11, u"too long"_s},
+        {chooseFileToSave, outside, outside.size(), outside + u".opml"},
+        {chooseFileToSave, outside, outside.size() - 1, u"too long"_s},
+        {chooseFileToOpen, {}, 12, u"sub/old.opml"_s},
+        {chooseFileToOpen, {}, 11, u"too long"_s},
+    };
+    for (const Case &one : cases) {
+        FileRequest limited = request(u"News"_s);
+        limited.pathLimit = one.limit;
+        const auto use = [&](User &user) {
+            if (one.choose == chooseFileToSave)
+                return enter(user, one.typed);
+            user.tapRow(1);
+            ASSERT_TRUE(user.seesRows({u".."_s, u"old.opml"_s}));
+            user.tapRow(1);
+        };
+        EXPECT_EQ(outcome(one.choose, limited, use), one.outcome) << one.typed.toStdString();
+    }
+}
+
+TEST(SaveFile, ProposesWhatCanBeTheNameOfAFileInSight) {
+    struct Case {
+        QString wanted;
+        QString proposed;
+    };
+    const Case cases[]{
+        {u"Food/drink"_s, u"Food drink"_s},
+        {u" \ta\nb\u2028c"_s + QChar(u'\0') + u"d\n", u"a b c d"_s},
+        {u"..hidden.opml"_s, u"hidden.opml"_s},
+        {u". / ..x"_s, u"x"_s},
+        {u".."_s, u""_s},
+        {u"..opml"_s, u""_s},
+        {u"News.Opml"_s, u"News.Opml"_s},
+        {QString(300, u'x'), QString(250, u'x')},
+        {smile.repeated(255), smile.repeated(62)},
+        {u"x"_s + smile.repeated(255) + u".opml", u"x"_s + smile.repeated(62) + u".opml"},
+    };
+    for (const Case &one : cases)
+        EXPECT_EQ(possibleFileName(one.wanted, u".opml"_s), one.proposed);
+    const Home home({});
+    EXPECT_EQ(outcome(chooseFileToSave, request(u"./Food/drink"_s),
+                      [](User &user) {
+                          ASSERT_TRUE(seesName(user, u"Food drink"_s));
+                          user.type(u"Typed over"_s);
+                          user.tap(u"Save"_s);
+                      }),
+              u"Typed over.opml");
+}
+
+} // namespace
+} // namespace tidebrook
