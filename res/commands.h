@@ -62,6 +62,7 @@ enum Command : int {
     CommandRefreshCategories = 32817,
     CommandRefreshChannels = 32818,
     CommandRefreshArticles = 32819,
+    CommandWizardGoOn = 32820,
 
     // soft keys of dialogs
     CommandDone = 32808,

@@ -20,7 +20,7 @@ constexpr ControlTemplate label(quint16 id, UnitRect rect, const char16_t *text)
     return control(id, ControlKind::Label, rect, text);
 }
 
-// Under it, at y = 23, the dialogs draw a line.
+// Under it, at `titleLineUnits`, the dialogs draw a line.
 constexpr ControlTemplate titleLabel(quint16 id, const char16_t *text, int width) {
     return control(id, ControlKind::Label, {8, 1, width - 16, 21}, text, StyleHighlight);
 }
@@ -136,13 +136,15 @@ constexpr std::array howToAddWide{
 
 constexpr std::array channelChoice{
     titleLabel(1019, u"New Channel", 240),
-    label(1025, {8, 28, 224, 18}, u"Choose the channel:"),
-    control(1027, ControlKind::ListView, {0, 50, 240, 218}, nullptr, StyleCheckBoxes),
+    label(1025, {8, 34, 150, 18}, u"Choose the channel:"),
+    control(1027, ControlKind::ListView, {0, 62, 240, 206}, nullptr, StyleCheckBoxes),
+    control(1038, ControlKind::CheckBox, {162, 26, 70, 34}, u"All"),
 };
 constexpr std::array channelChoiceWide{
     titleLabel(1019, u"New Channel", 320),
-    label(1025, {8, 28, 304, 18}, u"Choose the channel:"),
-    control(1027, ControlKind::ListView, {0, 50, 320, 138}, nullptr, StyleCheckBoxes),
+    label(1025, {8, 34, 200, 18}, u"Choose the channel:"),
+    control(1027, ControlKind::ListView, {0, 62, 320, 126}, nullptr, StyleCheckBoxes),
+    control(1038, ControlKind::CheckBox, {242, 26, 70, 34}, u"All"),
 };
 
 constexpr std::array categoryChoice{

@@ -40,6 +40,8 @@ inline constexpr int titleStripUnits = 18;
 inline constexpr int menuBarUnits = 34;
 /// What a header bar takes of the dialog's own area, besides the title strip.
 inline constexpr int headerBarUnits = 23;
+/// Where in its own area a dialog with a title label draws the line under that.
+inline constexpr int titleLineUnits = 23;
 
 struct ControlTemplate {
     quint16 id = anonymousControl;

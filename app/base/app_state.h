@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/device_parts.h"
+#include "app/base/errands.h"
 #include "app/base/fill_jobs.h"
 #include "app/base/update_jobs.h"
 #include "app/base/work_queue.h"
@@ -37,12 +38,14 @@ struct AppState {
     WorkQueue changes;
     /// Reading and writing settings, which need not wait for that.
     WorkQueue settings;
+    /// What waits for servers, and for files that the user has named.
+    Errands errands;
     FillJobs fills;
     /// What the screens have asked the downloader for. One that fails is told to the user.
     UpdateJobs updates;
 
     /// Ends all that works for the screens: what fills a list, reads a setting or waits for the
-    /// downloader at once, what changes data when it is done.
+    /// downloader or a server at once, what changes data or writes a file when it is done.
     void finish();
 
     /// The list of each list screen that is open.

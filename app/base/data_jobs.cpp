@@ -71,9 +71,55 @@ int deleteCategory(DeviceParts &device, const QString &category) {
     return done;
 }
 
+int insertChannel(DeviceParts &device, Change &change, const ChannelRecord &record) {
+    if (!device.isStillThere())
+        return change.fail();
+    if (device.store->InsertChannel(record))
+        return done;
+    if (record.channelLink.contains(u'\''))
+        return wrongUrlString;
+    QString category;
+    device.store->FindCategory(record.channelName, category);
+    return category.isNull() ? change.fail() : nameExistsString;
+}
+
 int addChannel(DeviceParts &device, const ChannelRecord &record) {
     Change change(device);
-    return device.isStillThere() && device.store->InsertChannel(record) ? done : change.fail();
+    return insertChannel(device, change, record);
+}
+
+int addUnnamedChannel(DeviceParts &device, ChannelRecord record) {
+    Change change(device); // so that nobody takes the name meanwhile
+    const QString base = resourceString(newChannelNameString);
+    record.channelName = base;
+    for (int counter = 0; ChannelExistsJob(device, record.channelName, record.category); ++counter)
+        record.channelName = base + QStringLiteral(" %1").arg(counter);
+    return insertChannel(device, change, record);
+}
+
+bool isTaken(DeviceParts &device, const QString &name) {
+    QString category;
+    return !device.store->FindCategory(name, category) || !category.isNull();
+}
+
+// The name comes last, so that the channel is found under its old one until then.
+int changeChannel(DeviceParts &device, const ChannelProperties &from, const ChannelProperties &to) {
+    Change change(device);
+    if (!device.isStillThere())
+        return change.fail();
+    FeedStore &store = *device.store;
+    bool isDone = to.category == from.category || store.MoveChannel(from.name, to.category);
+    if (to.link != from.link)
+        isDone = store.SetChannelLink(from.name, to.link) && isDone;
+    // A name that is taken would have the articles go to the channel that has it.
+    if (to.name != from.name && !isTaken(device, to.name)) {
+        isDone = store.RenameChannel(from.name, to.name) && isDone;
+        isDone = renameAutoUpdated(device.root, from.name, to.name) && isDone;
+    }
+    if (to.isAutoUpdated != from.isAutoUpdated)
+        isDone = setAutoUpdate(device.root, {from.link, to.name, to.category}, to.isAutoUpdated) &&
+                 isDone;
+    return isDone ? done : change.fail();
 }
 
 int deleteChannel(DeviceParts &device, const QString &channel) {
@@ -109,9 +155,23 @@ bool startDeleteCategory(AppState &state, QObject *receiver, const QString &cate
         std::move(end));
 }
 
-bool startAddChannel(AppState &state, QObject *receiver, const ChannelRecord &record, JobEnd end) {
+bool AddChannelJob(AppState &state, QObject *receiver, const ChannelRecord &record, JobEnd end) {
     return state.changes.ask(
         receiver, [&device = state.device, record] { return addChannel(device, record); },
+        std::move(end));
+}
+
+bool startAddUnnamedChannel(AppState &state, QObject *receiver, const ChannelRecord &record,
+                            JobEnd end) {
+    return state.changes.ask(
+        receiver, [&device = state.device, record] { return addUnnamedChannel(device, record); },
+        std::move(end));
+}
+
+bool startChangeChannel(AppState &state, QObject *receiver, const ChannelProperties &from,
+                        const ChannelProperties &to, JobEnd end) {
+    return state.changes.ask(
+        receiver, [&device = state.device, from, to] { return changeChannel(device, from, to); },
         std::move(end));
 }
 
@@ -122,6 +182,11 @@ bool startDeleteChannel(AppState &state, QObject *receiver, const QString &chann
             return deleteChannel(device, channel);
         },
         std::move(end));
+}
+
+bool ChannelExistsJob(DeviceParts &device, const QString &name, const QString &category) {
+    QString owner;
+    return device.store->FindCategory(name, owner) && owner == category;
 }
 
 } // namespace tidebrook

@@ -27,9 +27,32 @@ bool startRenameCategory(AppState &state, QObject *receiver, const QString &newN
 bool startDeleteCategory(AppState &state, QObject *receiver, const QString &category, JobEnd end);
 
 /// Adds a channel. Where its name is taken it may get another, as `FeedStore::InsertChannel` tells.
-bool startAddChannel(AppState &state, QObject *receiver, const ChannelRecord &record, JobEnd end);
+bool AddChannelJob(AppState &state, QObject *receiver, const ChannelRecord &record, JobEnd end);
+
+/// Adds a channel that nobody has given a name: as "New Channel" or, while its category has one of
+/// that name, "New Channel 0" and so on. The record's own name does not count.
+bool startAddUnnamedChannel(AppState &state, QObject *receiver, const ChannelRecord &record,
+                            JobEnd end);
+
+/// What the user sees and changes of a channel.
+struct ChannelProperties {
+    QString category;
+    QString name;
+    QString link;
+    bool isAutoUpdated = false;
+};
+
+/// Makes what differs: moves the channel, gives it another address and another name, and puts it
+/// on the list of automatic updates, with its old address, or takes it off. A part that fails does
+/// not keep the others from being done. A name that another channel has is not taken, which is
+/// nobody told. The list of automatic updates follows a new name.
+bool startChangeChannel(AppState &state, QObject *receiver, const ChannelProperties &from,
+                        const ChannelProperties &to, JobEnd end);
 
 /// Deletes a channel with all its articles, and takes it off the list of automatic updates.
 bool startDeleteChannel(AppState &state, QObject *receiver, const QString &channel, JobEnd end);
+
+/// Whether this category has a channel of this name. Waits for the database.
+bool ChannelExistsJob(DeviceParts &device, const QString &name, const QString &category);
 
 } // namespace tidebrook

@@ -96,7 +96,7 @@ bool deleteScience(AppState &state, QObject *receiver, JobEnd end) {
 }
 
 bool addMars(AppState &state, QObject *receiver, JobEnd end) {
-    return startAddChannel(state, receiver, {u"News"_s, u"Mars"_s, u"http://example.org/d"_s},
+    return AddChannelJob(state, receiver, {u"News"_s, u"Mars"_s, u"http://example.org/d"_s},
                            std::move(end));
 }
 
@@ -140,7 +140,7 @@ TEST_F(DataJobsTest, LongNamesAreCutEverywhereAlike) {
     }));
     EXPECT_EQ(shown(in(40)), u"Planet");
     EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
-        return startAddChannel(state, receiver, {name, name, u"http://example.org"_s},
+        return AddChannelJob(state, receiver, {name, name, u"http://example.org"_s},
                                std::move(end));
     }));
     QString category;

@@ -76,6 +76,11 @@ void Dialog::makeTitleStrip(const QString &caption) {
     makeHeaderBar(caption);
 }
 
+void Dialog::makeTitleLine() {
+    hasTitleLine_ = true;
+    update();
+}
+
 void Dialog::relayout() {
     const DialogUnits units = stack().units();
     const int barHeight = units.height(menuBarUnits);
@@ -100,6 +105,8 @@ void Dialog::activated() {
 void Dialog::closeRequested() { procedure_.close(); }
 
 QWidget *Dialog::firstFocus() {
+    if (firstFocus_ != nullptr && firstFocus_->isEnabled())
+        return firstFocus_;
     QWidget *next = form_->nextInFocusChain();
     for (; next != form_ && form_->isAncestorOf(next); next = next->nextInFocusChain()) {
         const bool takesFocus = (next->focusPolicy() & Qt::TabFocus) != 0;
@@ -134,7 +141,13 @@ void Dialog::keyPressEvent(QKeyEvent *event) {
 }
 
 void Dialog::paintEvent(QPaintEvent *) {
-    QPainter(this).fillRect(rect(), palette().brush(QPalette::Window));
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().brush(QPalette::Window));
+    if (!hasTitleLine_)
+        return;
+    const int y = stack().units().height(titleStripUnits + titleLineUnits);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawLine(0, y, width() - 1, y);
 }
 
 int RunDialog(int templateId, ScreenStack &stack, DialogProcedure &procedure) {

@@ -38,7 +38,12 @@ public:
     HeaderBar &makeHeaderBar(const QString &caption);
     /// Nothing but the caption, over the title strip alone.
     void makeTitleStrip(const QString &caption);
+    /// The line under the title label that some templates have.
+    void makeTitleLine();
     HeaderBar *headerBar() const { return headerBar_; }
+
+    /// The control that has the focus at first: the first that takes it unless told.
+    void setFirstFocus(QWidget *control) { firstFocus_ = control; }
 
     /// Lays everything out for the size of the window, as when that changes.
     void relayout();
@@ -64,6 +69,8 @@ private:
     MenuBar *menuBar_ = nullptr;
     HeaderBar *headerBar_ = nullptr;
     int headerUnits_ = titleStripUnits + headerBarUnits;
+    bool hasTitleLine_ = false;
+    QWidget *firstFocus_ = nullptr;
     QList<int> waiting_; // posted while something lay above
 };
 

@@ -36,8 +36,13 @@ Form::Form(int templateId, QWidget *parent) : QWidget(parent) {
     QFont templateFont = font();
     templateFont.setPointSize(dialog->fontPoints);
     setFont(templateFont);
+    QString label;
     for (const ControlTemplate &item : dialog->controls) {
         QWidget *control = makeControl(item, this);
+        if (item.kind == ControlKind::Label)
+            label = QString::fromUtf16(item.text).remove(QLatin1Char(':'));
+        else if (item.text == nullptr)
+            control->setAccessibleName(label);
         if (!controls_.contains(item.id))
             controls_.insert(item.id, control);
     }
