@@ -8,11 +8,11 @@
 #include "platform/text.h"
 #include "res/commands.h"
 #include "res/strings.h"
+#include "share/dialogs/article_handing.h"
 #include "store/escape_sql.h"
 #include "ui/article_page.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/list_view.h"
-#include "ui/kit/menu_bar.h"
 #include "ui/kit/text_page.h"
 
 #include <memory>
@@ -76,10 +76,6 @@ bool ArticleViewScreen::initialise(Dialog &dialog) {
                      [this](const QString &target) { openTarget(target); });
     QObject::connect(page_, &TextPage::left, &dialog, [this] { buildPage(); });
     page_->setZoom(zoomOf(state_));
-    // What saves and sends is not there yet.
-    for (const int pending :
-         {CommandSaveLink, CommandSaveArticle, CommandSendByMail, CommandSendBySms})
-        dialog.menuBar()->enable(pending, false);
     dialog.makeTitleStrip(resourceString(programNameString));
     chooseArticle();
     buildPage();
@@ -132,10 +128,29 @@ void ArticleViewScreen::show(const Building &building) {
 }
 
 void ArticleViewScreen::command(int id) {
-    if (id == CommandBackToArticles)
-        close();
-    else if (chooseFontSize(state_, id))
-        page_->setZoom(zoomOf(state_));
+    switch (id) {
+    case CommandBackToArticles:
+        return close();
+    case CommandSaveLink:
+        return save(SaveKind::Link);
+    case CommandSaveArticle:
+        return save(SaveKind::Article);
+    case CommandSendByMail:
+        return send(SendKind::Email);
+    case CommandSendBySms:
+        return send(SendKind::Sms);
+    default:
+        if (chooseFontSize(state_, id))
+            page_->setZoom(zoomOf(state_));
+    }
+}
+
+void ArticleViewScreen::save(SaveKind kind) {
+    saveArticle(state_, dialog_, state_.fillChannel, state_.fillTitle, kind);
+}
+
+void ArticleViewScreen::send(SendKind kind) {
+    sendArticle(state_, dialog_, state_.fillChannel, state_.fillTitle, kind);
 }
 
 void ArticleViewScreen::openTarget(const QString &target) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/app_state.h"
+#include "share/article_sharing.h"
 #include "ui/kit/dialog_procedure.h"
 
 #include <functional>
@@ -33,6 +34,8 @@ private:
     void buildPage();
     static void build(FeedStore &store, Building &building);
     void show(const Building &building);
+    void save(SaveKind kind);
+    void send(SendKind kind);
     void openTarget(const QString &target);
 
     AppState &state_;

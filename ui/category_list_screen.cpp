@@ -8,6 +8,7 @@
 #include "platform/text.h"
 #include "res/commands.h"
 #include "res/strings.h"
+#include "share/dialogs/opml_export.h"
 #include "store/escape_sql.h"
 #include "ui/channel_list_screen.h"
 #include "ui/column_width.h"
@@ -15,7 +16,6 @@
 #include "ui/kit/header_bar.h"
 #include "ui/kit/input_panel.h"
 #include "ui/kit/list_view.h"
-#include "ui/kit/menu_bar.h"
 #include "ui/kit/screen_menu.h"
 #include "ui/kit/screen_stack.h"
 #include "ui/update_commands.h"
@@ -71,9 +71,6 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
                      [this] { dialog_->relayout(); });
 
     followUpdates(state_, dialog, {CommandUpdateCategory});
-    // What exports is not there yet.
-    dialog.menuBar()->enable(CommandExportCategory, false);
-
     readFontSize(state_, &dialog);
     dialog.makeHeaderBar(resourceString(allCategoriesString));
     dialog.post(CommandRefreshCategories);
@@ -92,6 +89,8 @@ void CategoryListScreen::command(int id) {
         return deleteCategory();
     case CommandRenameCategory:
         return renameCategory();
+    case CommandExportCategory:
+        return exportSelected();
     case CommandSettings:
         return showSettings(state_);
     case CommandAbout:
@@ -205,6 +204,11 @@ void CategoryListScreen::newCategory() {
     };
     if (!state_.changes.ask(dialog_, add, end))
         end(fileProblemString);
+}
+
+void CategoryListScreen::exportSelected() {
+    if (!warnWithoutSelection())
+        exportCategory(state_, dialog_, list_->rowText(SelectedRow(list_)));
 }
 
 void CategoryListScreen::renameCategory() {

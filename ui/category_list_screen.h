@@ -38,6 +38,7 @@ private:
     void newCategory();
     void updateCategory();
     void renameCategory();
+    void exportSelected();
     void endLabelEdit(int row, const QString &text);
     void deleteCategory();
     void dropRow(const QString &name);

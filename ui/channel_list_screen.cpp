@@ -1,15 +1,16 @@
 #include "ui/channel_list_screen.h"
 
-#include "app/base/data_jobs.h"
 #include "app/base/messages.h"
 #include "app/base/today_taps.h"
 #include "res/commands.h"
 #include "res/strings.h"
+#include "share/dialogs/channel_properties.h"
+#include "share/dialogs/new_channel_wizard.h"
+#include "share/dialogs/opml_export.h"
 #include "store/escape_sql.h"
 #include "ui/article_list_screen.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/list_view.h"
-#include "ui/kit/menu_bar.h"
 #include "ui/row_painter.h"
 #include "ui/update_commands.h"
 
@@ -75,9 +76,6 @@ bool ChannelListScreen::initialise(Dialog &dialog) {
             if (category == name())
                 showCounts(channel, unread, total);
         });
-    // What these open is not there yet.
-    for (const int pending : {CommandNewChannel, CommandExportChannel, CommandProperties})
-        dialog.menuBar()->enable(pending, false);
     refreshSoon();
     return true;
 }
@@ -88,8 +86,14 @@ void ChannelListScreen::command(int id) {
         return updateChannel();
     case CommandUpdateAll:
         return startUpdate(state(), name());
+    case CommandNewChannel:
+        return newChannel();
     case CommandDeleteChannel:
         return deleteChannel();
+    case CommandExportChannel:
+        return exportSelected();
+    case CommandProperties:
+        return showProperties();
     case CommandOpenArticles:
         return openArticles();
     default:
@@ -142,13 +146,37 @@ void ChannelListScreen::deleteChannel() {
     const QString channel = list().rowText(*row);
     if (!askUser(state(), confirmDeletionString, deleteChannelString))
         return;
-    const JobEnd end = [this](int messageId) {
-        if (messageId != 0)
-            ShowError(state(), messageId);
+    if (!startDeleteChannel(state(), &dialog(), channel, changeEnd()))
+        changeEnd()(fileProblemString);
+}
+
+// What has changed is shown, also when a part of it failed.
+JobEnd ChannelListScreen::changeEnd() {
+    return [this](int messageId) {
         refreshSoon();
+        if (messageId == nameExistsString)
+            ShowMessage(state(), warningString, messageId);
+        else if (messageId != 0)
+            ShowError(state(), messageId);
     };
-    if (!startDeleteChannel(state(), &dialog(), channel, end))
-        end(fileProblemString);
+}
+
+void ChannelListScreen::newChannel() {
+    if (runNewChannelWizard(state(), &dialog(), changeEnd()) == 0)
+        refreshSoon();
+}
+
+void ChannelListScreen::exportSelected() {
+    if (const auto row = selection())
+        exportChannel(state(), &dialog(), name(), list().rowText(*row));
+}
+
+void ChannelListScreen::showProperties() {
+    const auto row = selection();
+    if (!row)
+        return;
+    if (runChannelProperties(state(), name(), list().rowText(*row), &dialog(), changeEnd()) == 1)
+        refreshSoon();
 }
 
 void ChannelListScreen::showCounts(const QString &channel, int unread, int total) {

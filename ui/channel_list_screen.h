@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/base/data_jobs.h"
 #include "ui/stepped_list_screen.h"
 
 namespace tidebrook {
@@ -22,7 +23,11 @@ private:
     void filled() override;
 
     void updateChannel();
+    void newChannel();
     void deleteChannel();
+    void exportSelected();
+    void showProperties();
+    JobEnd changeEnd();
     void openArticles();
     void showCounts(const QString &channel, int unread, int total);
 };

@@ -13,6 +13,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
 #include <QPixmap>
@@ -82,6 +84,36 @@ QAbstractButton *findButton(QWidget &widget, const QString &text) {
             return button;
     }
     return nullptr;
+}
+
+QString checkText(bool isChecked, const QString &text) {
+    return (isChecked ? u"x "_s : u"- "_s) + text;
+}
+
+QString choicesText(const QComboBox &box) {
+    QStringList texts;
+    for (int i = 0; i < box.count(); ++i)
+        texts.append(i == box.currentIndex() ? u'[' + box.itemText(i) + u']' : box.itemText(i));
+    return texts.join(u' ');
+}
+
+QString checksText(const ListView &list) {
+    QStringList texts;
+    for (int i = 0; i < list.rowCount(); ++i)
+        texts.append(checkText(list.isChecked(i), list.rowText(i)));
+    return texts.join(u", ");
+}
+
+/// Null for what is no control of a user.
+QString controlText(const QObject *control) {
+    if (const auto *edit = qobject_cast<const QLineEdit *>(control))
+        return edit->text();
+    if (const auto *button = qobject_cast<const QAbstractButton *>(control))
+        return checkText(button->isChecked(), button->text());
+    if (const auto *box = qobject_cast<const QComboBox *>(control))
+        return choicesText(*box);
+    const auto *list = qobject_cast<const ListView *>(control);
+    return list != nullptr && list->isCheckable() ? checksText(*list) + u'.' : QString();
 }
 
 } // namespace
@@ -277,6 +309,26 @@ QStringList User::lines() {
         }
     });
     return lines;
+}
+
+QStringList User::controls() {
+    QStringList texts;
+    look([&] {
+        const auto *dialog = qobject_cast<Dialog *>(stack_.top());
+        if (dialog == nullptr)
+            return;
+        if (!dialog->form().isEnabled())
+            texts.append(u"waiting"_s);
+        else
+            for (const QObject *control : dialog->form().children())
+                texts.append(controlText(control));
+        texts.removeAll(QString());
+    });
+    return texts;
+}
+
+bool User::seesControls(const QStringList &controls) {
+    return seesList([this] { return this->controls(); }, controls);
 }
 
 QStringList User::entries(const QString &within) {

@@ -80,6 +80,11 @@ public:
     /// The rows as "LABEL: DETAIL", behind a "*" where the image is that of an unread article.
     QStringList lines();
     bool seesLines(const QStringList &lines);
+    /// The controls of the dialog that is on top, in their order: the text of an edit, buttons with
+    /// "x" or "-" before their text, the entries of a drop-down list with brackets around the
+    /// chosen one, the rows of a list of check boxes like buttons. "waiting" alone while it waits.
+    QStringList controls();
+    bool seesControls(const QStringList &controls);
     /// The entries of the menu, or of one within it; "-" stands before those that cannot be
     /// chosen, "+" before checked ones. The menu is closed again.
     QStringList entries(const QString &within = {});

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "share/article_sharing.h"
+
+#include <QString>
+
+namespace tidebrook {
+
+/// Has the user name a file, and saves an article or its link in it. Returns when the file is
+/// named, or the user has given up. A failure is told, unless the receiver is gone by then.
+void saveArticle(AppState &state, QObject *receiver, const QString &channel, const QString &title,
+                 SaveKind kind);
+
+/// Has the desktop compose a message with an article's link, soon. A failure is told, unless the
+/// receiver is gone by then.
+void sendArticle(AppState &state, QObject *receiver, const QString &channel, const QString &title,
+                 SendKind kind);
+
+} // namespace tidebrook

@@ -1,0 +1,86 @@
+#include "share/dialogs/category_page.h"
+
+#include "platform/stop_signal.h"
+#include "platform/text.h"
+#include "res/commands.h"
+#include "share/dialogs/category_choice.h"
+#include "share/feed_probe.h"
+#include "store/escape_sql.h"
+#include "ui/kit/dialog.h"
+
+#include <QComboBox>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int menuBarId = 408;
+constexpr int categoriesId = 1017;
+
+} // namespace
+
+CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels,
+                           bool isProbed)
+    : FormDialog(adding.state, CommandWizardBack, CommandFinish), adding_(adding),
+      channels_(channels), isProbed_(isProbed) {}
+
+CategoryPage::CategoryPage(const ChannelAdding &adding, const QString &url)
+    : CategoryPage(adding, {{{}, {}, url}}, true) {}
+
+CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels)
+    : CategoryPage(adding, channels, false) {}
+
+bool CategoryPage::initialise(Dialog &dialog) {
+    categories_ = dialog.control<QComboBox>(categoriesId);
+    if (categories_ == nullptr || !prepare(dialog, menuBarId))
+        return false;
+    beginWaiting();
+    readCategories(state(), &dialog, [this](const QStringList &names) {
+        endWaiting();
+        showCategories(names);
+    });
+    return true;
+}
+
+void CategoryPage::showCategories(const QStringList &names) {
+    categories_->addItems(names);
+    selectByBeginning(*categories_, names.value(names.size() / 2));
+}
+
+void CategoryPage::command(int id) {
+    switch (id) {
+    case CommandFinish:
+    case CommandOk:
+        return isProbed_ ? probe() : finish();
+    case CommandWizardGoOn:
+        return finish();
+    case CommandWizardBack:
+        return leave(CommandWizardBack);
+    default:
+        break;
+    }
+}
+
+void CategoryPage::probe() {
+    await(
+        [&registry = state().device.registry,
+         url = channels_.first().channelLink](const StopSignal &stop) {
+            HttpLimits limits;
+            limits.stop = &stop;
+            return probeTitle(registry, url, limits);
+        },
+        [this](const std::optional<QString> &title) {
+            channels_.first().channelName = title.value_or(QString());
+            dialog().post(CommandWizardGoOn);
+        });
+}
+
+void CategoryPage::finish() {
+    const QString category = cutText(categories_->currentText(), categoryCapacity).toString();
+    for (ChannelRecord &channel : channels_)
+        channel.category = category;
+    startAdding(adding_, channels_);
+    leave(CommandFinish);
+}
+
+} // namespace tidebrook

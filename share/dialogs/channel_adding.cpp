@@ -1,0 +1,40 @@
+#include "share/dialogs/channel_adding.h"
+
+#include "platform/text.h"
+#include "res/strings.h"
+
+#include <memory>
+
+namespace tidebrook {
+
+namespace {
+
+bool startOne(const ChannelAdding &adding, ChannelRecord channel, const JobEnd &end) {
+    // A line end or a tab in a name would spoil the lines by which the downloader is told of it.
+    channel.channelName = withoutControls(channel.channelName).trimmed();
+    if (channel.channelName.isEmpty())
+        return startAddUnnamedChannel(adding.state, adding.receiver, channel, end);
+    return AddChannelJob(adding.state, adding.receiver, channel, end);
+}
+
+} // namespace
+
+void startAdding(const ChannelAdding &adding, const QList<ChannelRecord> &channels) {
+    struct Count {
+        qsizetype left;
+        int messageId = 0;
+    };
+    const auto count = std::make_shared<Count>(Count{channels.size()});
+    const JobEnd endOne = [count, end = adding.end](int messageId) {
+        if (count->messageId == 0)
+            count->messageId = messageId;
+        if (--count->left == 0)
+            end(count->messageId);
+    };
+    for (const ChannelRecord &channel : channels) {
+        if (!startOne(adding, channel, endOne))
+            endOne(memoryProblemString);
+    }
+}
+
+} // namespace tidebrook

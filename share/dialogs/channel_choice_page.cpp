@@ -1,0 +1,118 @@
+#include "share/dialogs/channel_choice_page.h"
+
+#include "app/base/messages.h"
+#include "platform/stop_signal.h"
+#include "res/commands.h"
+#include "share/dialogs/category_page.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/screen_stack.h"
+
+#include <QAbstractButton>
+
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int menuBarId = 409;
+constexpr int listId = 1027;
+constexpr int allId = 1038;
+constexpr int besideColumn = 15; // dialog units, for the scroll bar
+
+} // namespace
+
+ChannelChoicePage::ChannelChoicePage(const ChannelAdding &adding, AddMode mode,
+                                     const QString &source)
+    : FormDialog(adding.state, CommandWizardBack, CommandWizardNext), adding_(adding), mode_(mode),
+      source_(source) {}
+
+bool ChannelChoicePage::initialise(Dialog &dialog) {
+    list_ = dialog.control<ListView>(listId);
+    all_ = dialog.control<QAbstractButton>(allId);
+    if (list_ == nullptr || all_ == nullptr || !prepare(dialog, menuBarId))
+        return false;
+    list_->setFont(state().listFont);
+    QObject::connect(all_, &QAbstractButton::clicked, &dialog,
+                     [this](bool isChecked) { checkAll(isChecked); });
+    QObject::connect(list_->model(), &QAbstractItemModel::dataChanged, &dialog,
+                     [this] { all_->setChecked(areAllChecked()); });
+    openList();
+    return true;
+}
+
+void ChannelChoicePage::openList() {
+    const auto open = [&device = state().device, mode = mode_,
+                       source = source_](const StopSignal &stop) {
+        HttpLimits limits;
+        limits.stop = &stop;
+        auto reader = std::make_shared<OpmlReader>(device.root, device.registry, limits);
+        return reader->open(mode, source) ? reader : nullptr;
+    };
+    await(open, [this](std::shared_ptr<OpmlReader> reader) {
+        if (reader != nullptr)
+            showEntries(std::move(reader));
+        else
+            ShowError(state(), 0);
+    });
+}
+
+void ChannelChoicePage::showEntries(std::shared_ptr<OpmlReader> reader) {
+    reader_ = std::move(reader);
+    QList<ListRow> rows;
+    OpmlEntry entry{};
+    for (int index = 0; index < reader_->entryCount() && reader_->readEntry(-1, &entry); ++index) {
+        const QString name = entry.nameText();
+        if (name.isEmpty())
+            continue;
+        rows.append({name});
+        rowMap_.append(index);
+    }
+    list_->setRows(std::move(rows));
+    list_->selectRow(0);
+}
+
+void ChannelChoicePage::checkAll(bool isChecked) {
+    for (int row = 0; row < list_->rowCount(); ++row)
+        list_->setChecked(row, isChecked);
+}
+
+bool ChannelChoicePage::areAllChecked() const {
+    for (int row = 0; row < list_->rowCount(); ++row) {
+        if (!list_->isChecked(row))
+            return false;
+    }
+    return list_->rowCount() > 0;
+}
+
+QList<ChannelRecord> ChannelChoicePage::checkedChannels() {
+    QList<ChannelRecord> channels;
+    OpmlEntry entry{};
+    for (int row = 0; row < list_->rowCount(); ++row) {
+        if (list_->isChecked(row) && reader_->readEntry(rowMap_[row], &entry))
+            channels.append({{}, entry.nameText(), entry.urlText()});
+    }
+    return channels;
+}
+
+void ChannelChoicePage::command(int id) {
+    if (id == CommandWizardNext || id == CommandOk)
+        goOn();
+    else if (id == CommandWizardBack)
+        leave(CommandWizardBack);
+}
+
+void ChannelChoicePage::goOn() {
+    CategoryPage page(adding_, checkedChannels());
+    const int result = RunDialog(CategoryPage::templateId, state().stack, page);
+    if (result != CommandWizardBack)
+        leave(result);
+}
+
+void ChannelChoicePage::sized() {
+    const DialogUnits units = state().stack.units();
+    list_->setColumnWidth(units.screen().width() - units.width(besideColumn));
+}
+
+} // namespace tidebrook

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "share/add_mode.h"
+#include "share/dialogs/channel_adding.h"
+#include "share/dialogs/form_dialog.h"
+#include "share/opml_reader.h"
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class QAbstractButton;
+
+namespace tidebrook {
+
+class ListView;
+
+/// The wizard's second page: which channels of a list are to be added. It ends with the command
+/// that was given last.
+class ChannelChoicePage : public FormDialog {
+public:
+    ChannelChoicePage(const ChannelAdding &adding, AddMode mode, const QString &source);
+
+    static constexpr int templateId = 148;
+
+    bool initialise(Dialog &dialog) override;
+    void command(int id) override;
+    void sized() override;
+
+private:
+    void openList();
+    void showEntries(std::shared_ptr<OpmlReader> reader);
+    void checkAll(bool isChecked);
+    bool areAllChecked() const;
+    QList<ChannelRecord> checkedChannels();
+    void goOn();
+
+    const ChannelAdding adding_;
+    const AddMode mode_;
+    const QString source_;
+    ListView *list_ = nullptr;
+    QAbstractButton *all_ = nullptr;
+    std::shared_ptr<OpmlReader> reader_; // while its list is shown
+    QList<int> rowMap_;                  // the entry of each row
+};
+
+} // namespace tidebrook

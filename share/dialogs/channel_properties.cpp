@@ -1,0 +1,166 @@
+#include "share/dialogs/channel_properties.h"
+
+#include "app/base/messages.h"
+#include "platform/text.h"
+#include "res/commands.h"
+#include "res/strings.h"
+#include "share/dialogs/category_choice.h"
+#include "share/dialogs/form_dialog.h"
+#include "store/escape_sql.h"
+#include "ui/kit/dialog.h"
+#include "update/auto_list.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int templateId = 142;
+constexpr int menuBarId = 410;
+constexpr int nameId = 1013;
+constexpr int linkId = 1015;
+constexpr int categoryId = 1017;
+constexpr int autoId = 1018;
+constexpr int nameLimit = 49;
+constexpr int linkLimit = 511;
+constexpr qsizetype linkTaken = 510;
+
+/// What the database and the list of automatic updates hold of a channel.
+struct Stored {
+    bool isRead = false;
+    QString link;
+    bool isAutoUpdated = false;
+};
+
+Stored readStored(DeviceParts &device, const QString &category, const QString &channel) {
+    Stored stored;
+    stored.isRead = device.store->GetChannelLink(category, channel, stored.link);
+    stored.link = TrimTrailingBlanks(stored.link).toString();
+    stored.isAutoUpdated = isAutoUpdated(device.root, channel);
+    return stored;
+}
+
+// What the user has changed. What was only shown stays as it was: an edit may show less of it than
+// there is.
+QString edited(const QLineEdit &edit, qsizetype limit, const QString &before) {
+    return edit.isModified() ? cutText(withoutControls(edit.text()), limit).toString() : before;
+}
+
+} // namespace
+
+/// The dialog over a channel.
+class PropertiesDialog : public FormDialog {
+public:
+    PropertiesDialog(AppState &state, const ChannelProperties &initial, QObject *receiver,
+                     const JobEnd &applied)
+        : FormDialog(state, CommandCancelProperties, CommandPropertiesDone), initial_(initial),
+          receiver_(receiver), applied_(applied) {}
+
+    bool initialise(Dialog &dialog) override;
+    void command(int id) override;
+
+private:
+    void read();
+    void showStored(const Stored &stored);
+    void showCategories(const QStringList &names);
+    ChannelProperties wanted() const;
+    void apply();
+
+    ChannelProperties initial_;
+    QObject *const receiver_;
+    const JobEnd applied_;
+    QLineEdit *name_ = nullptr;
+    QLineEdit *link_ = nullptr;
+    QComboBox *category_ = nullptr;
+    QAbstractButton *auto_ = nullptr;
+    int shownCategory_ = -1;
+};
+
+bool PropertiesDialog::initialise(Dialog &dialog) {
+    name_ = dialog.control<QLineEdit>(nameId);
+    link_ = dialog.control<QLineEdit>(linkId);
+    category_ = dialog.control<QComboBox>(categoryId);
+    auto_ = dialog.control<QAbstractButton>(autoId);
+    if (name_ == nullptr || link_ == nullptr || category_ == nullptr || auto_ == nullptr ||
+        !prepare(dialog, menuBarId))
+        return false;
+    name_->setMaxLength(nameLimit);
+    name_->setText(initial_.name);
+    dialog.setFirstFocus(name_);
+    link_->setMaxLength(linkLimit);
+    link_->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoAutoUppercase);
+    read();
+    return true;
+}
+
+void PropertiesDialog::read() {
+    beginWaiting();
+    state().changes.ask(
+        &dialog(),
+        [&device = state().device, category = initial_.category, channel = initial_.name] {
+            return readStored(device, category, channel);
+        },
+        [this](const Stored &stored) { showStored(stored); });
+    readCategories(state(), &dialog(), [this](const QStringList &names) { showCategories(names); });
+}
+
+void PropertiesDialog::showStored(const Stored &stored) {
+    initial_.link = stored.link;
+    initial_.isAutoUpdated = stored.isAutoUpdated;
+    link_->setText(stored.link);
+    link_->home(false);
+    auto_->setChecked(stored.isAutoUpdated);
+    if (!stored.isRead)
+        ShowError(state(), databaseProblemString);
+}
+
+// The category itself, before one that only begins like it.
+void PropertiesDialog::showCategories(const QStringList &names) {
+    category_->addItems(names);
+    if (const auto at = names.indexOf(initial_.category); at >= 0)
+        category_->setCurrentIndex(static_cast<int>(at));
+    else
+        selectByBeginning(*category_, initial_.category);
+    shownCategory_ = category_->currentIndex();
+    endWaiting();
+}
+
+ChannelProperties PropertiesDialog::wanted() const {
+    ChannelProperties wanted;
+    wanted.category = category_->currentIndex() == shownCategory_
+                          ? initial_.category
+                          : cutText(category_->currentText(), categoryCapacity).toString();
+    wanted.link = edited(*link_, linkTaken, initial_.link);
+    wanted.name = edited(*name_, nameLimit, initial_.name);
+    wanted.isAutoUpdated = auto_->isChecked();
+    return wanted;
+}
+
+void PropertiesDialog::command(int id) {
+    if (id == CommandPropertiesDone || id == CommandOk)
+        apply();
+    else if (id == CommandCancelProperties)
+        leave(0);
+}
+
+void PropertiesDialog::apply() {
+    const ChannelProperties to = wanted();
+    const bool isChanged =
+        to.category != initial_.category || to.link != initial_.link || to.name != initial_.name;
+    const bool isStarted = (!isChanged && to.isAutoUpdated == initial_.isAutoUpdated) ||
+                           startChangeChannel(state(), receiver_, initial_, to, applied_);
+    if (!isStarted)
+        return ShowError(state(), memoryProblemString);
+    leave(isChanged ? 1 : 0);
+}
+
+int runChannelProperties(AppState &state, const QString &category, const QString &channel,
+                         QObject *receiver, const JobEnd &applied) {
+    PropertiesDialog properties(state, {category, channel, {}}, receiver, applied);
+    return RunDialog(templateId, state.stack, properties);
+}
+
+} // namespace tidebrook

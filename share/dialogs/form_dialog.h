@@ -1,0 +1,63 @@
+#pragma once
+
+#include "app/base/app_state.h"
+#include "ui/kit/dialog_procedure.h"
+#include "ui/kit/waiting.h"
+
+#include <memory>
+#include <optional>
+
+namespace tidebrook {
+
+class StopSignal;
+
+/// What the dialogs about channels have in common: a title over a line, two soft keys, of which one
+/// goes on and the other leads back, and errands, which end when the dialog is left.
+class FormDialog : public DialogProcedure {
+public:
+    void close() override { leave(0); }
+    void helpRequested() override;
+    std::optional<int> backCommand() const override { return backCommand_; }
+    /// Enter goes on.
+    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
+
+protected:
+    FormDialog(AppState &state, int backCommand, int nextCommand)
+        : state_(state), backCommand_(backCommand), nextCommand_(nextCommand) {}
+    ~FormDialog() override;
+
+    AppState &state() const { return state_; }
+    Dialog &dialog() const { return *dialog_; }
+
+    bool prepare(Dialog &dialog, int menuBarId);
+
+    /// Waits for an errand, whose result `take` gets, unless the dialog is left before that.
+    template <class Work, class Take> void await(Work work, Take take) {
+        waiting_.emplace(*dialog_, nextCommand_);
+        errand_ = state_.errands.run(dialog_, std::move(work),
+                                     [this, take = std::move(take)](auto result) {
+                                         waiting_.reset();
+                                         take(std::move(result));
+                                     });
+        if (errand_ == nullptr)
+            tellNoThread();
+    }
+    /// The same for what comes another way: from here until `endWaiting`.
+    void beginWaiting() { waiting_.emplace(*dialog_, nextCommand_); }
+    void endWaiting() { waiting_.reset(); }
+
+    /// Ends the dialog, and calls off what it waits for.
+    void leave(int result);
+
+private:
+    void tellNoThread();
+
+    AppState &state_;
+    const int backCommand_;
+    const int nextCommand_;
+    Dialog *dialog_ = nullptr;
+    std::shared_ptr<StopSignal> errand_;
+    std::optional<Waiting> waiting_;
+};
+
+} // namespace tidebrook

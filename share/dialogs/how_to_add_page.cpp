@@ -1,0 +1,145 @@
+#include "share/dialogs/how_to_add_page.h"
+
+#include "app/base/messages.h"
+#include "app/base/text_screens.h"
+#include "platform/stop_signal.h"
+#include "platform/text.h"
+#include "res/commands.h"
+#include "res/strings.h"
+#include "share/dialogs/category_page.h"
+#include "share/dialogs/channel_choice_page.h"
+#include "share/feed_probe.h"
+#include "ui/kit/dialog.h"
+#include "ui/kit/file_dialog.h"
+
+#include <QAbstractButton>
+#include <QLineEdit>
+
+#include <algorithm>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int menuBarId = 407;
+constexpr int fromUrlId = 1021;
+constexpr int fromFileId = 1022;
+constexpr int editId = 1024;
+constexpr int urlLimit = 511;
+constexpr qsizetype longestTooShort = 11; // as "http://.xml"
+constexpr QStringView scheme = u"http://";
+constexpr QStringView secureScheme = u"https://";
+
+// Servers are asked in lower case, whatever was typed: one character for one.
+QString lowerCased(QString url) {
+    std::transform(url.begin(), url.end(), url.begin(), [](QChar c) { return c.toLower(); });
+    return url;
+}
+
+} // namespace
+
+HowToAddPage::HowToAddPage(const ChannelAdding &adding)
+    : FormDialog(adding.state, CommandCancelWizard, CommandWizardNext), adding_(adding) {}
+
+bool HowToAddPage::initialise(Dialog &dialog) {
+    fromUrl_ = dialog.control<QAbstractButton>(fromUrlId);
+    auto *fromFile = dialog.control<QAbstractButton>(fromFileId);
+    edit_ = dialog.control<QLineEdit>(editId);
+    if (fromUrl_ == nullptr || fromFile == nullptr || edit_ == nullptr ||
+        !prepare(dialog, menuBarId))
+        return false;
+    edit_->setMaxLength(urlLimit);
+    edit_->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoAutoUppercase);
+    edit_->setText(scheme.toString());
+    QObject::connect(edit_, &QLineEdit::textEdited, &dialog, [this] { dropSecondScheme(); });
+    fromUrl_->setChecked(true);
+    QObject::connect(fromUrl_, &QAbstractButton::toggled, &dialog, [this] { chooseWay(); });
+    dialog.setFirstFocus(edit_);
+    return true;
+}
+
+void HowToAddPage::chooseWay() {
+    edit_->setReadOnly(!fromUrl_->isChecked());
+    if (!fromUrl_->isChecked())
+        return;
+    edit_->setFocus();
+    edit_->end(false);
+}
+
+// A whole address that is put behind the scheme which stands there brings its own.
+void HowToAddPage::dropSecondScheme() {
+    const QString text = edit_->text();
+    const QStringView rest =
+        text.startsWith(scheme) ? QStringView(text).sliced(scheme.size()) : QStringView();
+    if (rest.startsWith(scheme, Qt::CaseInsensitive) ||
+        rest.startsWith(secureScheme, Qt::CaseInsensitive))
+        edit_->setText(rest.toString());
+}
+
+void HowToAddPage::command(int id) {
+    switch (id) {
+    case CommandWizardNext:
+        return fromUrl_->isChecked() ? goOnWithUrl() : goOnWithFile();
+    case CommandWizardGoOn:
+        return takeType();
+    case CommandCancelWizard:
+    case CommandOk:
+        return leave(0);
+    default:
+        break;
+    }
+}
+
+void HowToAddPage::goOnWithUrl() {
+    url_ = lowerCased(withoutControls(edit_->text()).trimmed());
+    if (url_.size() <= longestTooShort)
+        return ShowError(state(), wrongUrlString);
+    await(
+        [&registry = state().device.registry, url = url_](const StopSignal &stop) {
+            HttpLimits limits;
+            limits.stop = &stop;
+            return probeType(registry, url, limits);
+        },
+        [this](const std::optional<QString> &type) {
+            type_ = type;
+            dialog().post(CommandWizardGoOn);
+        });
+}
+
+// An address that does not tell may be that of a feed whose server is out of reach at present.
+void HowToAddPage::takeType() {
+    if (type_ && type_->startsWith(QLatin1String("<opml")))
+        openNext(AddMode::ListFromUrl, url_);
+    else if (!type_ && url_.endsWith(QLatin1String("opml")))
+        ShowError(state(), 0);
+    else
+        openNext(AddMode::FeedFromUrl, url_);
+}
+
+void HowToAddPage::goOnWithFile() {
+    const FileChoice choice =
+        chooseFileToOpen(state().stack, {.title = resourceString(newChannelString),
+                                         .filterName = resourceString(opmlFilterString),
+                                         .pattern = QStringLiteral("*.opml"),
+                                         .name = {},
+                                         .help = [this] { showHelp(state()); }});
+    if (choice.isTooLong)
+        ShowError(state(), fileProblemString);
+    else if (!choice.path.isNull())
+        openNext(AddMode::ListFromFile, choice.path);
+}
+
+void HowToAddPage::openNext(AddMode mode, const QString &source) {
+    int result = 0;
+    if (mode == AddMode::FeedFromUrl) {
+        CategoryPage page(adding_, source);
+        result = RunDialog(CategoryPage::templateId, state().stack, page);
+    } else {
+        ChannelChoicePage page(adding_, mode, source);
+        result = RunDialog(ChannelChoicePage::templateId, state().stack, page);
+    }
+    if (result != CommandWizardBack)
+        leave(0);
+}
+
+} // namespace tidebrook

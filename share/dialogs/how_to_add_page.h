@@ -1,0 +1,42 @@
+#pragma once
+
+#include "share/add_mode.h"
+#include "share/dialogs/channel_adding.h"
+#include "share/dialogs/form_dialog.h"
+
+#include <QString>
+
+#include <optional>
+
+class QAbstractButton;
+class QLineEdit;
+
+namespace tidebrook {
+
+/// The wizard's first page: an address is typed in, or a file chosen. What an address leads to is
+/// looked at to know which page is next. It stays open while the user goes back to it.
+class HowToAddPage : public FormDialog {
+public:
+    explicit HowToAddPage(const ChannelAdding &adding);
+
+    static constexpr int templateId = 144;
+
+    bool initialise(Dialog &dialog) override;
+    void command(int id) override;
+
+private:
+    void chooseWay();
+    void dropSecondScheme();
+    void goOnWithUrl();
+    void goOnWithFile();
+    void takeType();
+    void openNext(AddMode mode, const QString &source);
+
+    const ChannelAdding adding_;
+    QAbstractButton *fromUrl_ = nullptr;
+    QLineEdit *edit_ = nullptr;
+    QString url_;
+    std::optional<QString> type_; // of what the address leads to
+};
+
+} // namespace tidebrook

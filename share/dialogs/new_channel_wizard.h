@@ -1,0 +1,13 @@
+#pragma once
+
+#include "app/base/data_jobs.h"
+
+namespace tidebrook {
+
+/// Leads the user through adding channels: a feed or a list of channels from an address, or a list
+/// from a file. Returns when the user has finished or given up, always 0; the channels are added
+/// after that. `added` is told once they are, unless the receiver is gone by then or nothing is
+/// added: 0, or the string that tells why the first channel that was not stored was not.
+int runNewChannelWizard(AppState &state, QObject *receiver, const JobEnd &added);
+
+} // namespace tidebrook

@@ -1,0 +1,208 @@
+#include "ui/kit/dialog.h"
+#include "ui/sharing_test.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace tidebrook {
+namespace {
+
+const QString internetProblem = u"Encountering Internet Problem"_s;
+const QString feedProblem = u"Encountering Problem when Reading Feed information"_s;
+const QString wrongUrl = u"The URL format is wrong!"_s;
+
+const QStringList firstPage{u"x Input from URL"_s, u"- Import from a file"_s, u"http://"_s};
+const QStringList categoryPage{u"News [Science] Travel"_s};
+
+const QByteArray list = R"opml(<?xml version="1.0"?><opml version="2.0"><body>
+  <outline text="Folder"><outline text="One" type="rss" xmlUrl="http://Example.org/One"/></outline>
+  <outline text="Other" type="RSS" xmlUrl="http://example.org/hole"/>
+  <outline text="Two" type="link" url="http://example.org/two"/>
+  <outline text="Three" type="rss" xmlUrl="javascript:alert(1)"/></body></opml>)opml";
+
+class WizardTest : public SharingTest {
+protected:
+    static void openWizard(User &user) {
+        user.choose({u"New Channel"_s});
+        ASSERT_TRUE(user.seesControls(firstPage));
+    }
+    /// Types an address behind the scheme and goes on.
+    static void enter(User &user, const QString &rest) {
+        openWizard(user);
+        user.type(rest);
+        user.press(Qt::Key_Return);
+    }
+};
+
+struct FeedCase {
+    const char *what;
+    QByteArray document;
+    QString name; ///< under which it is added
+};
+
+TEST_F(WizardTest, AFeedIsAddedUnderTheTitleThatItHas) {
+    const std::vector<FeedCase> cases{
+        {"a title", "<?xml version='1.0'?><RSS><title>Sea &amp; Air</title>", u"Sea &amp; Air"_s},
+        {"lines", "<rss><title>\n\tSea\r\n air \n</title>", u"Sea   air"_s},
+        {"of 60 bytes", "<rss><title>" + QByteArray(48, 'n') + "\xc3\xa9</title>",
+         QString(48, u'n')},
+        {"none", "<rss><channel>", u"New Channel"_s},
+        {"none again", "<rss><title></title>", u"New Channel 0"_s},
+        {"blanks", "<rss><title> </title>", u"New Channel 1"_s},
+        {"no feed at all", "<html><title>Page</title>", u"Page"_s},
+        {"nothing", "", u"New Channel 2"_s},
+    };
+    QStringList expected = device.channelNames(u"Science"_s);
+    runInScience([&](User &user) {
+        for (const FeedCase &feed : cases) {
+            SCOPED_TRACE(feed.what);
+            const QString path = u"/feed%1.xml"_s.arg(expected.size());
+            server.serve(path, feed.document);
+            enter(user, u"LocalHost"_s + path.toUpper());
+            ASSERT_TRUE(user.seesControls(categoryPage));
+            user.tap(u"Finish"_s);
+            expected.append(feed.name);
+            ASSERT_TRUE(user.sees(
+                [&] { return user.list() != nullptr && user.list()->findRow(feed.name) >= 0; }));
+            EXPECT_TRUE(channels(u"Science"_s).contains(feed.name + u" http://localhost"_s + path));
+        }
+        EXPECT_EQ(user.rows().size(), expected.size());
+    });
+    expected.sort();
+    QStringList stored = device.channelNames(u"Science"_s);
+    stored.sort();
+    EXPECT_EQ(stored, expected);
+}
+
+TEST_F(WizardTest, AnAddressIsRefusedOrTakenForAFeedThatIsOutOfReach) {
+    server.answerStatus(u"/gone.opml"_s, 404, "<html>");
+    runInScience([&](User &user) {
+        enter(user, u"a.bc"_s); // with the scheme 11 characters
+        expectBox(user, wrongUrl);
+        user.type(u"d"_s);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesControls(categoryPage)); // 12 are an address
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesControls({firstPage[0], firstPage[1], u"http://a.bcd"_s}));
+        for (const QString &address : {u"http://127.0.0.2/list.opml"_s, u"opml:opml.opml"_s}) {
+            user.press(Qt::Key_A, Qt::ControlModifier);
+            user.paste(address);
+            user.press(Qt::Key_Return);
+            expectBox(user, internetProblem);
+        }
+        // A whole address brings its own scheme.
+        user.press(Qt::Key_A, Qt::ControlModifier);
+        user.type(u"http://"_s);
+        user.paste(u"https://127.0.0.2/Feed.xml"_s);
+        ASSERT_TRUE(
+            user.seesControls({firstPage[0], firstPage[1], u"https://127.0.0.2/Feed.xml"_s}));
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesControls(categoryPage));
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesRows({u"Moon"_s, u"New Channel"_s, u"Odd"_s, u"Star"_s}));
+    });
+    EXPECT_TRUE(channels(u"Science"_s).contains(u"New Channel https://127.0.0.2/feed.xml"_s));
+}
+
+TEST_F(WizardTest, AListIsOfferedAndWhatIsTickedIsAdded) {
+    server.serve(u"/my.opml"_s, list);
+    ASSERT_TRUE(writeFile(path(u"my.opml"_s), list));
+    for (const bool isFile : {false, true}) {
+        SCOPED_TRACE(isFile);
+        runInScience([&](User &user) {
+            openWizard(user);
+            if (isFile) {
+                user.tap(u"Import from a file"_s);
+                user.tap(u"Next"_s);
+                ASSERT_TRUE(user.seesRows({u".."_s, u"my.opml"_s}));
+                user.tapRow(1);
+            } else {
+                user.type(u"localhost/My.opml"_s);
+                user.tap(u"Next"_s);
+            }
+            ASSERT_TRUE(user.seesControls({u"- One, - Two, - Three."_s, u"- All"_s}));
+            user.tap(u"All"_s);
+            user.tapRow(0);
+            ASSERT_TRUE(user.seesControls({u"- One, x Two, x Three."_s, u"- All"_s}));
+            user.tapRow(2);
+            user.press(Qt::Key_Return);
+            ASSERT_TRUE(user.seesControls(categoryPage));
+            user.tap(u"Back"_s); // keeps the ticks
+            ASSERT_TRUE(user.seesControls({u"- One, x Two, - Three."_s, u"- All"_s}));
+            user.press(Qt::Key_Space); // on the row that was tapped
+            user.tapRow(0);
+            user.tap(u"Next"_s);
+            ASSERT_TRUE(user.seesControls(categoryPage));
+            user.press(Qt::Key_Up);
+            user.tap(u"Finish"_s);
+            ASSERT_TRUE(user.seesRows({u"Moon"_s, u"Odd"_s, u"Star"_s}) && user.seesQuiet());
+        });
+        QStringList added = channels(u"News"_s);
+        EXPECT_EQ(added.size(), isFile ? 7 : 4); // a name that is taken gets a number
+        for (const QString &channel :
+             {u"One http://Example.org/One"_s, u"Two http://example.org/two"_s,
+              u"Three javascript:alert(1)"_s})
+            EXPECT_TRUE(added.contains(channel)) << channel.toStdString();
+    }
+}
+
+TEST_F(WizardTest, AListThatCannotBeReadIsToldAndLeadsBack) {
+    ASSERT_TRUE(writeFile(path(u"a.opml"_s), "<opml><body>"));
+    ASSERT_TRUE(writeFile(path(u"b.opml"_s), "<opml><body><outline url='u'/></body></opml>"));
+    ASSERT_TRUE(writeFile(path(u"c.opml"_s), "<opml><body/></opml>"));
+    runInScience([&](User &user) {
+        openWizard(user);
+        user.tap(u"Import from a file"_s);
+        for (const int row : {1, 2, 3}) {
+            user.tap(u"Next"_s);
+            ASSERT_TRUE(user.seesRows({u".."_s, u"a.opml"_s, u"b.opml"_s, u"c.opml"_s}));
+            user.tapRow(row);
+            if (row != 3)
+                expectBox(user, feedProblem);
+            ASSERT_TRUE(user.seesControls({u"."_s, u"- All"_s}));
+            user.press(Qt::Key_Escape);
+            ASSERT_TRUE(user.seesControls(
+                {u"- Input from URL"_s, u"x Import from a file"_s, u"http://"_s}));
+        }
+        user.tap(u"Cancel"_s);
+        ASSERT_TRUE(user.seesLines(scienceLines));
+    });
+}
+
+TEST_F(WizardTest, BackAndCancelEndEveryWait) {
+    for (const QString &silent : {u"/silent"_s, u"/silent.opml"_s})
+        server.hang(silent);
+    server.trickle(u"/slow.opml"_s, "<opml>" + QByteArray(2000, ' '), 50ms);
+    server.trickle(u"/slow.xml"_s, "<rss>" + QByteArray(2000, ' '), 50ms);
+    runInScience([&](User &user) {
+        enter(user, u"localhost/silent"_s);
+        ASSERT_TRUE(user.seesControls({u"waiting"_s}));
+        user.tap(u"Cancel"_s);
+        ASSERT_TRUE(user.seesLines(scienceLines) && user.seesQuiet());
+
+        enter(user, u"localhost/slow.opml"_s); // known for a list at once, which then is read whole
+        ASSERT_TRUE(user.sees([&] { return user.list() != nullptr; }));
+        ASSERT_TRUE(user.seesControls({u"waiting"_s}));
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(
+            user.seesControls({firstPage[0], firstPage[1], u"http://localhost/slow.opml"_s}));
+        ASSERT_TRUE(user.seesQuiet());
+        user.press(Qt::Key_A, Qt::ControlModifier);
+        user.paste(u"http://localhost/slow.xml"_s);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesControls(categoryPage));
+        user.tap(u"Finish"_s);
+        ASSERT_TRUE(user.seesControls({u"waiting"_s}));
+        user.tap(u"Back"_s);
+        ASSERT_TRUE(
+            user.seesControls({firstPage[0], firstPage[1], u"http://localhost/slow.xml"_s}));
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesControls(categoryPage));
+        user.tap(u"Finish"_s); // and the window is closed over it
+        ASSERT_TRUE(user.seesControls({u"waiting"_s}));
+    });
+    EXPECT_EQ(channels(u"Science"_s).size(), 3);
+}
+
+} // namespace
+} // namespace tidebrook
