@@ -98,6 +98,7 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         {{u"rename"_s, u"one"_s, u"\uFFFEtwo"_s}, 1},
         {{u"rename"_s, u"one"_s, u"\t"_s}, 1},
         {{u"mark"_s, u"one"_s, u"seen"_s}, 2},
+        {{u"save"_s, u"one"_s, u"a"_s, u"page"_s, u"f"_s}, 2},
         {{u"setting"_s, u"SortMode"_s, u"big"_s}, 2},
         {{u"setting"_s, u"SortMode"_s}, 1},
         {{u"add-category"_s, u" A "_s}, 1},
@@ -126,6 +127,71 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         EXPECT_FALSE(run.err.isEmpty());
     }
     EXPECT_EQ(ok({u"channels"_s}) + ok({u"categories"_s}), before);
+}
+
+TEST_F(CommandTest, ListsAreImportedAndExportedAndArticlesSaved) {
+    server_.serve(u"/feed"_s, feed);
+    const QByteArray url = server_.url(u"/feed").toUtf8();
+    const QByteArray list = "<opml><body><outline text='F'><outline text=' Ann &amp; Tom' "
+                            "type='rss' xmlUrl='" +
+                            url +
+                            "'/></outline><outline text='Bob&apos;s' type='link' url='ftp://b/'/>"
+                            "<outline text='none' type='RSS' url='u'/></body></opml>";
+    server_.serve(u"/list"_s, list);
+    server_.serve(u"/bad"_s,
+                  QByteArray(list).replace("'/></body>",
+                                           "'/><o text='quoted' type='rss' "
+                                           "url='it&apos;s'/><o text='&#9;' type='rss' url='u'/>"
+                                           "<o text='last' type='rss' url='u'/></body>"));
+    ctl_.setEnvironment(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
+    const QString names = u"Ann & Tom\nBob's\n"_s;
+    EXPECT_EQ(ok({u"import"_s, u"http://localhost/list"_s, u"New"_s}), names);
+    const QString channels = ok({u"channels"_s});
+    EXPECT_EQ(channels.count(u'\n'), 2);
+    const QString file = ctl_.filePath(u"out.opml"_s);
+    ok({u"export"_s, u"New"_s, file});
+    ok({u"delete-category"_s, u"New"_s});
+    EXPECT_EQ(ok({u"import"_s, file, u"New"_s}), names);
+    EXPECT_EQ(ok({u"channels"_s}), channels);
+    ok({u"export"_s, u"New"_s, u"Bob's"_s, file});
+    EXPECT_TRUE(ok({u"import"_s, file, u"Again"_s}).startsWith(u"Bob's-"));
+
+    const CtlRun partly = ctl_.run({u"import"_s, u"http://localhost/bad"_s, u"Bad"_s});
+    EXPECT_EQ(partly.exitCode, 1);
+    EXPECT_TRUE(partly.out.endsWith(u"last\n")) << "one bad entry does not end it";
+    EXPECT_EQ(partly.lines().size(), 3);
+    EXPECT_EQ(partly.err.count(u'\n'), 2);
+    EXPECT_TRUE(partly.err.contains(u"quoted: The URL format is wrong!"));
+
+    ok({u"update"_s, u"New"_s, u"Ann & Tom"_s});
+    for (const QString &what : {u"link"_s, u"article"_s}) {
+        ok({u"save"_s, u"Ann & Tom"_s, u"Tab here 1m"_s, what, file});
+        QFile saved(file);
+        ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+        EXPECT_EQ(saved.size(), 65'536);
+        EXPECT_TRUE(saved.readAll().contains("Tab\there\xC2\x9B\x31m</a>"));
+    }
+    EXPECT_TRUE(ok({u"articles"_s, u"Ann & Tom"_s}).startsWith(u"u\t"));
+    EXPECT_EQ(ok({u"check"_s}), u"");
+
+    const QString nowhere = ctl_.filePath(u"no/folder"_s);
+    const std::pair<QStringList, QString> refusals[] = {
+        {{u"import"_s, u"http://localhost/gone"_s, u"X"_s}, u"(1002)"_s},
+        {{u"import"_s, u"http://localhost/feed"_s, u"X"_s}, u"(1003)"_s},
+        {{u"import"_s, nowhere, u"X"_s}, u"(1002)"_s},
+        {{u"import"_s, u""_s, u"X"_s}, u"file"_s},
+        {{u"export"_s, u"New"_s, nowhere}, nowhere},
+        {{u"export"_s, u"X"_s, file}, u"\"X\""_s},
+        {{u"export"_s, u"New"_s, u"last"_s, file}, u"\"New\""_s},
+        {{u"save"_s, u"Ann & Tom"_s, u"Don't panic"_s, u"link"_s, nowhere}, nowhere},
+        {{u"save"_s, u"Ann & Tom"_s, u"gone"_s, u"link"_s, file}, u"\"gone\""_s},
+    };
+    for (const auto &[arguments, words] : refusals) {
+        const CtlRun run = ctl_.run(arguments);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.err.contains(words)) << run.err.toUtf8().constData();
+    }
+    EXPECT_FALSE(ok({u"categories"_s}).contains(u'X')) << "a refused list makes no category";
 }
 
 TEST_F(CommandTest, WhatAListShowsIsWhatACommandTakes) {

@@ -1,0 +1,104 @@
+#include "feed_server/feed_server.h"
+#include "platform/stop_signal.h"
+#include "share/feed_probe.h"
+#include "support/test_device.h"
+
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+using std::chrono::milliseconds;
+
+class FeedProbeTest : public testing::Test {
+protected:
+    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port())); }
+    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
+
+    QString type(const QByteArray &document) {
+        server_.serve(u"/x"_s, document);
+        return probeType(*device_.registry, url_).value_or(u"none"_s);
+    }
+    QString title(const QByteArray &document) {
+        server_.serve(u"/x"_s, document);
+        return probeTitle(*device_.registry, url_).value_or(u"none"_s);
+    }
+
+    FeedServer server_;
+    TestDevice device_;
+    const QString url_ = u"https://localhost:8443/x"_s;
+};
+
+TEST_F(FeedProbeTest, TheFirstKilobyteTellsWhatADocumentIs) {
+    const std::tuple<QByteArray, QString> cases[] = {
+        {"<?xml version='1.0'?><RSS version='2.0'>", u"<rss"_s},
+        {"<!-- <rss --><oPmL>", u"<rss"_s},
+        {"<opml><rss>", u"<opml"_s},
+        {QByteArray(1019, ' ') + "<opml>", u"<opml"_s},
+        {QByteArray(1020, ' ') + "<rss>", u"none"_s},
+        {QByteArray(1019, ' ') + "<rss>", u"<rss"_s},
+        {"<feed/>", u"none"_s},
+        {"<rs", u"none"_s},
+        {"", u"none"_s},
+    };
+    for (const auto &[document, expected] : cases)
+        EXPECT_EQ(type(document), expected) << document.trimmed().constData();
+    EXPECT_EQ(device_.lastErrorCode(), 0u) << "a document that does not tell is no error";
+}
+
+TEST_F(FeedProbeTest, TheFirstKilobyteTellsADocumentsTitle) {
+    const QByteArray end = "</title>";
+    const std::tuple<QByteArray, QString> cases[] = {
+        {"<rss><title>One &amp; 1</title><title>Two</title>", u"One &amp; 1"_s},
+        {"<title><title>Inner</title>", u"Inner"_s},
+        {"<TITLE>no</TITLE><title>Yes</title>", u"Yes"_s},
+        {"</title><title>Late</title>", u"none"_s},
+        {"<title></title><title>Late</title>", u"none"_s},
+        {"<title>unended", u"none"_s},
+        {"<title>" + QByteArray(60, 'x') + end, QString(49, u'x')},
+        {"<title>" + QByteArray(47, 'x') + "\xE2\x82\xAC" + end, QString(47, u'x')},
+        {"<title>" + QByteArray(46, 'x') + "\xE2\x82\xAC" + end, QString(46, u'x') + u'\u20AC'},
+        {QByteArray(1008, ' ') + "<title>T" + end, u"T"_s},
+        {QByteArray(1009, ' ') + "<title>T" + end, u"none"_s},
+    };
+    for (const auto &[document, expected] : cases)
+        EXPECT_EQ(title(document), expected) << document.trimmed().constData();
+    EXPECT_EQ(device_.lastErrorCode(), 0u);
+}
+
+TEST_F(FeedProbeTest, WhatTellsAlreadyIsNotWaitedFor) {
+    const auto begin = std::chrono::steady_clock::now();
+    server_.trickle(u"/x"_s, "<rss><title>T</title>" + QByteArray(100'000, ' '), milliseconds(1));
+    EXPECT_EQ(probeType(*device_.registry, url_), u"<rss"_s);
+    EXPECT_EQ(probeTitle(*device_.registry, url_), u"T"_s);
+    server_.endless(u"/x"_s);
+    EXPECT_EQ(probeType(*device_.registry, url_), u"<rss"_s);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, milliseconds(15'000))
+        << "one whole download's own limit is longer";
+    server_.redirect(u"/moved"_s, "/packed");
+    server_.serveGzip(u"/packed"_s, "<rss><title>T</title></rss>");
+    EXPECT_EQ(probeTitle(*device_.registry, u"http://localhost/moved"_s), u"T"_s);
+    EXPECT_EQ(device_.lastErrorCode(), 0u);
+}
+
+TEST_F(FeedProbeTest, ARequestThatFailsLeavesItsCode) {
+    EXPECT_FALSE(probeType(*device_.registry, u"http://"_s));
+    EXPECT_EQ(device_.lastErrorCode(), 1007u);
+    server_.resetHalfWay(u"/x"_s, "<feed><entry/></feed>");
+    EXPECT_FALSE(probeTitle(*device_.registry, url_));
+    EXPECT_EQ(device_.lastErrorCode(), 1009u);
+    SetLastErrorCode(*device_.registry, 0);
+    StopSignal stop;
+    stop.raise();
+    EXPECT_FALSE(probeType(*device_.registry, url_, {.stop = &stop}));
+    EXPECT_EQ(device_.lastErrorCode(), 0u) << "the user knows that he stopped it";
+    qputenv("TIDEBROOK_HTTP_PORT", "1");
+    EXPECT_FALSE(probeType(*device_.registry, url_));
+    EXPECT_EQ(device_.lastErrorCode(), 1009u);
+}
+
+} // namespace
+} // namespace tidebrook

@@ -1,0 +1,205 @@
+#include "feed_server/feed_server.h"
+#include "platform/stop_signal.h"
+#include "share/opml_reader.h"
+#include "support/full_disk.h"
+#include "support/test_device.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStringEncoder>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <thread>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+using std::chrono::milliseconds;
+
+QByteArray list(const QByteArray &body) {
+    return "<opml version=\"2.0\"><head><title>T</title></head><body>" + body + "</body></opml>";
+}
+
+QByteArray leaf(const QByteArray &text, const QByteArray &type = "rss") {
+    return "<outline text=\"" + text + "\" type=\"" + type + "\" xmlUrl=\"u\"/>";
+}
+
+QByteArray numbered(int count) {
+    QByteArray outlines;
+    for (int i = 1; i <= count; ++i)
+        outlines += leaf(QByteArray::number(i));
+    return list(outlines);
+}
+
+class OpmlReaderTest : public testing::Test {
+protected:
+    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port())); }
+    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
+
+    /// "name=url" of each entry of an open list as it is read in sequence, a hole as "-".
+    static QString entries(OpmlReader &reader) {
+        QStringList texts;
+        OpmlEntry entry{};
+        for (int pass = reader.entryCount(); pass > 0; --pass) {
+            EXPECT_TRUE(reader.readEntry(-1, &entry));
+            texts.append(entry.name[0] == 0 ? u"-"_s
+                                            : QString(entry.nameText() + u'=' + entry.urlText()));
+        }
+        EXPECT_FALSE(reader.readEntry(-1, &entry));
+        return texts.join(u'|');
+    }
+
+    /// The entries, or the code of the failure.
+    QString read(AddMode mode, const QString &source, const HttpLimits &limits = {}) {
+        SetLastErrorCode(*device_.registry, 0);
+        OpmlReader reader(device_.root, *device_.registry, limits);
+        if (reader.open(mode, source))
+            return entries(reader);
+        OpmlEntry entry{};
+        EXPECT_FALSE(reader.readEntry(0, &entry)) << "no partial list";
+        EXPECT_EQ(device_.lastErrorCode(), reader.error());
+        return QString::number(reader.error());
+    }
+
+    QString readFile(const QByteArray &content) {
+        EXPECT_TRUE(writeFile(file_, content));
+        return read(AddMode::ListFromFile, file_);
+    }
+
+    FeedServer server_;
+    TestDevice device_;
+    const QString file_ = device_.root.filePath(u"list.opml");
+    const QString downloaded_ = device_.root.filePath(u"\\Temp\\TmpOpml.opml");
+};
+
+TEST_F(OpmlReaderTest, ReadsWhatAListOffers) {
+    const QByteArray emoji = "\xF0\x9F\x98\x80";
+    const struct {
+        QByteArray document;
+        QString entries;
+    } cases[] = {
+        {list(leaf("a") + "<outline text=\"F\" xmlUrl=\"f\"><outline text=\"G\">" + leaf("b") +
+              "</outline>" + leaf("c") + "</outline>" + leaf("d")),
+         u"a=u|b=u|c=u|d=u|-"_s},
+        {list("<outline title='t' text='x' url='2' xmlUrl='1' type='link'/>"
+              "<outline title='t' url='2' type='rss'/>"),
+         u"x=1|t=2|-"_s},
+        {list(leaf("a", "RSS") + leaf("b") + leaf("c", "atom") + leaf("") +
+              "<outline text='no address'/>words<!-- more --><other text='o' type='rss' url='p'/>"),
+         u"-|b=u|-|-|o=p|-"_s},
+        {list("<outline text='n' type='rss' xmlUrl=''/>"), u"n=|-"_s},
+        {list("<outline text='  n  ' type='rss' xmlUrl=' u   '/>" + leaf("   ")),
+         u"  n= u| =u|-"_s},
+        {list(leaf(QByteArray(60, 'n'))), QString(QString(49, u'n') + u"=u|-")},
+        {list(leaf(QByteArray(48, 'n') + emoji)), QString(QString(48, u'n') + u"=u|-")},
+        {list("<outline text='n' type='rss' url='" + QByteArray(600, 'u') + "'/>"),
+         QString(u"n=" + QString(511, u'u') + u"|-")},
+        {list(leaf("&lt;R&amp;D&gt; &#x1F600; &quot;q&quot;")), u"<R&D> \U0001F600 \"q\"=u|-"_s},
+        {"<!DOCTYPE opml [<!ENTITY e \"own\">]>" + list(leaf("&e;")), u"own=u|-"_s},
+        {"<?xml version=\"1.0\" encoding=\"windows-1251\"?>" + list(leaf("\xCD\xEE\xE2")),
+         u"Нов=u|-"_s},
+        {"\xFF\xFE" + utf16(QString::fromUtf8(list(leaf("é")))), u"é=u|-"_s},
+        {list(""), u"-"_s},
+        {list(leaf("a") + leaf("a")), u"a=u|a=u|-"_s},
+        // refused as a whole
+        {list(leaf("a") + "<outline text='n' xmlUrl='u'/>"), u"1003"_s},
+        {list(leaf("a") + "<outline type='rss' xmlUrl='u'/>"), u"1003"_s},
+        {"<OPML><body/></OPML>", u"1003"_s},
+        {"<opml><head/></opml>", u"1003"_s},
+        {"<rss><channel/></rss>", u"1003"_s},
+        {"", u"1002"_s},
+        {list(leaf("a")).chopped(1), u"1002"_s},
+        {list(QByteArray("<o>").repeated(10'000) + QByteArray("</o>").repeated(10'000)), u"1002"_s},
+    };
+    for (const auto &test : cases)
+        EXPECT_EQ(readFile(test.document), test.entries) << test.document.left(200).constData();
+}
+
+TEST_F(OpmlReaderTest, TakesNoMoreThanItHasSlotsForAndHandsOutNoMoreThanItTook) {
+    const QByteArray spoilt = numbered(223).replace("</body>", "<outline url='u'/></body>");
+    ASSERT_TRUE(writeFile(file_, spoilt));
+    OpmlReader reader(device_.root, *device_.registry);
+    OpmlEntry entry{};
+    EXPECT_FALSE(reader.readEntry(0, &entry)) << "nothing is open yet";
+    ASSERT_TRUE(reader.open(AddMode::ListFromFile, file_)) << "what is behind it is not looked at";
+    EXPECT_EQ(reader.entryCount(), 224);
+    EXPECT_TRUE(entries(reader).endsWith(u"|222=u|223=u|-"));
+    EXPECT_TRUE(reader.readEntry(222, &entry));
+    EXPECT_EQ(entry.nameText(), u"223");
+    EXPECT_TRUE(reader.readEntry(223, &entry));
+    EXPECT_EQ(entry.nameText(), u"");
+    EXPECT_FALSE(reader.readEntry(224, &entry));
+    EXPECT_FALSE(reader.readEntry(-2, &entry));
+    EXPECT_FALSE(reader.readEntry(0, nullptr));
+    reader.close();
+    EXPECT_FALSE(reader.readEntry(0, &entry));
+    ASSERT_TRUE(writeFile(file_, numbered(300)));
+    ASSERT_TRUE(reader.open(AddMode::ListFromFile, file_));
+    EXPECT_EQ(reader.entryCount(), 224);
+    ASSERT_TRUE(writeFile(file_, numbered(1)));
+    ASSERT_TRUE(reader.open(AddMode::ListFromFile, file_));
+    EXPECT_EQ(entries(reader), u"1=u|-") << "nothing is left of the list before";
+}
+
+TEST_F(OpmlReaderTest, OnlyAPlainFileOfAReasonableSizeIsRead) {
+    const auto readPath = [this](const QString &path) { return read(AddMode::ListFromFile, path); };
+    const QString fifo = device_.root.filePath(u"fifo");
+    ASSERT_EQ(mkfifo(fifo.toUtf8().constData(), 0600), 0);
+    QFile sparse(device_.root.filePath(u"sparse"));
+    ASSERT_TRUE(sparse.open(QIODevice::WriteOnly));
+    sparse.write(numbered(1));
+    ASSERT_TRUE(sparse.resize(32 * 1024 * 1024 + 1));
+    for (const QString &path : {fifo, u"/dev/zero"_s, sparse.fileName(), device_.root.path(),
+                                device_.root.filePath(u"missing")})
+        EXPECT_EQ(readPath(path), u"1002") << path.toUtf8().constData();
+    EXPECT_EQ(readPath({}), u"0");
+    EXPECT_EQ(readPath(u""_s), u"0");
+}
+
+TEST_F(OpmlReaderTest, AListIsDownloadedIntoItsPlaceOrTheFailureTold) {
+    server_.serve(u"/list"_s, numbered(2));
+    server_.serveGzip(u"/packed"_s, numbered(1));
+    server_.redirect(u"/moved"_s, "/list");
+    server_.serve(u"/page"_s, "<html><p></html>");
+    server_.resetHalfWay(u"/reset"_s, numbered(3));
+    server_.endless(u"/endless"_s);
+    const auto readUrl = [&](QStringView path) {
+        return read(AddMode::ListFromUrl, u"http://localhost" + path, {.bodyBytes = 100'000});
+    };
+    EXPECT_EQ(readUrl(u"/packed"), u"1=u|-");
+    EXPECT_EQ(readUrl(u"/moved"), u"1=u|2=u|-");
+    QFile file(downloaded_);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), numbered(2));
+    EXPECT_EQ(readUrl(u"/reset"), u"1009");
+    EXPECT_EQ(readUrl(u"/endless"), u"1009");
+    EXPECT_EQ(read(AddMode::ListFromUrl, u"http://"_s), u"1007");
+    file.seek(0);
+    EXPECT_EQ(file.readAll(), numbered(2)) << "what is not whole does not take its place";
+    EXPECT_EQ(readUrl(u"/page"), u"1002");
+    QDir(device_.root.filePath(u"\\Temp")).removeRecursively();
+    EXPECT_EQ(readUrl(u"/list"), u"1004");
+    qputenv("TIDEBROOK_HTTP_PORT", "1");
+    EXPECT_EQ(readUrl(u"/list"), u"1009");
+}
+
+TEST_F(OpmlReaderTest, AStopEndsAHangingDownloadAtOnceAndIsNoFailureToTellOf) {
+    server_.hang(u"/hang"_s);
+    StopSignal stop;
+    const std::jthread stopper([&] {
+        while (server_.requests().isEmpty())
+            std::this_thread::yield();
+        stop.raise();
+    });
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(read(AddMode::ListFromUrl, u"http://localhost/hang"_s, {.stop = &stop}), u"0");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, milliseconds(10'000))
+        << "the download's own limit is longer";
+}
+
+} // namespace
+} // namespace tidebrook

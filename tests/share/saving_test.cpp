@@ -1,0 +1,182 @@
+#include "share/article_sharing.h"
+#include "share/opml_reader.h"
+#include "share/opml_writer.h"
+#include "support/full_disk.h"
+#include "support/test_device.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace tidebrook {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class SavingTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
+
+    static QByteArray content(const QString &path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("none");
+    }
+
+    /// What the reader makes of the exported file.
+    QStringList listed() {
+        OpmlReader reader(device_.root, *device_.registry);
+        EXPECT_TRUE(reader.open(AddMode::ListFromFile, file_));
+        QStringList texts;
+        OpmlEntry entry{};
+        while (reader.readEntry(-1, &entry)) {
+            if (entry.name[0] != 0)
+                texts.append(entry.nameText() + u'=' + entry.urlText());
+        }
+        return texts;
+    }
+
+    bool save(SaveKind kind, const QString &title) {
+        return saveArticleHtml(*device_.store, u"ch"_s, title, file_, kind);
+    }
+
+    TestDevice device_;
+    const QString file_ = device_.root.filePath(u"out");
+};
+
+TEST_F(SavingTest, AnExportedCategoryIsReadBackAsItIs) {
+    const QStringList names{u"Tom & \"Jerry's\" <x>"_s, u"t\tab"_s, u"\U0001F600 Нов"_s, u"z"_s};
+    for (const QString &name : names)
+        device_.store->InsertChannel({u"C & D's"_s, name, u"http://x/?a=1&b=\"2\""_s});
+    device_.store->InsertChannel({u"Other"_s, u"o"_s, u"http://o/"_s});
+    ASSERT_TRUE(exportOpml(*device_.store, u"C & D's"_s, {}, file_));
+    QStringList expected;
+    for (const QString &name : device_.channelNames(u"C & D's"_s))
+        expected.append(name + u"=http://x/?a=1&b=\"2\"");
+    EXPECT_EQ(expected.size(), 4);
+    EXPECT_EQ(listed(), expected);
+
+    ASSERT_TRUE(exportOpml(*device_.store, u"Other"_s, u"o"_s, file_));
+    EXPECT_EQ(content(file_).simplified().replace("> <", "><"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?><opml version=\"2.0\">"
+              "<head><title>Other</title></head><body><outline text=\"Other\">"
+              "<outline text=\"o\" type=\"link\" url=\"http://o/\"/>"
+              "</outline></body></opml>");
+    ASSERT_TRUE(exportOpml(*device_.store, u"Empty"_s, {}, file_));
+    EXPECT_EQ(listed(), QStringList());
+}
+
+TEST_F(SavingTest, WhatXmlCannotHoldDoesNotSpoilAnExport) {
+    const QString bad = u"a\x01z\uFFFE"_s;
+    device_.store->InsertChannel({u"C"_s, u"n\x1F\x7F"_s, QString(u"http://x/" + bad)});
+    ASSERT_TRUE(exportOpml(*device_.store, u"C"_s, {}, file_));
+    EXPECT_EQ(listed(), QStringList(u"n \x7F=http://x/a z\uFFFD"_s));
+}
+
+TEST_F(SavingTest, AnExportThatFailsLeavesTheOldFileWhole) {
+    device_.store->InsertChannel({u"C"_s, u"o"_s, u"http://o/"_s});
+    ASSERT_TRUE(writeFile(file_, "old"));
+    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, u"gone"_s, file_));
+    EXPECT_FALSE(exportOpml(*device_.store, u"B"_s, u"o"_s, file_)) << "it is in another category";
+    EXPECT_FALSE(exportOpml(*device_.store, {}, {}, file_));
+    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, {}));
+    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, device_.root.filePath(u"no\\folder")));
+    {
+        const FullDisk disk;
+        EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
+    }
+    device_.store->ReleaseSession();
+    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
+    EXPECT_EQ(content(file_), "old");
+}
+
+TEST_F(SavingTest, AFullCategoryIsExportedInNoTime) {
+    device_.store->changeAtOnce([&](SqlCommand &) {
+        for (int i = 0; i < 600; ++i)
+            device_.store->InsertChannel({u"C"_s, u"n%1"_s.arg(i), u"http://x/%1"_s.arg(i)});
+    });
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_TRUE(exportOpml(*device_.store, u"C"_s, {}, file_));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(200));
+    EXPECT_EQ(content(file_).count("type=\"link\""), 600);
+}
+
+TEST_F(SavingTest, APageIsTheArticleAsItIsAndZerosBehindIt) {
+    const QString title = u"A <b> & 'c'"_s;
+    device_.addChannel(u"C"_s, u"ch"_s,
+                       {{.title = title, .link = u"http://x/?a&b"_s, .description = u"<p>É</p>"_s},
+                        {.title = u"long"_s, .description = QString(1500, u'€') + u"é€"}});
+    const QByteArray head = "<html>\n<head><meta http-equiv=\"Content-Type\" "
+                            "content=\"text/html; charset=UTF-8\">\n";
+    ASSERT_TRUE(save(SaveKind::Link, title));
+    const auto padded = [](QByteArray page) { return page.append(65'536 - page.size(), '\0'); };
+    EXPECT_EQ(content(file_),
+              padded(head + "</head>\n<body><a href=\"http://x/?a&b\">A <b> & 'c'</a>\n"
+                            "</body>\n</html>"));
+    ASSERT_TRUE(save(SaveKind::Article, title));
+    EXPECT_EQ(content(file_),
+              padded(head + "<title>A <b> & 'c'</title>\n</head>\n<body><h4><a href =\""
+                            "http://x/?a&b\">A <b> & 'c'</a></h4>\n<p><p>É</p></p>\n<br><br>"
+                            "<a href=\"http://x/?a&b\">more</a>\n</body>\n</html>"));
+    ASSERT_TRUE(save(SaveKind::Article, u"long"_s));
+    const QByteArray cut = QString(1322, u'€').toUtf8(); // 3,966 of 3,967 bytes
+    EXPECT_TRUE(content(file_).contains(QByteArray("<p>" + cut + "</p>\n")));
+    EXPECT_EQ(content(file_).size(), 65'536);
+    EXPECT_EQ(device_.counts(u"C"_s, u"ch"_s), u"2/2") << "saving is not reading";
+}
+
+TEST_F(SavingTest, WhatCannotBeSavedLeavesTheOldFileWhole) {
+    device_.addChannel(u"C"_s, u"ch"_s, {u"kept"_s});
+    ASSERT_TRUE(writeFile(file_, "old"));
+    EXPECT_FALSE(save(SaveKind::Article, u"gone"_s));
+    EXPECT_FALSE(save(SaveKind::Article, {}));
+    EXPECT_FALSE(save(static_cast<SaveKind>(16), u"kept"_s));
+    EXPECT_EQ(device_.store->error(), 0u);
+    {
+        const FullDisk disk;
+        EXPECT_FALSE(save(SaveKind::Link, u"kept"_s));
+    }
+    EXPECT_EQ(device_.store->error(), 1004u);
+    EXPECT_EQ(content(file_), "old");
+}
+
+TEST_F(SavingTest, ALinkIsHandedToTheComposerAsOneArgument) {
+    const QString title = u"50% off\nfür & \"you\"?"_s;
+    device_.addChannel(u"C"_s, u"ch"_s,
+                       {{.title = title, .link = u"http://x/?a=1&b"_s},
+                        {.title = QString(255, u't'), .link = QString(512, u'k')}});
+    const QString folder = device_.root.path();
+    const QString sent = folder + u"/sent";
+    ASSERT_TRUE(writeFile(
+        folder + u"/xdg-open",
+        u"#!/bin/sh\necho \"$# $*\" > '%1.new'\nmv '%1.new' '%1'\n"_s.arg(sent).toUtf8()));
+    QFile::setPermissions(folder + u"/xdg-open", QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", folder.toLocal8Bit() + ':' + path);
+    const auto send = [&](SendKind kind, const QString &which) {
+        QFile::remove(sent);
+        EXPECT_TRUE(sendArticleLink(*device_.store, u"ch"_s, which, kind));
+        for (int i = 0; i < 3000 && !QFile::exists(sent); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return content(sent);
+    };
+    EXPECT_EQ(send(SendKind::Email, title),
+              "1 mailto:?subject=50%25%20off%20f%C3%BCr%20%26%20%22you%22%3F&body="
+              "Title%3A%2050%25%20off%0D%0Af%C3%BCr%20%26%20%22you%22%3F%0D%0A"
+              "Date%3A%202026-01-28%0D%0A%20http%3A%2F%2Fx%2F%3Fa%3D1%26b\n");
+    EXPECT_EQ(send(SendKind::Sms, title),
+              "1 sms:?body=Title%3A%2050%25%20off%0Af%C3%BCr%20%26%20%22you%22%3F%0A"
+              "Date%3A%202026-01-28%0A%20http%3A%2F%2Fx%2F%3Fa%3D1%26b\n");
+    EXPECT_EQ(send(SendKind::Sms, QString(255, u't')).count('k'), 602 - 7 - 255 - 7 - 10 - 2);
+    QFile::remove(folder + u"/xdg-open");
+    EXPECT_FALSE(sendArticleLink(*device_.store, u"ch"_s, u"gone"_s, SendKind::Email));
+    qputenv("PATH", folder.toLocal8Bit());
+    EXPECT_FALSE(sendArticleLink(*device_.store, u"ch"_s, title, SendKind::Email));
+    qputenv("PATH", path);
+}
+
+} // namespace
+} // namespace tidebrook
