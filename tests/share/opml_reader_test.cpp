@@ -1,12 +1,10 @@
 #include "feed_server/feed_server.h"
 #include "platform/stop_signal.h"
 #include "share/opml_reader.h"
-#include "support/full_disk.h"
 #include "support/test_device.h"
 
 #include <QDir>
 #include <QFile>
-#include <QStringEncoder>
 
 #include <gtest/gtest.h>
 

@@ -4,10 +4,12 @@
 #include "support/full_disk.h"
 #include "support/test_device.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <thread>
@@ -16,6 +18,29 @@ namespace tidebrook {
 namespace {
 
 using namespace Qt::StringLiterals;
+
+/// While it lives, this process may read a folder and not write it. Root, who may everything, is
+/// nobody meanwhile.
+class ReadOnlyFolder {
+public:
+    explicit ReadOnlyFolder(const QString &path) : path_(QFile::encodeName(path)) {
+        chmod(QByteArray(path_ + "/..").constData(), 0755);
+        chmod(path_.constData(), 0555);
+        if (user_ == 0 && seteuid(65534) != 0)
+            ADD_FAILURE() << "root cannot be nobody";
+    }
+    ~ReadOnlyFolder() {
+        if (user_ == 0 && seteuid(0) != 0)
+            ADD_FAILURE() << "nobody cannot be root again";
+        chmod(path_.constData(), 0755);
+    }
+    ReadOnlyFolder(const ReadOnlyFolder &) = delete;
+    ReadOnlyFolder &operator=(const ReadOnlyFolder &) = delete;
+
+private:
+    const QByteArray path_;
+    const uid_t user_ = geteuid();
+};
 
 class SavingTest : public testing::Test {
 protected:
@@ -88,6 +113,11 @@ TEST_F(SavingTest, AnExportThatFailsLeavesTheOldFileWhole) {
         const FullDisk disk;
         EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
     }
+    {
+        const ReadOnlyFolder folder(device_.root.path());
+        EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
+    }
+    EXPECT_EQ(content(file_), "old");
     device_.store->ReleaseSession();
     EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
     EXPECT_EQ(content(file_), "old");
