@@ -2,6 +2,7 @@
 // platform.
 
 #include "support/test_device.h"
+#include "ui/kit/file_dialog.h"
 #include "ui/kit/touch_style.h"
 #include "ui/session.h"
 
@@ -11,6 +12,7 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QStyle>
+#include <QTemporaryDir>
 
 #include <cstdio>
 
@@ -158,6 +160,41 @@ void photographTexts(User &user, Photographer &photographer) {
     user.seesCaption(u"All Categories"_s);
 }
 
+void photographFiles(User &user, Photographer &photographer) {
+    const FileRequest request{
+        u"Export Category"_s, u"OPML (*.opml)"_s, u"*.opml"_s, u"News"_s, 260, {}};
+    user.act([&] { chooseFileToOpen(user.stack(), request); });
+    user.seesCaption(request.title);
+    user.seesRows({u".."_s, u"Old devices"_s, u"Saved articles"_s, u"Channels 2.opml"_s,
+                   u"Channels 10.opml"_s, u"News.opml"_s});
+    user.press(Qt::Key_Down);
+    photographer.take(u"file-open"_s, user.seesSelected(1));
+    user.tap(u"Cancel"_s);
+    user.seesCaption(u"All Categories"_s);
+    user.act([&] { chooseFileToSave(user.stack(), request); });
+    photographer.take(u"file-save"_s, user.seesCaption(request.title));
+    user.press(Qt::Key_Return);
+    photographer.take(u"file-replace"_s,
+                      user.seesBox(u"News.opml is there already. Replace it?"_s));
+    user.press(Qt::Key_Escape);
+    user.seesNoBox();
+    user.press(Qt::Key_Escape);
+    user.seesCaption(u"All Categories"_s);
+}
+
+/// A home with documents in it, for as long as this is there.
+std::unique_ptr<QTemporaryDir> makeHome() {
+    auto home = std::make_unique<QTemporaryDir>();
+    const QDir documents(home->filePath(u"Documents"_s));
+    for (const QString &name : {u"Saved articles"_s, u"Old devices"_s})
+        documents.mkpath(name);
+    for (const QString &name : {u"Channels 2.opml"_s, u"Channels 10.opml"_s, u"News.opml"_s})
+        writeFile(documents.filePath(name), {});
+    qputenv("HOME", home->path().toLocal8Bit());
+    qputenv("XDG_CONFIG_HOME", home->path().toLocal8Bit());
+    return home;
+}
+
 QList<TestArticle> articles() {
     const QString link = u"http://example.org/planet"_s;
     return {
@@ -193,6 +230,7 @@ void furnish(TestDevice &device) {
 
 int photographAll(const QDir &folder, bool isDark) {
     QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
+    const auto home = makeHome();
     TestDevice device(seed);
     furnish(device);
     const QSize screen = QGuiApplication::primaryScreen()->size();
@@ -206,6 +244,7 @@ int photographAll(const QDir &folder, bool isDark) {
         photographCategories(user, photographer);
         photographSettings(user, photographer);
         photographTexts(user, photographer);
+        photographFiles(user, photographer);
         photographChannels(user, photographer);
         failures = photographer.failures();
     });

@@ -128,23 +128,23 @@ void FileProcedure::goTo(const QString &folder, const QString &selected) {
     list_->setRows({});
     reader_->read(nearestFolder(folder));
     showPlace();
-    fill();
+    fill(reader_->entries());
 }
 
 void FileProcedure::refresh() {
     const bool isGone = !reader_->isReading() && !QFileInfo(folder()).isDir();
     if (isGone)
         goTo(folder());
-    else if (list_->rowCount() == 0 || reader_->entries() != entries_)
-        fill();
+    else if (QList<FolderEntry> entries = reader_->entries(); entries != entries_)
+        fill(std::move(entries));
 }
 
 // What is selected stays so, and what is in sight does, also where rows come and go above it.
-void FileProcedure::fill() {
+void FileProcedure::fill(QList<FolderEntry> entries) {
     const int before = SelectedRow(list_);
     const QString selected = before > 0 || wanted_.isEmpty() ? list_->rowText(before) : wanted_;
     const int place = list_->verticalScrollBar()->value();
-    entries_ = reader_->entries();
+    entries_ = std::move(entries);
     QList<ListRow> rows;
     rows.reserve(entries_.size() + 1);
     if (!QFileInfo(folder()).isRoot())

@@ -52,7 +52,7 @@ private:
     void prepareList();
     void goAbove();
     void refresh();
-    void fill();
+    void fill(QList<FolderEntry> entries);
     void showPlace();
 
     const FileRequest &request_;
