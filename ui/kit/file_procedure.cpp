@@ -37,7 +37,7 @@ QString firstFolder() {
 
 QString shownFolder(const QString &folder) {
     const QString documents = documentsFolder();
-    const QString name = QFileInfo(documents).fileName();
+    QString name = QFileInfo(documents).fileName();
     if (folder == documents)
         return name;
     const QString inside = pathFromDocuments(folder);
