@@ -3,28 +3,10 @@
 #include "platform/text.h"
 #include "res/strings.h"
 
-#include <algorithm>
-
 namespace tidebrook {
 
-namespace {
-
-bool isStorableLink(const QString &link) {
-    return link.size() <= linkCapacity && !link.contains(u'\'') &&
-           std::none_of(link.begin(), link.end(),
-                        [](QChar c) { return c.category() == QChar::Other_Control; });
-}
-
-} // namespace
-
-// What is left of a name when it is stored and listed.
-QString storableName(const QString &text) {
-    const QString name = withoutDropped(printable(text)).trimmed();
-    return cutText(name, channelNameCapacity).toString().trimmed();
-}
-
-QString refusalOf(const QString &storableName, const QString &link) {
-    if (storableName.isEmpty())
+QString refusalOf(const QString &name, const QString &link) {
+    if (name.isEmpty())
         return QStringLiteral("a channel needs a name");
     return isStorableLink(link) ? QString() : resourceString(wrongUrlString);
 }

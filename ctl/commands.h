@@ -39,10 +39,8 @@ int runCheck(Device &device, const Arguments &arguments);
 /// when it cannot be made.
 QString ensureCategory(Device &device, const QString &name);
 
-/// A channel's name and address as they are stored.
-QString storableName(const QString &text);
-/// Why a channel cannot be stored under this name or with this address; null when it can.
-QString refusalOf(const QString &storableName, const QString &link);
+/// Why a channel cannot be stored under this storable name or with this address; null when it can.
+QString refusalOf(const QString &name, const QString &link);
 /// Adds a channel that can be stored to a listed category. The name under which it was stored;
 /// null, with the reason, when it was not.
 QString subscribe(Device &device, const ChannelRecord &channel, QString *reason);

@@ -78,6 +78,15 @@ bool EscapeSql(QStringView source, QString &destination, TextKind kind) {
     return true;
 }
 
+QString storableName(const QString &name) {
+    const QString oneLine = withoutDropped(withoutControls(name)).trimmed();
+    return cutText(oneLine, channelNameCapacity).toString().trimmed();
+}
+
+bool isStorableLink(const QString &link) {
+    return link.size() <= linkCapacity && !link.contains(u'\'') && withoutControls(link) == link;
+}
+
 QString escapedCategory(const QString &category) {
     return escapedWithinCapacity(category, TextKind::Category);
 }

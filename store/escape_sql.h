@@ -25,6 +25,13 @@ bool EscapeSql(QStringView source, QString &destination, TextKind kind);
 /// A text without the characters that EscapeSql drops: what is stored of it.
 QString withoutDropped(QStringView text);
 
+/// The name that somebody gives a channel, as it can be stored and listed: on one line, without
+/// blanks at its ends, cut to its capacity.
+QString storableName(const QString &name);
+
+/// Whether an address can be stored and handed to the downloader.
+bool isStorableLink(const QString &link);
+
 /// A name cut to its capacity and escaped; empty for a null text.
 QString escapedCategory(const QString &category);
 QString escapedChannelName(const QString &name);

@@ -72,12 +72,12 @@ int deleteCategory(DeviceParts &device, const QString &category) {
 }
 
 int insertChannel(DeviceParts &device, Change &change, const ChannelRecord &record) {
+    if (!isStorableLink(record.channelLink))
+        return wrongUrlString;
     if (!device.isStillThere())
         return change.fail();
     if (device.store->InsertChannel(record))
         return done;
-    if (record.channelLink.contains(u'\''))
-        return wrongUrlString;
     QString category;
     device.store->FindCategory(record.channelName, category);
     return category.isNull() ? change.fail() : nameExistsString;
@@ -109,7 +109,8 @@ int changeChannel(DeviceParts &device, const ChannelProperties &from, const Chan
         return change.fail();
     FeedStore &store = *device.store;
     bool isDone = to.category == from.category || store.MoveChannel(from.name, to.category);
-    if (to.link != from.link)
+    const bool isRelinked = to.link != from.link;
+    if (isRelinked)
         isDone = store.SetChannelLink(from.name, to.link) && isDone;
     // A name that is taken would have the articles go to the channel that has it.
     if (to.name != from.name && !isTaken(device, to.name)) {
@@ -119,6 +120,8 @@ int changeChannel(DeviceParts &device, const ChannelProperties &from, const Chan
     if (to.isAutoUpdated != from.isAutoUpdated)
         isDone = setAutoUpdate(device.root, {from.link, to.name, to.category}, to.isAutoUpdated) &&
                  isDone;
+    if (isRelinked && !isStorableLink(to.link))
+        return wrongUrlString;
     return isDone ? done : change.fail();
 }
 

@@ -1,7 +1,7 @@
 #include "share/dialogs/channel_adding.h"
 
-#include "platform/text.h"
 #include "res/strings.h"
+#include "store/escape_sql.h"
 
 #include <memory>
 
@@ -10,8 +10,7 @@ namespace tidebrook {
 namespace {
 
 bool startOne(const ChannelAdding &adding, ChannelRecord channel, const JobEnd &end) {
-    // A line end or a tab in a name would spoil the lines by which the downloader is told of it.
-    channel.channelName = withoutControls(channel.channelName).trimmed();
+    channel.channelName = storableName(channel.channelName);
     if (channel.channelName.isEmpty())
         return startAddUnnamedChannel(adding.state, adding.receiver, channel, end);
     return AddChannelJob(adding.state, adding.receiver, channel, end);

@@ -200,6 +200,7 @@ TEST_F(WizardTest, BackAndCancelEndEveryWait) {
         ASSERT_TRUE(user.seesControls(categoryPage));
         user.tap(u"Finish"_s); // and the window is closed over it
         ASSERT_TRUE(user.seesControls({u"waiting"_s}));
+        user.closeWindow();
     });
     EXPECT_EQ(channels(u"Science"_s).size(), 3);
 }
