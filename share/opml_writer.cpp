@@ -42,6 +42,7 @@ bool isIn(FeedStore &store, const QString &category, const QString &channel) {
 // Nothing when a part of it cannot be read.
 std::optional<QList<Outline>> outlinesOf(FeedStore &store, const QString &category,
                                          const QString &channel) {
+    const auto guard = store.lock(); // not while the file is written
     QList<Outline> outlines;
     if (!channel.isNull()) {
         if (!isIn(store, category, channel))
@@ -92,7 +93,6 @@ bool exportOpml(FeedStore &store, const QString &category, const QString &channe
                 const QString &path) {
     if (category.isNull() || path.isNull())
         return false;
-    const auto guard = store.lock();
     const std::optional<QList<Outline>> outlines = outlinesOf(store, category, channel);
     return outlines && replaceFile(path, documentOf(category, *outlines));
 }

@@ -46,6 +46,19 @@ QPalette darkPalette() {
     return palette;
 }
 
+const QStringList documentRows{u".."_s,
+                               u"Old devices"_s,
+                               u"Saved articles"_s,
+                               u"Channels 2.opml"_s,
+                               u"Channels 10.opml"_s,
+                               u"News.opml"_s};
+
+const QByteArray list = R"(<opml version="2.0"><body>
+    <outline text="Night Trains" type="rss" xmlUrl="http://example.org/trains"/>
+    <outline text="The Paper Boat" type="rss" xmlUrl="http://example.org/boat"/>
+    <outline text="Radio Garden" type="rss" xmlUrl="http://example.org/radio"/>
+    </body></opml>)";
+
 class Photographer {
 public:
     Photographer(User &user, const QDir &folder, const QString &ending)
@@ -122,7 +135,6 @@ void photographSettings(User &user, Photographer &photographer) {
 }
 
 void photographArticles(User &user, Photographer &photographer) {
-    user.tapRow(1);
     photographer.take(u"articles"_s,
                       user.seesCaption(u"Planet of Small Things"_s) && user.seesSelected(0));
     user.press(Qt::Key_Return);
@@ -139,9 +151,49 @@ void photographArticles(User &user, Photographer &photographer) {
     user.seesCaption(u"Technology"_s);
 }
 
+void photographWizard(User &user, Photographer &photographer) {
+    user.choose({u"New Channel"_s});
+    photographer.take(
+        u"wizard-address"_s,
+        user.seesControls({u"x Input from URL"_s, u"- Import from a file"_s, u"http://"_s}));
+    user.tap(u"Import from a file"_s);
+    user.press(Qt::Key_Return);
+    user.seesCaption(u"New Channel"_s);
+    user.tapRow(user.seesRows(documentRows) ? static_cast<int>(documentRows.size()) - 1 : 0);
+    const QString channels = u"- Night Trains, - The Paper Boat, - Radio Garden"_s;
+    user.seesControls({channels + u'.', u"- All"_s});
+    user.tapRow(0);
+    user.tapRow(2);
+    user.press(Qt::Key_Up);
+    photographer.take(u"wizard-channels"_s, user.seesSelected(1));
+    user.press(Qt::Key_Return);
+    photographer.take(
+        u"wizard-category"_s,
+        user.seesControls({u"News Technology Science [Food and drink] Travel Sport"_s}));
+    user.press(Qt::Key_Escape);
+    user.seesControls({u"x Night Trains, - The Paper Boat, x Radio Garden."_s, u"- All"_s});
+    user.press(Qt::Key_Escape);
+    user.seesControls({u"- Input from URL"_s, u"x Import from a file"_s, u"http://"_s});
+    user.press(Qt::Key_Escape);
+    user.seesCaption(u"Technology"_s);
+}
+
+void photographProperties(User &user, Photographer &photographer) {
+    user.choose({u"Properties"_s});
+    photographer.take(u"properties"_s,
+                      user.seesControls({u"Open Bench"_s, u"http://example.org/feed"_s,
+                                         u"News [Technology] Science Food and drink Travel Sport"_s,
+                                         u"- Auto update this channel"_s}));
+    user.press(Qt::Key_Escape);
+    user.seesCaption(u"Technology"_s);
+}
+
 void photographChannels(User &user, Photographer &photographer) {
     user.tapRow(1);
     photographer.take(u"channels"_s, user.seesCaption(u"Technology"_s) && user.seesSelected(0));
+    photographProperties(user, photographer);
+    photographWizard(user, photographer);
+    user.tapRow(1);
     photographArticles(user, photographer);
     user.press(Qt::Key_F4);
     photographer.take(u"choices"_s, user.seesChoices());
@@ -165,8 +217,7 @@ void photographFiles(User &user, Photographer &photographer) {
         u"Export Category"_s, u"OPML (*.opml)"_s, u"*.opml"_s, u"News"_s, 260, {}};
     user.act([&] { chooseFileToOpen(user.stack(), request); });
     user.seesCaption(request.title);
-    user.seesRows({u".."_s, u"Old devices"_s, u"Saved articles"_s, u"Channels 2.opml"_s,
-                   u"Channels 10.opml"_s, u"News.opml"_s});
+    user.seesRows(documentRows);
     user.press(Qt::Key_Down);
     photographer.take(u"file-open"_s, user.seesSelected(1));
     user.tap(u"Cancel"_s);
@@ -189,7 +240,7 @@ std::unique_ptr<QTemporaryDir> makeHome() {
     for (const QString &name : {u"Saved articles"_s, u"Old devices"_s})
         documents.mkpath(name);
     for (const QString &name : {u"Channels 2.opml"_s, u"Channels 10.opml"_s, u"News.opml"_s})
-        writeFile(documents.filePath(name), {});
+        writeFile(documents.filePath(name), list);
     qputenv("HOME", home->path().toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", home->path().toLocal8Bit());
     return home;
