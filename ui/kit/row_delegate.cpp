@@ -3,6 +3,7 @@
 #include "ui/kit/icon.h"
 #include "ui/kit/label_editor.h"
 #include "ui/kit/list_view.h"
+#include "ui/kit/wrapping_buttons.h"
 
 #include <QPainter>
 #include <QStyle>
@@ -78,6 +79,7 @@ void RowDelegate::paintCheckMark(QPainter &painter, const QStyleOptionViewItem &
                                     imageRect(option));
     mark.state.setFlag(isChecked ? QStyle::State_On : QStyle::State_Off);
     style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &mark, &painter, &list_);
+    paintBoxOutline(painter, mark.rect, option.palette);
 }
 
 void RowDelegate::paintTexts(QPainter &painter, const QStyleOptionViewItem &option,

@@ -7,22 +7,25 @@ namespace tidebrook {
 
 namespace {
 
-// The styles draw it darker than the ground, which on dark ground nobody sees.
+QColor outlineColour(const QPalette &palette) {
+    constexpr float faint = 0.45F;
+    QColor colour = palette.color(QPalette::WindowText);
+    colour.setAlphaF(faint);
+    return colour;
+}
+
 void paintOutline(QPainter &painter, const QAbstractButton &button,
                   const QStyleOptionButton &option, QStyle::ControlElement mark) {
-    constexpr float faint = 0.45F;
-    QColor colour = button.palette().color(QPalette::WindowText);
-    colour.setAlphaF(faint);
-    const bool isBox = mark == QStyle::CE_CheckBox;
-    const QRectF place = button.style()->subElementRect(
-        isBox ? QStyle::SE_CheckBoxIndicator : QStyle::SE_RadioButtonIndicator, &option, &button);
-    painter.setPen(colour);
+    const QStyle &style = *button.style();
+    if (mark == QStyle::CE_CheckBox)
+        return paintBoxOutline(
+            painter, style.subElementRect(QStyle::SE_CheckBoxIndicator, &option, &button),
+            button.palette());
+    const QRectF place = style.subElementRect(QStyle::SE_RadioButtonIndicator, &option, &button);
+    painter.setPen(outlineColour(button.palette()));
     painter.setBrush(Qt::NoBrush);
-    painter.setRenderHint(QPainter::Antialiasing, !isBox);
-    if (isBox)
-        painter.drawRect(place.adjusted(0, 0, -1, -1));
-    else
-        painter.drawEllipse(place.adjusted(1, 1, -1, -1));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.drawEllipse(place.adjusted(1, 1, -1, -1));
 }
 
 void paintWrapped(QAbstractButton &button, QStyleOptionButton option, QStyle::ControlElement mark,
@@ -42,6 +45,13 @@ void paintWrapped(QAbstractButton &button, QStyleOptionButton option, QStyle::Co
 }
 
 } // namespace
+
+void paintBoxOutline(QPainter &painter, const QRect &box, const QPalette &palette) {
+    painter.setPen(outlineColour(palette));
+    painter.setBrush(Qt::NoBrush);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.drawRect(box.adjusted(0, 0, -1, -1));
+}
 
 void WrappingCheckBox::paintEvent(QPaintEvent *) {
     QStyleOptionButton option;

@@ -5,6 +5,10 @@
 
 namespace tidebrook {
 
+/// Draws the outline of a check mark's box, which the styles draw darker than the ground: on dark
+/// ground nobody would see it.
+void paintBoxOutline(QPainter &painter, const QRect &box, const QPalette &palette);
+
 /// A check box whose text goes on in further lines where one is too short for it. All of its area
 /// can be tapped.
 class WrappingCheckBox : public QCheckBox {
