@@ -1,12 +1,10 @@
 #include "bench/screen_cases.h"
 
 #include "bench/cases.h"
-#include "bench/series.h"
+#include "bench/step_report.h"
 #include "bench/store_maker.h"
 
 #include <QDir>
-
-#include <algorithm>
 
 namespace tidebrook {
 
@@ -17,15 +15,6 @@ constexpr int articlesPerChannel = 2;
 constexpr double frame = 16;  // ms
 constexpr double answer = 50; // ms
 constexpr double growthAllowed = 1.02;
-constexpr double milliseconds = 1e3;
-
-QByteArray lineOf(const QByteArray &output, const QByteArray &name) {
-    for (const QByteArray &line : output.split('\n')) {
-        if (line.split(' ').first() == name)
-            return line;
-    }
-    throw MeasurementError(QStringLiteral("nothing was said of %1").arg(QLatin1String(name)));
-}
 
 } // namespace
 
@@ -62,7 +51,7 @@ void ScreenCases::measureCategories() {
         runner_.runWhole(QStringLiteral("bench_screens"), {home, QString::number(categoryCount)},
                          output);
     for (const char *step : {"refreshed", "wheel", "PageDown"})
-        reportStep(outputs, step, "thread", frame);
+        reportStep(report_, outputs, step, "thread", frame);
 }
 
 void ScreenCases::measureSteps() {
@@ -73,8 +62,8 @@ void ScreenCases::measureSteps() {
     for (QByteArray &output : outputs)
         output = read(QStringLiteral("steps"));
     for (const char *step : {"category", "channel", "article", "next-channel"}) {
-        reportStep(outputs, step, "process", answer);
-        reportStep(outputs, step, "thread", answer, std::nullopt);
+        reportStep(report_, outputs, step, "process", answer);
+        reportStep(report_, outputs, step, "thread", answer, std::nullopt);
     }
 }
 
@@ -99,8 +88,8 @@ void ScreenCases::measureUpdates() {
     qputenv("TIDEBROOK_PAUSES", "20"); // for the programs that are run
     for (const char *way : {"taps", "wheel"}) {
         const QByteArray output = read(QLatin1String(way));
-        reportStep({output}, way, "wall", answer);
-        reportStep({output}, way, "thread", answer, std::nullopt);
+        reportStep(report_, {output}, way, "wall", answer);
+        reportStep(report_, {output}, way, "thread", answer, std::nullopt);
         report_.note(QStringLiteral("  %1 of these events, one every 100 ms")
                          .arg(figureOf(lineOf(output, way), "count")));
     }
@@ -116,21 +105,6 @@ QByteArray ScreenCases::read(const QString &what) const {
         runner_.runWhole(QStringLiteral("bench_reading"), {home, what}, output);
     });
     return output;
-}
-
-void ScreenCases::reportStep(const QList<QByteArray> &outputs, const QByteArray &step,
-                             const QByteArray &figure, double allowed,
-                             std::optional<double> target) {
-    std::vector<double> medians;
-    double worst = 0;
-    for (const QByteArray &output : outputs) {
-        const QByteArray line = lineOf(output, step);
-        medians.push_back(figureOf(line, figure + "-median"));
-        worst = std::max(worst, figureOf(line, figure + "-worst"));
-    }
-    const QString text = QLatin1String(step + ", " + figure);
-    report_.row({text + u": median, ms", medianOf(medians) * milliseconds, allowed, 2, target});
-    report_.row({text + u": worst, ms", worst * milliseconds, allowed, 2, target});
 }
 
 } // namespace tidebrook

@@ -5,8 +5,6 @@
 
 #include <QString>
 
-#include <optional>
-
 namespace tidebrook {
 
 struct Options;
@@ -34,9 +32,6 @@ private:
 
     /// Has the user do this on a copy of the store, of which nothing was read or updated yet.
     QByteArray read(const QString &what) const;
-    /// Of a kind of step: the median of the runs' medians, and the worst of all runs, in ms.
-    void reportStep(const QList<QByteArray> &outputs, const QByteArray &step,
-                    const QByteArray &figure, double allowed, std::optional<double> target = 1);
 
     const Options &options_;
     const QString folder_;
