@@ -4,6 +4,7 @@
 #include "bench/reader_cases.h"
 #include "bench/screen_cases.h"
 #include "bench/service_cases.h"
+#include "bench/sharing_cases.h"
 #include "bench/store_maker.h"
 
 #include <QDir>
@@ -57,7 +58,7 @@ const QStringList &Cases::names() {
     static const QStringList names{QStringLiteral("one"),     QStringLiteral("held"),
                                    QStringLiteral("many"),    QStringLiteral("channels"),
                                    QStringLiteral("service"), QStringLiteral("reader"),
-                                   QStringLiteral("screens")};
+                                   QStringLiteral("screens"), QStringLiteral("sharing")};
     return names;
 }
 
@@ -79,6 +80,8 @@ void Cases::run() {
         ReaderCases(options_, folder_, runner_, report_).run();
     if (isWanted(6))
         ScreenCases(options_, folder_, runner_, report_).run();
+    if (isWanted(7))
+        SharingCases(options_, folder_, runner_, report_).run();
     report_.note(QStringLiteral("\nMedians of %1 runs, taken in turns; %2.\n%3 targets met, %4 not "
                                 "met.")
                      .arg(options_.runs)

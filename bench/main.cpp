@@ -16,8 +16,9 @@ namespace {
 void describe(QCommandLineParser &parser) {
     parser.setApplicationDescription(QStringLiteral(
         "Measures refreshes beside a floor, which does the same work with ready-made parts and no\n"
-        "rules, the list of channels, the background downloader, the reader's start, and its\n"
-        "screens. Exit status: 0 all was measured, 1 something could not be, 2 wrong usage."));
+        "rules, the list of channels, the background downloader, the reader's start, its\n"
+        "screens, and bringing channels in and out. Exit status: 0 all was measured, 1 something\n"
+        "could not be, 2 wrong usage."));
     parser.addOptions({
         {QStringLiteral("counts"), QStringLiteral("Count instructions, too; takes minutes.")},
         {QStringLiteral("idle"),

@@ -80,6 +80,8 @@ ScreenDriver::Cost ScreenDriver::now() const {
             secondsOf(CLOCK_PROCESS_CPUTIME_ID)};
 }
 
+ScreenDriver::Cost ScreenDriver::since(const Cost &begin) const { return between(begin, now()); }
+
 ScreenDriver::Cost ScreenDriver::answer(const Step &step) {
     const Cost begin = now();
     mailbox_.post([this, isThere = step.isThere] { isThere_ = isThere; });
@@ -94,7 +96,7 @@ ScreenDriver::Cost ScreenDriver::measure(const Step &step) {
     const Cost begin = now();
     answer(step);
     rest(quietOfSteps);
-    const Cost cost = between(begin, now());
+    const Cost cost = since(begin);
     look([&] {
         const QImage after = shown(stack_);
         require(after != before, step.name + u": another picture");
@@ -178,13 +180,7 @@ void ScreenDriver::tapRow(int row) {
 }
 
 void ScreenDriver::turnWheel(int direction) {
-    mailbox_.post([this, direction] {
-        QWidget *area = list().viewport();
-        const QPoint place = area->rect().center();
-        QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -wheelNotch * direction),
-                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(area, &event);
-    });
+    mailbox_.post([this, direction] { turnWheelOver(list(), direction); });
 }
 
 void ScreenDriver::post(int command) {
@@ -193,6 +189,14 @@ void ScreenDriver::post(int command) {
         require(dialog != nullptr, QStringLiteral("there is a screen for the command"));
         dialog->post(command);
     });
+}
+
+void turnWheelOver(ListView &list, int direction) {
+    QWidget *area = list.viewport();
+    const QPoint place = area->rect().center();
+    QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -wheelNotch * direction),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(area, &event);
 }
 
 void printCosts(const char *name, const ScreenDriver::Costs &costs) {

@@ -45,6 +45,10 @@ public:
     /// Opens the category list, has the user work, and closes all that is open when he is done.
     void run(const std::function<void()> &user);
 
+    // For any thread.
+    Cost now() const;
+    Cost since(const Cost &begin) const;
+
     // For the user's thread.
     /// From the step's sending until its end is on the screen; what else it leads to goes on.
     Cost answer(const Step &step);
@@ -75,8 +79,6 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    Cost now() const;
-
     DeviceParts device_;
     ScreenStack stack_;
     std::unique_ptr<AppState> state_;
@@ -89,6 +91,9 @@ private:
     Cost painted_;   // when it was
     std::binary_semaphore isPainted_{0};
 };
+
+/// Turns the wheel over a list by a notch, on the screens' thread: downward 1, upward -1.
+void turnWheelOver(ListView &list, int direction);
 
 /// Prints the line that the driver of the benchmarks reads: the name, how many there are, and the
 /// median and the worst of each figure.
