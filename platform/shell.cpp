@@ -1,8 +1,8 @@
 #include "platform/shell.h"
 
+#include "platform/detached_program.h"
 #include "platform/text.h"
 
-#include <QProcess>
 #include <QStringList>
 #include <QUrl>
 #include <QUrlQuery>
@@ -11,7 +11,12 @@ namespace tidebrook {
 
 namespace {
 
-const QString opener = QStringLiteral("xdg-open");
+// One that fails does so at once; one that is the program itself stays for as long as that does.
+constexpr std::chrono::seconds patience{3};
+
+bool openByDesktop(const QString &address) {
+    return startDetached(QStringLiteral("xdg-open"), {address}, patience);
+}
 
 // What else a message could be told to have, as a file to go with it, is no concern of a feed.
 void leaveMessageAlone(QUrl &url) {
@@ -51,18 +56,18 @@ bool openLink(const QString &link) {
     QUrl url(link.trimmed());
     if (url.scheme() == QLatin1String("mailto") && url.hasQuery())
         leaveMessageAlone(url);
-    return QProcess::startDetached(opener, {QString::fromLatin1(url.toEncoded())});
+    return openByDesktop(QString::fromLatin1(url.toEncoded()));
 }
 
 bool composeMail(const QString &subject, const QString &body) {
     const QString address = u"mailto:?subject=" + encoded(withoutControls(subject)) + u"&body=" +
                             encoded(withLineEnds(body, QLatin1String("\r\n")));
-    return QProcess::startDetached(opener, {address});
+    return openByDesktop(address);
 }
 
 bool composeSms(const QString &text) {
     const QString address = u"sms:?body=" + encoded(withLineEnds(text, QLatin1String("\n")));
-    return QProcess::startDetached(opener, {address});
+    return openByDesktop(address);
 }
 
 } // namespace tidebrook

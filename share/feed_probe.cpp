@@ -1,8 +1,7 @@
 #include "share/feed_probe.h"
 
-#include "platform/stop_signal.h"
 #include "platform/text.h"
-#include "store/error_codes.h"
+#include "share/download_failure.h"
 #include "store/settings_store.h"
 
 #include <QIODevice>
@@ -78,9 +77,8 @@ std::optional<QString> probe(Registry &registry, const QString &url, const HttpL
     const HttpProgress progress = httpDownloadDirect(url, opening, limits);
     if (opening.isSettled() || progress == HttpProgress::Complete)
         return opening.found();
-    if (!limits.stop || !limits.stop->isRaised())
-        SetLastErrorCode(registry,
-                         progress == HttpProgress::NotOpened ? FeedNotSent : FeedNotDownloaded);
+    if (const quint32 code = downloadFailure(progress, limits); code != 0)
+        SetLastErrorCode(registry, code);
     return std::nullopt;
 }
 

@@ -1,8 +1,8 @@
 #include "share/opml_reader.h"
 
 #include "platform/replace_file.h"
-#include "platform/stop_signal.h"
 #include "platform/text.h"
+#include "share/download_failure.h"
 #include "store/error_codes.h"
 #include "store/settings_store.h"
 
@@ -77,8 +77,8 @@ std::optional<QByteArray> OpmlReader::download(const QString &url) {
         if (replaceFile(device_.filePath(downloadFile), body.data()))
             return body.data();
         fail(FileNotWritten);
-    } else if (!limits_.stop || !limits_.stop->isRaised()) {
-        fail(progress == HttpProgress::NotOpened ? FeedNotSent : FeedNotDownloaded);
+    } else if (const quint32 code = downloadFailure(progress, limits_); code != 0) {
+        fail(code);
     }
     return std::nullopt;
 }

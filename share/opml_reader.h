@@ -32,7 +32,7 @@ static_assert(sizeof(OpmlEntry) == 1124);
 /// ends at once when `limits.stop` is raised, which is no failure to tell of.
 class OpmlReader {
 public:
-    /// The registry outlives the reader.
+    /// The registry outlives the reader, and what `limits.stop` points to every `open`.
     OpmlReader(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {});
 
     /// Reads the list from an address (ListFromUrl) or a file (ListFromFile). False when it is

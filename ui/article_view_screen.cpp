@@ -9,6 +9,7 @@
 #include "res/commands.h"
 #include "res/strings.h"
 #include "share/dialogs/article_handing.h"
+#include "share/dialogs/told_errand.h"
 #include "store/escape_sql.h"
 #include "ui/article_page.h"
 #include "ui/kit/dialog.h"
@@ -146,11 +147,11 @@ void ArticleViewScreen::command(int id) {
 }
 
 void ArticleViewScreen::save(SaveKind kind) {
-    saveArticle(state_, dialog_, state_.fillChannel, state_.fillTitle, kind);
+    saveArticle(state_, state_.fillChannel, state_.fillTitle, kind);
 }
 
 void ArticleViewScreen::send(SendKind kind) {
-    sendArticle(state_, dialog_, state_.fillChannel, state_.fillTitle, kind);
+    sendArticle(state_, state_.fillChannel, state_.fillTitle, kind);
 }
 
 void ArticleViewScreen::openTarget(const QString &target) {
@@ -158,12 +159,7 @@ void ArticleViewScreen::openTarget(const QString &target) {
         ShowMessage(state_, warningString, wrongUrlString);
         return;
     }
-    state_.settings.ask(
-        dialog_, [target] { return openLink(target); },
-        [this](bool isOpened) {
-            if (!isOpened)
-                ShowError(state_, unidentifiedProblemString);
-        });
+    startErrand(state_, [target] { return openLink(target) ? 0 : unidentifiedProblemString; });
 }
 
 void ArticleViewScreen::activated() {

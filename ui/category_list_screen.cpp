@@ -208,7 +208,7 @@ void CategoryListScreen::newCategory() {
 
 void CategoryListScreen::exportSelected() {
     if (!warnWithoutSelection())
-        exportCategory(state_, dialog_, list_->rowText(SelectedRow(list_)));
+        exportCategory(state_, list_->rowText(SelectedRow(list_)));
 }
 
 void CategoryListScreen::renameCategory() {

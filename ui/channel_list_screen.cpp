@@ -11,10 +11,12 @@
 #include "ui/article_list_screen.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/list_view.h"
+#include "ui/kit/screen_stack.h"
 #include "ui/row_painter.h"
 #include "ui/update_commands.h"
 
 #include <QKeyEvent>
+#include <QPointer>
 
 namespace tidebrook {
 
@@ -146,36 +148,39 @@ void ChannelListScreen::deleteChannel() {
     const QString channel = list().rowText(*row);
     if (!askUser(state(), confirmDeletionString, deleteChannelString))
         return;
-    if (!startDeleteChannel(state(), &dialog(), channel, changeEnd()))
+    if (!startDeleteChannel(state(), &state().stack, channel, changeEnd()))
         changeEnd()(fileProblemString);
 }
 
-// What has changed is shown, also when a part of it failed.
+// What has changed is shown if the screen is still there, also when a part of it failed; that is
+// told wherever the user has gone.
 JobEnd ChannelListScreen::changeEnd() {
-    return [this](int messageId) {
-        refreshSoon();
+    return [&state = state(), screen = QPointer(&dialog())](int messageId) {
+        if (!screen.isNull())
+            screen->post(CommandRefreshChannels);
         if (messageId == nameExistsString)
-            ShowMessage(state(), warningString, messageId);
+            ShowMessage(state, warningString, messageId);
         else if (messageId != 0)
-            ShowError(state(), messageId);
+            ShowError(state, messageId);
     };
 }
 
 void ChannelListScreen::newChannel() {
-    if (runNewChannelWizard(state(), &dialog(), changeEnd()) == 0)
+    if (runNewChannelWizard(state(), &state().stack, changeEnd()) == 0)
         refreshSoon();
 }
 
 void ChannelListScreen::exportSelected() {
     if (const auto row = selection())
-        exportChannel(state(), &dialog(), name(), list().rowText(*row));
+        exportChannel(state(), name(), list().rowText(*row));
 }
 
 void ChannelListScreen::showProperties() {
     const auto row = selection();
     if (!row)
         return;
-    if (runChannelProperties(state(), name(), list().rowText(*row), &dialog(), changeEnd()) == 1)
+    if (runChannelProperties(state(), name(), list().rowText(*row), &state().stack, changeEnd()) ==
+        1)
         refreshSoon();
 }
 

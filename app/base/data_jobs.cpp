@@ -97,9 +97,17 @@ int addUnnamedChannel(DeviceParts &device, ChannelRecord record) {
     return insertChannel(device, change, record);
 }
 
-bool isTaken(DeviceParts &device, const QString &name) {
-    QString category;
-    return !device.store->FindCategory(name, category) || !category.isNull();
+// A name that is taken stays what it is: the articles would go to the channel that has it.
+bool renameChannel(DeviceParts &device, const QString &from, const QString &to, QString *name) {
+    QString owner;
+    if (!device.store->FindCategory(to, owner))
+        return false;
+    if (!owner.isNull())
+        return true;
+    if (!device.store->RenameChannel(from, to))
+        return false;
+    *name = to;
+    return renameAutoUpdated(device.root, from, to);
 }
 
 // The name comes last, so that the channel is found under its old one until then.
@@ -112,14 +120,12 @@ int changeChannel(DeviceParts &device, const ChannelProperties &from, const Chan
     const bool isRelinked = to.link != from.link;
     if (isRelinked)
         isDone = store.SetChannelLink(from.name, to.link) && isDone;
-    // A name that is taken would have the articles go to the channel that has it.
-    if (to.name != from.name && !isTaken(device, to.name)) {
-        isDone = store.RenameChannel(from.name, to.name) && isDone;
-        isDone = renameAutoUpdated(device.root, from.name, to.name) && isDone;
-    }
+    QString name = from.name;
+    if (to.name != from.name)
+        isDone = renameChannel(device, from.name, to.name, &name) && isDone;
     if (to.isAutoUpdated != from.isAutoUpdated)
-        isDone = setAutoUpdate(device.root, {from.link, to.name, to.category}, to.isAutoUpdated) &&
-                 isDone;
+        isDone =
+            setAutoUpdate(device.root, {from.link, name, to.category}, to.isAutoUpdated) && isDone;
     if (isRelinked && !isStorableLink(to.link))
         return wrongUrlString;
     return isDone ? done : change.fail();

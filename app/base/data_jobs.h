@@ -12,9 +12,9 @@ using JobEnd = std::function<void(int messageId)>;
 
 // The jobs that change channels and categories. Each is started, not waited for, and done in the
 // order in which it was started; one that is under way when the program ends is done before that.
-// Names are cut to 40 (category), 50 (channel) and 512 (address) characters. True when the job was
-// started; otherwise nobody is told. A failure leaves its code in "ERRORNO", and what was there
-// before as it was.
+// Names are cut to 40 (category) and 50 (channel) characters. True when the job was started;
+// otherwise nobody is told. A failure leaves what was there before as it was, and its code in
+// "ERRORNO", except that a name or an address that is refused has none.
 
 /// Renames a category, with all its channels and articles: it is in the list of categories under
 /// one of its names at every moment, with its channels.
@@ -44,8 +44,8 @@ struct ChannelProperties {
 
 /// Makes what differs: moves the channel, gives it another address and another name, and puts it
 /// on the list of automatic updates, with its old address, or takes it off. A part that fails does
-/// not keep the others from being done. A name that another channel has is not taken, which is
-/// nobody told. The list of automatic updates follows a new name.
+/// not keep the others from being done. A name that another channel has is not taken, which nobody
+/// is told. The list of automatic updates follows a new name.
 bool startChangeChannel(AppState &state, QObject *receiver, const ChannelProperties &from,
                         const ChannelProperties &to, JobEnd end);
 

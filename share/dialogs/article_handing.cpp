@@ -3,55 +3,47 @@
 #include "app/base/messages.h"
 #include "app/base/text_screens.h"
 #include "res/strings.h"
+#include "share/dialogs/told_errand.h"
 #include "store/escape_sql.h"
 #include "ui/kit/file_dialog.h"
+#include "ui/kit/screen_stack.h"
 
 namespace tidebrook {
 
 namespace {
 
-// Does it while the user goes on, and tells when it has failed.
-template <class Work> void start(AppState &state, QObject *receiver, Work work, int failureString) {
-    const auto tell = [&state, failureString](bool isDone) {
-        if (!isDone)
-            ShowError(state, failureString);
-    };
-    const auto errand = [work = std::move(work)](const StopSignal &) { return work(); };
-    if (state.errands.run(receiver, errand, tell) == nullptr)
-        ShowError(state, memoryProblemString);
+constexpr int done = 0;
+
+FileChoice chooseFile(AppState &state, const QString &title) {
+    return chooseFileToSave(state.stack, {.title = resourceString(saveString),
+                                          .filterName = resourceString(htmlFilterString),
+                                          .pattern = QStringLiteral("*.html"),
+                                          .name = title,
+                                          .pathLimit = titleCapacity - 1,
+                                          .help = [&state] { showHelp(state); }});
 }
 
 } // namespace
 
-void saveArticle(AppState &state, QObject *receiver, const QString &channel, const QString &title,
-                 SaveKind kind) {
-    const FileChoice choice =
-        chooseFileToSave(state.stack, {.title = resourceString(saveString),
-                                       .filterName = resourceString(htmlFilterString),
-                                       .pattern = QStringLiteral("*.html"),
-                                       .name = title,
-                                       .pathLimit = titleCapacity - 1,
-                                       .help = [&state] { showHelp(state); }});
+void saveArticle(AppState &state, const QString &channel, const QString &title, SaveKind kind) {
+    // What is shown may be another article by the time that the file is named.
+    const auto save = [&store = *state.device.store, channel, title, kind](const QString &path) {
+        ArticleExtract article;
+        if (!store.GetArticleExtract(channel, title, article))
+            return unidentifiedProblemString;
+        return saveArticleHtml(store, channel, title, path, kind) ? done : fileProblemString;
+    };
+    const FileChoice choice = chooseFile(state, title);
     if (choice.isTooLong)
-        return ShowError(state, fileProblemString);
-    if (choice.path.isNull())
-        return;
-    start(
-        state, receiver,
-        [&store = *state.device.store, channel, title, path = choice.path, kind] {
-            return saveArticleHtml(store, channel, title, path, kind);
-        },
-        fileProblemString);
+        ShowError(state, fileProblemString);
+    else if (!choice.path.isNull())
+        startErrand(state, [save, path = choice.path] { return save(path); });
 }
 
-void sendArticle(AppState &state, QObject *receiver, const QString &channel, const QString &title,
-                 SendKind kind) {
-    start(
-        state, receiver,
-        [&store = *state.device.store, channel, title, kind] {
-            return sendArticleLink(store, channel, title, kind);
-        },
-        unidentifiedProblemString);
+void sendArticle(AppState &state, const QString &channel, const QString &title, SendKind kind) {
+    startErrand(state, [&store = *state.device.store, channel, title, kind] {
+        return sendArticleLink(store, channel, title, kind) ? done : unidentifiedProblemString;
+    });
 }
 
 } // namespace tidebrook

@@ -1,25 +1,30 @@
 #include "share/dialogs/category_choice.h"
 
+#include "app/base/messages.h"
 #include "res/strings.h"
 
 #include <QComboBox>
+
+#include <optional>
 
 namespace tidebrook {
 
 void readCategories(AppState &state, QObject *receiver,
                     std::function<void(const QStringList &)> then) {
     state.changes.ask(
-        receiver,
-        [&store = state.device.categoryStore] {
-            return store.listedCategories().value_or(QStringList());
-        },
-        [then = std::move(then)](const QStringList &names) {
-            then(names.isEmpty() ? QStringList(resourceString(noCategoryString)) : names);
+        receiver, [&store = state.device.categoryStore] { return store.listedCategories(); },
+        [&state, then = std::move(then)](const std::optional<QStringList> &names) {
+            then(!names             ? QStringList()
+                 : names->isEmpty() ? QStringList(resourceString(noCategoryString))
+                                    : *names);
+            if (!names)
+                ShowError(state, fileProblemString);
         });
 }
 
 void selectByBeginning(QComboBox &box, const QString &text) {
-    box.setCurrentIndex(box.findText(text, Qt::MatchStartsWith));
+    if (const int found = box.findText(text, Qt::MatchStartsWith); found >= 0)
+        box.setCurrentIndex(found);
 }
 
 } // namespace tidebrook

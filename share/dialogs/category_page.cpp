@@ -1,6 +1,5 @@
 #include "share/dialogs/category_page.h"
 
-#include "platform/stop_signal.h"
 #include "platform/text.h"
 #include "res/commands.h"
 #include "share/dialogs/category_choice.h"
@@ -37,7 +36,10 @@ bool CategoryPage::initialise(Dialog &dialog) {
     beginWaiting();
     readCategories(state(), &dialog, [this](const QStringList &names) {
         endWaiting();
-        showCategories(names);
+        if (names.isEmpty())
+            leave(CommandWizardBack);
+        else
+            showCategories(names);
     });
     return true;
 }
@@ -50,7 +52,6 @@ void CategoryPage::showCategories(const QStringList &names) {
 void CategoryPage::command(int id) {
     switch (id) {
     case CommandFinish:
-    case CommandOk:
         return isProbed_ ? probe() : finish();
     case CommandWizardGoOn:
         return finish();
@@ -62,25 +63,32 @@ void CategoryPage::command(int id) {
 }
 
 void CategoryPage::probe() {
-    await(
-        [&registry = state().device.registry,
-         url = channels_.first().channelLink](const StopSignal &stop) {
-            HttpLimits limits;
-            limits.stop = &stop;
-            return probeTitle(registry, url, limits);
-        },
-        [this](const std::optional<QString> &title) {
-            channels_.first().channelName = title.value_or(QString());
-            dialog().post(CommandWizardGoOn);
-        });
+    isProbing_ =
+        await([&registry = state().device.registry, url = channels_.first().channelLink](
+                  const StopSignal &stop) { return probeTitle(registry, url, {.stop = &stop}); },
+              [this](const std::optional<QString> &title) {
+                  channels_.first().channelName = title.value_or(QString());
+                  dialog().post(CommandWizardGoOn);
+              });
 }
 
 void CategoryPage::finish() {
+    add();
+    leave(CommandFinish);
+}
+
+// Who has finished, and does not wait for the feed's title, is to have the channel all the same.
+void CategoryPage::close() {
+    if (isProbing_)
+        add();
+    leave(0);
+}
+
+void CategoryPage::add() {
     const QString category = cutText(categories_->currentText(), categoryCapacity).toString();
     for (ChannelRecord &channel : channels_)
         channel.category = category;
     startAdding(adding_, channels_);
-    leave(CommandFinish);
 }
 
 } // namespace tidebrook

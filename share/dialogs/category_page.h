@@ -25,6 +25,7 @@ public:
 
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
+    void close() override;
 
 private:
     CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels, bool isProbed);
@@ -32,10 +33,12 @@ private:
     void showCategories(const QStringList &names);
     void probe();
     void finish();
+    void add();
 
     const ChannelAdding adding_;
     QList<ChannelRecord> channels_;
     const bool isProbed_; // the one channel's name is still to be found out
+    bool isProbing_ = false;
     QComboBox *categories_ = nullptr;
 };
 

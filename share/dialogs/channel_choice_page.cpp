@@ -1,7 +1,6 @@
 #include "share/dialogs/channel_choice_page.h"
 
 #include "app/base/messages.h"
-#include "platform/stop_signal.h"
 #include "res/commands.h"
 #include "share/dialogs/category_page.h"
 #include "ui/kit/dialog.h"
@@ -45,9 +44,8 @@ bool ChannelChoicePage::initialise(Dialog &dialog) {
 void ChannelChoicePage::openList() {
     const auto open = [&device = state().device, mode = mode_,
                        source = source_](const StopSignal &stop) {
-        HttpLimits limits;
-        limits.stop = &stop;
-        auto reader = std::make_shared<OpmlReader>(device.root, device.registry, limits);
+        auto reader =
+            std::make_shared<OpmlReader>(device.root, device.registry, HttpLimits{.stop = &stop});
         return reader->open(mode, source) ? reader : nullptr;
     };
     await(open, [this](std::shared_ptr<OpmlReader> reader) {
@@ -97,7 +95,7 @@ QList<ChannelRecord> ChannelChoicePage::checkedChannels() {
 }
 
 void ChannelChoicePage::command(int id) {
-    if (id == CommandWizardNext || id == CommandOk)
+    if (id == CommandWizardNext)
         goOn();
     else if (id == CommandWizardBack)
         leave(CommandWizardBack);

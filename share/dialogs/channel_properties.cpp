@@ -43,10 +43,12 @@ Stored readStored(DeviceParts &device, const QString &category, const QString &c
     return stored;
 }
 
-// What the user has changed. What was only shown stays as it was: an edit may show less of it than
-// there is.
+// What the user has changed; blanks at its end are none to the database. What was only shown stays
+// as it was: an edit may show less of it than there is.
 QString edited(const QLineEdit &edit, qsizetype limit, const QString &before) {
-    return edit.isModified() ? cutText(withoutControls(edit.text()), limit).toString() : before;
+    if (!edit.isModified())
+        return before;
+    return TrimTrailingBlanks(cutText(withoutControls(edit.text()), limit)).toString();
 }
 
 } // namespace
@@ -104,7 +106,9 @@ void PropertiesDialog::read() {
             return readStored(device, category, channel);
         },
         [this](const Stored &stored) { showStored(stored); });
-    readCategories(state(), &dialog(), [this](const QStringList &names) { showCategories(names); });
+    readCategories(state(), &dialog(), [this](const QStringList &names) {
+        showCategories(names.isEmpty() ? QStringList(initial_.category) : names);
+    });
 }
 
 void PropertiesDialog::showStored(const Stored &stored) {
@@ -120,10 +124,9 @@ void PropertiesDialog::showStored(const Stored &stored) {
 // The category itself, before one that only begins like it.
 void PropertiesDialog::showCategories(const QStringList &names) {
     category_->addItems(names);
+    selectByBeginning(*category_, initial_.category);
     if (const auto at = names.indexOf(initial_.category); at >= 0)
         category_->setCurrentIndex(static_cast<int>(at));
-    else
-        selectByBeginning(*category_, initial_.category);
     shownCategory_ = category_->currentIndex();
     endWaiting();
 }
@@ -140,7 +143,7 @@ ChannelProperties PropertiesDialog::wanted() const {
 }
 
 void PropertiesDialog::command(int id) {
-    if (id == CommandPropertiesDone || id == CommandOk)
+    if (id == CommandPropertiesDone)
         apply();
     else if (id == CommandCancelProperties)
         leave(0);

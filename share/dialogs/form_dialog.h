@@ -31,8 +31,11 @@ protected:
 
     bool prepare(Dialog &dialog, int menuBarId);
 
-    /// Waits for an errand, whose result `take` gets, unless the dialog is left before that.
-    template <class Work, class Take> void await(Work work, Take take) {
+    /// Waits for an errand, whose result `take` gets, unless the dialog is left before that. False,
+    /// and nothing is begun, when it waits already, or there is no thread, which is told.
+    template <class Work, class Take> bool await(Work work, Take take) {
+        if (waiting_)
+            return false;
         waiting_.emplace(*dialog_, nextCommand_);
         errand_ = state_.errands.run(dialog_, std::move(work),
                                      [this, take = std::move(take)](auto result) {
@@ -41,6 +44,7 @@ protected:
                                      });
         if (errand_ == nullptr)
             tellNoThread();
+        return errand_ != nullptr;
     }
     /// The same for what comes another way: from here until `endWaiting`.
     void beginWaiting() { waiting_.emplace(*dialog_, nextCommand_); }

@@ -2,7 +2,6 @@
 
 #include "app/base/messages.h"
 #include "app/base/text_screens.h"
-#include "platform/stop_signal.h"
 #include "platform/text.h"
 #include "res/commands.h"
 #include "res/strings.h"
@@ -83,7 +82,6 @@ void HowToAddPage::command(int id) {
     case CommandWizardGoOn:
         return takeType();
     case CommandCancelWizard:
-    case CommandOk:
         return leave(0);
     default:
         break;
@@ -91,19 +89,16 @@ void HowToAddPage::command(int id) {
 }
 
 void HowToAddPage::goOnWithUrl() {
-    url_ = lowerCased(withoutControls(edit_->text()).trimmed());
-    if (url_.size() <= longestTooShort)
+    const QString typed = lowerCased(edit_->text());
+    if (typed.size() <= longestTooShort)
         return ShowError(state(), wrongUrlString);
-    await(
-        [&registry = state().device.registry, url = url_](const StopSignal &stop) {
-            HttpLimits limits;
-            limits.stop = &stop;
-            return probeType(registry, url, limits);
-        },
-        [this](const std::optional<QString> &type) {
-            type_ = type;
-            dialog().post(CommandWizardGoOn);
-        });
+    url_ = withoutControls(typed).trimmed();
+    await([&registry = state().device.registry, url = url_](
+              const StopSignal &stop) { return probeType(registry, url, {.stop = &stop}); },
+          [this](const std::optional<QString> &type) {
+              type_ = type;
+              dialog().post(CommandWizardGoOn);
+          });
 }
 
 // An address that does not tell may be that of a feed whose server is out of reach at present.

@@ -3,9 +3,13 @@
 #include "app/base/messages.h"
 #include "app/base/text_screens.h"
 #include "res/strings.h"
+#include "share/dialogs/told_errand.h"
 #include "share/opml_writer.h"
 #include "store/escape_sql.h"
 #include "ui/kit/file_dialog.h"
+
+#include <memory>
+#include <semaphore>
 
 namespace tidebrook {
 
@@ -20,35 +24,33 @@ FileChoice chooseFile(AppState &state, int titleId, const QString &name, qsizety
                                           .help = [&state] { showHelp(state); }});
 }
 
-// In its turn, so that it has what the user has changed before.
-void write(AppState &state, QObject *receiver, const QString &category, const QString &channel,
-           const FileChoice &choice) {
+// It waits for its turn, so that it has what the user has changed before; but no later change waits
+// for its disk.
+void writeInTurn(AppState &state, const QString &category, const QString &channel,
+                 const FileChoice &choice) {
     if (choice.isTooLong)
         return ShowError(state, fileProblemString);
     if (choice.path.isNull())
         return;
-    state.changes.ask(
-        receiver,
-        [&store = *state.device.store, category, channel, path = choice.path] {
-            return exportOpml(store, category, channel, path);
-        },
-        [&state](bool isWritten) {
-            if (!isWritten)
-                ShowError(state, fileProblemString);
-        });
+    const auto turn = std::make_shared<std::binary_semaphore>(0);
+    if (!state.changes.tell([turn] { turn->release(); }))
+        turn->release();
+    startErrand(state, [&store = *state.device.store, category, channel, path = choice.path, turn] {
+        turn->acquire();
+        return exportOpml(store, category, channel, path) ? 0 : fileProblemString;
+    });
 }
 
 } // namespace
 
-void exportCategory(AppState &state, QObject *receiver, const QString &category) {
-    write(state, receiver, category, {},
-          chooseFile(state, exportCategoryString, category, categoryCapacity));
+void exportCategory(AppState &state, const QString &category) {
+    writeInTurn(state, category, {},
+                chooseFile(state, exportCategoryString, category, categoryCapacity));
 }
 
-void exportChannel(AppState &state, QObject *receiver, const QString &category,
-                   const QString &channel) {
-    write(state, receiver, category, channel,
-          chooseFile(state, exportChannelString, channel, channelNameCapacity));
+void exportChannel(AppState &state, const QString &category, const QString &channel) {
+    writeInTurn(state, category, channel,
+                chooseFile(state, exportChannelString, channel, channelNameCapacity));
 }
 
 } // namespace tidebrook

@@ -97,7 +97,7 @@ bool deleteScience(AppState &state, QObject *receiver, JobEnd end) {
 
 bool addMars(AppState &state, QObject *receiver, JobEnd end) {
     return AddChannelJob(state, receiver, {u"News"_s, u"Mars"_s, u"http://example.org/d"_s},
-                           std::move(end));
+                         std::move(end));
 }
 
 bool deleteMoon(AppState &state, QObject *receiver, JobEnd end) {
@@ -141,7 +141,7 @@ TEST_F(DataJobsTest, LongNamesAreCutEverywhereAlike) {
     EXPECT_EQ(shown(in(40)), u"Planet");
     EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
         return AddChannelJob(state, receiver, {name, name, u"http://example.org"_s},
-                               std::move(end));
+                             std::move(end));
     }));
     QString category;
     device_.store->FindCategory(in(50), category);

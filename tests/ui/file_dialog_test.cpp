@@ -1,3 +1,4 @@
+#include "platform/replace_file.h"
 #include "support/test_device.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/file_dialog.h"
@@ -185,7 +186,7 @@ TEST(OpenFile, BeginsAtHomeWithoutDocumentsAndTellsHelp) {
 
 TEST(SaveFile, TakesTheNamesThatPeopleGive) {
     const Home home({u"old.opml"_s, u"sub/"_s, u"dir.opml/"_s});
-    const QString longest(250, u'x');
+    const QString longest(243, u'x');
     const std::pair<QString, QString> good[]{
         {u" News.OPML "_s, u"News.OPML"_s},
         {u"old.html"_s, u"old.html.opml"_s},
@@ -288,12 +289,16 @@ TEST(SaveFile, ProposesWhatCanBeTheNameOfAFileInSight) {
         {u".."_s, u""_s},
         {u"..opml"_s, u""_s},
         {u"News.Opml"_s, u"News.Opml"_s},
-        {QString(300, u'x'), QString(250, u'x')},
-        {smile.repeated(255), smile.repeated(62)},
-        {u"x"_s + smile.repeated(255) + u".opml", u"x"_s + smile.repeated(62) + u".opml"},
+        {QString(300, u'x'), QString(243, u'x')},
+        {smile.repeated(255), smile.repeated(60)},
+        {u"x"_s + smile.repeated(255) + u".opml", u"x"_s + smile.repeated(60) + u".opml"},
     };
     for (const auto &[wanted, proposed] : cases)
         EXPECT_EQ(possibleFileName(wanted, u".opml"_s), proposed);
+    const QTemporaryDir folder;
+    const QString longest =
+        folder.filePath(possibleFileName(QString(300, u'x'), u".opml"_s)) + u".opml";
+    EXPECT_TRUE(replaceFile(longest, "new") && replaceFile(longest, "newer"));
     const Home home({});
     const auto save = [](User &user) {
         ASSERT_TRUE(seesName(user, u"Food drink"_s));

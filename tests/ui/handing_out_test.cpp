@@ -73,8 +73,9 @@ TEST_F(HandingOutTest, APlaceThatIsTooLongOrCannotBeWrittenIsToldAndNothingIsLos
 TEST_F(HandingOutTest, AnArticleIsSavedAndSentAsItIsShown) {
     const QString folder = device.root.path();
     const QString sent = folder + u"/sent";
-    ASSERT_TRUE(writeFile(folder + u"/xdg-open",
-                          u"#!/bin/sh\necho \"$# $*\" >> '%1'\n"_s.arg(sent).toUtf8()));
+    ASSERT_TRUE(writeFile(
+        folder + u"/xdg-open",
+        u"#!/bin/sh\necho \"$# $*\" >> '%1'\ntest ! -e '%1.off' || exit 3\n"_s.arg(sent).toUtf8()));
     QFile::setPermissions(folder + u"/xdg-open", QFile::ReadOwner | QFile::ExeOwner);
     const QByteArray searched = qgetenv("PATH");
     qputenv("PATH", folder.toLocal8Bit() + ':' + searched);
@@ -100,12 +101,13 @@ TEST_F(HandingOutTest, AnArticleIsSavedAndSentAsItIsShown) {
             }));
         }
         ASSERT_TRUE(user.seesQuiet());
+        writeFile(sent + u".off", {}); // nobody composes any more
+        user.choose({u"Send Link via SMS"_s});
+        expectBox(user, u"Encountering Unidentified Problem"_s);
         device.store->DeleteChannel(u"Wire"_s);
         user.choose({u"Save Article"_s});
         ASSERT_TRUE(user.seesControls({u"a b c?"_s}));
         user.press(Qt::Key_Return);
-        expectBox(user, fileProblem);
-        user.choose({u"Send Link via email"_s});
         expectBox(user, u"Encountering Unidentified Problem"_s);
     });
     qputenv("PATH", searched);

@@ -81,9 +81,21 @@ const ChangeCase changeCases[] = {
      {planet},
      {u"Luna "_s + moonLink, odd, star},
      {u"Luna "_s + moonLink + u" Science"}},
-    {"a name that is taken",
-     [](User &user) { user.type(u"Planet"_s); },
+    {"blanks behind a name are none",
+     [](User &user) {
+         user.type(u"Luna  "_s);
+         tick(user);
+     },
      false,
+     {planet},
+     {u"Luna "_s + moonLink, odd, star},
+     {u"Luna "_s + moonLink + u" Science"}},
+    {"a name that is taken, and the tick away",
+     [](User &user) {
+         user.type(u"Planet"_s);
+         tick(user);
+     },
+     true,
      {planet},
      {moon, odd, star},
      {}},

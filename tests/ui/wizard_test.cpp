@@ -84,11 +84,15 @@ TEST_F(WizardTest, AnAddressIsRefusedOrTakenForAFeedThatIsOutOfReach) {
         ASSERT_TRUE(user.seesControls(categoryPage)); // 12 are an address
         user.press(Qt::Key_Escape);
         ASSERT_TRUE(user.seesControls({firstPage[0], firstPage[1], u"http://a.bcd"_s}));
-        for (const QString &address : {u"http://127.0.0.2/list.opml"_s, u"opml:opml.opml"_s}) {
+        // The message is that of the last code, which a document that does not tell leaves.
+        for (const auto &[address, code] : {std::pair(u"http://127.0.0.2/list.opml"_s, 1009U),
+                                            std::pair(u"opml:opml.opml"_s, 1007U),
+                                            std::pair(u"http://localhost/gone.opml"_s, 1007U)}) {
             user.press(Qt::Key_A, Qt::ControlModifier);
             user.paste(address);
             user.press(Qt::Key_Return);
             expectBox(user, internetProblem);
+            EXPECT_EQ(device.lastErrorCode(), code);
         }
         // A whole address brings its own scheme.
         user.press(Qt::Key_A, Qt::ControlModifier);
@@ -198,11 +202,12 @@ TEST_F(WizardTest, BackAndCancelEndEveryWait) {
             user.seesControls({firstPage[0], firstPage[1], u"http://localhost/slow.xml"_s}));
         user.press(Qt::Key_Return);
         ASSERT_TRUE(user.seesControls(categoryPage));
-        user.tap(u"Finish"_s); // and the window is closed over it
+        user.tap(u"Finish"_s); // which holds, also when the window is closed over it
         ASSERT_TRUE(user.seesControls({u"waiting"_s}));
         user.closeWindow();
     });
-    EXPECT_EQ(channels(u"Science"_s).size(), 3);
+    EXPECT_EQ(channels(u"Science"_s).size(), 4);
+    EXPECT_TRUE(channels(u"Science"_s).contains(u"New Channel http://localhost/slow.xml"_s));
 }
 
 } // namespace

@@ -51,6 +51,8 @@ private:
     /// Why nothing can be written there; null when something can.
     QString faultOf(const QString &typed, const QString &path) const;
     void propose(const QString &name);
+    /// The name that was asked for, as far as there is room for it.
+    QString proposal() const;
     /// A text of the string table, with a name or path in it that a box has room for.
     QString textWith(int stringId, const QString &name) const;
     void refuse(const QString &text);
@@ -64,8 +66,12 @@ bool SaveProcedure::initialise(Dialog &dialog) {
     if (name_ == nullptr || !FileProcedure::initialise(dialog))
         return false;
     name_->setAccessibleName(resourceString(fileNameString));
-    propose(possibleFileName(request().name, ending_));
+    propose(proposal());
     return true;
+}
+
+QString SaveProcedure::proposal() const {
+    return possibleFileName(cutText(request().name, request().pathLimit).toString(), ending_);
 }
 
 void SaveProcedure::propose(const QString &name) {
@@ -85,7 +91,7 @@ void SaveProcedure::confirm() {
         refuse(resourceString(noFileNameString));
     } else if (QFileInfo(typed).isDir()) {
         goTo(typed);
-        propose(possibleFileName(request().name, ending_));
+        propose(proposal());
     } else if (text.endsWith(u'/')) {
         refuse(textWith(noFolderString, typed));
     } else {

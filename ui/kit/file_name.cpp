@@ -11,7 +11,9 @@ namespace tidebrook {
 
 namespace {
 
-constexpr qsizetype nameBytes = 255; // of all file systems that are in use
+// Of 255 on all file systems that are in use; a file that is replaced is written under a longer
+// name at first.
+constexpr qsizetype nameBytes = 248;
 
 qsizetype byteCount(QStringView text) { return text.toUtf8().size(); }
 

@@ -18,9 +18,9 @@ void paintOutline(QPainter &painter, const QAbstractButton &button,
                   const QStyleOptionButton &option, QStyle::ControlElement mark) {
     const QStyle &style = *button.style();
     if (mark == QStyle::CE_CheckBox)
-        return paintBoxOutline(
-            painter, style.subElementRect(QStyle::SE_CheckBoxIndicator, &option, &button),
-            button.palette());
+        return paintBoxOutline(painter,
+                               style.subElementRect(QStyle::SE_CheckBoxIndicator, &option, &button),
+                               button.palette());
     const QRectF place = style.subElementRect(QStyle::SE_RadioButtonIndicator, &option, &button);
     painter.setPen(outlineColour(button.palette()));
     painter.setBrush(Qt::NoBrush);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "app/base/app_state.h"
+
+#include <functional>
+
+namespace tidebrook {
+
+/// Does work of its own while the user goes on, wherever to. It gives back 0, or the string that
+/// tells the user why it failed, which is then shown. Work is values only: it must not touch a
+/// widget.
+void startErrand(AppState &state, const std::function<int()> &work);
+
+} // namespace tidebrook
