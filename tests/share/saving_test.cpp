@@ -1,6 +1,7 @@
 #include "share/article_sharing.h"
 #include "share/opml_reader.h"
 #include "share/opml_writer.h"
+#include "support/fake_opener.h"
 #include "support/full_disk.h"
 #include "support/test_device.h"
 
@@ -10,9 +11,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <chrono>
-#include <thread>
 
 namespace tidebrook {
 namespace {
@@ -176,20 +174,11 @@ TEST_F(SavingTest, ALinkIsHandedToTheComposerAsOneArgument) {
     device_.addChannel(u"C"_s, u"ch"_s,
                        {{.title = title, .link = u"http://x/?a=1&b"_s},
                         {.title = QString(255, u't'), .link = QString(512, u'k')}});
-    const QString folder = device_.root.path();
-    const QString sent = folder + u"/sent";
-    ASSERT_TRUE(writeFile(
-        folder + u"/xdg-open",
-        u"#!/bin/sh\necho \"$# $*\" > '%1.new'\nmv '%1.new' '%1'\n"_s.arg(sent).toUtf8()));
-    QFile::setPermissions(folder + u"/xdg-open", QFile::ReadOwner | QFile::ExeOwner);
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", folder.toLocal8Bit() + ':' + path);
+    FakeOpener opener;
     const auto send = [&](SendKind kind, const QString &which) {
-        QFile::remove(sent);
+        const qsizetype before = opener.calls().size();
         EXPECT_TRUE(sendArticleLink(*device_.store, u"ch"_s, which, kind));
-        for (int i = 0; i < 3000 && !QFile::exists(sent); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        return content(sent);
+        return opener.calls().sliced(before);
     };
     EXPECT_EQ(send(SendKind::Email, title),
               "1 mailto:?subject=50%25%20off%20f%C3%BCr%20%26%20%22you%22%3F&body="
@@ -199,11 +188,11 @@ TEST_F(SavingTest, ALinkIsHandedToTheComposerAsOneArgument) {
               "1 sms:?body=Title%3A%2050%25%20off%0Af%C3%BCr%20%26%20%22you%22%3F%0A"
               "Date%3A%202026-01-28%0A%20http%3A%2F%2Fx%2F%3Fa%3D1%26b\n");
     EXPECT_EQ(send(SendKind::Sms, QString(255, u't')).count('k'), 602 - 7 - 255 - 7 - 10 - 2);
-    QFile::remove(folder + u"/xdg-open");
     EXPECT_FALSE(sendArticleLink(*device_.store, u"ch"_s, u"gone"_s, SendKind::Email));
-    qputenv("PATH", folder.toLocal8Bit());
+    opener.refuse();
     EXPECT_FALSE(sendArticleLink(*device_.store, u"ch"_s, title, SendKind::Email));
-    qputenv("PATH", path);
+    opener.remove();
+    EXPECT_FALSE(sendArticleLink(*device_.store, u"ch"_s, title, SendKind::Email));
 }
 
 } // namespace

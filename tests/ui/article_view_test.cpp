@@ -1,4 +1,5 @@
 #include "platform/named_event.h"
+#include "support/fake_opener.h"
 #include "ui/article_page.h"
 #include "ui/kit/layer.h"
 #include "ui/kit/text_page.h"
@@ -85,13 +86,7 @@ TEST_F(ArticleViewTest, ATappedLinkIsOpenedAsOneArgumentOrRefused) {
         text += u"<p>&raquo;<a href=\"%1\">(%2)</a></p>"_s.arg(links[i].toHtmlEscaped()).arg(i);
     device.addChannel(u"News"_s, u"Links"_s,
                       QList<TestArticle>{{.title = u"Q"_s, .description = text}});
-    const QString folder = device.root.path();
-    const QString opened = folder + u"/opened";
-    ASSERT_TRUE(writeFile(folder + u"/xdg-open",
-                          u"#!/bin/sh\necho \"$# $*\" >> '%1'\n"_s.arg(opened).toUtf8()));
-    QFile::setPermissions(folder + u"/xdg-open", QFile::ReadOwner | QFile::ExeOwner);
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", folder.toLocal8Bit() + ':' + path);
+    FakeOpener opener;
     QByteArray expected;
     run([&](User &user) {
         go(user, 3, 0);
@@ -104,20 +99,15 @@ TEST_F(ArticleViewTest, ATappedLinkIsOpenedAsOneArgumentOrRefused) {
                 continue;
             }
             expected += "1 " + QUrl(links[i]).toEncoded().replace("&attach=/etc/passwd", "") + '\n';
-            EXPECT_TRUE(user.sees([&] {
-                QFile file(opened);
-                return file.open(QIODevice::ReadOnly) && file.readAll() == expected;
-            }));
+            EXPECT_TRUE(user.sees([&] { return opener.calls() == expected; }));
         }
     });
-    QFile::remove(folder + u"/xdg-open");
-    qputenv("PATH", folder.toLocal8Bit());
+    opener.remove();
     run([&](User &user) {
         go(user, 3, 0);
         user.tapLink(u"(0)"_s);
         expectBox(user, u"Encountering Unidentified Problem"_s);
     });
-    qputenv("PATH", path);
     EXPECT_FALSE(QFile::exists(u"x"_s));
 }
 

@@ -1,3 +1,4 @@
+#include "support/fake_opener.h"
 #include "support/full_disk.h"
 #include "ui/kit/message_box.h"
 #include "ui/sharing_test.h"
@@ -71,14 +72,7 @@ TEST_F(HandingOutTest, APlaceThatIsTooLongOrCannotBeWrittenIsToldAndNothingIsLos
 }
 
 TEST_F(HandingOutTest, AnArticleIsSavedAndSentAsItIsShown) {
-    const QString folder = device.root.path();
-    const QString sent = folder + u"/sent";
-    ASSERT_TRUE(writeFile(
-        folder + u"/xdg-open",
-        u"#!/bin/sh\necho \"$# $*\" >> '%1'\ntest ! -e '%1.off' || exit 3\n"_s.arg(sent).toUtf8()));
-    QFile::setPermissions(folder + u"/xdg-open", QFile::ReadOwner | QFile::ExeOwner);
-    const QByteArray searched = qgetenv("PATH");
-    qputenv("PATH", folder.toLocal8Bit() + ':' + searched);
+    FakeOpener opener;
     device.addChannel(u"News"_s, u"Wire"_s, QList<TestArticle>{{.title = u"a/b\nc?"_s}});
     run([&](User &user) {
         go(user, 1, 0);
@@ -97,11 +91,11 @@ TEST_F(HandingOutTest, AnArticleIsSavedAndSentAsItIsShown) {
         for (const QString &command : {u"Send Link via email"_s, u"Send Link via SMS"_s}) {
             user.choose({command});
             ASSERT_TRUE(user.sees([&] {
-                return contentOf(sent).contains(command.endsWith(u"SMS") ? "1 sms:" : "1 mailto:");
+                return opener.calls().contains(command.endsWith(u"SMS") ? "1 sms:" : "1 mailto:");
             }));
         }
         ASSERT_TRUE(user.seesQuiet());
-        writeFile(sent + u".off", {}); // nobody composes any more
+        opener.refuse();
         user.choose({u"Send Link via SMS"_s});
         expectBox(user, u"Encountering Unidentified Problem"_s);
         device.store->DeleteChannel(u"Wire"_s);
@@ -110,7 +104,6 @@ TEST_F(HandingOutTest, AnArticleIsSavedAndSentAsItIsShown) {
         user.press(Qt::Key_Return);
         expectBox(user, u"Encountering Unidentified Problem"_s);
     });
-    qputenv("PATH", searched);
     EXPECT_FALSE(contentOf(path(u"Save Link.html"_s)).contains("Text"));
     EXPECT_TRUE(contentOf(path(u"Save Article.html"_s)).contains("Text"));
     EXPECT_EQ(QDir(documents.path()).entryList(QDir::Files).size(), 2);
