@@ -13,10 +13,12 @@ QString refusalOf(const QString &name, const QString &link) {
 
 QString subscribe(Device &device, const ChannelRecord &channel, QString *reason) {
     QString storedName;
+    device.store.clearError();
     if (device.store.InsertChannel(channel, &storedName))
         return storedName;
     QString other;
-    device.store.FindCategory(channel.channelName, other);
+    if (device.store.error() == 0)
+        device.store.FindCategory(channel.channelName, other);
     *reason = other.isNull() ? storeFailure(device) : resourceString(nameExistsString);
     return {};
 }

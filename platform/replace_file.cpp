@@ -1,8 +1,14 @@
 #include "platform/replace_file.h"
 
+#include <QFileInfo>
 #include <QSaveFile>
 
 namespace tidebrook {
+
+bool isReplaceable(const QString &path) {
+    const QFileInfo there(path);
+    return !there.exists() || there.isFile();
+}
 
 bool replaceFile(const QString &path, const QByteArray &content) {
     QSaveFile file(path);

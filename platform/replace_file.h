@@ -10,4 +10,7 @@ namespace tidebrook {
 /// then as it was.
 bool replaceFile(const QString &path, const QByteArray &content);
 
+/// Whether nothing is there, or a plain file: a device or a pipe that is replaced is gone.
+bool isReplaceable(const QString &path);
+
 } // namespace tidebrook

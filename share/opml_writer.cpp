@@ -91,7 +91,7 @@ QByteArray documentOf(const QString &category, const QList<Outline> &outlines) {
 
 bool exportOpml(FeedStore &store, const QString &category, const QString &channel,
                 const QString &path) {
-    if (category.isNull() || path.isNull())
+    if (category.isNull() || path.isNull() || !isReplaceable(path))
         return false;
     const std::optional<QList<Outline>> outlines = outlinesOf(store, category, channel);
     return outlines && replaceFile(path, documentOf(category, *outlines));

@@ -44,8 +44,10 @@ bool FeedStore::insertChannel(SqlCommand &command, const ChannelRecord &record,
         name += u'-' + QString::number(QRandomGenerator::global()->bounded(suffixLimit));
         status = insert();
     }
-    if (status != ExecuteStatus::Done)
+    if (status == ExecuteStatus::IntegrityViolation)
         return false;
+    if (status != ExecuteStatus::Done)
+        return recordFailure(false);
     if (storedName)
         *storedName = name;
     return true;

@@ -94,7 +94,8 @@ public:
 
     /// Inserts a channel. A name that exists, in any category, is stored with "-" and a random
     /// number from 0 to 9999 behind it if it is shorter than 45 characters. `storedName` is given
-    /// the name under which it was stored.
+    /// the name under which it was stored. A name or link that is refused is none of the database's
+    /// failures, and has no code.
     bool InsertChannel(const ChannelRecord &record, QString *storedName = nullptr);
     /// Lists a category's channels into the row buffer; `escapedCategory` has been through
     /// EscapeSql. At most 606 rows.

@@ -129,9 +129,8 @@ bool renameAutoUpdated(const DeviceRoot &device, const QString &old, const QStri
         }
         isListed = true;
         const RefreshJob job{entry.channel->url, name, entry.channel->category};
-        if (!canBeLine(job))
-            return false;
-        changed += channelLine(job);
+        if (canBeLine(job))
+            changed += channelLine(job);
     }
     return !isListed || replaceFile(path, encodeChannelFile(changed));
 }

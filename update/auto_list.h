@@ -20,8 +20,9 @@ bool isAutoUpdated(const DeviceRoot &device, const QString &channelName);
 bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add);
 
 /// Gives the line of a channel that was renamed its new name; the rest of it and its place in the
-/// list stay. True also when the channel is not on the list. The list is replaced as
-/// `setAutoUpdate` does, with the same failures.
+/// list stay. A name that can be none of a line takes the channel off the list. True also when the
+/// channel is not on it. The list is replaced as by `setAutoUpdate`; false means that it is as it
+/// was.
 bool renameAutoUpdated(const DeviceRoot &device, const QString &old, const QString &name);
 
 /// The channels of the list in its order, for whoever updates them: each name once, its texts cut

@@ -15,6 +15,8 @@ namespace {
 
 constexpr int done = 0;
 
+QString cut(const QString &name, qsizetype capacity) { return cutText(name, capacity).toString(); }
+
 // One job's hold on the channels; somebody who never lets go of them does not keep it from its
 // work, each step of which is whole. The codes of earlier failures are not those of this one.
 class Change {
@@ -62,7 +64,7 @@ int deleteCategory(DeviceParts &device, const QString &category) {
     const QList<ChannelRow> channels = device.store->takeChannelRows();
     isDone = isDone && device.store->DeleteCategoryChannels(category);
     if (!isDone) {
-        device.categoryStore.AddCategory(category);
+        device.categoryStore.AddCategory(cut(category, categoryCapacity));
         return change.fail();
     }
     for (const ChannelRow &channel : channels)
@@ -71,15 +73,24 @@ int deleteCategory(DeviceParts &device, const QString &category) {
     return done;
 }
 
+// A category that somebody else has deleted meanwhile is listed again: nobody would see its
+// channels any more.
+void listCategory(DeviceParts &device, const QString &category) {
+    device.categoryStore.AddCategory(cut(category, categoryCapacity));
+}
+
 int insertChannel(DeviceParts &device, Change &change, const ChannelRecord &record) {
     if (!isStorableLink(record.channelLink))
         return wrongUrlString;
     if (!device.isStillThere())
         return change.fail();
-    if (device.store->InsertChannel(record))
+    if (device.store->InsertChannel(record)) {
+        listCategory(device, record.category);
         return done;
+    }
     QString category;
-    device.store->FindCategory(record.channelName, category);
+    if (device.store->error() == 0)
+        device.store->FindCategory(record.channelName, category);
     return category.isNull() ? change.fail() : nameExistsString;
 }
 
@@ -116,7 +127,11 @@ int changeChannel(DeviceParts &device, const ChannelProperties &from, const Chan
     if (!device.isStillThere())
         return change.fail();
     FeedStore &store = *device.store;
-    bool isDone = to.category == from.category || store.MoveChannel(from.name, to.category);
+    bool isDone = true;
+    if (to.category != from.category) {
+        isDone = store.MoveChannel(from.name, to.category);
+        listCategory(device, to.category);
+    }
     const bool isRelinked = to.link != from.link;
     if (isRelinked)
         isDone = store.SetChannelLink(from.name, to.link) && isDone;
@@ -139,8 +154,6 @@ int deleteChannel(DeviceParts &device, const QString &channel) {
     device.store->PublishTotalUnread();
     return done;
 }
-
-QString cut(const QString &name, qsizetype capacity) { return cutText(name, capacity).toString(); }
 
 } // namespace
 

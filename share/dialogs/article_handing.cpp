@@ -14,7 +14,7 @@ namespace {
 
 constexpr int done = 0;
 
-FileChoice chooseFile(AppState &state, const QString &title) {
+QString chooseFile(AppState &state, const QString &title) {
     return chooseFileToSave(state.stack, {.title = resourceString(saveString),
                                           .filterName = resourceString(htmlFilterString),
                                           .pattern = QStringLiteral("*.html"),
@@ -33,11 +33,9 @@ void saveArticle(AppState &state, const QString &channel, const QString &title, 
             return unidentifiedProblemString;
         return saveArticleHtml(store, channel, title, path, kind) ? done : fileProblemString;
     };
-    const FileChoice choice = chooseFile(state, title);
-    if (choice.isTooLong)
-        ShowError(state, fileProblemString);
-    else if (!choice.path.isNull())
-        startErrand(state, [save, path = choice.path] { return save(path); });
+    const QString path = chooseFile(state, title);
+    if (!path.isNull())
+        startErrand(state, [save, path] { return save(path); });
 }
 
 void sendArticle(AppState &state, const QString &channel, const QString &title, SendKind kind) {

@@ -112,16 +112,14 @@ void HowToAddPage::takeType() {
 }
 
 void HowToAddPage::goOnWithFile() {
-    const FileChoice choice =
+    const QString path =
         chooseFileToOpen(state().stack, {.title = resourceString(newChannelString),
                                          .filterName = resourceString(opmlFilterString),
                                          .pattern = QStringLiteral("*.opml"),
                                          .name = {},
                                          .help = [this] { showHelp(state()); }});
-    if (choice.isTooLong)
-        ShowError(state(), fileProblemString);
-    else if (!choice.path.isNull())
-        openNext(AddMode::ListFromFile, choice.path);
+    if (!path.isNull())
+        openNext(AddMode::ListFromFile, path);
 }
 
 void HowToAddPage::openNext(AddMode mode, const QString &source) {

@@ -15,7 +15,7 @@ namespace tidebrook {
 
 namespace {
 
-FileChoice chooseFile(AppState &state, int titleId, const QString &name, qsizetype nameBuffer) {
+QString chooseFile(AppState &state, int titleId, const QString &name, qsizetype nameBuffer) {
     return chooseFileToSave(state.stack, {.title = resourceString(titleId),
                                           .filterName = resourceString(opmlFilterString),
                                           .pattern = QStringLiteral("*.opml"),
@@ -27,15 +27,13 @@ FileChoice chooseFile(AppState &state, int titleId, const QString &name, qsizety
 // It waits for its turn, so that it has what the user has changed before; but no later change waits
 // for its disk.
 void writeInTurn(AppState &state, const QString &category, const QString &channel,
-                 const FileChoice &choice) {
-    if (choice.isTooLong)
-        return ShowError(state, fileProblemString);
-    if (choice.path.isNull())
+                 const QString &path) {
+    if (path.isNull())
         return;
     const auto turn = std::make_shared<std::binary_semaphore>(0);
     if (!state.changes.tell([turn] { turn->release(); }))
         turn->release();
-    startErrand(state, [&store = *state.device.store, category, channel, path = choice.path, turn] {
+    startErrand(state, [&store = *state.device.store, category, channel, path, turn] {
         turn->acquire();
         return exportOpml(store, category, channel, path) ? 0 : fileProblemString;
     });

@@ -146,6 +146,7 @@ TEST_F(DataJobsTest, LongNamesAreCutEverywhereAlike) {
     QString category;
     device_.store->FindCategory(in(50), category);
     EXPECT_EQ(category, in(40));
+    EXPECT_EQ(shown(name), u"-");
     EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
         return startDeleteChannel(state, receiver, name, std::move(end));
     }));

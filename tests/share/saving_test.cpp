@@ -169,6 +169,14 @@ TEST_F(SavingTest, WhatCannotBeSavedLeavesTheOldFileWhole) {
     EXPECT_EQ(content(file_), "old");
 }
 
+TEST_F(SavingTest, WhatIsNoPlainFileIsLeftAlone) {
+    device_.addChannel(u"C"_s, u"ch"_s, {u"t"_s});
+    ASSERT_EQ(mkfifo(QFile::encodeName(file_).constData(), 0600), 0);
+    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
+    EXPECT_FALSE(saveArticleHtml(*device_.store, u"ch"_s, u"t"_s, file_, SaveKind::Link));
+    EXPECT_FALSE(QFileInfo(file_).isFile());
+}
+
 TEST_F(SavingTest, ALinkIsHandedToTheComposerAsOneArgument) {
     const QString title = u"50% off\nfür & \"you\"?"_s;
     device_.addChannel(u"C"_s, u"ch"_s,

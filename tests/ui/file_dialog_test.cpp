@@ -51,15 +51,15 @@ private:
     QTemporaryDir folder_;
 };
 
-using Choose = FileChoice (*)(ScreenStack &, const FileRequest &);
+using Choose = QString (*)(ScreenStack &, const FileRequest &);
 using Hand = std::function<void(User &)>;
 
 FileRequest request(const QString &name = {}) {
     return {u"Export"_s, u"OPML (*.opml)"_s, u"*.opml"_s, name, 260, {}};
 }
 
-/// How a file dialog ends for a user who does this: a path as it is from the documents on, "too
-/// long", "nothing", or "open" when it does not end.
+/// How a file dialog ends for a user who does this: a path as it is from the documents on,
+/// "nothing", or "open" when it does not end.
 QString outcome(Choose choose, const FileRequest &request, const Hand &hand) {
     const TestDevice device(u"Moon\thttp://example.org/b\tScience\n"_s);
     Session session(device.root);
@@ -67,10 +67,8 @@ QString outcome(Choose choose, const FileRequest &request, const Hand &hand) {
     const auto use = [&](User &user) {
         ASSERT_TRUE(user.seesRows({u"Science"_s}) && user.seesQuiet());
         user.act([&] {
-            const FileChoice choice = choose(user.stack(), request);
-            result = choice.isTooLong ? u"too long"_s : pathFromDocuments(choice.path);
-            if (!choice.isTooLong && choice.path.isNull())
-                result = u"nothing"_s;
+            const QString path = choose(user.stack(), request);
+            result = path.isNull() ? u"nothing"_s : pathFromDocuments(path);
         });
         ASSERT_TRUE(user.seesCaption(request.title) && user.seesQuiet());
         hand(user);
@@ -246,7 +244,7 @@ TEST(SaveFile, ReplacesAFileOnlyWhenTheUserAgrees) {
     EXPECT_EQ(old.readAll(), "before") << "it is left to the caller";
 }
 
-TEST(SaveFile, EndsAtAPathThatIsTooLong) {
+TEST(SaveFile, RefusesAPathThatIsTooLongAndStays) {
     const Home home({u"sub/old.opml"_s});
     struct Case {
         Choose choose;
@@ -257,23 +255,31 @@ TEST(SaveFile, EndsAtAPathThatIsTooLong) {
     const QString outside = home.path() + u"/out"_s;
     const Case cases[]{
         {chooseFileToSave, u"sub/News"_s, 8, u"sub/News.opml"_s},
-        {chooseFileToSave, u"sub/News"_s, 7, u"too long"_s},
-        {chooseFileToSave, u"sub/News.opml"_s, 12, u"too long"_s},
-        {chooseFileToSave, u"sub/old.opml"_s, 11, u"too long"_s},
+        {chooseFileToSave, u"sub/News"_s, 7, u"nothing"_s},
+        {chooseFileToSave, u"sub/News.opml"_s, 12, u"nothing"_s},
+        {chooseFileToSave, u"sub/old.opml"_s, 11, u"nothing"_s},
         {chooseFileToSave, outside, outside.size(), outside + u".opml"},
-        {chooseFileToSave, outside, outside.size() - 1, u"too long"_s},
+        {chooseFileToSave, outside, outside.size() - 1, u"nothing"_s},
         {chooseFileToOpen, {}, 12, u"sub/old.opml"_s},
-        {chooseFileToOpen, {}, 11, u"too long"_s},
+        {chooseFileToOpen, {}, 11, u"nothing"_s},
     };
     for (const Case &one : cases) {
         FileRequest limited = request(u"News"_s);
         limited.pathLimit = one.limit;
         const auto use = [&](User &user) {
-            if (one.choose == chooseFileToSave)
-                return enter(user, one.typed);
-            user.tapRow(1);
-            ASSERT_TRUE(user.seesRows({u".."_s, u"old.opml"_s}));
-            user.tapRow(1);
+            if (one.choose == chooseFileToSave) {
+                enter(user, one.typed);
+            } else {
+                user.tapRow(1);
+                ASSERT_TRUE(user.seesRows({u".."_s, u"old.opml"_s}));
+                user.tapRow(1);
+            }
+            if (one.outcome != u"nothing")
+                return;
+            ASSERT_TRUE(user.seesBox(u"Encountering Problem when Accessing Crucial File"_s));
+            user.press(Qt::Key_Return);
+            ASSERT_TRUE(user.seesNoBox());
+            user.press(Qt::Key_Escape);
         };
         EXPECT_EQ(outcome(one.choose, limited, use), one.outcome) << one.typed.toStdString();
     }

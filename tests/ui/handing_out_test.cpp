@@ -57,6 +57,8 @@ TEST_F(HandingOutTest, APlaceThatIsTooLongOrCannotBeWrittenIsToldAndNothingIsLos
         };
         exportUnder(name + u'n');
         expectBox(user, fileProblem);
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesCaption(u"All Categories"_s));
         exportUnder(name);
         EXPECT_TRUE(seesFile(user, name + u".opml", "Planet"));
         exportUnder(u"News.opml"_s);

@@ -150,6 +150,18 @@ TEST_F(WizardTest, AListIsOfferedAndWhatIsTickedIsAdded) {
     }
 }
 
+TEST_F(WizardTest, ACategoryThatHasGoneMeanwhileIsListedAgain) {
+    runInScience([&](User &user) {
+        enter(user, u"127.0.0.2/feed.xml"_s);
+        ASSERT_TRUE(user.seesControls(categoryPage));
+        EXPECT_TRUE(CategoryListStore(*device.registry).DeleteCategory(u"Science"_s));
+        user.tap(u"Finish"_s);
+        ASSERT_TRUE(user.sees(
+            [&] { return user.list() != nullptr && user.list()->findRow(u"New Channel"_s) >= 0; }));
+    });
+    EXPECT_TRUE(storedCategories(device.root).contains(u"Science"_s));
+}
+
 TEST_F(WizardTest, AListThatCannotBeReadIsToldAndLeadsBack) {
     ASSERT_TRUE(writeFile(path(u"a.opml"_s), "<opml><body>"));
     ASSERT_TRUE(writeFile(path(u"b.opml"_s), "<opml><body><outline url='u'/></body></opml>"));

@@ -30,7 +30,8 @@ public:
 protected:
     void take(const QString &name) override {
         const QString path = pathIn(folder(), name);
-        choose(path, path);
+        if (isWithinLimit(path))
+            choose(path);
     }
     void confirm() override { takeRow(); }
 };
@@ -48,6 +49,7 @@ protected:
 
 private:
     void save(const QString &typed);
+    bool mayReplace(const QString &path) const;
     /// Why nothing can be written there; null when something can.
     QString faultOf(const QString &typed, const QString &path) const;
     void propose(const QString &name);
@@ -55,7 +57,6 @@ private:
     QString proposal() const;
     /// A text of the string table, with a name or path in it that a box has room for.
     QString textWith(int stringId, const QString &name) const;
-    void refuse(const QString &text);
 
     const QString ending_;
     QLineEdit *name_ = nullptr;
@@ -104,10 +105,13 @@ void SaveProcedure::save(const QString &typed) {
     const QString fault = faultOf(typed, path);
     if (!fault.isEmpty())
         refuse(fault);
-    else if (isTooLong(typed) || !QFileInfo::exists(path) ||
-             MessageBox::ask(dialog().stack(), MessageBox::Kind::Question, request().title,
-                             textWith(replaceFileString, QFileInfo(path).fileName())))
-        choose(path, typed);
+    else if (isWithinLimit(typed) && (!QFileInfo::exists(path) || mayReplace(path)))
+        choose(path);
+}
+
+bool SaveProcedure::mayReplace(const QString &path) const {
+    return MessageBox::ask(dialog().stack(), MessageBox::Kind::Question, request().title,
+                           textWith(replaceFileString, QFileInfo(path).fileName()));
 }
 
 QString SaveProcedure::faultOf(const QString &typed, const QString &path) const {
@@ -129,22 +133,18 @@ QString SaveProcedure::textWith(int stringId, const QString &name) const {
         stack.fontMetrics().elidedText(name, Qt::ElideMiddle, stack.units().width(nameInBoxUnits)));
 }
 
-void SaveProcedure::refuse(const QString &text) {
-    MessageBox::ask(dialog().stack(), MessageBox::Kind::Error, resourceString(errorString), text);
-}
-
-FileChoice run(int templateId, ScreenStack &stack, FileProcedure &procedure) {
-    return RunDialog(templateId, stack, procedure) == 1 ? procedure.choice() : FileChoice();
+QString run(int templateId, ScreenStack &stack, FileProcedure &procedure) {
+    return RunDialog(templateId, stack, procedure) == 1 ? procedure.path() : QString();
 }
 
 } // namespace
 
-FileChoice chooseFileToOpen(ScreenStack &stack, const FileRequest &request) {
+QString chooseFileToOpen(ScreenStack &stack, const FileRequest &request) {
     OpenProcedure procedure(request);
     return run(openTemplateId, stack, procedure);
 }
 
-FileChoice chooseFileToSave(ScreenStack &stack, const FileRequest &request) {
+QString chooseFileToSave(ScreenStack &stack, const FileRequest &request) {
     SaveProcedure procedure(request);
     return run(saveTemplateId, stack, procedure);
 }

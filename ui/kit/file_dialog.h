@@ -18,22 +18,17 @@ struct FileRequest {
     std::function<void()> help; ///< when the user asks for help; may be empty
 };
 
-/// How a file dialog ended.
-struct FileChoice {
-    QString path;           ///< absolute; null when nothing was chosen
-    bool isTooLong = false; ///< nothing was chosen because its path was longer than the limit
-};
-
 /// Shows the folders and the files that the pattern has, beginning in the user's documents, until
 /// one is chosen: to be opened ...
 ///
-/// Call it on the user-interface thread; it returns when the dialog has ended. Nothing is chosen
-/// when the user cancels it, or the window is closed meanwhile. No file is touched, and one that
-/// was chosen may be gone by the time that it is used.
-FileChoice chooseFileToOpen(ScreenStack &stack, const FileRequest &request);
+/// Call it on the user-interface thread; it returns the absolute path when the dialog has ended. It
+/// is null when the user cancels it, or the window is closed meanwhile. A path that is longer than
+/// the limit is refused, and the user told. No file is touched, and one that was chosen may be gone
+/// by the time that it is used.
+QString chooseFileToOpen(ScreenStack &stack, const FileRequest &request);
 /// ... or to be written, where a name that is there already is only chosen when the user agrees to
 /// replacing it. A name without the pattern's ending gets it, beyond the limit. The folder was
 /// there; whether it can be written to is not known.
-FileChoice chooseFileToSave(ScreenStack &stack, const FileRequest &request);
+QString chooseFileToSave(ScreenStack &stack, const FileRequest &request);
 
 } // namespace tidebrook

@@ -5,6 +5,7 @@
 #include "ui/kit/dialog.h"
 #include "ui/kit/file_name.h"
 #include "ui/kit/list_view.h"
+#include "ui/kit/message_box.h"
 #include "ui/kit/screen_stack.h"
 
 #include <QDir>
@@ -173,15 +174,20 @@ void FileProcedure::showPlace() {
     show(filterId, request_.filterName);
 }
 
-bool FileProcedure::isTooLong(const QString &path) const {
-    return pathFromDocuments(path).size() > request_.pathLimit;
+bool FileProcedure::isWithinLimit(const QString &path) const {
+    const bool isWithin = pathFromDocuments(path).size() <= request_.pathLimit;
+    if (!isWithin)
+        refuse(resourceString(fileProblemString));
+    return isWithin;
 }
 
-void FileProcedure::choose(const QString &path, const QString &counted) {
-    choice_.isTooLong = isTooLong(counted);
-    if (!choice_.isTooLong)
-        choice_.path = path;
+void FileProcedure::choose(const QString &path) {
+    path_ = path;
     dialog_->end(1);
+}
+
+void FileProcedure::refuse(const QString &text) const {
+    MessageBox::ask(dialog_->stack(), MessageBox::Kind::Error, resourceString(errorString), text);
 }
 
 } // namespace tidebrook

@@ -13,7 +13,7 @@ namespace tidebrook {
 class ListView;
 
 /// What the dialogs for files have in common: the user goes through the folders. It ends with 1
-/// when `choice` says what came of it, and with 0 when the user chose nothing.
+/// when `path` is what was chosen, and with 0 when nothing was.
 class FileProcedure : public DialogProcedure {
 public:
     /// The request outlives it.
@@ -28,7 +28,7 @@ public:
     std::optional<int> backCommand() const override;
     std::optional<int> commandOfKey(const QKeyEvent &event) const override;
 
-    const FileChoice &choice() const { return choice_; }
+    const QString &path() const { return path_; }
 
 protected:
     /// A file's row was tapped, or Enter was pressed on it.
@@ -40,9 +40,12 @@ protected:
     void takeRow();
     /// Shows a folder or, if it is not there, the nearest above it, with this entry selected.
     void goTo(const QString &folder, const QString &selected = {});
-    bool isTooLong(const QString &path) const;
-    /// Ends the dialog with a path, or without if `counted` is too long for one.
-    void choose(const QString &path, const QString &counted);
+    /// Whether a path is not too long; where it is, the user is told so.
+    bool isWithinLimit(const QString &path) const;
+    /// Ends the dialog with a path.
+    void choose(const QString &path);
+    /// Tells why something cannot be done, and stays.
+    void refuse(const QString &text) const;
 
     const FileRequest &request() const { return request_; }
     Dialog &dialog() const { return *dialog_; }
@@ -57,7 +60,7 @@ private:
 
     const FileRequest &request_;
     const int menuBarId_;
-    FileChoice choice_;
+    QString path_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
     std::unique_ptr<FolderReader> reader_;
