@@ -64,7 +64,7 @@ int deleteCategory(DeviceParts &device, const QString &category) {
     const QList<ChannelRow> channels = device.store->takeChannelRows();
     isDone = isDone && device.store->DeleteCategoryChannels(category);
     if (!isDone) {
-        device.categoryStore.AddCategory(cut(category, categoryCapacity));
+        device.categoryStore.AddCategory(category);
         return change.fail();
     }
     for (const ChannelRow &channel : channels)
@@ -130,7 +130,8 @@ int changeChannel(DeviceParts &device, const ChannelProperties &from, const Chan
     bool isDone = true;
     if (to.category != from.category) {
         isDone = store.MoveChannel(from.name, to.category);
-        listCategory(device, to.category);
+        if (isDone)
+            listCategory(device, to.category);
     }
     const bool isRelinked = to.link != from.link;
     if (isRelinked)
