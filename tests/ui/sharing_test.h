@@ -10,11 +10,13 @@ namespace tidebrook {
 /// A device as for reading, a server that stands for every host at its plain port, and a folder
 /// for the user's documents.
 class SharingTest : public ReadingTest {
+public:
+    SharingTest(const SharingTest &) = delete;
+    SharingTest &operator=(const SharingTest &) = delete;
+
 protected:
     SharingTest();
     ~SharingTest() override;
-    SharingTest(const SharingTest &) = delete;
-    SharingTest &operator=(const SharingTest &) = delete;
 
     /// Shows the channels of Science to the user.
     void runInScience(const Hand &user);
