@@ -26,20 +26,22 @@ public:
 
     ~Queue() {
         for (Running &running : running_)
-            curl_multi_remove_handle(multi_.get(), running.get.transfer().handle());
+            curl().curl_multi_remove_handle(multi_.get(), running.get.transfer().handle());
     }
 
     Queue(const Queue &) = delete;
     Queue &operator=(const Queue &) = delete;
 
     bool run(int parallel) {
-        curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, static_cast<long>(parallel));
-        while (multi_ && !isStopped()) {
+        if (!multi_)
+            return false;
+        curl().curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, static_cast<long>(parallel));
+        while (!isStopped()) {
             startAsMany(static_cast<std::size_t>(parallel));
             if (running_.empty())
                 return true;
             int count = 0;
-            if (curl_multi_perform(multi_.get(), &count) != CURLM_OK)
+            if (curl().curl_multi_perform(multi_.get(), &count) != CURLM_OK)
                 return false;
             if (!takeEnded())
                 wait();
@@ -97,14 +99,14 @@ private:
         running_.emplace_back(std::move(waiting), limits_);
         HttpGet &get = running_.back().get;
         if (!get.isOpened() ||
-            curl_multi_add_handle(multi_.get(), get.transfer().handle()) != CURLM_OK)
+            curl().curl_multi_add_handle(multi_.get(), get.transfer().handle()) != CURLM_OK)
             end(std::prev(running_.end()), CURLE_URL_MALFORMAT);
     }
 
     bool takeEnded() {
         bool hasEnded = false;
         int left = 0;
-        while (const CURLMsg *message = curl_multi_info_read(multi_.get(), &left)) {
+        while (const CURLMsg *message = curl().curl_multi_info_read(multi_.get(), &left)) {
             CURL *const handle = message->easy_handle;
             const CURLcode result = message->data.result;
             const auto ended =
@@ -135,13 +137,13 @@ private:
     }
 
     void remove(std::list<Running>::iterator running) {
-        curl_multi_remove_handle(multi_.get(), running->get.transfer().handle());
+        curl().curl_multi_remove_handle(multi_.get(), running->get.transfer().handle());
         running_.erase(running);
     }
 
     void wait() {
         curl_waitfd stopped{limits_.stop ? limits_.stop->descriptor() : -1, CURL_WAIT_POLLIN, 0};
-        curl_multi_poll(multi_.get(), &stopped, limits_.stop ? 1 : 0, longestPoll, nullptr);
+        curl().curl_multi_poll(multi_.get(), &stopped, limits_.stop ? 1 : 0, longestPoll, nullptr);
     }
 
     const HttpLimits limits_;

@@ -11,12 +11,6 @@ constexpr long receiveBuffer = 128 * 1024; // bytes; fewer and larger pieces cos
 constexpr qsizetype validatorLimit = 1024; // bytes; servers send far shorter ones
 constexpr int notModified = 304;
 
-// The library wants to be set up once, before a second thread uses it.
-bool isCurlReady() {
-    static const bool isReady = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    return isReady;
-}
-
 QByteArray charsetOf(const QByteArray &contentType) {
     const QList<QByteArray> parts = contentType.split(';');
     for (const QByteArray &part : parts) {
@@ -35,19 +29,21 @@ QByteArray keptValidator(const QByteArray &value) {
 } // namespace
 
 CurlUrl parseUrl(const QString &text) {
-    CurlUrl url(curl_url());
+    if (!isCurlReady())
+        return nullptr;
+    CurlUrl url(curl().curl_url());
     const QByteArray utf8 = text.trimmed().toUtf8();
     const CURLUcode code =
-        curl_url_set(url.get(), CURLUPART_URL, utf8.constData(), CURLU_URLENCODE);
+        curl().curl_url_set(url.get(), CURLUPART_URL, utf8.constData(), CURLU_URLENCODE);
     return code == CURLUE_OK ? std::move(url) : nullptr;
 }
 
 QByteArray partOf(const CurlUrl &url, CURLUPart part) {
     char *value = nullptr;
-    if (curl_url_get(url.get(), part, &value, 0) != CURLUE_OK)
+    if (!url || curl().curl_url_get(url.get(), part, &value, 0) != CURLUE_OK)
         return {};
     QByteArray copy(value);
-    curl_free(value);
+    curl().curl_free(value);
     return copy;
 }
 
@@ -60,15 +56,15 @@ CurlList headerList(std::initializer_list<QByteArray> headers) {
     CurlList list;
     for (const QByteArray &header : headers) {
         if (!header.isEmpty())
-            list.reset(curl_slist_append(list.release(), header.constData()));
+            list.reset(curl().curl_slist_append(list.release(), header.constData()));
     }
     return list;
 }
 
-CurlMulti newMulti() { return CurlMulti(isCurlReady() ? curl_multi_init() : nullptr); }
+CurlMulti newMulti() { return CurlMulti(isCurlReady() ? curl().curl_multi_init() : nullptr); }
 
 HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
-    : easy_(isCurlReady() ? curl_easy_init() : nullptr), sink_(std::move(sink)),
+    : easy_(isCurlReady() ? curl().curl_easy_init() : nullptr), sink_(std::move(sink)),
       bodyLeft_(bodyLimit) {
     if (!easy_)
         return;
@@ -83,7 +79,10 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
     set(CURLOPT_WRITEFUNCTION, &HttpTransfer::receive);
 }
 
-HttpTransfer::~HttpTransfer() { curl_easy_cleanup(easy_); }
+HttpTransfer::~HttpTransfer() {
+    if (easy_)
+        curl().curl_easy_cleanup(easy_);
+}
 
 void HttpTransfer::setTimeLimits(const HttpLimits &limits, std::chrono::milliseconds whole) {
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count()));
@@ -99,50 +98,53 @@ CURLcode HttpTransfer::perform(const StopSignal *stop) {
     if (!easy_)
         return CURLE_FAILED_INIT;
     if (!stop)
-        return curl_easy_perform(easy_);
+        return curl().curl_easy_perform(easy_);
     const CurlMulti multi = newMulti();
-    if (!multi || curl_multi_add_handle(multi.get(), easy_) != CURLM_OK)
+    if (!multi || curl().curl_multi_add_handle(multi.get(), easy_) != CURLM_OK)
         return CURLE_FAILED_INIT;
     curl_waitfd stopped{stop->descriptor(), CURL_WAIT_POLLIN, 0};
     CURLcode result = CURLE_ABORTED_BY_CALLBACK;
     while (!stop->isRaised()) {
         int running = 0;
-        if (curl_multi_perform(multi.get(), &running) != CURLM_OK)
+        if (curl().curl_multi_perform(multi.get(), &running) != CURLM_OK)
             break;
         int left = 0;
-        const CURLMsg *message = curl_multi_info_read(multi.get(), &left);
+        const CURLMsg *message = curl().curl_multi_info_read(multi.get(), &left);
         if (message) {
             result = message->data.result;
             break;
         }
-        curl_multi_poll(multi.get(), &stopped, 1, longestPoll, nullptr);
+        curl().curl_multi_poll(multi.get(), &stopped, 1, longestPoll, nullptr);
     }
-    curl_multi_remove_handle(multi.get(), easy_);
+    curl().curl_multi_remove_handle(multi.get(), easy_);
     return result;
 }
 
 QByteArray HttpTransfer::header(const char *name) const {
     curl_header *found = nullptr;
-    if (curl_easy_header(easy_, name, 0, CURLH_HEADER, -1, &found) != CURLHE_OK)
+    if (!easy_ || curl().curl_easy_header(easy_, name, 0, CURLH_HEADER, -1, &found) != CURLHE_OK)
         return {};
     return QByteArray(found->value);
 }
 
 qint64 HttpTransfer::number(CURLINFO info) const {
     curl_off_t number = 0;
-    curl_easy_getinfo(easy_, info, &number);
+    if (easy_)
+        curl().curl_easy_getinfo(easy_, info, &number);
     return qint64{number};
 }
 
 long HttpTransfer::status() const {
     long status = 0;
-    curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
+    if (easy_)
+        curl().curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
     return status;
 }
 
 QString HttpTransfer::redirect() const {
     const char *address = nullptr;
-    curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &address);
+    if (easy_)
+        curl().curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &address);
     return QString::fromUtf8(address);
 }
 
@@ -212,7 +214,8 @@ HttpAnswer HttpGet::takeAnswer(CURLcode code) {
     answer_.status = static_cast<int>(transfer_.status());
     answer_.retryAfter = std::chrono::seconds(transfer_.number(CURLINFO_RETRY_AFTER));
     if (answer_.progress != HttpProgress::Complete) {
-        answer_.detail = QString::fromUtf8(curl_easy_strerror(code));
+        answer_.detail = isCurlReady() ? QString::fromUtf8(curl().curl_easy_strerror(code))
+                                       : QStringLiteral("libcurl is missing");
         return std::move(answer_);
     }
     answer_.isUnchanged = isConditional_ && answer_.status == notModified;

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "platform/curl_library.h"
 #include "platform/http.h"
-
-#include <curl/curl.h>
 
 #include <functional>
 #include <initializer_list>
@@ -17,13 +16,13 @@ inline constexpr long redirectLimit = 10;
 inline constexpr int longestPoll = 60'000; // ms; curl asks for less when it has to do something
 
 struct CurlMultiCleanup {
-    void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }
+    void operator()(CURLM *multi) const { curl().curl_multi_cleanup(multi); }
 };
 struct CurlListFree {
-    void operator()(curl_slist *list) const { curl_slist_free_all(list); }
+    void operator()(curl_slist *list) const { curl().curl_slist_free_all(list); }
 };
 struct CurlUrlCleanup {
-    void operator()(CURLU *url) const { curl_url_cleanup(url); }
+    void operator()(CURLU *url) const { curl().curl_url_cleanup(url); }
 };
 using CurlMulti = std::unique_ptr<CURLM, CurlMultiCleanup>;
 using CurlList = std::unique_ptr<curl_slist, CurlListFree>;
@@ -51,7 +50,7 @@ public:
     CURL *handle() const { return easy_; }
 
     template <typename Value> void set(CURLoption option, Value value) {
-        curl_easy_setopt(easy_, option, value);
+        curl().curl_easy_setopt(easy_, option, value);
     }
     void setTimeLimits(const HttpLimits &limits, std::chrono::milliseconds whole);
     /// The list is copied by nobody, so this keeps it.
