@@ -31,6 +31,7 @@ namespace tidebrook {
 
 /// The functions of libcurl that are used here.
 struct CurlLibrary {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): it names a member
 #define TIDEBROOK_CURL_MEMBER(name) decltype(&::name) name = nullptr;
     TIDEBROOK_CURL_FUNCTIONS(TIDEBROOK_CURL_MEMBER)
 #undef TIDEBROOK_CURL_MEMBER
@@ -38,7 +39,7 @@ struct CurlLibrary {
 
 /// Whether the library is there and ready. It is loaded by the first call, and not with the
 /// program: it brings some thirty others with it, which would cost the reader, that seldom needs
-/// it, a third of its start. Thread-safe.
+/// it, a third of its start. So a package has to name it among what it needs. Thread-safe.
 bool isCurlReady();
 
 /// Its functions; only where it is ready.
