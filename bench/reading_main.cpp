@@ -6,7 +6,6 @@
 #include "ui/kit/layer.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/text_page.h"
-#include "ui/kit/touch_style.h"
 
 #include <QApplication>
 #include <QScrollBar>
@@ -26,7 +25,6 @@ namespace {
 using namespace std::chrono_literals;
 using Step = ScreenDriver::Step;
 
-constexpr QSize screenSize(480, 640);
 constexpr int rowsInSight = 5;
 
 using Begin = std::function<void()>;
@@ -183,19 +181,13 @@ void measureUpdate(ScreenDriver &driver, bool isByWheel) {
 
 // On a copy of the store: "bench_reading HOME steps|openings|taps|wheel".
 int main(int argc, char **argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    tidebrook::installTouchStyle();
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    tidebrook::ScreenDriver driver(QCoreApplication::arguments().value(1), tidebrook::screenSize);
-    const QString what = QCoreApplication::arguments().value(2);
-    driver.run([&] {
-        if (what == u"steps")
-            tidebrook::measureSteps(driver);
-        else if (what == u"openings")
-            tidebrook::measureOpenings(driver);
-        else
-            tidebrook::measureUpdate(driver, what == u"wheel");
-    });
-    return 0;
+    return tidebrook::runDriven(argc, argv,
+                                [](tidebrook::ScreenDriver &driver, const QString &what) {
+                                    if (what == u"steps")
+                                        tidebrook::measureSteps(driver);
+                                    else if (what == u"openings")
+                                        tidebrook::measureOpenings(driver);
+                                    else
+                                        tidebrook::measureUpdate(driver, what == u"wheel");
+                                });
 }

@@ -5,6 +5,7 @@
 #include "ui/kit/dialog.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/progress_line.h"
+#include "ui/kit/touch_style.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
@@ -197,6 +198,18 @@ void turnWheelOver(ListView &list, int direction) {
     QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -wheelNotch * direction),
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(area, &event);
+}
+
+int runDriven(int &argc, char **argv,
+              const std::function<void(ScreenDriver &, const QString &)> &user) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    installTouchStyle();
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const QStringList arguments = QCoreApplication::arguments();
+    ScreenDriver driver(arguments.value(1), {480, 640});
+    driver.run([&] { user(driver, arguments.value(2)); });
+    return 0;
 }
 
 void printCosts(const char *name, const ScreenDriver::Costs &costs) {

@@ -95,6 +95,12 @@ private:
 /// Turns the wheel over a list by a notch, on the screens' thread: downward 1, upward -1.
 void turnWheelOver(ListView &list, int direction);
 
+/// The whole of a program that is called with a device's folder and one more argument: shows the
+/// screens, 480 by 640 pixels of them and to nobody, and has a user work on that argument. The exit
+/// status.
+int runDriven(int &argc, char **argv,
+              const std::function<void(ScreenDriver &, const QString &)> &user);
+
 /// Prints the line that the driver of the benchmarks reads: the name, how many there are, and the
 /// median and the worst of each figure.
 void printCosts(const char *name, const ScreenDriver::Costs &costs);

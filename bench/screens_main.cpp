@@ -3,18 +3,13 @@
 #include "bench/screen_driver.h"
 #include "res/commands.h"
 #include "ui/kit/list_view.h"
-#include "ui/kit/touch_style.h"
 
-#include <QApplication>
 #include <QScrollBar>
-
-#include <cstdio>
 
 namespace tidebrook {
 
 namespace {
 
-constexpr QSize screen(480, 640);
 constexpr int refreshCount = 20;
 
 using Times = ScreenDriver::Costs;
@@ -87,16 +82,9 @@ void measureCategories(ScreenDriver &driver, int count) {
 
 // On a device with so many categories: "bench_screens HOME CATEGORIES".
 int main(int argc, char **argv) {
-    const int categories = QString::fromLocal8Bit(argc == 3 ? argv[2] : "").toInt();
-    if (categories <= 0) {
-        std::fprintf(stderr, "usage: bench_screens HOME CATEGORIES\n");
-        return 2;
-    }
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    tidebrook::installTouchStyle();
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    tidebrook::ScreenDriver driver(QString::fromLocal8Bit(argv[1]), tidebrook::screen);
-    driver.run([&] { tidebrook::measureCategories(driver, categories); });
-    return 0;
+    return tidebrook::runDriven(
+        argc, argv, [](tidebrook::ScreenDriver &driver, const QString &categories) {
+            driver.require(categories.toInt() > 0, QStringLiteral("a number of categories"));
+            tidebrook::measureCategories(driver, categories.toInt());
+        });
 }

@@ -7,7 +7,6 @@
 #include "ui/kit/layer.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/progress_line.h"
-#include "ui/kit/touch_style.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -28,7 +27,6 @@ using namespace std::chrono_literals;
 using Cost = ScreenDriver::Cost;
 using Costs = ScreenDriver::Costs;
 
-constexpr QSize screenSize(480, 640);
 constexpr auto patience = 60s;
 constexpr auto quiet = 20ms; // several times what a window puts its painting off
 
@@ -184,19 +182,13 @@ void measureExport(ScreenDriver &driver) {
 
 // On a copy of the store: "bench_sharing HOME import|watch|export".
 int main(int argc, char **argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    tidebrook::installTouchStyle();
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    tidebrook::ScreenDriver driver(QCoreApplication::arguments().value(1), tidebrook::screenSize);
-    const QString what = QCoreApplication::arguments().value(2);
-    driver.run([&] {
-        if (what == u"import")
-            tidebrook::measureImport(driver);
-        else if (what == u"watch")
-            tidebrook::measureAnswers(driver);
-        else
-            tidebrook::measureExport(driver);
-    });
-    return 0;
+    return tidebrook::runDriven(argc, argv,
+                                [](tidebrook::ScreenDriver &driver, const QString &what) {
+                                    if (what == u"import")
+                                        tidebrook::measureImport(driver);
+                                    else if (what == u"watch")
+                                        tidebrook::measureAnswers(driver);
+                                    else
+                                        tidebrook::measureExport(driver);
+                                });
 }
