@@ -55,6 +55,7 @@ runThreadSanitizer() {
 
 step "formatting" checkFormat
 step "clang-tidy" runTidy
+step "build with clang" build clang
 step "tests under AddressSanitizer and UndefinedBehaviorSanitizer" runAddressSanitizer
 step "tests under ThreadSanitizer" runThreadSanitizer
 

@@ -11,7 +11,7 @@ buildPackages=(
 # shellcheck disable=SC2034
 benchPackages=(libxml2-dev strace valgrind)
 # shellcheck disable=SC2034
-checkPackages=(clang-format clang-tidy)
+checkPackages=(clang clang-format clang-tidy)
 
 isInstalled() {
     [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]

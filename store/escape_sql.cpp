@@ -20,7 +20,7 @@ qsizetype capacityOf(TextKind kind) {
     return 0;
 }
 
-bool isDropped(QChar c) { return (c == u'\r') | (c == QChar(0xFEFF)) | (c == QChar(0xFFFE)); }
+bool isDropped(QChar c) { return c == u'\r' || c == QChar(0xFEFF) || c == QChar(0xFFFE); }
 
 // Looks at every character without a branch, which the compiler makes fast; there hardly ever is
 // one to find.
