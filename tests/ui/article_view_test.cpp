@@ -15,22 +15,28 @@ namespace {
 using ArticleViewTest = ReadingTest;
 
 TEST(ArticlePage, HasWhatTheFeedSentAndNothingOfWhatItDidNot) {
+    const QString link = u"http://a/?b=1&c"_s;
+    const QString text = u"<b>x</b> &amp; 'y'"_s;
     const struct {
         ArticleDetail detail;
         QString body;
     } pages[]{
-        {{u"2026-01-02"_s, u"<b>x</b> &amp; 'y'"_s, u"http://a/?b=1&c"_s}, u"<b>x</b> &amp; 'y'"_s},
-        {{QString(), u"DEFAULT"_s, QString()}, u" "_s},
-        {{QString(), QString(), u"DEFAULT"_s}, QString()}};
+        {{u"2026-01-02"_s, text, link}, text},
+        {{QString(), text + u"DEFAULT", link}, text + u"DEFAULT"},
+        {{u"2026-01-02"_s, u"DEFAULTS"_s, QString()}, u" "_s},
+        {{QString(), QString(), u"DEFAULT"_s}, QString()},
+    };
     for (const auto &[detail, body] : pages) {
-        const QString page = articlePage(u"A & B"_s, u"<i>T</i>"_s, detail);
-        const QString link = u"<a href=\""_s + detail.itemLink + u"\">";
-        EXPECT_TRUE(page.contains(u"<font color=#005091>A & B</font>"_s)) << "in its own colour";
-        EXPECT_TRUE(page.contains(link + u"<i>T</i></a>"));
-        EXPECT_TRUE(page.contains(u"<font color=gray>"_s + detail.publicationDate + u"</font>"));
-        EXPECT_TRUE(page.endsWith(u"/><p>"_s + body + u"</p><br><p>" + link +
-                                  u"more</a></p></body></html>"))
-            << page.toStdString();
+        EXPECT_EQ(
+            articlePage(u"A & B"_s, u"<i>T</i>"_s, detail),
+            u"<html><head><meta http-equiv=Content-type content=text/html; charset=utf-8/></head>"
+            "<body><p style=font-weight:bold;font-size:8pt;><font color=#005091>A & B</font></p>"
+            "<div style=font-weight:bold><a href=\"%1\"><i>T</i></a></div>"
+            "<div style=text-align:right;font-size:8pt;><font color=gray>%2</font></div>"
+            "<hr size=1 width=100% color=#C7AFFF style=filter:alpha(opacity=10,"
+            "finishopacity=100,style=1,startX=100,startY=100,finishX=0,finishY=0) /><p>%3</p>"
+            "<br><p><a href=\"%1\">more</a></p></body></html>"_s.arg(detail.itemLink,
+                                                                     detail.publicationDate, body));
     }
 }
 
@@ -59,6 +65,10 @@ TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
             EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Big"_s));
             EXPECT_TRUE(caption != u"Science" || user.lines().contains(u"Moon: 2/5"_s));
         }
+    });
+    run([](User &user) {
+        EXPECT_TRUE(user.sees([&user] { return user.list()->font().pointSize() == 13; }));
+        EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Big"_s)) << "after a restart";
     });
     EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 6U);
 }

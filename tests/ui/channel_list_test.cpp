@@ -11,15 +11,6 @@ namespace {
 
 using ChannelListTest = ReadingTest;
 
-Hand press(int key) {
-    return [key](User &user) { user.press(key); };
-}
-Hand tap(const QString &key) {
-    return [key](User &user) { user.tap(key); };
-}
-Hand choose(const QString &entry) {
-    return [entry](User &user) { user.choose({entry}); };
-}
 Dialog *dialog(const User &user) { return qobject_cast<Dialog *>(user.stack().top()); }
 bool seesListAlone(User &user) {
     return user.sees([&user] { return user.list()->hasFocus(); }) && user.seesQuiet();
@@ -29,8 +20,9 @@ TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
     const QString news = u"News"_s;
     const QString travel = u"Travel"_s;
     const std::pair<Hand, QString> steps[]{
-        {press(Qt::Key_Right), travel}, {press(Qt::Key_Right), news}, {press(Qt::Key_Left), travel},
-        {tap(u"Next"_s), news},         {tap(u"Previous"_s), travel},
+        {pressing(Qt::Key_Right), travel}, {pressing(Qt::Key_Right), news},
+        {pressing(Qt::Key_Left), travel},  {tapping(u"Next"_s), news},
+        {tapping(u"Previous"_s), travel},
     };
     run([&](User &user) {
         go(user, 1);
@@ -40,7 +32,8 @@ TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
             EXPECT_TRUE(user.seesCaption(category) && user.seesRows(device.channelNames(category)));
             EXPECT_TRUE(user.seesQuiet() && user.seesSelected(0));
         }
-        for (const Hand &open : {press(Qt::Key_F4), tap(u"Science"_s), tap(u"Science"_s)}) {
+        for (const Hand &open :
+             {pressing(Qt::Key_F4), tapping(u"Science"_s), tapping(u"Science"_s)}) {
             open(user);
             ASSERT_TRUE(user.seesChoices());
             user.press(Qt::Key_Home);
@@ -65,17 +58,22 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
     const QString question = u"Are you sure you want to delete this channel?"_s;
     run([&](User &user) {
         go(user, 1);
+        user.press(Qt::Key_Down);
         user.press(Qt::Key_Delete);
         expectBox(user, question); // Enter is a No
         EXPECT_EQ(user.lines(), scienceLines);
-        for (int left = 2; left >= 0; --left) {
+        for (const QStringList &left :
+             {QStringList{scienceLines[0], scienceLines[2]}, scienceLines.first(1), {}}) {
             user.choose({u"Delete Channel"_s});
             ASSERT_TRUE(user.seesBox(question));
             user.tap(u"Yes"_s);
-            EXPECT_TRUE(user.seesLines(scienceLines.last(left)) && user.seesQuiet());
+            EXPECT_TRUE(user.seesLines(left) && user.seesQuiet());
+            user.press(Qt::Key_Down);
         }
-        for (const Hand &act : {press(Qt::Key_Return), choose(u"Update"_s), press(Qt::Key_F5),
-                                choose(u"Delete Channel"_s), Hand(&User::tapBelowRows)}) {
+        for (const Hand &act :
+             {pressing(Qt::Key_Return), choosing({u"Update"_s}), pressing(Qt::Key_F5),
+              choosing({u"Delete Channel"_s}), choosing({u"Properties"_s}),
+              choosing({u"Export Channel"_s}), Hand(&User::tapBelowRows)}) {
             act(user);
             ASSERT_TRUE(user.seesBox(u"No channel selected!"_s));
             user.press(Qt::Key_Tab); // leads nowhere else

@@ -18,30 +18,46 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-/// Three channels in the category C, and the real downloader.
+/// Three channels in each of three categories, and the real downloader.
 class ReadingSessionTest : public RunningService {
 protected:
     void SetUp() override {
-        for (const QString &name : {u"a"_s, u"b"_s, u"c"_s}) {
-            addChannel(name);
-            publish(name, 2);
+        publish(2);
+        for (const QString &category : {u"B"_s, u"C"_s, u"D"_s}) {
+            for (const QChar name : all.sliced((category[0].unicode() - u'B') * 3, 3))
+                ctl_.run({u"add"_s, category, name, server_.url(path(name))});
         }
         start();
     }
-    void publish(const QString &name, int items) {
-        server_.serve(u'/' + name, generatedFeed(items, name[0].unicode()));
+    void publish(int items) {
+        for (const QChar name : all)
+            server_.serve(path(name), generatedFeed(items, name.unicode()));
     }
-    /// The user is before the channels of C.
-    void run(const std::function<void(User &)> &user) {
+    static QString path(QChar name) { return u'/' + QString(name); }
+    /// "unread/total" of all channels, by name.
+    QString stored() {
+        QStringList texts;
+        for (const QChar name : all)
+            texts.append(counts(name));
+        return texts.join(u' ');
+    }
+    /// The user is before the categories, the second of which is selected.
+    void run(const Hand &user) {
         session_ = std::make_unique<Session>(root_);
         EXPECT_TRUE(session_->run([&](User &someone) {
-            ASSERT_TRUE(someone.sees([&] { return someone.list()->rowCount() > 0; }) &&
-                        someone.seesQuiet());
-            someone.press(Qt::Key_Return);
-            ASSERT_TRUE(someone.seesRows({u"a"_s, u"b"_s, u"c"_s}) && someone.seesQuiet());
+            ASSERT_TRUE(someone.seesRows({u"B"_s, u"C"_s, u"D"_s}) && someone.seesQuiet());
+            someone.press(Qt::Key_Down);
             user(someone);
         }));
         EXPECT_LT(session_->longestBlocked(), 500ms);
+    }
+    /// The user is before the channels of C.
+    void runInC(const Hand &user) {
+        run([&](User &someone) {
+            someone.press(Qt::Key_Return);
+            ASSERT_TRUE(someone.seesRows({u"d"_s, u"e"_s, u"f"_s}) && someone.seesQuiet());
+            user(someone);
+        });
     }
     bool seesUpdating(User &user, bool isUpdating, int command = CommandUpdateChannel) {
         return user.sees([&user, isUpdating, command] {
@@ -50,15 +66,66 @@ protected:
                    user.stack().progressLine().isAtWork() == isUpdating;
         });
     }
+    const QString all = u"abcdefghi"_s;
     std::unique_ptr<Session> session_;
 };
 
-TEST_F(ReadingSessionTest, FromTheFirstUpdateToTheLastArticle) {
-    ctl_.run({u"add-category"_s, u"D"_s});
-    addChannel(u"z"_s);
-    ctl_.run({u"move"_s, u"z"_s, u"D"_s});
+TEST_F(ReadingSessionTest, EveryUpdateIsThatOfWhatIsSelectedAndIsShown) {
+    const Hand update = choosing({u"Update"_s});
+    const struct {
+        const char *what;
+        Hand act;
+        QStringList shown;
+    } updates[]{
+        {"the category", update, {}},
+        {"a channel", update, {u"d: 2/2"_s, u"e: 3/3"_s, u"f: 2/2"_s}},
+        {"by key", pressing(Qt::Key_F5), {u"d: 2/2"_s, u"e: 4/4"_s, u"f: 2/2"_s}},
+        {"all", choosing({u"Update All"_s}), {u"d: 5/5"_s, u"e: 5/5"_s, u"f: 5/5"_s}},
+    };
+    const QString none = u"0/0 0/0 0/0"_s;
     run([&](User &user) {
-        ASSERT_TRUE(user.seesLines({u"a: 0/0"_s, u"b: 0/0"_s, u"c: 0/0"_s}));
+        int items = 1;
+        for (const auto &[what, act, shown] : updates) {
+            SCOPED_TRACE(what);
+            publish(++items);
+            act(user);
+            if (shown.isEmpty()) {
+                ASSERT_TRUE(user.seesQuiet());
+                user.press(Qt::Key_Return);
+            }
+            const QStringList lines =
+                shown.isEmpty() ? QStringList{u"d: 2/2"_s, u"e: 2/2"_s, u"f: 2/2"_s} : shown;
+            ASSERT_TRUE(user.seesLines(lines) && user.seesQuiet());
+            QStringList counts = lines;
+            for (QString &line : counts)
+                line = line.sliced(3);
+            EXPECT_EQ(stored(), none + u' ' + counts.join(u' ') + u' ' + none);
+            user.press(Qt::Key_Home);
+            user.press(Qt::Key_Down);
+            ASSERT_TRUE(user.seesSelected(1));
+        }
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesCaption(u"e"_s) && user.seesQuiet());
+        EXPECT_EQ(user.rows().size(), 5);
+        for (const Hand &act : {update, pressing(Qt::Key_F5)}) {
+            publish(++items);
+            act(user);
+            ASSERT_TRUE(user.sees([&] { return user.list()->rowCount() == items; }));
+            ASSERT_TRUE(user.seesQuiet());
+        }
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesLines({u"d: 5/5"_s, u"e: 7/7"_s, u"f: 5/5"_s}));
+        user.press(Qt::Key_Right); // not what is selected in the list of categories
+        ASSERT_TRUE(user.seesLines({u"g: 0/0"_s, u"h: 0/0"_s, u"i: 0/0"_s}) && user.seesQuiet());
+        user.choose({u"Update All"_s});
+        ASSERT_TRUE(user.seesLines({u"g: 7/7"_s, u"h: 7/7"_s, u"i: 7/7"_s}) && user.seesQuiet());
+    });
+    EXPECT_EQ(stored(), none + u" 5/5 7/7 5/5 7/7 7/7 7/7");
+    expectSound();
+}
+
+TEST_F(ReadingSessionTest, FromTheFirstUpdateToTheLastArticle) {
+    runInC([&](User &user) {
         QStringList seen;
         user.look([&] {
             const auto note = [&] {
@@ -70,25 +137,20 @@ TEST_F(ReadingSessionTest, FromTheFirstUpdateToTheLastArticle) {
             QObject::connect(user.list()->model(), &QAbstractItemModel::modelReset, note);
         });
         user.choose({u"Update All"_s});
-        ASSERT_TRUE(user.seesLines({u"a: 2/2"_s, u"b: 2/2"_s, u"c: 2/2"_s}) && user.seesQuiet());
+        ASSERT_TRUE(user.seesLines({u"d: 2/2"_s, u"e: 2/2"_s, u"f: 2/2"_s}) && user.seesQuiet());
         EXPECT_EQ(seen, QStringList({u"2/2 0/0 0/0 "_s, u"2/2 2/2 0/0 "_s, u"2/2 2/2 2/2 "_s}));
 
         user.press(Qt::Key_Return);
-        ASSERT_TRUE(user.seesCaption(u"a"_s) && user.seesQuiet());
+        ASSERT_TRUE(user.seesCaption(u"d"_s) && user.seesQuiet());
         const QStringList titles = user.rows();
-        EXPECT_EQ(titles.size(), 2);
         user.choose({u"Show Unread Only"_s});
         ASSERT_TRUE(user.seesRows(titles) && user.seesQuiet());
         user.press(Qt::Key_Return);
         ASSERT_TRUE(user.seesPage(titles[0]) && user.seesQuiet());
-        user.choose({u"Font Size"_s, u"Big"_s});
         user.press(Qt::Key_Escape);
         EXPECT_TRUE(user.seesRows(titles.last(1)) && user.seesQuiet());
-        EXPECT_TRUE(user.sees([&] { return user.list()->font().pointSize() == 13; }));
         user.press(Qt::Key_Escape);
-        EXPECT_TRUE(user.seesLines({u"a: 1/2"_s, u"b: 2/2"_s, u"c: 2/2"_s}) && user.seesQuiet());
-        user.press(Qt::Key_Left);
-        EXPECT_TRUE(user.seesCaption(u"D"_s) && user.seesLines({u"z: 0/0"_s}));
+        EXPECT_TRUE(user.seesLines({u"d: 1/2"_s, u"e: 2/2"_s, u"f: 2/2"_s}));
     });
     expectSound();
 }
@@ -96,49 +158,48 @@ TEST_F(ReadingSessionTest, FromTheFirstUpdateToTheLastArticle) {
 TEST_F(ReadingSessionTest, WhatCannotBeUpdatedIsToldAndAnotherUpdateIsPossible) {
     const QString internet = u"Encountering Internet Problem"_s;
     const std::pair<std::function<void()>, QString> faults[]{
-        {[&] { server_.answerStatus(u"/a"_s, 404); }, internet},
-        {[&] { server_.resetHalfWay(u"/a"_s, generatedFeed(9, 1)); }, internet},
-        {[&] { server_.serve(u"/a"_s, "<html/>"); },
+        {[&] { server_.answerStatus(u"/d"_s, 404); }, internet},
+        {[&] { server_.resetHalfWay(u"/d"_s, generatedFeed(9, 1)); }, internet},
+        {[&] { server_.serve(u"/d"_s, "<html/>"); },
          u"Encountering Problem when Reading Feed information"_s},
-        {[&] { server_.hang(u"/a"_s); }, u"Encountering Unidentified Problem"_s}};
-    run([&](User &user) {
+        {[&] { server_.hang(u"/d"_s); }, u"Encountering Unidentified Problem"_s}};
+    runInC([&](User &user) {
         for (const auto &[prepare, message] : faults) {
             prepare();
             const bool isSilent = message.contains(u"Unidentified");
             user.look([&] { session_->state().updates.setAnswerTimeout(isSilent ? 300ms : 60s); });
             user.press(Qt::Key_F5);
-            ASSERT_TRUE(user.seesBox(message)) << message.toStdString();
-            user.press(Qt::Key_Return);
-            ASSERT_TRUE(user.seesNoBox() && seesUpdating(user, false));
+            expectBox(user, message);
+            ASSERT_TRUE(seesUpdating(user, false));
         }
         user.look([&] { session_->state().updates.setAnswerTimeout(60s); });
         kill(*runningService(root_), SIGKILL); // what another one brings is shown
         waitFor([this] { return !runningService(root_); });
-        publish(u"a"_s, 3);
+        publish(3);
         user.choose({u"Update"_s});
-        EXPECT_TRUE(user.seesLines({u"a: 3/3"_s, u"b: 0/0"_s, u"c: 0/0"_s}) && user.seesNoBox());
+        EXPECT_TRUE(user.seesLines({u"d: 3/3"_s, u"e: 0/0"_s, u"f: 0/0"_s}) && user.seesNoBox());
     });
     expectSound();
 }
 
 TEST_F(ReadingSessionTest, AWaitEndsByAKeyAndAllOfThemByTheClosedWindow) {
-    for (const QString &name : {u"a"_s, u"c"_s})
-        server_.hang(u'/' + name);
+    for (const QChar name : {u'd', u'f'})
+        server_.hang(path(name));
     QElapsedTimer timer;
-    run([&](User &user) {
+    runInC([&](User &user) {
         user.choose({u"Update All"_s});
         ASSERT_TRUE(seesUpdating(user, true) && seesUpdating(user, true, CommandUpdateAll));
         waitFor([&] { return server_.requests().size() == 1; });
-        user.press(Qt::Key_Return); // ends the wait for a and opens its articles
-        ASSERT_TRUE(user.seesCaption(u"a"_s));
-        waitFor([&] { return server_.requests().size() == 3; }); // the run goes on to c
+        user.press(Qt::Key_Return); // ends the wait for d and opens its articles
+        ASSERT_TRUE(user.seesCaption(u"d"_s));
+        waitFor([&] { return server_.requests().size() == 3; }); // the run goes on to f
         EXPECT_TRUE(seesUpdating(user, true, CommandUpdateArticles));
         timer.start();
         user.closeWindow();
     });
     session_.reset();
-    EXPECT_LT(timer.elapsed(), 2000);
-    EXPECT_EQ(counts(u"b"_s), u"2/2");
+    EXPECT_LT(timer.elapsed(), 20'000) << "the servers' own limit is longer";
+    EXPECT_EQ(counts(u"e"_s), u"2/2");
 }
 
 } // namespace

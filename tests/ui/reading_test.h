@@ -11,10 +11,11 @@ namespace tidebrook {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-using Hand = std::function<void(User &)>;
-
+inline const QStringList seeded{u"News"_s, u"Science"_s, u"Travel"_s};
 inline const QStringList scienceLines{u"Moon: 3/5"_s, u"Odd: 4/4"_s, u"Star: 0/0"_s};
 inline const QString databaseProblem = u"Encountering Problem when Accessing Database"_s;
+inline const QString fileProblem = u"Encountering Problem when Accessing Crucial File"_s;
+inline const QString deleteCategory = u"Are you sure you want to delete this category?"_s;
 
 /// A device with Planet in News, Comet in Travel, and in Science Moon, whose articles are partly
 /// read, Odd, whose titles are, and Star.
@@ -32,13 +33,13 @@ protected:
     }
     /// The screens' thread is never blocked meanwhile, but for what threads that a busy machine
     /// lets wait take of its time. Whatever here could block it does so for longer.
-    void run(const Hand &user) {
-        session = std::make_unique<Session>(device.root);
-        EXPECT_TRUE(session->run([&](User &someone) {
-            ASSERT_TRUE(someone.seesRows({u"News"_s, u"Science"_s, u"Travel"_s}));
-            ASSERT_TRUE(someone.seesQuiet());
+    void run(const Hand &user, const QSize &screen = {240, 320}) {
+        session = std::make_unique<Session>(device.root, screen);
+        const auto begin = [&](User &someone) {
+            ASSERT_TRUE(someone.seesRows(storedCategories(device.root)) && someone.seesQuiet());
             user(someone);
-        }));
+        };
+        EXPECT_TRUE(session->run(begin));
         EXPECT_LT(session->longestBlocked(), 500ms);
     }
     /// From the categories to the first channel's articles (2) or the first article (3).
@@ -52,12 +53,6 @@ protected:
             }));
             ASSERT_TRUE(user.seesQuiet());
         }
-    }
-    /// Sees this box, answers it with Enter, and sees no other.
-    static void expectBox(User &user, const QString &text) {
-        ASSERT_TRUE(user.seesBox(text)) << text.toStdString();
-        user.press(Qt::Key_Return);
-        ASSERT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
     }
     quint32 setting(QStringView name, QStringView key = programKey) {
         return SettingsStore(*device.registry).dword(key, name);

@@ -35,8 +35,18 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patience = 10s;
+constexpr auto patience = 30s; // which only a test that fails needs
 constexpr auto lookAgainAfter = 2ms;
+
+template <class Kind> Kind *onTop(const ScreenStack &stack) {
+    return qobject_cast<Kind *>(stack.top());
+}
+
+template <class Part> Part *partOfTop(const ScreenStack &stack) {
+    return stack.top() != nullptr ? stack.top()->findChild<Part *>() : nullptr;
+}
+
+QMenu *openMenu() { return qobject_cast<QMenu *>(QApplication::activePopupWidget()); }
 
 QWidget *keyTarget(ScreenStack &stack) {
     if (QWidget *popup = QApplication::activePopupWidget())
@@ -47,73 +57,51 @@ QWidget *keyTarget(ScreenStack &stack) {
 
 // As keyboards send it: keys that write nothing have a text too.
 QString keyText(int key, Qt::KeyboardModifiers modifiers) {
-    switch (key) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        return QStringLiteral("\r");
-    case Qt::Key_Escape:
-        return QStringLiteral("\x1b");
-    case Qt::Key_Delete:
-        return QStringLiteral("\x7f");
-    default:
-        break;
-    }
+    if (key == Qt::Key_Return || key == Qt::Key_Enter)
+        return u"\r"_s;
+    if (key == Qt::Key_Escape)
+        return u"\x1b"_s;
+    if (key == Qt::Key_Delete)
+        return u"\x7f"_s;
     const bool isLetter = key >= Qt::Key_A && key <= Qt::Key_Z && modifiers == Qt::NoModifier;
     return key == Qt::Key_Space || isLetter ? QString(QChar(key)).toLower() : QString();
 }
 
-QPointingDevice *finger() {
-    static QPointingDevice *device = QTest::createTouchDevice();
-    return device;
+QAbstractButton *findButton(const QWidget &widget, const QString &text) {
+    const auto buttons = widget.findChildren<QAbstractButton *>();
+    const auto found = std::find_if(buttons.begin(), buttons.end(), [&](QAbstractButton *button) {
+        QString shown = button->text().isEmpty() ? button->accessibleName() : button->text();
+        return button->isVisible() && shown.remove(u'&') == text;
+    });
+    return found != buttons.end() ? *found : nullptr;
 }
 
-QAction *findEntry(QMenu &menu, const QString &text) {
-    for (QAction *entry : menu.actions()) {
-        if (entry->text() == text)
-            return entry;
-    }
-    return nullptr;
-}
-
-QAbstractButton *findButton(QWidget &widget, const QString &text) {
-    for (auto *button : widget.findChildren<QAbstractButton *>()) {
-        QString shown = button->text();
-        if (shown.isEmpty())
-            shown = button->accessibleName();
-        if (button->isVisible() && shown.remove(u'&') == text)
-            return button;
-    }
-    return nullptr;
+QPoint middleOf(const ListView &list, int row) {
+    return list.visualRect(list.model()->index(row, 0)).center();
 }
 
 QString checkText(bool isChecked, const QString &text) {
     return (isChecked ? u"x "_s : u"- "_s) + text;
 }
 
-QString choicesText(const QComboBox &box) {
-    QStringList texts;
-    for (int i = 0; i < box.count(); ++i)
-        texts.append(i == box.currentIndex() ? u'[' + box.itemText(i) + u']' : box.itemText(i));
-    return texts.join(u' ');
-}
-
-QString checksText(const ListView &list) {
-    QStringList texts;
-    for (int i = 0; i < list.rowCount(); ++i)
-        texts.append(checkText(list.isChecked(i), list.rowText(i)));
-    return texts.join(u", ");
-}
-
 /// Null for what is no control of a user.
 QString controlText(const QObject *control) {
+    QStringList texts;
     if (const auto *edit = qobject_cast<const QLineEdit *>(control))
         return edit->text();
     if (const auto *button = qobject_cast<const QAbstractButton *>(control))
         return checkText(button->isChecked(), button->text());
-    if (const auto *box = qobject_cast<const QComboBox *>(control))
-        return choicesText(*box);
+    if (const auto *box = qobject_cast<const QComboBox *>(control)) {
+        for (int i = 0; i < box->count(); ++i)
+            texts.append((i == box->currentIndex() ? u"[%1]"_s : u"%1"_s).arg(box->itemText(i)));
+        return texts.join(u' ');
+    }
     const auto *list = qobject_cast<const ListView *>(control);
-    return list != nullptr && list->isCheckable() ? checksText(*list) + u'.' : QString();
+    if (list == nullptr || !list->isCheckable())
+        return {};
+    for (int i = 0; i < list->rowCount(); ++i)
+        texts.append(checkText(list->isChecked(i), list->rowText(i)));
+    return texts.join(u", ") + u'.';
 }
 
 } // namespace
@@ -140,6 +128,14 @@ bool User::sees(const std::function<bool()> &condition) {
     }
 }
 
+bool User::seesSame(const std::function<QStringList()> &seen, const QStringList &expected) {
+    QStringList last;
+    const bool isSame = sees([&] { return (last = seen()) == expected; });
+    if (!isSame)
+        ADD_FAILURE() << "sees " << last.join(u" | ").toStdString();
+    return isSame;
+}
+
 void User::press(int key, Qt::KeyboardModifiers modifiers) {
     for (const QTest::KeyAction action : {QTest::Press, QTest::Release}) {
         act([this, action, key, modifiers] {
@@ -153,13 +149,6 @@ void User::type(const QString &text) {
     act([this, text] { QTest::keyClicks(keyTarget(stack_), text); });
 }
 
-void User::tapAt(const std::function<QWidget *()> &find, const QPoint &position) {
-    act([find, position] {
-        if (QWidget *target = find())
-            QTest::mouseClick(target, Qt::LeftButton, {}, position);
-    });
-}
-
 void User::paste(const QString &text) {
     act([text] { QApplication::clipboard()->setText(text); });
     press(Qt::Key_V, Qt::ControlModifier);
@@ -167,39 +156,39 @@ void User::paste(const QString &text) {
 
 void User::tapRow(int row) {
     act([this, row] {
-        const QRect place = list()->visualRect(list()->model()->index(row, 0));
-        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place.center());
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, middleOf(*list(), row));
     });
 }
 
 void User::tapBelowRows() {
     act([this] {
-        const QWidget *area = list()->viewport();
+        QWidget *area = list()->viewport();
         const QPoint place(area->width() / 2, area->height() - 2);
         ASSERT_FALSE(list()->indexAt(place).isValid());
-        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseClick(area, Qt::LeftButton, {}, place);
     });
 }
 
 void User::touchRow(int row, int way) {
+    static QPointingDevice *finger = QTest::createTouchDevice();
     constexpr int moves = 8;
     auto area = std::make_shared<QPointer<QWidget>>();
     auto start = std::make_shared<QPoint>();
+    const auto touch = [this, area, start](auto put, int moved) {
+        act([area, start, put, moved] {
+            auto touches = QTest::touchEvent(*area, finger, false);
+            put(touches, *start + QPoint(0, moved), area->data());
+            touches.commit(false);
+        });
+    };
     act([this, row, area, start] {
         *area = list()->viewport();
-        *start = list()->visualRect(list()->model()->index(row, 0)).center();
-        QTest::touchEvent(*area, finger(), false).press(0, *start, *area).commit(false);
+        *start = middleOf(*list(), row);
     });
-    for (int i = 1; way != 0 && i <= moves; ++i) {
-        act([area, start, way, i] {
-            const QPoint place = *start + QPoint(0, way * i / moves);
-            QTest::touchEvent(*area, finger(), false).move(0, place, *area).commit(false);
-        });
-    }
-    act([area, start, way] {
-        const QPoint place = *start + QPoint(0, way);
-        QTest::touchEvent(*area, finger(), false).release(0, place, *area).commit(false);
-    });
+    touch([](auto &touches, auto... where) { touches.press(0, where...); }, 0);
+    for (int i = 1; way != 0 && i <= moves; ++i)
+        touch([](auto &touches, auto... where) { touches.move(0, where...); }, way * i / moves);
+    touch([](auto &touches, auto... where) { touches.release(0, where...); }, way);
 }
 
 void User::turnWheel(int steps) {
@@ -222,7 +211,7 @@ void User::tap(const QString &buttonText) {
 
 void User::tapLink(const QString &text) {
     act([this, text] {
-        auto *page = stack_.top()->findChild<TextPage *>();
+        auto *page = partOfTop<TextPage>(stack_);
         ASSERT_NE(page, nullptr);
         QTextCursor place = page->document()->find(text);
         ASSERT_FALSE(place.isNull()) << "there is no " << text.toStdString();
@@ -239,11 +228,14 @@ void User::choose(const QStringList &path) {
     for (const QString &text : path) {
         ASSERT_TRUE(seesPopup());
         act([text] {
-            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            QAction *entry = menu != nullptr ? findEntry(*menu, text) : nullptr;
-            ASSERT_NE(entry, nullptr) << "there is no " << text.toStdString();
-            menu->setActiveAction(entry);
-            QTest::keyClick(menu, entry->menu() != nullptr ? Qt::Key_Right : Qt::Key_Return);
+            QMenu *menu = openMenu();
+            const auto entries = menu != nullptr ? menu->actions() : QList<QAction *>();
+            const auto entry =
+                std::find_if(entries.begin(), entries.end(),
+                             [&](const QAction *one) { return one->text() == text; });
+            ASSERT_NE(entry, entries.end()) << "there is no " << text.toStdString();
+            menu->setActiveAction(*entry);
+            QTest::keyClick(menu, (*entry)->menu() != nullptr ? Qt::Key_Right : Qt::Key_Return);
         });
     }
 }
@@ -272,77 +264,65 @@ ListView *User::list() const {
     return seen == lists.end() ? nullptr : *seen;
 }
 
+QStringList User::rowsNow() const { return list() != nullptr ? list()->rowTexts() : QStringList(); }
+
+QStringList User::linesNow() const {
+    QStringList lines;
+    for (int i = 0; list() != nullptr && i < list()->rowCount(); ++i) {
+        const ListRow row = list()->row(i);
+        const bool isUnread = qstrcmp(list()->image(row.image), "article-unread") == 0;
+        lines.append((isUnread ? u"*%1: %2"_s : u"%1: %2"_s).arg(row.text, row.detail));
+    }
+    return lines;
+}
+
+QStringList User::controlsNow() const {
+    const auto *dialog = onTop<Dialog>(stack_);
+    if (dialog == nullptr)
+        return {};
+    if (!dialog->form().isEnabled())
+        return {u"waiting"_s};
+    QStringList texts;
+    for (const QObject *control : dialog->form().children())
+        texts.append(controlText(control));
+    texts.removeAll(QString());
+    return texts;
+}
+
 QStringList User::rows() {
     QStringList names;
-    look([&] { names = list() != nullptr ? list()->rowTexts() : QStringList(); });
+    look([&] { names = rowsNow(); });
     return names;
-}
-
-bool User::seesList(const std::function<QStringList()> &seen, const QStringList &expected) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    QStringList last;
-    while ((last = seen()) != expected) {
-        if (std::chrono::steady_clock::now() > end) {
-            ADD_FAILURE() << "sees " << last.join(u" | ").toStdString();
-            return false;
-        }
-        std::this_thread::sleep_for(lookAgainAfter);
-    }
-    return true;
-}
-
-bool User::seesRows(const QStringList &names) {
-    return seesList([this] { return rows(); }, names);
-}
-
-bool User::seesLines(const QStringList &lines) {
-    return seesList([this] { return this->lines(); }, lines);
 }
 
 QStringList User::lines() {
     QStringList lines;
-    look([&] {
-        for (int i = 0; list() != nullptr && i < list()->rowCount(); ++i) {
-            const ListRow row = list()->row(i);
-            const bool isUnread = qstrcmp(list()->image(row.image), "article-unread") == 0;
-            lines.append((isUnread ? u"*%1: %2"_s : u"%1: %2"_s).arg(row.text, row.detail));
-        }
-    });
+    look([&] { lines = linesNow(); });
     return lines;
 }
 
-QStringList User::controls() {
-    QStringList texts;
-    look([&] {
-        const auto *dialog = qobject_cast<Dialog *>(stack_.top());
-        if (dialog == nullptr)
-            return;
-        if (!dialog->form().isEnabled())
-            texts.append(u"waiting"_s);
-        else
-            for (const QObject *control : dialog->form().children())
-                texts.append(controlText(control));
-        texts.removeAll(QString());
-    });
-    return texts;
+bool User::seesRows(const QStringList &names) {
+    return seesSame([this] { return rowsNow(); }, names);
+}
+
+bool User::seesLines(const QStringList &lines) {
+    return seesSame([this] { return linesNow(); }, lines);
 }
 
 bool User::seesControls(const QStringList &controls) {
-    return seesList([this] { return this->controls(); }, controls);
+    return seesSame([this] { return controlsNow(); }, controls);
 }
 
 QStringList User::entries(const QString &within) {
     choose(within.isEmpty() ? QStringList() : QStringList{within});
     EXPECT_TRUE(seesPopup());
     QStringList texts;
-    sees([&] {
-        const auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        for (const QAction *entry : menu != nullptr ? menu->actions() : QList<QAction *>()) {
+    look([&] {
+        for (const QAction *entry : openMenu()->actions()) {
             if (!entry->isSeparator())
                 texts.append((entry->isEnabled() ? u""_s : u"-"_s) %
                              (entry->isChecked() ? u"+"_s : u""_s) % entry->text());
         }
-        return true;
     });
     for (int open = within.isEmpty() ? 1 : 2; open > 0; --open)
         press(Qt::Key_Escape);
@@ -355,8 +335,8 @@ bool User::seesSelected(int row) {
 
 bool User::seesEditor(const QString &text) {
     return sees([this, text] {
-        return list() != nullptr && list()->labelEditor() != nullptr &&
-               list()->labelEditor()->text() == text;
+        const QLineEdit *editor = list() != nullptr ? list()->labelEditor() : nullptr;
+        return editor != nullptr && editor->text() == text;
     });
 }
 
@@ -366,13 +346,13 @@ bool User::seesNoEditor() {
 
 bool User::seesBox(const QString &text) {
     return sees([this, text] {
-        const auto *box = qobject_cast<MessageBox *>(stack_.top());
+        const auto *box = onTop<MessageBox>(stack_);
         return box != nullptr && box->accessibleDescription() == text;
     });
 }
 
 bool User::seesNoBox() {
-    return sees([this] { return qobject_cast<MessageBox *>(stack_.top()) == nullptr; });
+    return sees([this] { return onTop<MessageBox>(stack_) == nullptr; });
 }
 
 bool User::seesPopup() {
@@ -381,22 +361,22 @@ bool User::seesPopup() {
 
 bool User::seesCaption(const QString &caption) {
     return sees([this, caption] {
-        const auto *dialog = qobject_cast<Dialog *>(stack_.top());
-        return dialog != nullptr && dialog->headerBar() != nullptr &&
-               dialog->headerBar()->caption() == caption;
+        const auto *dialog = onTop<Dialog>(stack_);
+        const HeaderBar *header = dialog != nullptr ? dialog->headerBar() : nullptr;
+        return header != nullptr && header->caption() == caption;
     });
 }
 
 bool User::seesChoices() {
     return sees([this] {
-        const auto *header = stack_.top()->findChild<HeaderBar *>();
+        const auto *header = partOfTop<HeaderBar>(stack_);
         return header != nullptr && header->areChoicesVisible();
     });
 }
 
 bool User::seesPage(const QString &text) {
     return sees([this, text] {
-        const auto *page = stack_.top()->findChild<TextPage *>();
+        const auto *page = partOfTop<TextPage>(stack_);
         return page != nullptr && page->toPlainText().contains(text);
     });
 }
@@ -415,16 +395,14 @@ QPixmap User::picture() {
     look([&] {
         pixmap = stack_.grab();
         QPainter painter(&pixmap);
-        const auto draw = [&](QWidget &popup) {
-            painter.drawPixmap(stack_.mapFromGlobal(popup.pos()), popup.grab());
-        };
-        QWidget *last = QApplication::activePopupWidget();
-        for (QWidget *widget : QApplication::topLevelWidgets()) {
-            if (widget != last && widget->isVisible() && widget->windowType() == Qt::Popup)
-                draw(*widget);
-        }
-        if (last != nullptr)
-            draw(*last);
+        QWidgetList popups = QApplication::topLevelWidgets();
+        popups.removeIf([](const QWidget *widget) {
+            return !widget->isVisible() || widget->windowType() != Qt::Popup;
+        });
+        if (popups.removeOne(QApplication::activePopupWidget()))
+            popups.append(QApplication::activePopupWidget());
+        for (QWidget *popup : std::as_const(popups))
+            painter.drawPixmap(stack_.mapFromGlobal(popup->pos()), popup->grab());
     });
     return pixmap;
 }
@@ -463,6 +441,24 @@ bool Session::run(const std::function<void(User &)> &user) {
     hands.join();
     state_->finish();
     return stack_.top() == nullptr;
+}
+
+Hand pressing(int key, Qt::KeyboardModifiers modifiers) {
+    return [key, modifiers](User &user) { user.press(key, modifiers); };
+}
+
+Hand tapping(const QString &button) {
+    return [button](User &user) { user.tap(button); };
+}
+
+Hand choosing(const QStringList &path) {
+    return [path](User &user) { user.choose(path); };
+}
+
+void expectBox(User &user, const QString &text) {
+    ASSERT_TRUE(user.seesBox(text)) << text.toStdString();
+    user.press(Qt::Key_Return);
+    ASSERT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
 }
 
 QStringList storedCategories(const DeviceRoot &device) {

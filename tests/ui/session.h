@@ -42,7 +42,6 @@ public:
     void tap(const QString &buttonText);
     /// Taps the link of a page that has this text, the only such text in it.
     void tapLink(const QString &text);
-    void tapAt(const std::function<QWidget *()> &find, const QPoint &position);
     /// Opens the menu and chooses an entry; further texts lead into menus within it.
     void choose(const QStringList &path);
     /// Another program comes in front of the window, and it comes back.
@@ -83,7 +82,6 @@ public:
     /// The controls of the dialog that is on top, in their order: the text of an edit, buttons with
     /// "x" or "-" before their text, the entries of a drop-down list with brackets around the
     /// chosen one, the rows of a list of check boxes like buttons. "waiting" alone while it waits.
-    QStringList controls();
     bool seesControls(const QStringList &controls);
     /// The entries of the menu, or of one within it; "-" stands before those that cannot be
     /// chosen, "+" before checked ones. The menu is closed again.
@@ -97,7 +95,10 @@ public:
     ScreenStack &stack() const { return stack_; }
 
 private:
-    bool seesList(const std::function<QStringList()> &seen, const QStringList &expected);
+    QStringList rowsNow() const;
+    QStringList linesNow() const;
+    QStringList controlsNow() const;
+    bool seesSame(const std::function<QStringList()> &seen, const QStringList &expected);
 
     ScreenStack &stack_;
     Mailbox mailbox_;
@@ -127,6 +128,15 @@ private:
     std::unique_ptr<AppState> state_;
     std::chrono::milliseconds longestBlocked_{0};
 };
+
+/// What a user does, to be kept in tables.
+using Hand = std::function<void(User &)>;
+Hand pressing(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+Hand tapping(const QString &button);
+Hand choosing(const QStringList &path);
+
+/// Sees this box, answers it with Enter, and sees no other.
+void expectBox(User &user, const QString &text);
 
 QStringList storedCategories(const DeviceRoot &device);
 

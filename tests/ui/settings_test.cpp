@@ -17,7 +17,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-using Hand = std::function<void(User &)>;
 using Values = QList<qint64>; // in the order of their names; -1 as a DWORD is 0xFFFFFFFF
 
 constexpr qint64 missing = -2;

@@ -1,34 +1,43 @@
 #pragma once
 
 #include "feed_server/feed_server.h"
+#include "ui/home.h"
 #include "ui/reading_test.h"
-
-#include <QTemporaryDir>
 
 namespace tidebrook {
 
-/// A device as for reading, a server that stands for every host at its plain port, and a folder
-/// for the user's documents.
+/// A device as for reading, a server that stands for every host at its plain port, and a home.
 class SharingTest : public ReadingTest {
 public:
     SharingTest(const SharingTest &) = delete;
     SharingTest &operator=(const SharingTest &) = delete;
 
 protected:
-    SharingTest();
-    ~SharingTest() override;
+    SharingTest() { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server.port())); }
+    ~SharingTest() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
 
     /// Shows the channels of Science to the user.
-    void runInScience(const Hand &user);
+    void runInScience(const Hand &user) {
+        run([&](User &someone) {
+            go(someone, 1);
+            ASSERT_TRUE(someone.seesLines(scienceLines) && someone.seesQuiet());
+            user(someone);
+        });
+    }
     /// The channels of a category, each as "NAME ADDRESS".
-    QStringList channels(const QString &category);
-    QString path(const QString &name) const { return documents.filePath(name); }
+    QStringList channels(const QString &category) {
+        QStringList channels;
+        for (const QString &name : device.channelNames(category)) {
+            QString link;
+            EXPECT_TRUE(device.store->GetChannelLink(category, name, link));
+            channels.append(name + u' ' + link);
+        }
+        return channels;
+    }
+    QString path(const QString &name) const { return home.filePath(name); }
 
     FeedServer server;
-    QTemporaryDir documents;
-
-private:
-    QTemporaryDir config_;
+    const Home home;
 };
 
 } // namespace tidebrook

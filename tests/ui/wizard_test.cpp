@@ -1,9 +1,6 @@
 #include "ui/kit/dialog.h"
 #include "ui/sharing_test.h"
 
-#include <QDir>
-#include <QFile>
-
 namespace tidebrook {
 namespace {
 
@@ -18,7 +15,8 @@ const QByteArray list = R"opml(<?xml version="1.0"?><opml version="2.0"><body>
   <outline text="Folder"><outline text="One" type="rss" xmlUrl="http://Example.org/One"/></outline>
   <outline text="Other" type="RSS" xmlUrl="http://example.org/hole"/>
   <outline text="Two" type="link" url="http://example.org/two"/>
-  <outline text="Three" type="rss" xmlUrl="javascript:alert(1)"/></body></opml>)opml";
+  <outline text="Three" type="rss" xmlUrl="javascript:alert(1)"/>
+  <outline text="Bad" type="rss" xmlUrl="http://example.org/it's"/></body></opml>)opml";
 
 class WizardTest : public SharingTest {
 protected:
@@ -34,14 +32,12 @@ protected:
     }
 };
 
-struct FeedCase {
-    const char *what;
-    QByteArray document;
-    QString name; ///< under which it is added
-};
-
 TEST_F(WizardTest, AFeedIsAddedUnderTheTitleThatItHas) {
-    const std::vector<FeedCase> cases{
+    const struct {
+        const char *what;
+        QByteArray document;
+        QString name; ///< under which it is added
+    } cases[]{
         {"a title", "<?xml version='1.0'?><RSS><title>Sea &amp; Air</title>", u"Sea &amp; Air"_s},
         {"lines", "<rss><title>\n\tSea\r\n air \n</title>", u"Sea   air"_s},
         {"of 60 bytes", "<rss><title>" + QByteArray(48, 'n') + "\xc3\xa9</title>",
@@ -54,7 +50,7 @@ TEST_F(WizardTest, AFeedIsAddedUnderTheTitleThatItHas) {
     };
     QStringList expected = device.channelNames(u"Science"_s);
     runInScience([&](User &user) {
-        for (const FeedCase &feed : cases) {
+        for (const auto &feed : cases) {
             SCOPED_TRACE(feed.what);
             const QString path = u"/feed%1.xml"_s.arg(expected.size());
             server.serve(path, feed.document);
@@ -76,6 +72,7 @@ TEST_F(WizardTest, AFeedIsAddedUnderTheTitleThatItHas) {
 
 TEST_F(WizardTest, AnAddressIsRefusedOrTakenForAFeedThatIsOutOfReach) {
     server.answerStatus(u"/gone.opml"_s, 404, "<html>");
+    const QString longest = u"https://127.0.0.2/"_s + QString(493, u'X');
     runInScience([&](User &user) {
         enter(user, u"a.bc"_s); // with the scheme 11 characters
         expectBox(user, wrongUrl);
@@ -94,18 +91,21 @@ TEST_F(WizardTest, AnAddressIsRefusedOrTakenForAFeedThatIsOutOfReach) {
             expectBox(user, internetProblem);
             EXPECT_EQ(device.lastErrorCode(), code);
         }
-        // A whole address brings its own scheme.
+        // A whole address brings its own scheme, and one that is too long is cut.
         user.press(Qt::Key_A, Qt::ControlModifier);
         user.type(u"http://"_s);
         user.paste(u"https://127.0.0.2/Feed.xml"_s);
         ASSERT_TRUE(
             user.seesControls({firstPage[0], firstPage[1], u"https://127.0.0.2/Feed.xml"_s}));
+        user.press(Qt::Key_A, Qt::ControlModifier);
+        user.paste(QString(longest + u"XX"));
+        ASSERT_TRUE(user.seesControls({firstPage[0], firstPage[1], longest}));
         user.press(Qt::Key_Return);
         ASSERT_TRUE(user.seesControls(categoryPage));
         user.press(Qt::Key_Return);
         ASSERT_TRUE(user.seesRows({u"Moon"_s, u"New Channel"_s, u"Odd"_s, u"Star"_s}));
     });
-    EXPECT_TRUE(channels(u"Science"_s).contains(u"New Channel https://127.0.0.2/feed.xml"_s));
+    EXPECT_TRUE(channels(u"Science"_s).contains(QString(u"New Channel " + longest.toLower())));
 }
 
 TEST_F(WizardTest, AListIsOfferedAndWhatIsTickedIsAdded) {
@@ -124,22 +124,23 @@ TEST_F(WizardTest, AListIsOfferedAndWhatIsTickedIsAdded) {
                 user.type(u"localhost/My.opml"_s);
                 user.tap(u"Next"_s);
             }
-            ASSERT_TRUE(user.seesControls({u"- One, - Two, - Three."_s, u"- All"_s}));
+            ASSERT_TRUE(user.seesControls({u"- One, - Two, - Three, - Bad."_s, u"- All"_s}));
             user.tap(u"All"_s);
             user.tapRow(0);
-            ASSERT_TRUE(user.seesControls({u"- One, x Two, x Three."_s, u"- All"_s}));
+            ASSERT_TRUE(user.seesControls({u"- One, x Two, x Three, x Bad."_s, u"- All"_s}));
             user.tapRow(2);
             user.press(Qt::Key_Return);
             ASSERT_TRUE(user.seesControls(categoryPage));
             user.tap(u"Back"_s); // keeps the ticks
-            ASSERT_TRUE(user.seesControls({u"- One, x Two, - Three."_s, u"- All"_s}));
+            ASSERT_TRUE(user.seesControls({u"- One, x Two, - Three, x Bad."_s, u"- All"_s}));
             user.press(Qt::Key_Space); // on the row that was tapped
             user.tapRow(0);
             user.tap(u"Next"_s);
             ASSERT_TRUE(user.seesControls(categoryPage));
             user.press(Qt::Key_Up);
             user.tap(u"Finish"_s);
-            ASSERT_TRUE(user.seesRows({u"Moon"_s, u"Odd"_s, u"Star"_s}) && user.seesQuiet());
+            expectBox(user, wrongUrl); // of the one that is left out
+            ASSERT_TRUE(user.seesRows({u"Moon"_s, u"Odd"_s, u"Star"_s}));
         });
         QStringList added = channels(u"News"_s);
         EXPECT_EQ(added.size(), isFile ? 7 : 4); // a name that is taken gets a number
@@ -148,6 +149,25 @@ TEST_F(WizardTest, AListIsOfferedAndWhatIsTickedIsAdded) {
               u"Three javascript:alert(1)"_s})
             EXPECT_TRUE(added.contains(channel)) << channel.toStdString();
     }
+}
+
+TEST_F(WizardTest, TheMiddleCategoryIsProposed) {
+    run([](User &) {});
+    CategoryListStore categories(*device.registry);
+    const auto seesProposed = [this](const QString &proposed) {
+        run([&](User &user) {
+            go(user, 1, 0);
+            enter(user, u"127.0.0.2/feed.xml"_s);
+            EXPECT_TRUE(user.seesControls({proposed}));
+            user.closeWindow();
+        });
+    };
+    categories.AddCategory(u"Sport"_s);
+    seesProposed(u"News Science [Travel] Sport"_s);
+    device.store->DeleteChannel(u"Comet"_s); // for which its category would be listed again
+    for (const QString &name : {u"Sport"_s, u"Travel"_s})
+        categories.DeleteCategory(name);
+    seesProposed(u"News [Science]"_s);
 }
 
 TEST_F(WizardTest, ACategoryThatHasGoneMeanwhileIsListedAgain) {

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "support/test_device.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+namespace tidebrook {
+
+/// As long as it lives, the user has this home, with documents in a folder of this name, and these
+/// folders and files in it; a folder's name ends in "/".
+class Home {
+public:
+    explicit Home(const QStringList &entries = {}, const QByteArray &content = "before",
+                  const QString &documents = QStringLiteral("Papers"))
+        : documents_(folder_.filePath(documents)) {
+        QDir().mkpath(documents_);
+        for (const QString &entry : entries) {
+            QDir().mkpath(QFileInfo(filePath(entry)).path());
+            if (!entry.endsWith(u'/'))
+                writeFile(filePath(entry), content);
+        }
+        writeFile(folder_.filePath(QStringLiteral("user-dirs.dirs")),
+                  QStringLiteral("XDG_DOCUMENTS_DIR=\"$HOME/%1\"\n").arg(documents).toUtf8());
+        qputenv("HOME", folder_.path().toLocal8Bit());
+        qputenv("XDG_CONFIG_HOME", folder_.path().toLocal8Bit());
+    }
+    ~Home() {
+        qputenv("HOME", home_);
+        configuration_.isNull() ? qunsetenv("XDG_CONFIG_HOME")
+                                : qputenv("XDG_CONFIG_HOME", configuration_);
+    }
+    Home(const Home &) = delete;
+    Home &operator=(const Home &) = delete;
+
+    QString path() const { return folder_.path(); }
+    QString documents() const { return documents_; }
+    /// A document's path.
+    QString filePath(const QString &name) const { return documents_ + u'/' + name; }
+    /// Null for what is no file.
+    QByteArray content(const QString &name) const {
+        QFile file(filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    QStringList files() const { return QDir(documents_).entryList(QDir::Files); }
+
+private:
+    const QByteArray home_ = qgetenv("HOME");
+    const QByteArray configuration_ = qgetenv("XDG_CONFIG_HOME");
+    const QTemporaryDir folder_;
+    const QString documents_;
+};
+
+} // namespace tidebrook
