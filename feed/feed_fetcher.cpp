@@ -2,11 +2,8 @@
 
 #include "feed/rss_parser.h"
 #include "platform/pause.h"
+#include "platform/replace_file.h"
 #include "store/settings_store.h"
-
-#include <QTemporaryFile>
-
-#include <cstdio>
 
 namespace tidebrook {
 
@@ -82,23 +79,17 @@ bool FeedFetcher::checkRoot() { return document_->root().name() == "rss" || fail
 
 bool FeedFetcher::download(const QString &url) {
     // The file has one fixed place, and several channels may be refreshed at once: each downloads
-    // into a file without a name, reads that, and puts it in the fixed place when it is whole.
-    QTemporaryFile file(device_.filePath(tempFile) + u".XXXXXX");
-    if (!file.open() || !downloadToTempFile(url, file))
+    // into a file of its own, puts that in the fixed place when it is whole, and reads it.
+    FileReplacement temp(device_.filePath(tempFile));
+    QFile &file = temp.file();
+    if (!file.isOpen() || httpDownloadDirect(url, file, limits_) != HttpProgress::Complete ||
+        !temp.commit())
         return fail(FeedNotDownloaded);
     if (manner_.keepsPauses)
         Pause(loadPause, limits_.stop);
     file.seek(0);
     document_ = XmlDocument::parse(file.readAll());
     return document_.has_value() ? checkRoot() : fail(FeedNotXml);
-}
-
-bool FeedFetcher::downloadToTempFile(const QString &url, QTemporaryFile &file) {
-    if (httpDownloadDirect(url, file, limits_) != HttpProgress::Complete || !file.flush())
-        return false;
-    const QByteArray made = QFile::encodeName(file.fileName());
-    return std::rename(made.constData(),
-                       QFile::encodeName(device_.filePath(tempFile)).constData()) == 0;
 }
 
 bool FeedFetcher::parse(SqlCommand &command, const QString &channelName, const QString &category) {

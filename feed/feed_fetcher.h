@@ -11,8 +11,6 @@
 
 #include <optional>
 
-class QTemporaryFile;
-
 namespace tidebrook {
 
 /// How a refresh goes about it, for whom it is.
@@ -63,7 +61,6 @@ public:
     int storedCount() const { return storedCount_; }
 
 private:
-    bool downloadToTempFile(const QString &url, QTemporaryFile &file);
     bool isRoaming() const;
     Taken endQuietlyOrFail(quint32 code);
     bool checkRoot();

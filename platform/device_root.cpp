@@ -1,12 +1,37 @@
 #include "platform/device_root.h"
 
+#include "platform/aside.h"
+#include "platform/descriptor.h"
+#include "platform/plain_file.h"
+
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTemporaryDir>
+#include <QStringList>
+
+#include <algorithm>
 
 namespace tidebrook {
+
+namespace {
+
+const QStringList &folders() {
+    static const QStringList names{QStringLiteral("windows"), QStringLiteral("Temp"),
+                                   QStringLiteral("run")};
+    return names;
+}
+
+// What lies beside the root under such a name may be the user's.
+bool isUnfinishedRoot(const QString &path) {
+    const QStringList entries =
+        QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    return QFileInfo(path).isDir() &&
+           std::all_of(entries.begin(), entries.end(), [](const QString &name) {
+               return folders().contains(name) || name.startsWith(u"registry.db");
+           });
+}
+
+} // namespace
 
 DeviceRoot::DeviceRoot(const QString &path) : path_(QDir::cleanPath(QDir(path).absolutePath())) {}
 
@@ -29,29 +54,29 @@ QString DeviceRoot::filePath(QStringView devicePath) const {
 QString DeviceRoot::registryPath() const { return path_ + u"/registry.db"; }
 
 bool DeviceRoot::makeFolders() const {
-    const QString run = path_ + u"/run";
-    const auto userOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
-    const QDir dir;
-    return dir.mkpath(path_ + u"/windows") && dir.mkpath(path_ + u"/Temp") &&
-           (QFileInfo(run).isDir() || dir.mkdir(run, userOnly));
+    return QDir().mkpath(QFileInfo(path_).path()) && makeOwnFolder(path_) &&
+           std::all_of(folders().begin(), folders().end(),
+                       [this](const QString &name) { return makeOwnFolder(path_ + u'/' + name); });
 }
 
 bool DeviceRoot::provision(const std::function<bool(const DeviceRoot &)> &furnish) const {
-    if (exists())
-        return true;
-    if (!QDir().mkpath(QFileInfo(path_).path()))
-        return false;
-    QTemporaryDir aside(path_ + u".new-XXXXXX");
-    if (!aside.isValid())
-        return false;
-    const DeviceRoot built(aside.path());
-    if (!built.makeFolders() || !furnish(built))
-        return false;
-    // The rename fails where somebody else's root has come into place first: theirs then serves.
-    if (!QDir().rename(aside.path(), path_))
+    const QString prefix = path_ + u".new-";
+    removeLeftAside(prefix, isUnfinishedRoot);
+    const QString parent = QFileInfo(path_).path();
+    if (exists() || !QDir().mkpath(parent))
         return exists();
-    aside.setAutoRemove(false);
-    return true;
+    const Aside aside = makeFolderAside(prefix);
+    const Descriptor lock(aside.descriptor);
+    if (!lock.isOpen())
+        return false;
+    const DeviceRoot built(aside.path);
+    const bool isBuilt = built.makeFolders() && furnish(built) && syncFolder(aside.path);
+    // The rename fails where somebody else's root has come into place first: theirs then serves.
+    if (isBuilt && QDir().rename(aside.path, path_))
+        syncFolder(parent);
+    else
+        QDir(aside.path).removeRecursively();
+    return exists();
 }
 
 } // namespace tidebrook

@@ -23,14 +23,15 @@ public:
     QString filePath(QStringView devicePath) const;
     QString registryPath() const;
 
-    /// Makes the folders that every device has, where they are missing: `windows`, `Temp` and
-    /// `run` (which only the user may enter). False when one could not be made.
+    /// Makes the root and the folders that every device has, where they are missing: `windows`,
+    /// `Temp` and `run`. Only the user may enter what is made. False when one could not be made.
     bool makeFolders() const;
 
     /// Makes a root that does not exist yet. It is built aside, filled by `furnish` (which is
     /// given the root being built and returns whether it succeeded), and put in place whole, so
     /// that nobody ever sees half a device. True when the root exists afterwards, also when
-    /// somebody else made it meanwhile; after a failure nothing is left behind.
+    /// somebody else made it meanwhile; after a failure nothing is left behind. What a killed
+    /// process left of a root that it was building is removed.
     bool provision(const std::function<bool(const DeviceRoot &)> &furnish) const;
 
 private:

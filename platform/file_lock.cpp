@@ -1,6 +1,6 @@
 #include "platform/file_lock.h"
 
-#include <QFile>
+#include "platform/plain_file.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -38,7 +38,7 @@ bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> patienc
 } // namespace
 
 FileLock::FileLock(const QString &path, std::optional<std::chrono::milliseconds> patience)
-    : descriptor_(open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
+    : descriptor_(openPlainFile(path, O_RDWR | O_CREAT)),
       isHeld_(descriptor_ >= 0 && lockInTime(descriptor_, patience)) {}
 
 FileLock::~FileLock() {

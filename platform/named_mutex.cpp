@@ -1,6 +1,6 @@
 #include "platform/named_mutex.h"
 
-#include <QFile>
+#include "platform/plain_file.h"
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -89,8 +89,7 @@ int lockUntil(pthread_mutex_t *mutex, const timespec &deadline) {
 } // namespace
 
 NamedMutex::NamedMutex(const DeviceRoot &device, QStringView name)
-    : file_(open(QFile::encodeName(device.path() + u"/run/" + name + u".mutex").constData(),
-                 O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)),
+    : file_(openPlainFile(device.path() + u"/run/" + name + u".mutex", O_RDWR | O_CREAT)),
       shared_(share(file_.number())) {}
 
 NamedMutex::~NamedMutex() {

@@ -1,6 +1,7 @@
 #include "platform/process_lock.h"
 
 #include "platform/descriptor.h"
+#include "platform/plain_file.h"
 
 #include <QFile>
 
@@ -30,9 +31,9 @@ struct HeldFiles {
     std::mutex mutex;
     std::vector<HeldFile> files;
 
-    bool contains(const char *path) const {
+    bool contains(const QString &path) const {
         struct stat status {};
-        if (stat(path, &status) != 0)
+        if (stat(QFile::encodeName(path).constData(), &status) != 0)
             return false;
         return std::any_of(files.begin(), files.end(), [&](const HeldFile &file) {
             return file.device == status.st_dev && file.number == status.st_ino &&
@@ -54,12 +55,12 @@ struct flock wholeFile() {
 }
 
 /// The descriptor of the file that is locked now, or -1.
-int take(const char *path) {
+int take(const QString &path) {
     HeldFiles &held = heldFiles();
     const std::scoped_lock lock(held.mutex);
     if (held.contains(path))
         return -1;
-    const int descriptor = open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    const int descriptor = openPlainFile(path, O_RDWR | O_CREAT);
     if (descriptor < 0)
         return -1;
     const struct flock whole = wholeFile();
@@ -74,8 +75,7 @@ int take(const char *path) {
 
 } // namespace
 
-ProcessLock::ProcessLock(const QString &path)
-    : descriptor_(take(QFile::encodeName(path).constData())) {}
+ProcessLock::ProcessLock(const QString &path) : descriptor_(take(path)) {}
 
 ProcessLock::~ProcessLock() {
     if (!isHeld())
@@ -88,12 +88,11 @@ ProcessLock::~ProcessLock() {
 }
 
 std::optional<pid_t> ProcessLock::holder(const QString &path) {
-    const QByteArray name = QFile::encodeName(path);
     HeldFiles &held = heldFiles();
     const std::scoped_lock lock(held.mutex);
-    if (held.contains(name.constData()))
+    if (held.contains(path))
         return getpid();
-    const Descriptor file(open(name.constData(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(openPlainFile(path, O_RDONLY));
     struct flock whole = wholeFile();
     if (!file.isOpen() || fcntl(file.number(), F_GETLK, &whole) != 0 || whole.l_type == F_UNLCK)
         return std::nullopt;

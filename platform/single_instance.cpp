@@ -1,9 +1,11 @@
 #include "platform/single_instance.h"
 
+#include "platform/plain_file.h"
 #include "platform/replace_file.h"
 
 #include <QFile>
-#include <QFileInfo>
+
+#include <unistd.h>
 
 #include <thread>
 
@@ -15,6 +17,7 @@ using namespace std::chrono_literals;
 
 // Nothing tells when a lock is let go or an event is reset.
 constexpr std::chrono::milliseconds lookPause = 10ms;
+constexpr qint64 tokenLimit = 4096; // bytes; far more than a compositor gives
 
 QByteArray ownToken() {
     const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
@@ -53,7 +56,7 @@ bool SingleInstance::take() {
         return false;
     }
     // What the one before has left. Others who wait for it are told so that this one has come.
-    QFile::remove(tokenPath_);
+    forgetToken();
     request_.reset();
     return true;
 }
@@ -67,8 +70,8 @@ bool SingleInstance::ask() {
 }
 
 bool SingleInstance::isLockable() const {
-    const QFileInfo file(lockPath_);
-    return file.isFile() && file.isReadable() && file.isWritable();
+    return fileKindAt(lockPath_) == FileKind::Plain &&
+           access(QFile::encodeName(lockPath_).constData(), R_OK | W_OK) == 0;
 }
 
 std::optional<QString> SingleInstance::takeRequest() {
@@ -76,12 +79,14 @@ std::optional<QString> SingleInstance::takeRequest() {
         return std::nullopt;
     // In this order: a token is there before the request is.
     request_.reset();
-    QFile file(tokenPath_);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    const QByteArray token = file.readAll();
-    file.remove();
-    return QString::fromLocal8Bit(token);
+    const std::optional<QByteArray> token = readPlainFile(tokenPath_, tokenLimit);
+    forgetToken();
+    return QString::fromLocal8Bit(token.value_or(QByteArray()));
+}
+
+void SingleInstance::forgetToken() {
+    if (fileKindAt(tokenPath_) == FileKind::Plain)
+        QFile::remove(tokenPath_);
 }
 
 void SingleInstance::giveUp() { lock_.reset(); }

@@ -54,6 +54,7 @@ private:
     bool take();
     bool ask();
     bool isLockable() const;
+    void forgetToken();
 
     const QString lockPath_;
     const QString tokenPath_;

@@ -1,9 +1,15 @@
 #include "platform/sqlite_database.h"
 
+#include "platform/descriptor.h"
+#include "platform/plain_file.h"
+
 #include <QFile>
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -16,6 +22,8 @@ namespace {
 constexpr qsizetype idleStatementLimit = 64;
 
 constexpr char blanks[] = " \t\r\n";
+
+constexpr QStringView journalEndings[]{u"-wal", u"-shm", u"-journal"};
 
 bool isOneStatement(const char *tail) { return tail[std::strspn(tail, blanks)] == '\0'; }
 
@@ -81,6 +89,14 @@ qint64 SqliteStatement::integer(int column) const {
 
 std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const Options &options,
                                                      QString *error) {
+    if (!isUsablePlace(path)) {
+        if (error)
+            *error = QStringLiteral("it is no plain file");
+        return nullptr;
+    }
+    // It is made without being opened: closing it again would give up the locks of others here.
+    if (options.create)
+        mknod(QFile::encodeName(path).constData(), S_IFREG | 0600, 0);
     sqlite3 *handle = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
                       (options.create ? SQLITE_OPEN_CREATE : 0);
@@ -164,7 +180,41 @@ bool SqliteDatabase::flush() {
 
 QString SqliteDatabase::lastError() const { return QString::fromUtf8(sqlite3_errmsg(handle_)); }
 
+bool SqliteDatabase::isUsablePlace(const QString &path) {
+    return fileKindAt(path, Links::Followed) != FileKind::Other &&
+           std::none_of(
+               std::begin(journalEndings), std::end(journalEndings),
+               [&](QStringView ending) { return fileKindAt(path + ending) == FileKind::Other; });
+}
+
+bool SqliteDatabase::settle(const QString &path) {
+    {
+        const std::unique_ptr<SqliteDatabase> database = open(path, {});
+        const bool isWhole = database && sqlite3_wal_checkpoint_v2(database->handle_, nullptr,
+                                                                   SQLITE_CHECKPOINT_TRUNCATE,
+                                                                   nullptr, nullptr) == SQLITE_OK;
+        if (!isWhole)
+            return false;
+    }
+    const bool isAlone =
+        std::all_of(std::begin(journalEndings), std::end(journalEndings), [&](QStringView ending) {
+            return fileKindAt(path + ending) == FileKind::Missing;
+        });
+    const Descriptor file(openPlainFile(path, O_RDONLY));
+    return isAlone && file.isOpen() && fsync(file.number()) == 0;
+}
+
+bool SqliteDatabase::remove(const QString &path) {
+    if (!isUsablePlace(path))
+        return false;
+    for (const QStringView ending : journalEndings)
+        QFile::remove(path + ending);
+    return QFile::remove(path) || fileKindAt(path) == FileKind::Missing;
+}
+
 bool SqliteDatabase::isDamaged(const QString &path) {
+    if (!isUsablePlace(path))
+        return false;
     sqlite3 *handle = nullptr;
     sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
     SqliteDatabase database(handle);

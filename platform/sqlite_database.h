@@ -64,9 +64,18 @@ public:
     };
 
     /// Null when the file cannot be opened, is no database or (unless it may be made) an empty
-    /// one; `error` then says why.
+    /// one; `error` then says why. A file that is made can be read by its owner alone, and so
+    /// can its journal.
     static std::unique_ptr<SqliteDatabase> open(const QString &path, const Options &options,
                                                 QString *error = nullptr);
+    /// Whether a database may lie at a path: what is there is a plain file or a link to one, and
+    /// no other thing lies in the place of its journal. Nothing but that is ever opened.
+    static bool isUsablePlace(const QString &path);
+    /// Writes all that is in the journal of a database that nobody has open into its file, and
+    /// syncs that. True when the file alone is the whole database, and outlives a power cut.
+    static bool settle(const QString &path);
+    /// Removes a database that nobody has open, with its journal; never what is no plain file.
+    static bool remove(const QString &path);
     /// Whether a file is damaged, or is no database; false also when that cannot be told, as of
     /// one that others have locked.
     static bool isDamaged(const QString &path);

@@ -1,6 +1,6 @@
 #include "service/detach.h"
 
-#include <QFile>
+#include "platform/plain_file.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -24,9 +24,7 @@ constexpr char readyMark = '+';
     _exit(size == 1 && mark == readyMark ? 0 : 1);
 }
 
-void turnStream(int stream, const char *path, int flags) {
-    // What is no file is not waited for.
-    const int file = open(path, flags | O_CLOEXEC | O_NONBLOCK, 0600);
+void turnStream(int stream, int file) {
     if (file < 0)
         return;
     dup2(file, stream);
@@ -55,12 +53,10 @@ bool Detachment::begin() {
 }
 
 void Detachment::ready(const QString &logPath) {
-    turnStream(STDIN_FILENO, "/dev/null", O_RDONLY);
-    turnStream(STDOUT_FILENO, "/dev/null", O_WRONLY);
-    turnStream(STDERR_FILENO, "/dev/null", O_WRONLY);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        turnStream(stream, open("/dev/null", O_RDWR | O_CLOEXEC));
     if (!logPath.isEmpty())
-        turnStream(STDERR_FILENO, QFile::encodeName(logPath).constData(),
-                   O_WRONLY | O_CREAT | O_TRUNC);
+        turnStream(STDERR_FILENO, openPlainFile(logPath, O_WRONLY | O_CREAT | O_TRUNC));
     [[maybe_unused]] const ssize_t written = write(readyPipe_, &readyMark, 1);
     close(readyPipe_);
 }

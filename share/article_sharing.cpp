@@ -49,7 +49,7 @@ bool saveArticleHtml(FeedStore &store, const QString &channel, const QString &ti
     QByteArray page =
         kind == SaveKind::Link ? linkPage(title, article) : articlePage(title, article);
     page.resize(pageSize, '\0');
-    if (isReplaceable(path) && replaceFile(path, page))
+    if (replaceFile(path, page, Readers::Usual))
         return true;
     store.recordError(FileNotWritten);
     return false;

@@ -1,5 +1,6 @@
 #include "share/opml_reader.h"
 
+#include "platform/plain_file.h"
 #include "platform/replace_file.h"
 #include "platform/text.h"
 #include "share/download_failure.h"
@@ -7,8 +8,6 @@
 #include "store/settings_store.h"
 
 #include <QBuffer>
-#include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <cstring>
@@ -85,15 +84,10 @@ std::optional<QByteArray> OpmlReader::download(const QString &url) {
 
 // Reading a pipe or a device could wait for ever.
 std::optional<QByteArray> OpmlReader::readFile(const QString &path) {
-    QFile file(path);
-    if (QFileInfo(path).isFile() && file.size() <= limits_.bodyBytes &&
-        file.open(QIODevice::ReadOnly)) {
-        QByteArray bytes = file.read(limits_.bodyBytes);
-        if (file.error() == QFile::NoError)
-            return bytes;
-    }
-    fail(FeedNotXml);
-    return std::nullopt;
+    std::optional<QByteArray> bytes = readPlainFile(path, limits_.bodyBytes, Links::Followed);
+    if (!bytes)
+        fail(FeedNotXml);
+    return bytes;
 }
 
 bool OpmlReader::parse(const QByteArray &bytes) {

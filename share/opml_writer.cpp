@@ -91,10 +91,10 @@ QByteArray documentOf(const QString &category, const QList<Outline> &outlines) {
 
 bool exportOpml(FeedStore &store, const QString &category, const QString &channel,
                 const QString &path) {
-    if (category.isNull() || path.isNull() || !isReplaceable(path))
+    if (category.isNull() || path.isNull())
         return false;
     const std::optional<QList<Outline>> outlines = outlinesOf(store, category, channel);
-    return outlines && replaceFile(path, documentOf(category, *outlines));
+    return outlines && replaceFile(path, documentOf(category, *outlines), Readers::Usual);
 }
 
 } // namespace tidebrook

@@ -1,21 +1,22 @@
 #include "store/seeding.h"
 
+#include "platform/plain_file.h"
 #include "platform/text.h"
 #include "store/escape_sql.h"
 
-#include <QFile>
 #include <QStringDecoder>
 
 namespace tidebrook {
 
 namespace {
 
+constexpr qint64 seedLimit = 16 * 1024 * 1024; // bytes; room for more channels than any device has
+
 std::optional<QString> readSeedFile(const DeviceRoot &device) {
-    QFile file(device.filePath(u"\\windows\\RSSChannels.txt"));
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
+    const std::optional<QByteArray> bytes =
+        readPlainFile(device.filePath(u"\\windows\\RSSChannels.txt"), seedLimit);
     QStringDecoder decoder(QStringConverter::Utf16LE);
-    return decoder.decode(file.readAll());
+    return bytes ? std::optional<QString>(decoder.decode(*bytes)) : std::nullopt;
 }
 
 QString field(const QList<QStringView> &fields, qsizetype index, qsizetype capacity) {

@@ -1,17 +1,10 @@
 #include "store/update_state.h"
 
-#include <QFile>
-
 namespace tidebrook {
 
 namespace {
 
 constexpr QStringView fileName = u"UpdateState.db";
-
-void removeDatabase(const QString &path) {
-    for (const QStringView suffix : {u"", u"-wal", u"-shm"})
-        QFile::remove(path + suffix);
-}
 
 qint64 secondsOf(const QDateTime &moment) {
     return moment.isValid() ? moment.toSecsSinceEpoch() : 0;
@@ -71,7 +64,7 @@ void UpdateStateStore::recover() {
                                !database_->prepare(insertion);
     database_.reset();
     if (isOtherLayout || SqliteDatabase::isDamaged(path_))
-        removeDatabase(path_);
+        SqliteDatabase::remove(path_);
     if (!open())
         database_.reset();
 }

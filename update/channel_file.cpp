@@ -1,10 +1,9 @@
 #include "update/channel_file.h"
 
+#include "platform/plain_file.h"
 #include "platform/text.h"
 #include "store/escape_sql.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QStringDecoder>
 #include <QStringEncoder>
 
@@ -15,14 +14,11 @@ QByteArray encodeChannelFile(const QString &text) {
 }
 
 std::optional<QString> readChannelFile(const QString &path, qint64 byteLimit) {
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    const std::optional<QByteArray> bytes = readPlainFile(path, byteLimit);
+    if (!bytes)
         return std::nullopt;
-    const QByteArray bytes = file.read(byteLimit + 1);
-    if (bytes.size() > byteLimit)
-        return std::nullopt;
-    QString text = QStringDecoder(QStringConverter::Utf16LE).decode(bytes);
-    if (bytes.size() % 2 != 0)
+    QString text = QStringDecoder(QStringConverter::Utf16LE).decode(*bytes);
+    if (bytes->size() % 2 != 0)
         text.chop(text.endsWith(QChar::ReplacementCharacter) ? 1 : 0);
     return text;
 }

@@ -1,12 +1,14 @@
 #include "update/download_request.h"
 
+#include "platform/descriptor.h"
 #include "platform/pause.h"
+#include "platform/plain_file.h"
 #include "platform/replace_file.h"
 #include "platform/wait_any.h"
 #include "update/channel_file.h"
 #include "update/request_file.h"
 
-#include <QFile>
+#include <fcntl.h>
 
 namespace tidebrook {
 
@@ -18,7 +20,7 @@ void writeRequest(const DeviceRoot &device, const RefreshJob &job) {
     const QString path = requestFilePath(device);
     // When it cannot be written, the request before it must not be served in its stead.
     if (!replaceFile(path, encodeChannelFile(channelLine(job))))
-        QFile(path).open(QIODevice::WriteOnly | QIODevice::Truncate);
+        const Descriptor emptied(openPlainFile(path, O_WRONLY | O_TRUNC));
 }
 
 } // namespace

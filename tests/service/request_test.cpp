@@ -82,7 +82,7 @@ TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
     DownloadAnswers answers(root_);
     signalRequest();
     EXPECT_EQ(answers.wait(30s), DownloadAnswer::Failed);
-    EXPECT_EQ(request(job), DownloadAnswer::Done);
+    EXPECT_EQ(request(job), DownloadAnswer::Failed) << "and it is not replaced";
 }
 
 TEST_F(RequestTest, OneThatCannotBeWrittenDoesNotHaveTheOneBeforeServed) {
