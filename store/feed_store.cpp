@@ -1,19 +1,21 @@
 #include "store/feed_store.h"
 
 #include "platform/file_lock.h"
+#include "platform/plain_file.h"
 #include "store/error_codes.h"
 #include "store/seeding.h"
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
+
+#include <cstdio>
 
 namespace tidebrook {
 
 namespace {
 
 constexpr QStringView databaseName = u"RSSVault.sdf";
+constexpr QStringView unfinishedName = u"\\Temp\\RSSVault-new.sdf";
 constexpr QStringView creationLock = u"\\run\\create.lock";
 
 constexpr char16_t articleTable[] =
@@ -29,22 +31,36 @@ constexpr char16_t articleIndex[] =
 constexpr char16_t channelIndex[] =
     u"CREATE UNIQUE INDEX PK_CHRD on RSSCHRecord (CATEGORY ASC, CHANNEL_NAME ASC)";
 
-// A journal without its database belongs to none; put beside a new one it would be replayed.
-void removeStrayJournal(const QString &database) {
-    QFile::remove(database + u"-wal");
-    QFile::remove(database + u"-shm");
-}
-
 // What a killed process was building; nobody else builds while the lock is held.
 void removeUnfinished(const DeviceRoot &device) {
     QDir temp(device.filePath(u"\\Temp"));
-    for (const QString &name : temp.entryList({QStringLiteral("RSSVault-*")}, QDir::Dirs))
-        QDir(temp.filePath(name)).removeRecursively();
+    const auto all = QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot;
+    for (const QFileInfo &left : temp.entryInfoList({QStringLiteral("RSSVault-*")}, all)) {
+        if (left.isDir() && !left.isSymLink())
+            QDir(left.filePath()).removeRecursively();
+        else
+            QFile::remove(left.filePath());
+    }
 }
 
 bool hasTables(SqliteDatabase &database) {
     return database.prepare("SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord") &&
            database.prepare("SELECT CHANNEL_NAME, TITLE FROM RSSRecord");
+}
+
+// Opened anew, so that what is seen is what was stored.
+bool isStoredWhole(const QString &path) {
+    const auto database = SqliteDatabase::open(path, {});
+    return database && hasTables(*database);
+}
+
+// A journal that lies there belongs to no database; the new one would take it for its own.
+bool putInPlace(const QString &built, const DeviceRoot &device) {
+    const QString path = device.filePath(databaseName);
+    return isStoredWhole(built) && SqliteDatabase::settle(built) && SqliteDatabase::remove(path) &&
+           std::rename(QFile::encodeName(built).constData(), QFile::encodeName(path).constData()) ==
+               0 &&
+           syncFolder(device.path());
 }
 
 } // namespace
@@ -72,7 +88,7 @@ bool FeedStore::Open() {
     const auto guard = lock();
     if (isEnded_)
         return recordFailure(false);
-    if (QFileInfo::exists(device_.filePath(databaseName)))
+    if (fileKindAt(device_.filePath(databaseName)) != FileKind::Missing)
         return OpenExisting();
     return CreateDatabase() && OpenExisting();
 }
@@ -94,20 +110,20 @@ bool FeedStore::CreateDatabase() {
     const FileLock creation(device_.filePath(creationLock));
     if (!creation.isHeld())
         return recordFailure(false);
-    if (QFileInfo::exists(path)) // another process was first
+    if (fileKindAt(path) != FileKind::Missing) // another process was first
         return true;
     removeUnfinished(device_);
-    const QTemporaryDir aside(device_.filePath(u"\\Temp\\RSSVault-XXXXXX"));
-    const QString built = aside.filePath(databaseName.toString());
+    const QString built = device_.filePath(unfinishedName);
     auto database = SqliteDatabase::open(built, {.create = true});
-    const quint32 failure = database ? buildDatabase(*database) : DatabaseFailed;
-    if (failure != 0) {
-        error_ = failure;
-        return false;
-    }
+    quint32 failure = database ? buildDatabase(*database) : DatabaseFailed;
     database.reset();
-    removeStrayJournal(path);
-    return recordFailure(QFile::rename(built, path));
+    if (failure == 0 && !putInPlace(built, device_))
+        failure = DatabaseFailed;
+    if (failure == 0)
+        return true;
+    SqliteDatabase::remove(built);
+    error_ = failure;
+    return false;
 }
 
 // 0, or the code of the failure.

@@ -22,13 +22,12 @@ constexpr std::array todaySettings{FirstValue{u"Enabled", 1}, FirstValue{u"Today
 bool writeFirstValues(const DeviceRoot &device, const QString &todayItemKey) {
     Registry registry(device);
     Registry::Batch batch(registry);
-    if (!batch.isOpen())
-        return false;
+    bool isWritten = batch.isOpen();
     for (const FirstValue &setting : updateSettings)
-        registry.write(programKey, setting.name, setting.value);
+        isWritten = isWritten && registry.write(programKey, setting.name, setting.value);
     for (const FirstValue &setting : todaySettings)
-        registry.write(todayItemKey, setting.name, setting.value);
-    return batch.commit() && registry.flush();
+        isWritten = isWritten && registry.write(todayItemKey, setting.name, setting.value);
+    return isWritten && batch.commit();
 }
 
 } // namespace
@@ -37,7 +36,8 @@ bool provisionDevice(const DeviceRoot &device, const QByteArray &seedFile,
                      const QString &todayItemKey) {
     return device.provision([&](const DeviceRoot &built) {
         return replaceFile(built.filePath(u"\\windows\\RSSChannels.txt"), seedFile) &&
-               writeFirstValues(built, todayItemKey);
+               writeFirstValues(built, todayItemKey) &&
+               SqliteDatabase::settle(built.registryPath());
     });
 }
 
