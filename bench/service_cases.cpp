@@ -95,8 +95,7 @@ private:
 ServiceCases::ServiceCases(const Options &options, const QString &folder, const Runner &runner,
                            Report &report)
     : options_(options), folder_(folder), runner_(runner), report_(report) {
-    server_.serveGenerated(QStringLiteral("/generated"));
-    server_.setGeneratedValidators(true);
+    server_.setValidators(true);
     qputenv("TIDEBROOK_PAUSES", "0"); // for the programs that are run
 }
 
@@ -231,7 +230,7 @@ void ServiceCases::measureRounds() {
 }
 
 void ServiceCases::runRound(Rounds &rounds, const QString &store, Validators validators) {
-    server_.setGeneratedValidators(validators == Validators::Sent);
+    server_.setValidators(validators == Validators::Sent);
     server_.clearCounts();
     onCopy(store, [&](const QString &home) {
         rounds.series.samples.push_back(runner_.run(QStringLiteral("bench_round"), {home}));
@@ -241,7 +240,7 @@ void ServiceCases::runRound(Rounds &rounds, const QString &store, Validators val
 }
 
 void ServiceCases::countRound(Rounds &rounds, const QString &store, Validators validators) {
-    server_.setGeneratedValidators(validators == Validators::Sent);
+    server_.setValidators(validators == Validators::Sent);
     const QString profile = validators == Validators::Sent ? QStringLiteral("round-unchanged")
                                                            : QStringLiteral("round-full");
     Sample sample;

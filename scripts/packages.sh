@@ -6,7 +6,7 @@ buildPackages=(
     build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-svg-dev fonts-dejavu-core xdg-utils
     libsqlite3-dev libcurl4-openssl-dev libexpat1-dev zlib1g-dev
-    libgtest-dev libcpp-httplib-dev ca-certificates
+    libgtest-dev ca-certificates
 )
 # shellcheck disable=SC2034
 benchPackages=(libxml2-dev strace valgrind)

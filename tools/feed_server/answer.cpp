@@ -13,8 +13,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int largestGeneratedFeed = 1'000'000;
-
 QByteArray contentTypeOf(const QString &fileName) {
     static const QHash<QString, QByteArray> types{
         {QStringLiteral("xml"), "text/xml"},     {QStringLiteral("rss"), "application/rss+xml"},
@@ -27,12 +25,22 @@ QByteArray contentTypeOf(const QString &fileName) {
 
 } // namespace
 
-Answer notFound() {
-    Answer answer;
-    answer.status = 404;
-    answer.contentType = "text/plain";
-    answer.body = "There is nothing here.\n";
-    return answer;
+QByteArray Answer::head() const {
+    constexpr int unchanged = 304;
+    QByteArray text = "HTTP/1.1 " + QByteArray::number(status) + " Status\r\n";
+    const auto add = [&text](const QByteArray &name, const QByteArray &value) {
+        if (!value.isEmpty())
+            text += name + ": " + value + "\r\n";
+    };
+    for (const auto &[name, value] : headers)
+        add(name, value);
+    add("ETag", etag);
+    add("Last-Modified", lastModified);
+    if (status != unchanged) {
+        add("Content-Type", contentType);
+        add("Content-Length", QByteArray::number(body.size()));
+    }
+    return text + "\r\n";
 }
 
 QByteArray compressed(const QByteArray &body) {
@@ -74,19 +82,6 @@ std::optional<Answer> fileAnswer(const QString &directory, const QString &relati
     answer.body = file.readAll();
     answer.contentType = contentTypeOf(wanted);
     return answer;
-}
-
-std::optional<std::pair<int, quint32>> generatedNumbers(const QString &relativePath) {
-    const QStringList numbers = relativePath.split(u'/');
-    if (numbers.size() != 2)
-        return std::nullopt;
-    bool isCount = false;
-    bool isSeed = false;
-    const int items = numbers[0].toInt(&isCount);
-    const quint32 seed = numbers[1].toUInt(&isSeed);
-    if (!isCount || !isSeed || items < 0 || items > largestGeneratedFeed)
-        return std::nullopt;
-    return std::pair(items, seed);
 }
 
 } // namespace tidebrook

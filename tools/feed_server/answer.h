@@ -11,18 +11,22 @@
 namespace tidebrook {
 
 struct Answer {
-    enum class Manner { Whole, Half, Trickled, Endless, Never };
+    /// Raw: the body is the whole answer, headers included; then `repeated` goes out until the
+    /// client leaves, or without it the connection is closed.
+    enum class Manner { Whole, Trickled, Raw, Never };
     Manner manner = Manner::Whole;
-    QByteArray body;
+    QByteArray body = {};
     QByteArray contentType = "text/xml";
     int status = 200;
-    QList<std::pair<QByteArray, QByteArray>> headers;
-    std::chrono::milliseconds interval{0};
-    QByteArray etag;         // empty: none
-    QByteArray lastModified; // empty: none
-};
+    QList<std::pair<QByteArray, QByteArray>> headers = {};
+    std::chrono::milliseconds interval{0}; // between the bytes of a trickled body
+    QByteArray etag = {};                  // empty: none
+    QByteArray lastModified = {};          // empty: none
+    QByteArray repeated = {};
 
-Answer notFound();
+    /// The status line and headers; with the body's length.
+    QByteArray head() const;
+};
 
 /// `body` in gzip's format.
 QByteArray compressed(const QByteArray &body);
@@ -32,8 +36,5 @@ QString below(const QString &prefix, const QString &path);
 
 /// The file of that path below `directory`; nothing if there is none that can be read.
 std::optional<Answer> fileAnswer(const QString &directory, const QString &relativePath);
-
-/// The items and the seed that a generated feed's path below its prefix names.
-std::optional<std::pair<int, quint32>> generatedNumbers(const QString &relativePath);
 
 } // namespace tidebrook

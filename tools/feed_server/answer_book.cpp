@@ -3,16 +3,13 @@
 #include "feed_server/generated_feed.h"
 
 #include <QCryptographicHash>
+#include <QStringList>
 
 namespace tidebrook {
 
 namespace {
 
-QByteArray quoted(const QByteArray &text) { return '"' + text + '"'; }
-
-QByteArray etagOf(const QByteArray &body) {
-    return quoted(QCryptographicHash::hash(body, QCryptographicHash::Sha1).toHex());
-}
+constexpr int largestGeneratedFeed = 1'000'000;
 
 } // namespace
 
@@ -26,68 +23,50 @@ void AnswerBook::addDirectory(const QString &prefix, const QString &directory) {
     directories_.prepend({prefix, directory});
 }
 
-void AnswerBook::addGenerated(const QString &prefix) {
+void AnswerBook::setValidators(bool areSent) {
     const std::lock_guard lock(mutex_);
-    generatedPrefixes_.append(prefix);
-}
-
-void AnswerBook::setDirectoryValidators(bool areSent) {
-    const std::lock_guard lock(mutex_);
-    haveFilesValidators_ = areSent;
-}
-
-void AnswerBook::setGeneratedValidators(bool areSent) {
-    const std::lock_guard lock(mutex_);
-    haveGeneratedValidators_ = areSent;
+    haveValidators_ = areSent;
 }
 
 Answer AnswerBook::find(const QString &path) {
-    {
-        const std::lock_guard lock(mutex_);
-        const auto told = answers_.constFind(path);
-        if (told != answers_.constEnd())
-            return *told;
-    }
-    if (std::optional<Answer> file = inDirectories(path))
-        return *std::move(file);
-    return generated(path).value_or(notFound());
+    const std::lock_guard lock(mutex_);
+    const auto told = answers_.constFind(path);
+    if (told != answers_.constEnd())
+        return *told;
+    std::optional<Answer> found = inDirectories(path);
+    if (!found)
+        found = generated(path);
+    if (!found)
+        return {.body = "There is nothing here.\n", .contentType = "text/plain", .status = 404};
+    if (haveValidators_)
+        found->etag =
+            '"' + QCryptographicHash::hash(found->body, QCryptographicHash::Sha1).toHex() + '"';
+    return *std::move(found);
 }
 
 std::optional<Answer> AnswerBook::inDirectories(const QString &path) const {
-    std::unique_lock lock(mutex_);
-    const Directories directories = directories_;
-    const bool hasValidators = haveFilesValidators_;
-    lock.unlock();
-    for (const auto &[prefix, directory] : directories) {
+    for (const auto &[prefix, directory] : directories_) {
         const QString relativePath = below(prefix, path);
         if (relativePath.isEmpty())
             continue;
-        if (std::optional<Answer> file = fileAnswer(directory, relativePath)) {
-            if (hasValidators)
-                file->etag = etagOf(file->body);
+        if (std::optional<Answer> file = fileAnswer(directory, relativePath))
             return file;
-        }
     }
     return std::nullopt;
 }
 
 std::optional<Answer> AnswerBook::generated(const QString &path) {
-    const std::lock_guard lock(mutex_);
-    for (const QString &prefix : generatedPrefixes_) {
-        const auto numbers = generatedNumbers(below(prefix, path));
-        if (!numbers)
-            continue;
-        const auto [items, seed] = *numbers;
-        QByteArray &feed = generatedFeeds_[*numbers];
-        if (feed.isEmpty())
-            feed = generatedFeed(items, seed);
-        Answer answer;
-        answer.body = feed;
-        if (haveGeneratedValidators_)
-            answer.etag = quoted(QByteArray::number(items) + '-' + QByteArray::number(seed));
-        return answer;
-    }
-    return std::nullopt;
+    const QStringList numbers = below(QStringLiteral("/generated"), path).split(u'/');
+    bool isCount = false;
+    bool isSeed = false;
+    const int items = numbers.constFirst().toInt(&isCount);
+    const quint32 seed = numbers.constLast().toUInt(&isSeed);
+    if (numbers.size() != 2 || !isCount || !isSeed || items < 0 || items > largestGeneratedFeed)
+        return std::nullopt;
+    QByteArray &feed = generatedFeeds_[path];
+    if (feed.isEmpty())
+        feed = generatedFeed(items, seed);
+    return Answer{.body = feed};
 }
 
 } // namespace tidebrook

@@ -1,10 +1,14 @@
 #include "feed_server/answering_server.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <future>
+#include <array>
+#include <cerrno>
 #include <stdexcept>
 
 namespace tidebrook {
@@ -13,262 +17,244 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr size_t simultaneousConnections = 64;
 constexpr int waitingConnections = 128;
-constexpr size_t largestSlice = 65536;
 
-thread_local const Connection *servedConnection = nullptr;
-
-// The library decodes percent signs in the values of headers, and adds headers of its own.
-httplib::Headers headersAsSent(const QByteArray &request) {
-    httplib::Headers headers;
-    const QList<QByteArray> lines = request.split('\n');
-    for (const QByteArray &line : lines.sliced(1)) {
-        const qsizetype colon = line.indexOf(':');
-        if (colon > 0)
-            headers.emplace(line.first(colon).toStdString(),
-                            line.sliced(colon + 1).trimmed().toStdString());
-    }
-    return headers;
+void setOption(int socket, int level, int option) {
+    const int yes = 1;
+    setsockopt(socket, level, option, &yes, sizeof yes);
 }
 
-FeedServer::Request recorded(const httplib::Request &request) {
-    FeedServer::Request record;
-    record.method = QByteArray::fromStdString(request.method);
-    record.path = QByteArray::fromStdString(request.target);
-    for (const auto &[name, value] : request.headers)
-        record.headers.append({QByteArray::fromStdString(name), QByteArray::fromStdString(value)});
-    return record;
+bool waitFor(int socket, short event, int limit = -1) {
+    pollfd watched{socket, event, 0};
+    int ready = 0;
+    do {
+        ready = poll(&watched, 1, limit);
+    } while (ready < 0 && errno == EINTR);
+    return ready > 0 && (watched.revents & event) != 0;
 }
+
+bool isLeft(int socket) { return waitFor(socket, POLLRDHUP, 0); }
 
 // A date counts only for a client that has no ETag, even if that is another.
-bool hasAlready(const httplib::Request &request, const Answer &answer) {
-    const bool hasTag = request.has_header("If-None-Match");
-    const QByteArray &current = hasTag ? answer.etag : answer.lastModified;
-    const char *const name = hasTag ? "If-None-Match" : "If-Modified-Since";
-    return !current.isEmpty() && current.toStdString() == request.get_header_value(name);
+bool hasAlready(const FeedServer::Request &request, const Answer &answer) {
+    const QByteArray tag = request.header("If-None-Match");
+    const QByteArray &current = tag.isNull() ? answer.lastModified : answer.etag;
+    return !current.isEmpty() &&
+           current == (tag.isNull() ? request.header("If-Modified-Since") : tag);
 }
 
-void setHeaders(const Answer &answer, httplib::Response &response) {
-    for (const auto &[name, value] : answer.headers)
-        response.set_header(name.toStdString(), value.toStdString());
-    if (!answer.etag.isEmpty())
-        response.set_header("ETag", answer.etag.toStdString());
-    if (!answer.lastModified.isEmpty())
-        response.set_header("Last-Modified", answer.lastModified.toStdString());
-}
-
-bool sendSlice(httplib::DataSink &sink, const QByteArray &body, size_t offset, size_t end) {
-    return sink.write(body.constData() + offset, std::min(largestSlice, end - offset));
-}
-
-void sendHalf(const Answer &answer, httplib::Response &response) {
-    const auto size = static_cast<size_t>(answer.body.size());
-    response.set_content_provider(
-        size, answer.contentType.toStdString(),
-        [body = answer.body, half = size / 2](size_t offset, size_t, httplib::DataSink &sink) {
-            return offset < half && sendSlice(sink, body, offset, half);
-        });
-}
-
-void sendEndlessly(const Answer &answer, httplib::Response &response) {
-    static const std::string beginning =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<rss version=\"2.0\"><channel>"
-        "<title>Endless</title><link>http://example.org/</link><description>No end</description>\n";
-    static const std::string item = "<item><title>Again</title><description>" +
-                                    std::string(16000, '.') + "</description></item>\n";
-    response.set_chunked_content_provider(answer.contentType.toStdString(),
-                                          [](size_t offset, httplib::DataSink &sink) {
-                                              const std::string &next = offset ? item : beginning;
-                                              return sink.write(next.data(), next.size());
-                                          });
+QString pathOf(const QByteArray &target) {
+    return QString::fromUtf8(QByteArray::fromPercentEncoding(
+        target.first(target.contains('?') ? target.indexOf('?') : target.size())));
 }
 
 } // namespace
 
 AnsweringServer::AnsweringServer(int port) {
-    set_socket_options([this](int socket) {
-        // Not the library's own options: they would let two servers share one port.
-        const int yes = 1;
-        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-        listeningSocket_ = socket;
-    });
-    set_tcp_nodelay(true);
-    set_keep_alive_max_count(1000); // only announced: connections are kept for as long as wanted
-    set_pre_routing_handler([this](const httplib::Request &request, httplib::Response &response) {
-        respond(request, response);
-        return HandlerResponse::Handled;
-    });
-    // The length that the library announces would be taken for that of the unchanged body.
-    set_post_routing_handler([](const httplib::Request &, httplib::Response &response) {
-        if (response.status == 304)
-            response.headers.erase("Content-Length");
-    });
-    bind(port);
-    start();
+    listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    setOption(listener_, SOL_SOCKET, SO_REUSEADDR);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<quint16>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    auto *const plain = reinterpret_cast<sockaddr *>(&address);
+    socklen_t size = sizeof address;
+    if (bind(listener_, plain, size) != 0 || listen(listener_, waitingConnections) != 0 ||
+        getsockname(listener_, plain, &size) != 0) {
+        close(listener_);
+        throw std::runtime_error("cannot listen on port " + std::to_string(port));
+    }
+    port_ = ntohs(address.sin_port);
+    acceptor_ = std::thread([this] { acceptAll(); });
 }
 
 AnsweringServer::~AnsweringServer() {
-    dropConnections();
-    stop();
-    thread_.join();
+    {
+        const std::lock_guard lock(mutex_);
+        isStopping_ = true;
+        changed_.notify_all();
+        for (const int socket : std::as_const(sockets_))
+            shutdown(socket, SHUT_RDWR);
+    }
+    shutdown(listener_, SHUT_RDWR);
+    acceptor_.join();
+    close(listener_);
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return sockets_.isEmpty(); });
+}
+
+void AnsweringServer::acceptAll() {
+    while (true) {
+        const int socket = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+        const std::lock_guard lock(mutex_);
+        if (isStopping_) {
+            if (socket >= 0)
+                close(socket);
+            return;
+        }
+        if (socket < 0)
+            continue;
+        setOption(socket, IPPROTO_TCP, TCP_NODELAY);
+        sockets_.append(socket);
+        std::thread([this, socket] { converse(socket); }).detach();
+    }
+}
+
+void AnsweringServer::converse(int socket) {
+    QByteArray rest;
+    FeedServer::Request request;
+    while (readRequest(socket, rest, request)) {
+        beginRequest(socket, request);
+        const bool isOver = !waitUnlessStopped(delay.load()) || !answer(socket, request);
+        endRequest(socket);
+        if (isOver)
+            break;
+    }
+    // The socket's number is free for another connection once it is closed.
+    const std::lock_guard lock(mutex_);
+    sockets_.removeOne(socket);
+    close(socket);
+    changed_.notify_all();
+}
+
+bool AnsweringServer::readRequest(int socket, QByteArray &rest, FeedServer::Request &request) {
+    request = {};
+    std::array<char, 4096> buffer;
+    const bool hasBegun = !rest.isEmpty() || waitFor(socket, POLLIN);
+    request.arrived = std::chrono::steady_clock::now();
+    while (hasBegun && !rest.contains("\r\n\r\n")) {
+        const ssize_t size = recv(socket, buffer.data(), buffer.size(), 0);
+        if (size <= 0)
+            return false;
+        bytesReceived += size;
+        rest.append(buffer.data(), size);
+    }
+    const qsizetype end = rest.indexOf("\r\n\r\n");
+    if (end < 0)
+        return false;
+    const QList<QByteArray> lines = rest.first(end).split('\n');
+    rest.remove(0, end + 4);
+    const QList<QByteArray> words = lines.constFirst().split(' ');
+    request.path = words.value(1);
+    for (const QByteArray &line : lines.sliced(1)) {
+        const qsizetype colon = line.indexOf(':');
+        request.headers.append({line.first(qMax(colon, 0LL)), line.sliced(colon + 1).trimmed()});
+    }
+    return true;
+}
+
+bool AnsweringServer::answer(int socket, const FeedServer::Request &request) {
+    Answer answer = book.find(pathOf(request.path));
+    if (hasAlready(request, answer)) {
+        answer.status = 304;
+        answer.body.clear();
+    }
+    switch (answer.manner) {
+    case Answer::Manner::Never:
+        waitFor(socket, POLLRDHUP);
+        return false;
+    case Answer::Manner::Raw:
+        while (send(socket, answer.body) && !answer.repeated.isEmpty())
+            answer.body = answer.repeated;
+        return false;
+    case Answer::Manner::Trickled:
+    case Answer::Manner::Whole:
+        break;
+    }
+    if (answer.body.isEmpty())
+        endRequest(socket);
+    return send(socket, answer.head()) && sendBody(socket, answer);
+}
+
+bool AnsweringServer::sendBody(int socket, const Answer &answer) {
+    if (answer.body.isEmpty())
+        return true;
+    for (qsizetype i = 0; answer.manner == Answer::Manner::Trickled && i + 1 < answer.body.size();
+         ++i) {
+        if (!send(socket, answer.body.sliced(i, 1)) || !waitUnlessStopped(answer.interval))
+            return false;
+    }
+    // Its last byte makes the client's next request possible.
+    const bool isTrickled = answer.manner == Answer::Manner::Trickled;
+    if (!isTrickled && !send(socket, answer.body.chopped(1)))
+        return false;
+    endRequest(socket);
+    return send(socket, answer.body.last(1));
+}
+
+// Never blocks between counting and sending, so that the count holds while a client is slow.
+bool AnsweringServer::send(int socket, const QByteArray &bytes) {
+    for (qsizetype begin = 0; begin < bytes.size();) {
+        if (!waitFor(socket, POLLOUT))
+            return false;
+        const qsizetype size = bytes.size() - begin;
+        bytesSent += size;
+        const ssize_t taken = ::send(socket, bytes.constData() + begin, static_cast<size_t>(size),
+                                     MSG_NOSIGNAL | MSG_DONTWAIT);
+        bytesSent -= size - std::max<ssize_t>(taken, 0);
+        if (taken < 0 && errno != EAGAIN && errno != EINTR)
+            return false;
+        begin += std::max<ssize_t>(taken, 0);
+    }
+    return true;
+}
+
+bool AnsweringServer::waitUnlessStopped(milliseconds time) {
+    std::unique_lock lock(mutex_);
+    return !changed_.wait_for(lock, time, [this] { return isStopping_; });
 }
 
 QList<FeedServer::Request> AnsweringServer::requests() const {
     // A shared list would be grown in place while its reader, who holds no lock, lets go of it.
-    const std::lock_guard lock(requestsMutex_);
+    const std::lock_guard lock(mutex_);
     return {requests_.begin(), requests_.end()};
 }
 
 void AnsweringServer::clearRequests() {
-    const std::lock_guard lock(requestsMutex_);
+    const std::lock_guard lock(mutex_);
     requests_.clear();
 }
 
-void AnsweringServer::bind(int port) {
-    const std::string host = "127.0.0.1";
-    const bool isBound =
-        port == 0 ? (port_ = bind_to_any_port(host)) > 0 : bind_to_port(host, (port_ = port));
-    if (!isBound)
-        throw std::runtime_error("cannot listen on port " + std::to_string(port));
-    // The library lets only five connections wait, and those beyond would be tried again by their
-    // clients' kernel only a second later.
-    ::listen(listeningSocket_, waitingConnections);
+int AnsweringServer::peak() const {
+    const std::lock_guard lock(mutex_);
+    return peak_;
 }
 
-void AnsweringServer::start() {
-    // The library asks for its threads once it can be stopped again.
-    const auto isReady = std::make_shared<std::promise<void>>();
-    std::future<void> ready = isReady->get_future();
-    new_task_queue = [isReady] {
-        isReady->set_value();
-        return new httplib::ThreadPool(simultaneousConnections);
-    };
-    thread_ = std::thread([this] { listen_after_bind(); });
-    ready.wait();
+int AnsweringServer::peak(const QByteArray &host) const {
+    const std::lock_guard lock(mutex_);
+    return peaks_.value(host);
 }
 
-void AnsweringServer::dropConnections() {
-    const std::lock_guard lock(connectionsMutex_);
-    isStopping_ = true;
-    stopping_.notify_all();
-    for (const Connection *connection : connections_)
-        connection->drop();
+void AnsweringServer::clearPeaks() {
+    const std::lock_guard lock(mutex_);
+    peaks_.clear();
+    peak_ = 0;
+    raisePeaks();
 }
 
-bool AnsweringServer::process_and_close_socket(int socket) {
-    ++connectionCount;
-    Connection connection(socket, bytes);
-    if (add(connection)) {
-        servedConnection = &connection;
-        converse(connection);
-        requestCounts.end(connection);
-        servedConnection = nullptr;
-        remove(connection);
+void AnsweringServer::beginRequest(int socket, const FeedServer::Request &request) {
+    const std::lock_guard lock(mutex_);
+    requests_.append(request);
+    answered_.insert(socket, request.header("Host"));
+    raisePeaks();
+}
+
+// Comes before the client can know the whole answer: else the request that it makes next would be
+// taken for one at the same time.
+void AnsweringServer::endRequest(int socket) {
+    const std::lock_guard lock(mutex_);
+    answered_.remove(socket);
+}
+
+void AnsweringServer::raisePeaks() {
+    // The thread that answers a client which has given up may not have noticed yet.
+    answered_.removeIf([](const auto &request) { return isLeft(request.key()); });
+    QHash<QByteArray, int> counts;
+    for (const QByteArray &host : std::as_const(answered_)) {
+        int &peak = peaks_[host];
+        peak = std::max(peak, ++counts[host]);
     }
-    connection.drop();
-    close(socket);
-    return true;
-}
-
-bool AnsweringServer::add(const Connection &connection) {
-    const std::lock_guard lock(connectionsMutex_);
-    if (!isStopping_)
-        connections_.insert(&connection);
-    return !isStopping_;
-}
-
-void AnsweringServer::remove(const Connection &connection) {
-    const std::lock_guard lock(connectionsMutex_);
-    connections_.erase(&connection);
-}
-
-void AnsweringServer::converse(Connection &connection) {
-    bool isClosed = false;
-    while (!isClosed && connection.awaitRequest()) {
-        const bool isAnswered = process_request(
-            connection, false, isClosed,
-            [this, &connection](httplib::Request &request) { prepare(connection, request); });
-        if (!isAnswered)
-            return;
-    }
-}
-
-void AnsweringServer::prepare(const Connection &connection, httplib::Request &request) {
-    request.headers = headersAsSent(connection.readSoFar());
-    FeedServer::Request record = recorded(request);
-    record.arrived = connection.arrived();
-    requestCounts.begin(connection, record.header("Host"));
-    {
-        const std::lock_guard lock(requestsMutex_);
-        requests_.append(std::move(record));
-    }
-    // Otherwise the library would compress answers of its own accord.
-    request.headers.erase("Accept-Encoding");
-    waitUnlessStopped(delay.load());
-}
-
-bool AnsweringServer::waitUnlessStopped(milliseconds time) {
-    std::unique_lock lock(connectionsMutex_);
-    return !stopping_.wait_for(lock, time, [this] { return isStopping_; });
-}
-
-void AnsweringServer::respond(const httplib::Request &request, httplib::Response &response) {
-    const Answer answer = book.find(QString::fromStdString(request.path));
-    setHeaders(answer, response);
-    if (hasAlready(request, answer)) {
-        response.status = 304;
-        requestCounts.end(*servedConnection);
-        return;
-    }
-    response.status = answer.status;
-    sendBody(answer, response);
-}
-
-void AnsweringServer::sendBody(const Answer &answer, httplib::Response &response) {
-    switch (answer.manner) {
-    case Answer::Manner::Whole:
-        return sendWhole(answer, response);
-    case Answer::Manner::Half:
-        return sendHalf(answer, response);
-    case Answer::Manner::Trickled:
-        return sendTrickled(answer, response);
-    case Answer::Manner::Endless:
-        return sendEndlessly(answer, response);
-    case Answer::Manner::Never:
-        servedConnection->waitUntilLeft();
-        servedConnection->drop();
-        return;
-    }
-}
-
-void AnsweringServer::sendWhole(const Answer &answer, httplib::Response &response) {
-    const std::string type = answer.contentType.toStdString();
-    if (answer.body.isEmpty()) {
-        requestCounts.end(*servedConnection);
-        response.set_content(std::string(), type);
-        return;
-    }
-    const auto size = static_cast<size_t>(answer.body.size());
-    response.set_content_provider(
-        size, type,
-        [this, body = answer.body, size](size_t offset, size_t, httplib::DataSink &sink) {
-            if (size - offset <= largestSlice)
-                requestCounts.end(*servedConnection);
-            return sendSlice(sink, body, offset, size);
-        });
-}
-
-void AnsweringServer::sendTrickled(const Answer &answer, httplib::Response &response) {
-    const auto size = static_cast<size_t>(answer.body.size());
-    response.set_content_provider(
-        size, answer.contentType.toStdString(),
-        [this, answer, size](size_t offset, size_t, httplib::DataSink &sink) {
-            if (offset + 1 == size)
-                requestCounts.end(*servedConnection);
-            return sink.write(answer.body.constData() + offset, 1) &&
-                   waitUnlessStopped(answer.interval);
-        });
+    peak_ = std::max(peak_, static_cast<int>(answered_.size()));
 }
 
 } // namespace tidebrook

@@ -2,26 +2,7 @@
 
 #include "feed_server/answering_server.h"
 
-#include <csignal>
-
 namespace tidebrook {
-
-namespace {
-
-// The library ignores SIGPIPE for the whole process. The code under test must not be shielded by
-// that: where it runs without this server, nobody ignores the signal for it.
-class SigPipeKeeper {
-public:
-    SigPipeKeeper() { sigaction(SIGPIPE, nullptr, &kept_); }
-    ~SigPipeKeeper() { sigaction(SIGPIPE, &kept_, nullptr); }
-    SigPipeKeeper(const SigPipeKeeper &) = delete;
-    SigPipeKeeper &operator=(const SigPipeKeeper &) = delete;
-
-private:
-    struct sigaction kept_ {};
-};
-
-} // namespace
 
 QByteArray FeedServer::Request::header(QByteArrayView name) const {
     for (const auto &[itsName, value] : headers) {
@@ -31,10 +12,7 @@ QByteArray FeedServer::Request::header(QByteArrayView name) const {
     return {};
 }
 
-FeedServer::FeedServer(int port) {
-    const SigPipeKeeper keeper;
-    d_ = std::make_unique<AnsweringServer>(port);
-}
+FeedServer::FeedServer(int port) : d_(std::make_unique<AnsweringServer>(port)) {}
 
 FeedServer::~FeedServer() = default;
 
@@ -45,55 +23,29 @@ QString FeedServer::url(QStringView path) const {
 }
 
 void FeedServer::serve(const QString &path, const QByteArray &body, const QByteArray &contentType) {
-    Answer answer;
-    answer.body = body;
-    answer.contentType = contentType;
-    d_->book.set(path, answer);
+    d_->book.set(path, {.body = body, .contentType = contentType});
 }
 
 void FeedServer::serveWithValidators(const QString &path, const QByteArray &body,
                                      const QByteArray &etag, const QByteArray &lastModified) {
-    Answer answer;
-    answer.body = body;
-    answer.etag = etag;
-    answer.lastModified = lastModified;
-    d_->book.set(path, answer);
+    d_->book.set(path, {.body = body, .etag = etag, .lastModified = lastModified});
 }
 
-void FeedServer::serveGzip(const QString &path, const QByteArray &body,
-                           const QByteArray &contentType) {
-    Answer answer;
-    answer.body = compressed(body);
-    answer.contentType = contentType;
-    answer.headers = {{"Content-Encoding", "gzip"}};
-    d_->book.set(path, answer);
+void FeedServer::serveGzip(const QString &path, const QByteArray &body) {
+    d_->book.set(path, {.body = compressed(body), .headers = {{"Content-Encoding", "gzip"}}});
 }
 
 void FeedServer::serveDirectory(const QString &prefix, const QString &directory) {
     d_->book.addDirectory(prefix, directory);
 }
 
-void FeedServer::setDirectoryValidators(bool areSent) { d_->book.setDirectoryValidators(areSent); }
-
-void FeedServer::serveGenerated(const QString &prefix) { d_->book.addGenerated(prefix); }
-
-void FeedServer::setGeneratedValidators(bool areSent) { d_->book.setGeneratedValidators(areSent); }
+void FeedServer::setValidators(bool areSent) { d_->book.setValidators(areSent); }
 
 void FeedServer::setDelay(std::chrono::milliseconds delay) { d_->delay = delay; }
 
 void FeedServer::answerStatus(const QString &path, int status, const QByteArray &body,
                               const Headers &headers) {
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    answer.contentType = "text/plain";
-    for (const auto &header : headers) {
-        if (header.first.compare("Content-Type", Qt::CaseInsensitive) == 0)
-            answer.contentType = header.second;
-        else
-            answer.headers.append(header);
-    }
-    d_->book.set(path, answer);
+    d_->book.set(path, {.body = body, .status = status, .headers = headers});
 }
 
 void FeedServer::redirect(const QString &path, const QByteArray &location, int status) {
@@ -101,52 +53,51 @@ void FeedServer::redirect(const QString &path, const QByteArray &location, int s
 }
 
 void FeedServer::hang(const QString &path) {
-    Answer answer;
-    answer.manner = Answer::Manner::Never;
-    d_->book.set(path, answer);
+    d_->book.set(path, {.manner = Answer::Manner::Never});
 }
 
 void FeedServer::resetHalfWay(const QString &path, const QByteArray &body) {
-    Answer answer;
-    answer.manner = Answer::Manner::Half;
-    answer.body = body;
-    d_->book.set(path, answer);
+    const QByteArray head = Answer{.body = body}.head();
+    sendRaw(path, head + body.first(body.size() / 2));
 }
 
 void FeedServer::trickle(const QString &path, const QByteArray &body,
                          std::chrono::milliseconds interval) {
-    Answer answer;
-    answer.manner = Answer::Manner::Trickled;
-    answer.body = body;
-    answer.interval = interval;
-    d_->book.set(path, answer);
+    d_->book.set(path, {.manner = Answer::Manner::Trickled, .body = body, .interval = interval});
+}
+
+void FeedServer::sendRaw(const QString &path, const QByteArray &bytes, const QByteArray &repeated) {
+    d_->book.set(path, {.manner = Answer::Manner::Raw, .body = bytes, .repeated = repeated});
 }
 
 void FeedServer::endless(const QString &path) {
-    Answer answer;
-    answer.manner = Answer::Manner::Endless;
-    d_->book.set(path, answer);
+    const auto chunk = [](const QByteArray &text) -> QByteArray {
+        return QByteArray::number(text.size(), 16) + "\r\n" + text + "\r\n";
+    };
+    const QByteArray item = "<item><title>Again</title><description>" + QByteArray(16'000, '.') +
+                            "</description></item>\n";
+    sendRaw(path,
+            "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\nTransfer-Encoding: chunked\r\n\r\n" +
+                chunk("<rss version=\"2.0\"><channel><title>Endless</title>\n"),
+            chunk(item));
 }
 
 QList<FeedServer::Request> FeedServer::requests() const { return d_->requests(); }
 
 void FeedServer::clearRequests() { d_->clearRequests(); }
 
-qint64 FeedServer::bytesReceived() const { return d_->bytes.received; }
+qint64 FeedServer::bytesReceived() const { return d_->bytesReceived; }
 
-qint64 FeedServer::bytesSent() const { return d_->bytes.sent; }
+qint64 FeedServer::bytesSent() const { return d_->bytesSent; }
 
-int FeedServer::connections() const { return d_->connectionCount; }
+int FeedServer::peakRequests() const { return d_->peak(); }
 
-int FeedServer::peakRequests() const { return d_->requestCounts.peak(); }
-
-int FeedServer::peakRequests(const QByteArray &host) const { return d_->requestCounts.peak(host); }
+int FeedServer::peakRequests(const QByteArray &host) const { return d_->peak(host); }
 
 void FeedServer::clearCounts() {
-    d_->bytes.received = 0;
-    d_->bytes.sent = 0;
-    d_->connectionCount = 0;
-    d_->requestCounts.clear();
+    d_->bytesReceived = 0;
+    d_->bytesSent = 0;
+    d_->clearPeaks();
 }
 
 } // namespace tidebrook

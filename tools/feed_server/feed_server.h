@@ -14,12 +14,13 @@ namespace tidebrook {
 class AnsweringServer;
 
 /// An HTTP server on the loopback device that answers what it is told to, faults included. It
-/// listens on 127.0.0.1 in a thread of its own and serves 64 connections at once.
+/// listens on 127.0.0.1 and serves each connection in a thread of its own.
 ///
 /// Paths are given percent-decoded and without a query; a query in a request does not change the
 /// answer. What was said last about a path holds, also for requests that come while the server
 /// is running; answers that have begun are ended as they began. Paths that nothing was said about
-/// are looked for in the directories and the generated feeds, and then answered with 404.
+/// are looked for in the directories; /generated/ITEMS/SEED is generatedFeed(ITEMS, SEED) then; the
+/// others are answered with 404.
 ///
 /// Thread-safe.
 class FeedServer {
@@ -27,9 +28,8 @@ public:
     using Headers = QList<std::pair<QByteArray, QByteArray>>;
 
     struct Request {
-        QByteArray method;
         QByteArray path;                               // as sent: percent-encoded, with the query
-        Headers headers;                               // as sent, ordered by name
+        Headers headers;                               // in their order
         std::chrono::steady_clock::time_point arrived; // when its first byte was there
 
         /// The value of the first header of that name, whatever its case; null if there is none.
@@ -62,22 +62,14 @@ public:
                              const QByteArray &lastModified = {});
 
     /// Sends the body compressed, whether the client asked for that or not.
-    void serveGzip(const QString &path, const QByteArray &body,
-                   const QByteArray &contentType = "text/xml");
+    void serveGzip(const QString &path, const QByteArray &body);
 
     /// Serves the files below `directory` below `prefix`, as they are when they are asked for.
     void serveDirectory(const QString &prefix, const QString &directory);
 
-    /// Whether files of directories are sent with an ETag, which differs whenever their content
-    /// does, and are answered with 304 to whom has it. Not unless told.
-    void setDirectoryValidators(bool areSent);
-
-    /// Serves generatedFeed(ITEMS, SEED) as `prefix`/ITEMS/SEED; each is made once and kept.
-    void serveGenerated(const QString &prefix);
-
-    /// Whether generated feeds are sent with the ETag "ITEMS-SEED", in its quotes, and are answered
-    /// with 304 to whom has it. Not unless told.
-    void setGeneratedValidators(bool areSent);
+    /// Whether files of directories and generated feeds are sent with an ETag, which differs
+    /// whenever their content does, and are answered with 304 to whom has it. Not unless told.
+    void setValidators(bool areSent);
 
     /// How long every request, from now on, waits for its answer.
     void setDelay(std::chrono::milliseconds delay);
@@ -99,6 +91,10 @@ public:
     void trickle(const QString &path, const QByteArray &body,
                  std::chrono::milliseconds interval = std::chrono::milliseconds(100));
 
+    /// Sends these bytes for the whole answer, headers included, and then `repeated` for as long as
+    /// the client takes it, or without it closes the connection.
+    void sendRaw(const QString &path, const QByteArray &bytes, const QByteArray &repeated = {});
+
     /// Sends the beginning of a feed and then items without end, in chunks, as fast as they are
     /// taken.
     void endless(const QString &path);
@@ -111,9 +107,6 @@ public:
     /// got of an answer, and has sent for it, is counted by then.
     qint64 bytesReceived() const;
     qint64 bytesSent() const;
-
-    /// How many connections have been accepted and begun to be served.
-    int connections() const;
 
     /// The most requests that were being answered at once, in all or with that Host header
     /// ("127.0.0.1:" and the port, for url()). A request is being answered from when its headers
