@@ -55,7 +55,7 @@ HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpL
     transfer.setHeaders(
         headerList({"Content-Type: text/xml", "Accept: text/xml", "Pragma: no-cache"}));
     transfer.set(CURLOPT_USERAGENT, "Feedlark");
-    transfer.set(CURLOPT_ACCEPT_ENCODING, "");
+    transfer.set(CURLOPT_ACCEPT_ENCODING, "gzip");
     transfer.setTimeLimits(limits, limits.direct);
     return progressOf(transfer.perform(limits.stop), transfer);
 }

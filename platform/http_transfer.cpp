@@ -10,6 +10,7 @@ constexpr char webSchemes[] = "http,https";
 constexpr long receiveBuffer = 128 * 1024; // bytes; fewer and larger pieces cost less
 constexpr qsizetype validatorLimit = 1024; // bytes; servers send far shorter ones
 constexpr int notModified = 304;
+constexpr qint64 headerLimit = 1024 * 1024; // bytes of all headers and trailers of a transfer
 
 QByteArray charsetOf(const QByteArray &contentType) {
     const QList<QByteArray> parts = contentType.split(';');
@@ -65,7 +66,7 @@ CurlMulti newMulti() { return CurlMulti(isCurlReady() ? curl().curl_multi_init()
 
 HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
     : easy_(isCurlReady() ? curl().curl_easy_init() : nullptr), sink_(std::move(sink)),
-      bodyLeft_(bodyLimit) {
+      bodyLeft_(bodyLimit), headersLeft_(headerLimit), wireLeft_(2 * (headerLimit + bodyLimit)) {
     if (!easy_)
         return;
     set(CURLOPT_NOSIGNAL, 1L);
@@ -77,6 +78,17 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
     set(CURLOPT_BUFFERSIZE, receiveBuffer);
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_WRITEFUNCTION, &HttpTransfer::receive);
+    set(CURLOPT_HEADERDATA, this);
+    set(CURLOPT_HEADERFUNCTION, &HttpTransfer::receiveHeader);
+    // The body of a redirect, the frames of chunks and what unpacks to nothing go past the two
+    // above: they are counted where the library tells of all that comes, which cannot end it.
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    set(CURLOPT_DEBUGDATA, this);
+    set(CURLOPT_DEBUGFUNCTION, &HttpTransfer::countWire);
+    set(CURLOPT_VERBOSE, 1L);
+    set(CURLOPT_XFERINFODATA, this);
+    set(CURLOPT_XFERINFOFUNCTION, &HttpTransfer::checkWire);
+    set(CURLOPT_NOPROGRESS, 0L);
 }
 
 HttpTransfer::~HttpTransfer() {
@@ -156,6 +168,41 @@ size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
     return isTaken ? size : 0;
 }
 
+size_t HttpTransfer::receiveHeader(char *line, size_t, size_t size, void *self) {
+    auto *transfer = static_cast<HttpTransfer *>(self);
+    transfer->headersLeft_ -= static_cast<qint64>(size);
+    const bool isTaken =
+        transfer->headersLeft_ >= 0 &&
+        transfer->isTakenPacking(QByteArray(line, static_cast<qsizetype>(size)).toLower());
+    return isTaken ? size : 0;
+}
+
+// The library unpacks whatever it can, and up to five times over: into how much is only known at
+// the end. The other methods it has use more memory by far.
+bool HttpTransfer::isTakenPacking(const QByteArray &header) {
+    if (header.startsWith("http/"))
+        packingCount_ = 0;
+    if (!header.startsWith("content-encoding:") && !header.startsWith("transfer-encoding:"))
+        return true;
+    for (const QByteArray &method : header.sliced(header.indexOf(':') + 1).split(',')) {
+        const QByteArray name = method.trimmed();
+        if (name == "br" || name == "zstd")
+            return false;
+        packingCount_ += name == "gzip" || name == "x-gzip" || name == "deflate" ? 1 : 0;
+    }
+    return packingCount_ <= 1;
+}
+
+int HttpTransfer::countWire(CURL *, curl_infotype type, char *, size_t size, void *self) {
+    if (type == CURLINFO_DATA_IN)
+        static_cast<HttpTransfer *>(self)->wireLeft_ -= static_cast<qint64>(size);
+    return 0;
+}
+
+int HttpTransfer::checkWire(void *self, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    return static_cast<HttpTransfer *>(self)->wireLeft_ < 0 ? 1 : 0;
+}
+
 HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
     switch (code) {
     case CURLE_OK:
@@ -197,7 +244,7 @@ HttpGet::HttpGet(const HttpRequest &request, const HttpLimits &limits)
                     headerOf("If-Modified-Since", request.validators.lastModified)}));
     transfer_.set(CURLOPT_URL, partOf(parsed, CURLUPART_URL).constData());
     transfer_.set(CURLOPT_USERAGENT, "Tidebrook/" TIDEBROOK_VERSION);
-    transfer_.set(CURLOPT_ACCEPT_ENCODING, "");
+    transfer_.set(CURLOPT_ACCEPT_ENCODING, "gzip");
     transfer_.setTimeLimits(limits, limits.requestObject);
 }
 

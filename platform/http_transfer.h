@@ -36,8 +36,9 @@ bool hasWebScheme(const CurlUrl &url);
 CurlList headerList(std::initializer_list<QByteArray> headers);
 CurlMulti newMulti();
 
-/// One transfer: hands the body on piece by piece and keeps its size within the limit. It is on
-/// its way between its curl handle's being added to a multi handle and being taken out of it.
+/// One transfer: hands the body on piece by piece and keeps its size within the limit. Of headers,
+/// trailers and redirects it takes no more than a feed can have any use for. It is on its way
+/// between its curl handle's being added to a multi handle and being taken out of it.
 class HttpTransfer {
 public:
     using Sink = std::function<bool(const char *, qint64)>;
@@ -68,11 +69,18 @@ public:
 
 private:
     static size_t receive(char *data, size_t, size_t size, void *self);
+    static size_t receiveHeader(char *line, size_t, size_t size, void *self);
+    static int countWire(CURL *, curl_infotype type, char *, size_t size, void *self);
+    static int checkWire(void *self, curl_off_t, curl_off_t, curl_off_t, curl_off_t);
+    bool isTakenPacking(const QByteArray &header);
 
     CURL *easy_;
     CurlList headers_;
     Sink sink_;
     qint64 bodyLeft_;
+    qint64 headersLeft_;
+    qint64 wireLeft_;      // of all that comes, unpacked or not, read or not
+    int packingCount_ = 0; // how often the answer being read is packed
 };
 
 /// How far a transfer got that has ended so.

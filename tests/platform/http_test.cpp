@@ -1,11 +1,13 @@
 #include "feed_server/feed_server.h"
 #include "platform/http.h"
+#include "platform/http_queue.h"
 #include "support/text_printing.h"
 
 #include <QBuffer>
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <tuple>
 
 namespace tidebrook {
@@ -67,9 +69,63 @@ TEST_F(HttpTest, ServersThatFailAreToldApart) {
             << url.toUtf8().constData();
 }
 
-TEST_F(HttpTest, ACompressedBodyIsMeasuredUnpacked) {
+struct EndlessCase {
+    const char *name;
+    QByteArray head;
+    QByteArray repeated;
+};
+
+// Without an end in any part of an answer, the limits end it, and early.
+class EndlessAnswer : public HttpTest, public testing::WithParamInterface<EndlessCase> {};
+
+TEST_P(EndlessAnswer, IsRefusedBeforeItCostsMuch) {
+    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
+    server_.sendRaw(u"/x"_s, GetParam().head, GetParam().repeated);
+    EXPECT_EQ(get(u"/x"_s).progress, HttpProgress::Incomplete);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_EQ(httpDownloadDirect(server_.url(u"/x"), buffer, smallLimits),
+              HttpProgress::Incomplete);
+    std::optional<HttpProgress> queued;
+    httpGetAll({server_.url(u"/x")}, 1, smallLimits,
+               {[](std::size_t) { return HttpValidators(); },
+                [&](std::size_t, const HttpAnswer &answer) { queued = answer.progress; }});
+    EXPECT_EQ(queued, HttpProgress::Incomplete);
+    // Of what is sent a part waits in the sockets' buffers.
+    EXPECT_LT(server_.bytesSent(), 3 * 20'000'000);
+    qunsetenv("TIDEBROOK_HTTP_PORT");
+}
+
+const QByteArray ok = "HTTP/1.1 200 OK\r\n";
+const QByteArray chunked = ok + "Transfer-Encoding: chunked\r\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    All, EndlessAnswer,
+    testing::Values(
+        EndlessCase{"Headers", ok, QByteArray("X: y\r\n").repeated(1000)},
+        EndlessCase{"Trailers", chunked + "\r\n0\r\n", QByteArray("X: y\r\n").repeated(1000)},
+        EndlessCase{"Hints", "",
+                    QByteArray("HTTP/1.1 103 Hints\r\nLink: <a>\r\n\r\n").repeated(1000)},
+        EndlessCase{"ChunkExtension", chunked + "\r\n1;", QByteArray(60'000, 'x')},
+        EndlessCase{"EmptyGzipBlocks",
+                    ok + "Content-Encoding: gzip\r\n\r\n\x1F\x8B\x08" + QByteArray(6, '\0') + '\3',
+                    QByteArray("\0\0\0\xFF\xFF", 5).repeated(10'000)},
+        EndlessCase{"RedirectsBody",
+                    "HTTP/1.1 302 Found\r\nLocation: /y\r\n" +
+                        QByteArray("Content-Length: 9000000000\r\n\r\n"),
+                    QByteArray(60'000, 'x')}),
+    [](const auto &test) { return std::string(test.param.name); });
+
+TEST_F(HttpTest, ABodyIsMeasuredUnpackedAndUnpackedOnce) {
     server_.serveGzip(u"/bomb"_s, QByteArray(10'000'000, ' '));
     EXPECT_EQ(get(u"/bomb"_s).progress, HttpProgress::Incomplete);
+    const QByteArray packed = "Content-Length: 0\r\n\r\n";
+    for (const char *const encodings :
+         {"Content-Encoding: gzip, gzip\r\n", "Content-Encoding: zstd\r\n",
+          "content-encoding: br\r\n", "Transfer-Encoding: gzip\r\nContent-Encoding: gzip\r\n"}) {
+        server_.sendRaw(u"/packed"_s, ok + QByteArray(encodings) + packed);
+        EXPECT_EQ(get(u"/packed"_s).progress, HttpProgress::Incomplete) << encodings;
+    }
 }
 
 TEST_F(HttpTest, TheDirectDownloadIgnoresSchemeAndPortAndDecodesThePath) {
