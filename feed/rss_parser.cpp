@@ -11,6 +11,7 @@ namespace tidebrook {
 namespace {
 
 constexpr qsizetype dateCapacity = 40;
+constexpr int itemLimit = 50'000; // some 80 MB of feed; more would keep the database too long
 
 // Which field of a record an element fills, and how much of its text.
 template <typename Record> struct FieldRule {
@@ -49,8 +50,7 @@ void applyRules(const std::array<FieldRule<Record>, count> &rules, XmlNode node,
     for (const FieldRule<Record> &rule : rules) {
         if (rule.element != node.name())
             continue;
-        QString text = node.text();
-        text.truncate(cutText(text, rule.capacity).size());
+        QString text = node.text(rule.capacity);
         if (!text.isEmpty())
             record.*rule.field = std::move(text);
         return;
@@ -63,7 +63,8 @@ RssParser::RssParser(SqlCommand &command, const QString &channelName,
                      const std::optional<QString> &category)
     : category_(category), ingestion_(command, channelName, category.value_or(QString())) {
     const QString missing = missingText.toString();
-    emptyItem_ = {missing, missing, missing, missing, missing, missing, 0};
+    // One refresh has one stamp, so that within it the feed's own order holds.
+    emptyItem_ = {missing, missing, missing, missing, missing, missing, ingestionClock(0)};
     if (category_)
         emptyItem_.category = cutText(*category_, categoryCapacity).toString();
 }
@@ -97,8 +98,9 @@ void RssParser::readImage(XmlNode image) {
 }
 
 bool RssParser::readItem(XmlNode item) {
+    if (++itemCount_ > itemLimit)
+        return false;
     item_ = emptyItem_;
-    item_.timestamp = ingestionClock(0);
     for (XmlNode node = item.firstChild(); !node.isNull(); node = node.nextSibling()) {
         if (category_ || node.name() != "category")
             applyRules(itemRules, node, item_);

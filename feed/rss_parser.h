@@ -18,7 +18,7 @@ public:
     enum class Result {
         Done,
         Unreadable,  ///< the channel or one of its parts has no children to walk
-        NotIngested, ///< pruning failed, or an item could not be stored
+        NotIngested, ///< pruning failed, an item could not be stored, or there are over 50,000
     };
 
     /// `category` is what the articles are stored under; without one it is empty, and items keep
@@ -44,6 +44,7 @@ private:
     ArticleIngestion ingestion_;
     ItemRecord emptyItem_; // what each item begins as
     ItemRecord item_;
+    int itemCount_ = 0;
     ChannelHeaderRecord header_;
 };
 

@@ -1,5 +1,8 @@
 #include "platform/html_entities.h"
 
+#include <QList>
+#include <QStringBuilder>
+
 namespace tidebrook {
 
 namespace {
@@ -11,28 +14,25 @@ struct Run {
 };
 
 constexpr Run runs[] = {
-    {160,
-     "nbsp iexcl cent pound curren yen brvbar sect uml copy ordf laquo not shy reg "
-     "macr deg plusmn sup2 sup3 acute micro para middot cedil sup1 ordm raquo frac14 "
-     "frac12 frac34 iquest Agrave Aacute Acirc Atilde Auml Aring AElig Ccedil Egrave "
-     "Eacute Ecirc Euml Igrave Iacute Icirc Iuml ETH Ntilde Ograve Oacute Ocirc Otilde "
-     "Ouml times Oslash Ugrave Uacute Ucirc Uuml Yacute THORN szlig agrave aacute "
-     "acirc atilde auml aring aelig ccedil egrave eacute ecirc euml igrave iacute "
-     "icirc iuml eth ntilde ograve oacute ocirc otilde ouml divide oslash ugrave "
-     "uacute ucirc uuml yacute thorn yuml"},
+    {160, "nbsp iexcl cent pound curren yen brvbar sect uml copy ordf laquo not shy reg "
+          "macr deg plusmn sup2 sup3 acute micro para middot cedil sup1 ordm raquo frac14 "
+          "frac12 frac34 iquest Agrave Aacute Acirc Atilde Auml Aring AElig Ccedil Egrave "
+          "Eacute Ecirc Euml Igrave Iacute Icirc Iuml ETH Ntilde Ograve Oacute Ocirc Otilde "
+          "Ouml times Oslash Ugrave Uacute Ucirc Uuml Yacute THORN szlig agrave aacute "
+          "acirc atilde auml aring aelig ccedil egrave eacute ecirc euml igrave iacute "
+          "icirc iuml eth ntilde ograve oacute ocirc otilde ouml divide oslash ugrave "
+          "uacute ucirc uuml yacute thorn yuml"},
     {338, "OElig oelig"},
     {352, "Scaron scaron"},
     {376, "Yuml"},
     {402, "fnof"},
     {710, "circ"},
     {732, "tilde"},
-    {913,
-     "Alpha Beta Gamma Delta Epsilon Zeta Eta Theta Iota Kappa Lambda Mu Nu Xi Omicron "
-     "Pi Rho"},
+    {913, "Alpha Beta Gamma Delta Epsilon Zeta Eta Theta Iota Kappa Lambda Mu Nu Xi Omicron "
+          "Pi Rho"},
     {931, "Sigma Tau Upsilon Phi Chi Psi Omega"},
-    {945,
-     "alpha beta gamma delta epsilon zeta eta theta iota kappa lambda mu nu xi omicron "
-     "pi rho sigmaf sigma tau upsilon phi chi psi omega"},
+    {945, "alpha beta gamma delta epsilon zeta eta theta iota kappa lambda mu nu xi omicron "
+          "pi rho sigmaf sigma tau upsilon phi chi psi omega"},
     {977, "thetasym upsih"},
     {982, "piv"},
     {8194, "ensp emsp"},

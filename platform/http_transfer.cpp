@@ -190,6 +190,9 @@ bool HttpTransfer::isTakenPacking(const QByteArray &header) {
             return false;
         packingCount_ += name == "gzip" || name == "x-gzip" || name == "deflate" ? 1 : 0;
     }
+    // Text becomes far smaller than that, and blocks that unpack to nothing take their time.
+    if (packingCount_ > 0)
+        wireLeft_ = qMin(wireLeft_, headerLimit + bodyLeft_ / 2);
     return packingCount_ <= 1;
 }
 

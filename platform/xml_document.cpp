@@ -1,12 +1,18 @@
 #include "platform/xml_document.h"
 
+#include "platform/html_entities.h"
+#include "platform/text.h"
 #include "platform/xml_encoding.h"
 
+#include <QByteArrayMatcher>
+
+#define XML_DTD // for the declarations of what limits the growth by entities
 #include <expat.h>
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <set>
 #include <unordered_map>
 
 namespace tidebrook {
@@ -14,53 +20,43 @@ namespace tidebrook {
 namespace {
 
 constexpr std::size_t depthLimit = 1000;
-constexpr std::size_t nodeLimit = 2'000'000;
-constexpr int attributeLimit = 2 * 1000; // names and values of one element
-constexpr std::size_t textLimit = 64 * 1024 * 1024;
-constexpr std::uint32_t textName = 0; // "#text" is the first name of every document
+constexpr qsizetype nodeLimit = 1'000'000;
+constexpr qsizetype attributeLimit = 1'000'000;
+constexpr qsizetype elementAttributeLimit = 1000;
+constexpr std::size_t nameLimit = 10'000;
+constexpr qsizetype nameSizeLimit = 1000;             // bytes
+constexpr qsizetype textLimit = 48 * 1024 * 1024;     // bytes, attributes' values included
+constexpr qsizetype tokenLimit = 1024 * 1024;         // bytes that the parser keeps for later
+constexpr float growthLimit = 4;                      // by entities, in all
+constexpr unsigned long long freeGrowth = 256 * 1024; // bytes that may come of them all the same
+constexpr std::uint32_t textName = 0;                 // "#text" is the first name of every document
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 struct ParserFree {
     void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
+using Parser = std::unique_ptr<XML_ParserStruct, ParserFree>;
 
 } // namespace
 
 /// Builds a document from the parser's events. An event that breaks a limit stops the parser.
 class XmlBuilder {
 public:
-    XmlBuilder() : parser_(XML_ParserCreate("UTF-8")) { document_.names_.push_back("#text"); }
+    XmlBuilder(QByteArrayView bytes, QByteArrayView charset)
+        : bytes_(bytes), charset_(charset), parser_(XML_ParserCreate("UTF-8")) {
+        document_.names_.push_back("#text");
+        document_.text_ = QByteArray(bytes.size(), Qt::Uninitialized);
+    }
 
-    std::optional<XmlDocument> build(QByteArrayView utf8) {
+    std::optional<XmlDocument> build() {
         if (!parser_)
             return std::nullopt;
-        XML_Parser parser = parser_.get();
-        XML_SetUserData(parser, this);
-        XML_SetElementHandler(
-            parser,
-            [](void *self, const char *name, const char **attributes) {
-                static_cast<XmlBuilder *>(self)->beginElement(name, attributes);
-            },
-            [](void *self, const char *) { static_cast<XmlBuilder *>(self)->endElement(); });
-        XML_SetCharacterDataHandler(parser, [](void *self, const char *text, int size) {
-            static_cast<XmlBuilder *>(self)->addText(text, size);
-        });
-        // A comment, an instruction or the edge of a CDATA section ends a run of text.
-        XML_SetCommentHandler(
-            parser, [](void *self, const char *) { static_cast<XmlBuilder *>(self)->endText(); });
-        XML_SetProcessingInstructionHandler(parser, [](void *self, const char *, const char *) {
-            static_cast<XmlBuilder *>(self)->endText();
-        });
-        XML_SetCdataSectionHandler(
-            parser, [](void *self) { static_cast<XmlBuilder *>(self)->endText(); },
-            [](void *self) { static_cast<XmlBuilder *>(self)->endText(); });
-        if (static_cast<std::size_t>(utf8.size()) > textLimit)
-            return std::nullopt;
-        document_.text_ = QByteArray(utf8.size(), Qt::Uninitialized);
-        const XML_Status status =
-            XML_Parse(parser, utf8.data(), static_cast<int>(utf8.size()), XML_TRUE);
-        if (status != XML_STATUS_OK)
+        XML_SetUserData(parser_.get(), this);
+        listen();
+        XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser_.get(), growthLimit);
+        XML_SetBillionLaughsAttackProtectionActivationThreshold(parser_.get(), freeGrowth);
+        if (!parseAll())
             return std::nullopt;
         document_.text_.truncate(textEnd_);
         return std::move(document_);
@@ -71,6 +67,106 @@ private:
         std::uint32_t node;
         std::uint32_t lastChild = 0;
     };
+
+    void listen() {
+        XML_Parser parser = parser_.get();
+        XML_SetElementHandler(
+            parser,
+            [](void *self, const char *name, const char **attributes) {
+                static_cast<XmlBuilder *>(self)->beginElement(name, attributes);
+            },
+            [](void *self, const char *) { static_cast<XmlBuilder *>(self)->endElement(); });
+        XML_SetCharacterDataHandler(parser, [](void *self, const char *text, int size) {
+            static_cast<XmlBuilder *>(self)->addText(QByteArrayView(text, size));
+        });
+        // A comment, an instruction or the edge of a CDATA section ends a run of text.
+        XML_SetCommentHandler(
+            parser, [](void *self, const char *) { static_cast<XmlBuilder *>(self)->endText(); });
+        XML_SetProcessingInstructionHandler(parser, [](void *self, const char *, const char *) {
+            static_cast<XmlBuilder *>(self)->endText();
+        });
+        XML_SetCdataSectionHandler(
+            parser, [](void *self) { static_cast<XmlBuilder *>(self)->endText(); },
+            [](void *self) { static_cast<XmlBuilder *>(self)->endText(); });
+        XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_UNLESS_STANDALONE);
+        XML_SetExternalEntityRefHandler(parser, [](XML_Parser asking, const char *context,
+                                                   const char *, const char *, const char *) {
+            auto *self = static_cast<XmlBuilder *>(XML_GetUserData(asking));
+            return context || self->declareEntities(asking) ? 1 : 0;
+        });
+        XML_SetSkippedEntityHandler(parser, [](void *self, const char *name, int isParameter) {
+            if (!isParameter)
+                static_cast<XmlBuilder *>(self)->addText(QByteArray('&' + QByteArray(name) + ';'));
+        });
+    }
+
+    // In pieces, since the parser keeps names and declarations before it tells of what they are in.
+    bool parseAll() {
+        XmlUtf8Reader reader(bytes_, charset_);
+        qint64 fed = 0;
+        bool isLast = false;
+        while (!isLast) {
+            const std::optional<QByteArrayView> piece = reader.next();
+            if (!piece)
+                return false;
+            isLast = piece->isEmpty();
+            const bool isPrologTooLong = fed > XmlUtf8Reader::pieceSize && document_.nodes_.empty();
+            if (isPrologTooLong ||
+                XML_Parse(parser_.get(), piece->data(), static_cast<int>(piece->size()), isLast) !=
+                    XML_STATUS_OK)
+                return false;
+            fed += piece->size();
+            if (!isLast && fed - XML_GetCurrentByteIndex(parser_.get()) > tokenLimit)
+                return false;
+        }
+        return true;
+    }
+
+    // Answers for every external DTD, whose address nobody asks.
+    bool declareEntities(XML_Parser asking) {
+        const Parser parser(XML_ExternalEntityParserCreate(asking, nullptr, "UTF-8"));
+        const QByteArray declarations = htmlEntityDeclarations() + otherDeclarations();
+        return parser && XML_Parse(parser.get(), declarations.constData(),
+                                   static_cast<int>(declarations.size()), 1) == XML_STATUS_OK;
+    }
+
+    // The parser drops what nobody has declared from attributes without a word, so that every
+    // entity that is used is declared to be what is written. The first declaration is the one that
+    // holds: the document's own, then HTML's.
+    QByteArray otherDeclarations() const {
+        XmlUtf8Reader reader(bytes_, charset_);
+        std::set<QByteArray> names;
+        QByteArray text;
+        std::optional<QByteArrayView> piece = reader.next();
+        for (; piece && !piece->isEmpty() && names.size() < nameLimit; piece = reader.next()) {
+            text = text.last(qMin(text.size(), nameSizeLimit)) + *piece;
+            static const QByteArrayMatcher begin("&");
+            for (qsizetype at = begin.indexIn(text); at >= 0; at = begin.indexIn(text, at + 1)) {
+                const QByteArrayView name = asciiName(QByteArrayView(text).sliced(at + 1));
+                if (!name.isEmpty() && text.size() > at + 1 + name.size() &&
+                    text[at + 1 + name.size()] == ';')
+                    names.insert(name.toByteArray());
+            }
+        }
+        QByteArray declarations;
+        for (const QByteArray &name : names)
+            declarations += "<!ENTITY " + name + " '&#38;#38;" + name + ";'>";
+        return declarations;
+    }
+
+    static QByteArrayView asciiName(QByteArrayView text) {
+        const auto isLetter = [](char c) {
+            return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+        };
+        const auto isInName = [&](char c) {
+            return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+        };
+        qsizetype size = 0;
+        while (size < qMin(text.size(), nameSizeLimit) &&
+               (size == 0 ? isLetter(text[0]) : isInName(text[size])))
+            ++size;
+        return text.first(size);
+    }
 
     // The parser may still tell of what it has begun to tell of; nothing of it is wanted.
     void stop() {
@@ -84,6 +180,8 @@ private:
             return found->second;
         const auto index = static_cast<std::uint32_t>(document_.names_.size());
         const QByteArray &stored = document_.names_.emplace_back(name);
+        if (index >= nameLimit || stored.size() > nameSizeLimit)
+            stop();
         nameIndices_.emplace(
             std::string_view(stored.constData(), static_cast<std::size_t>(stored.size())), index);
         return index;
@@ -91,15 +189,14 @@ private:
 
     std::uint32_t addNode(std::uint32_t name) {
         const auto index = static_cast<std::uint32_t>(document_.nodes_.size());
-        XmlDocument::Node &node = document_.nodes_.emplace_back();
-        node.name = name;
+        XmlDocument::Node node{name};
         node.textBegin = textEnd_;
+        document_.nodes_.append(node);
         if (!open_.empty()) {
             OpenElement &parent = open_.back();
-            XmlDocument::Node &parentNode = document_.nodes_[parent.node];
-            (parent.lastChild ? document_.nodes_[parent.lastChild].nextSibling
-                              : parentNode.firstChild) = index;
-            ++parentNode.childCount;
+            if (parent.lastChild)
+                document_.nodes_[parent.lastChild].nextSibling = index;
+            ++document_.nodes_[parent.node].childCount;
             parent.lastChild = index;
         }
         return index;
@@ -107,21 +204,36 @@ private:
 
     void beginElement(const char *name, const char **attributes) {
         endText();
-        const bool isTooMuch = open_.size() >= depthLimit || document_.nodes_.size() >= nodeLimit ||
-                               document_.attributes_.size() >= nodeLimit ||
-                               XML_GetSpecifiedAttributeCount(parser_.get()) > attributeLimit;
-        if (isTooMuch) {
+        if (isStopped_)
+            return;
+        if (open_.size() >= depthLimit || document_.nodes_.size() >= nodeLimit) {
             stop();
             return;
         }
         const std::uint32_t index = addNode(nameIndex(name));
-        const auto first = static_cast<std::uint32_t>(document_.attributes_.size());
-        for (; *attributes; attributes += 2)
-            document_.attributes_.push_back({nameIndex(attributes[0]), attributes[1]});
+        const qsizetype first = document_.attributes_.size();
+        for (; *attributes && !isStopped_; attributes += 2)
+            addAttribute(attributes[0], attributes[1]);
+        const qsizetype count = document_.attributes_.size() - first;
+        if (count > elementAttributeLimit)
+            stop();
         XmlDocument::Node &node = document_.nodes_[index];
-        node.attributes = first;
-        node.attributeCount = static_cast<std::uint32_t>(document_.attributes_.size()) - first;
+        node.attributes = static_cast<std::uint32_t>(first);
+        node.attributeCount = static_cast<std::uint32_t>(count);
         open_.push_back({index});
+    }
+
+    void addAttribute(const char *name, const char *value) {
+        const auto begin = static_cast<std::uint32_t>(document_.values_.size());
+        document_.values_.append(value);
+        const auto end = static_cast<std::uint32_t>(document_.values_.size());
+        document_.attributes_.append({nameIndex(name), begin, end});
+        if (document_.attributes_.size() > attributeLimit || isTextTooLong(0))
+            stop();
+    }
+
+    bool isTextTooLong(qsizetype more) const {
+        return textEnd_ + document_.values_.size() + more > textLimit;
     }
 
     void endElement() {
@@ -132,14 +244,17 @@ private:
         open_.pop_back();
     }
 
-    void addText(const char *text, int size) {
-        // There is room for the text of every document but one that lets entities grow.
-        if (size > document_.text_.size() - qsizetype{textEnd_})
-            document_.text_.resize(2 * document_.text_.size() + size);
-        std::memcpy(textData() + textEnd_, text, static_cast<std::size_t>(size));
-        textEnd_ += static_cast<std::uint32_t>(size);
-        if (textEnd_ > textLimit)
+    void addText(QByteArrayView text) {
+        if (isTextTooLong(text.size())) {
             stop();
+            return;
+        }
+        // There is room for the text of every document but one that grows by its encoding or its
+        // entities.
+        if (text.size() > document_.text_.size() - qsizetype{textEnd_})
+            document_.text_.resize(2 * document_.text_.size() + text.size());
+        std::memcpy(textData() + textEnd_, text.data(), static_cast<std::size_t>(text.size()));
+        textEnd_ += static_cast<std::uint32_t>(text.size());
     }
 
     // Nobody shares the text while it is being built, so this never copies it.
@@ -153,13 +268,19 @@ private:
             textEnd_ = textBegin_;
             return;
         }
+        if (document_.nodes_.size() >= nodeLimit) {
+            stop();
+            return;
+        }
         const std::uint32_t index = addNode(textName);
         document_.nodes_[index].textBegin = textBegin_;
         document_.nodes_[index].textEnd = textEnd_;
         textBegin_ = textEnd_;
     }
 
-    std::unique_ptr<XML_ParserStruct, ParserFree> parser_;
+    const QByteArrayView bytes_;
+    const QByteArrayView charset_;
+    const Parser parser_;
     XmlDocument document_;
     std::unordered_map<std::string_view, std::uint32_t> nameIndices_; // views of names_' bytes
     std::vector<OpenElement> open_;
@@ -176,8 +297,7 @@ std::string_view XmlNode::name() const {
 int XmlNode::childCount() const { return static_cast<int>(document_->nodes_[index_].childCount); }
 
 XmlNode XmlNode::firstChild() const {
-    const std::uint32_t child = document_->nodes_[index_].firstChild;
-    return child ? XmlNode(document_, child) : XmlNode();
+    return childCount() > 0 ? XmlNode(document_, index_ + 1) : XmlNode();
 }
 
 XmlNode XmlNode::nextSibling() const {
@@ -185,10 +305,14 @@ XmlNode XmlNode::nextSibling() const {
     return sibling ? XmlNode(document_, sibling) : XmlNode();
 }
 
-QString XmlNode::text() const {
+QString XmlNode::text(qsizetype capacity) const {
     const XmlDocument::Node &node = document_->nodes_[index_];
-    const QByteArrayView text(document_->text_);
-    return QString::fromUtf8(text.sliced(node.textBegin, node.textEnd - node.textBegin).trimmed());
+    const QByteArrayView text = QByteArrayView(document_->text_)
+                                    .sliced(node.textBegin, node.textEnd - node.textBegin)
+                                    .trimmed();
+    // A unit comes from three bytes at most.
+    const QString decoded = QString::fromUtf8(cutUtf8(text, 3 * (capacity + 1)));
+    return cutText(decoded, capacity).toString();
 }
 
 QString XmlNode::attribute(std::string_view name) const {
@@ -197,15 +321,15 @@ QString XmlNode::attribute(std::string_view name) const {
         const XmlDocument::Attribute &attribute = document_->attributes_[i];
         if (document_->names_[attribute.name] ==
             QByteArrayView(name.data(), static_cast<qsizetype>(name.size())))
-            return QString::fromUtf8(attribute.value);
+            return QString::fromUtf8(
+                QByteArrayView(document_->values_)
+                    .sliced(attribute.valueBegin, attribute.valueEnd - attribute.valueBegin));
     }
     return {};
 }
 
 std::optional<XmlDocument> XmlDocument::parse(QByteArrayView bytes, QByteArrayView charset) {
-    QByteArray storage;
-    const std::optional<QByteArrayView> utf8 = xmlAsUtf8(bytes, charset, storage);
-    return utf8 ? XmlBuilder().build(*utf8) : std::nullopt;
+    return XmlBuilder(bytes, charset).build();
 }
 
 } // namespace tidebrook

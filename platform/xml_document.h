@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QList>
 #include <QString>
 
 #include <cstdint>
@@ -29,8 +30,9 @@ public:
     XmlNode firstChild() const;
     XmlNode nextSibling() const;
 
-    /// The text of all descendants, one after another, without white space at both ends.
-    QString text() const;
+    /// The text of all descendants, one after another, without white space at both ends; its first
+    /// `capacity` UTF-16 units, cut as `cutText` does.
+    QString text(qsizetype capacity = 1 << 28) const;
 
     /// A null text when there is no such attribute.
     QString attribute(std::string_view name) const;
@@ -48,13 +50,18 @@ private:
 /// threads. White space between elements, comments and processing instructions are not kept.
 /// Undeclared name prefixes are let through.
 ///
-/// Reading touches nothing but the bytes it is given: no file, no network, no external or
-/// parameter entity, no external DTD. A document that is not well-formed, nests deeper than 1,000
-/// elements, has more than two million nodes, a thousand attributes in one element or 64 MiB of
-/// text is refused.
+/// Reading touches nothing but the bytes it is given: no file, no network, no external entity. In
+/// the place of an external DTD stand HTML's named characters; any other entity stays as it is
+/// written there. Without one an undeclared entity makes a document malformed.
+///
+/// A document that is not well-formed is refused, and so is one that would cost too much: that
+/// nests deeper than 1,000 elements, has more than a million nodes or attributes, a thousand
+/// attributes in one element, 10,000 different names, a name of more than 1,000 bytes, 48 MiB of
+/// text, a prolog of half a MiB, a tag or comment of more than a MiB, or that grows to four times
+/// its size by its entities. At most it takes 80 MB beside the bytes.
 class XmlDocument {
 public:
-    /// `charset` as `xmlAsUtf8` takes it.
+    /// `charset` as `XmlUtf8Reader` takes it.
     static std::optional<XmlDocument> parse(QByteArrayView bytes, QByteArrayView charset = {});
 
     /// The document element; never null.
@@ -65,10 +72,9 @@ private:
     friend class XmlBuilder;
 
     struct Node {
-        std::uint32_t name; // into names_
-        std::uint32_t childCount = 0;
-        std::uint32_t firstChild = 0;  // 0: none, for the root is no child
-        std::uint32_t nextSibling = 0; // 0: none
+        std::uint32_t name;            // into names_
+        std::uint32_t childCount = 0;  // the first one stands behind its parent
+        std::uint32_t nextSibling = 0; // 0: none, for the root is none
         std::uint32_t textBegin = 0;   // into text_; the text of a node's descendants stands in
         std::uint32_t textEnd = 0;     // one piece there, since all text is kept in order
         std::uint32_t attributes = 0;  // first of them in attributes_
@@ -76,13 +82,16 @@ private:
     };
     struct Attribute {
         std::uint32_t name;
-        QByteArray value;
+        std::uint32_t valueBegin; // into values_
+        std::uint32_t valueEnd;
     };
 
-    std::vector<Node> nodes_;
-    std::vector<Attribute> attributes_;
+    // Lists, which grow in place where they are large.
+    QList<Node> nodes_;
+    QList<Attribute> attributes_;
     std::vector<QByteArray> names_;
-    QByteArray text_; // UTF-8
+    QByteArray text_;   // UTF-8
+    QByteArray values_; // UTF-8
 };
 
 } // namespace tidebrook

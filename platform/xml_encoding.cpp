@@ -1,7 +1,5 @@
 #include "platform/xml_encoding.h"
 
-#include <iconv.h>
-
 #include <array>
 #include <cerrno>
 #include <string_view>
@@ -63,39 +61,6 @@ bool isUtf8(const QByteArray &name) {
     return lower == "utf-8" || lower == "utf8" || lower == "us-ascii" || lower == "ascii";
 }
 
-class Converter {
-public:
-    explicit Converter(const QByteArray &from) : handle_(iconv_open("UTF-8", from.constData())) {}
-    ~Converter() {
-        if (isKnown())
-            iconv_close(handle_);
-    }
-    Converter(const Converter &) = delete;
-    Converter &operator=(const Converter &) = delete;
-
-    // iconv_open's answer for an unknown name is the pointer -1.
-    bool isKnown() const { return reinterpret_cast<qintptr>(handle_) != -1; }
-
-    bool convert(QByteArrayView bytes, QByteArray &utf8) {
-        std::array<char, 16384> block;
-        auto *in = const_cast<char *>(bytes.data()); // iconv only reads what it points to
-        auto left = static_cast<size_t>(bytes.size());
-        utf8.reserve(bytes.size());
-        while (left > 0) {
-            char *out = block.data();
-            size_t room = block.size();
-            const size_t answer = iconv(handle_, &in, &left, &out, &room);
-            utf8.append(block.data(), out - block.data());
-            if (answer == static_cast<size_t>(-1) && errno != E2BIG)
-                return false;
-        }
-        return true;
-    }
-
-private:
-    iconv_t handle_;
-};
-
 Encoding encodingOf(QByteArrayView bytes, QByteArrayView charset) {
     if (const std::optional<Encoding> marked = encodingOfMark(bytes))
         return *marked;
@@ -108,20 +73,48 @@ Encoding encodingOf(QByteArrayView bytes, QByteArrayView charset) {
 // iconv takes options behind slashes ("UTF-8//IGNORE"), which no document may choose.
 bool isPlainName(const QByteArray &name) { return !name.isEmpty() && !name.contains('/'); }
 
+iconv_t converterFrom(const QByteArray &encoding) {
+    const iconv_t converter =
+        isPlainName(encoding) ? iconv_open("UTF-8", encoding.constData()) : nullptr;
+    // Its answer for an unknown name is the pointer -1.
+    return reinterpret_cast<qintptr>(converter) == -1 ? nullptr : converter;
+}
+
 } // namespace
 
-std::optional<QByteArrayView> xmlAsUtf8(QByteArrayView bytes, QByteArrayView charset,
-                                        QByteArray &storage) {
+XmlUtf8Reader::XmlUtf8Reader(QByteArrayView bytes, QByteArrayView charset) {
     const Encoding encoding = encodingOf(bytes, charset);
-    bytes = bytes.sliced(encoding.markSize);
+    left_ = bytes.sliced(encoding.markSize);
     if (isUtf8(encoding.name))
-        return bytes;
-    Converter converter(isPlainName(encoding.name) ? encoding.name : QByteArray("none"));
-    if (!converter.isKnown())
-        return encoding.isOnlyAssumed ? std::optional(bytes) : std::nullopt;
-    if (!converter.convert(bytes, storage))
+        return;
+    converter_.reset(converterFrom(encoding.name));
+    isKnown_ = converter_ || encoding.isOnlyAssumed;
+    if (converter_)
+        piece_ = QByteArray(pieceSize, Qt::Uninitialized);
+}
+
+std::optional<QByteArrayView> XmlUtf8Reader::next() {
+    if (!isKnown_)
         return std::nullopt;
-    return QByteArrayView(storage);
+    if (!converter_) {
+        const QByteArrayView piece = left_.first(qMin(left_.size(), pieceSize));
+        left_ = left_.sliced(piece.size());
+        return piece;
+    }
+    auto *in = const_cast<char *>(left_.data()); // iconv only reads what it points to
+    auto left = static_cast<size_t>(left_.size());
+    char *out = piece_.data();
+    auto room = static_cast<size_t>(pieceSize);
+    if (iconv(converter_.get(), &in, &left, &out, &room) == static_cast<size_t>(-1) &&
+        errno != E2BIG)
+        return std::nullopt;
+    left_ = left_.last(static_cast<qsizetype>(left));
+    return QByteArrayView(piece_.constData(), out - piece_.constData());
+}
+
+bool isEmptyText(QByteArrayView bytes) {
+    const std::optional<Encoding> marked = encodingOfMark(bytes);
+    return bytes.size() == (marked ? marked->markSize : 0);
 }
 
 } // namespace tidebrook

@@ -54,39 +54,102 @@ TEST(Xml, AttributesAreFoundByName) {
     EXPECT_TRUE(document->root().attribute("missing").isNull());
 }
 
-TEST(Xml, DocumentsThatAreNotWellFormedOrTryToReachOutAreRefused) {
-    const QByteArray deep = QByteArray("<a>").repeated(5000) + QByteArray("</a>").repeated(5000);
-    QByteArray laughs = "<!DOCTYPE a [<!ENTITY l0 \"0123456789\">";
-    for (int i = 1; i < 12; ++i) {
+QByteArray numbered(const QByteArray &before, int count, const QByteArray &after) {
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += before + QByteArray::number(i) + after;
+    return text;
+}
+
+// Ten entities, each ten times the one before.
+QByteArray growing(const QByteArray &innermost, const QByteArray &use) {
+    QByteArray text = "<!DOCTYPE a [<!ENTITY l0 \"" + innermost + "\">";
+    for (int i = 1; i < 10; ++i) {
         const QByteArray lower = "&l" + QByteArray::number(i - 1) + ';';
-        laughs += "<!ENTITY l" + QByteArray::number(i) + " \"" + lower.repeated(10) + "\">";
+        text += "<!ENTITY l" + QByteArray::number(i) + " \"" + lower.repeated(10) + "\">";
     }
-    laughs += "]><a>&l11;</a>";
-    QByteArray wide = "<a";
-    for (int i = 0; i < 2000; ++i)
-        wide += " a" + QByteArray::number(i) + "=''";
-    wide += "/>";
-    const QList<QByteArray> documents{"",
-                                      " ",
-                                      "text",
-                                      "<a>",
-                                      "<a></b>",
-                                      "<a/><b/>",
-                                      "<a>&nbsp;</a>",
-                                      "<a b=c/>",
-                                      "<a>\x01</a>",
-                                      QByteArray("<a>\0</a>", 8),
-                                      "<a>&#0;</a>",
-                                      "<a>\xFF</a>",
-                                      "<a>]]></a>",
-                                      "<?xml version='1.0' encoding='no-such'?><a/>",
-                                      "<?xml version='1.0' encoding='UTF-16'?><a/>",
-                                      "<?xml version='1.0' encoding='UTF-8//IGNORE'?><a/>",
-                                      deep,
-                                      wide,
-                                      laughs};
+    return text + "]>" + use;
+}
+
+TEST(Xml, DocumentsThatAreNotWellFormedOrCostTooMuchAreRefused) {
+    const QList<QByteArray> documents{
+        "",
+        " ",
+        "text",
+        "<a>",
+        "<a></b>",
+        "<a/><b/>",
+        "<a>&nbsp;</a>",
+        "<a b=c/>",
+        "<a>\x01</a>",
+        QByteArray("<a>\0</a>", 8),
+        "<a>&#0;</a>",
+        "<a>\xFF</a>",
+        "<a>]]></a>",
+        "<?xml version='1.0' encoding='no-such'?><a/>",
+        "<?xml version='1.0' encoding='UTF-16'?><a/>",
+        "<?xml version='1.0' encoding='UTF-8//IGNORE'?><a/>",
+        QByteArray("<a>").repeated(5000) + QByteArray("</a>").repeated(5000),
+        "<a>" + QByteArray("<b/>").repeated(1'100'000) + "</a>",
+        "<a>" + numbered("<b", 20'000, "/>") + "</a>",
+        "<a>" + numbered("<b c", 20'000, "=''/>") + "</a>",
+        "<a><" + QByteArray(2000, 'n') + "/></a>",
+        "<a" + numbered(" b", 2000, "=''") + "/>",
+        "<a" + numbered(" b", 300'000, "=''") + "/>",
+        "<!DOCTYPE a [<!ATTLIST a" + numbered(" b", 2000, " CDATA ''") + ">]><a/>",
+        "<a>" + QByteArray("<b" + numbered(" b", 900, "=''") + "/>").repeated(1200) + "</a>",
+        "<a><!--" + QByteArray(3'000'000, '-').replace("--", "- ") + "--></a>",
+        "<!DOCTYPE a [" + numbered("<!ENTITY e", 100'000, " ''>") + "]><a/>",
+        growing("0123456789", "<a>&l9;</a>"),
+        growing("0123456789", "<a b='&l9;'/>"),
+        growing("<!-- c -->", "<a>&l7;</a>"),
+        growing("  ", "<a>&l7;</a>"),
+        "<a>" + QByteArray(50'400'000, 'x') + "</a>",
+    };
     for (const QByteArray &document : documents)
         EXPECT_EQ(sketchOf(document), QStringLiteral("refused")) << document.left(60).constData();
+}
+
+TEST(Xml, ALargeDocumentIsReadWholeInAnyEncoding) {
+    QString text = QStringLiteral("<?xml version='1.0' encoding='%1'?><a>");
+    for (int i = 0; i < 40'000; ++i)
+        text += QStringLiteral("<b c='%1'>x日é%1</b>").arg(i);
+    text += u"</a>";
+    QStringEncoder utf16(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+    for (const QByteArray &bytes :
+         {text.arg(u"UTF-8").toUtf8(), QByteArray(utf16.encode(text.arg(u"UTF-16")))}) {
+        const auto document = XmlDocument::parse(bytes);
+        ASSERT_TRUE(document);
+        EXPECT_EQ(document->root().childCount(), 40'000);
+        int i = 0;
+        for (XmlNode child = document->root().firstChild(); !child.isNull();
+             child = child.nextSibling(), ++i) {
+            ASSERT_EQ(child.text(), QStringLiteral("x日é%1").arg(i));
+            ASSERT_EQ(child.attribute("c"), QString::number(i));
+        }
+    }
+}
+
+TEST(Xml, ADocumentThatNamesAnExternalDtdKeepsItsEntities) {
+    const QByteArray named = "<!DOCTYPE a PUBLIC 'p' 'http://127.0.0.1:1/x.dtd'>";
+    const QByteArray body = "<a b='&eacute;&foo;&quot;&amp;lt;'>caf&eacute;&hearts;&nbsp;&foo;"
+                            "&amp;eacute;<![CDATA[&eacute;&bar;]]></a>";
+    const auto document = XmlDocument::parse(QByteArray(named + body));
+    ASSERT_TRUE(document);
+    EXPECT_EQ(document->root().text(), QStringLiteral("café♥\u00A0&foo;&eacute;&eacute;&bar;"));
+    EXPECT_EQ(document->root().attribute("b"), QStringLiteral("é&foo;\"&lt;"));
+    const QList<std::pair<QByteArray, QString>> documents{
+        {"<!DOCTYPE a SYSTEM 'x' [<!ENTITY eacute 'E'>]><a>&eacute;&Omega;</a>",
+         QStringLiteral("a[\"EΩ\"]")},
+        {"<!DOCTYPE a [<!ENTITY % h PUBLIC 'p' 'x'> %h;]><a>&eacute;&foo;</a>",
+         QStringLiteral("a[\"é&foo;\"]")},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?>" + named + "<a>&\xE9t\xE9;&thetasym;</a>",
+         QStringLiteral("a[\"&été;ϑ\"]")},
+        {"<!DOCTYPE a [<!ENTITY e 'E'>]><a>&e;&eacute;</a>", QStringLiteral("refused")},
+        {"<!DOCTYPE a><a>&eacute;</a>", QStringLiteral("refused")},
+    };
+    for (const auto &[bytes, expected] : documents)
+        EXPECT_EQ(sketchOf(bytes), expected) << bytes.constData();
 }
 
 TEST(Xml, ExternalEntitiesAreNeverRead) {
