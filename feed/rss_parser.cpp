@@ -11,7 +11,7 @@ namespace tidebrook {
 namespace {
 
 constexpr qsizetype dateCapacity = 40;
-constexpr int itemLimit = 50'000; // some 80 MB of feed; more would keep the database too long
+constexpr int itemLimit = 100'000; // more would keep the database for seconds
 
 // Which field of a record an element fills, and how much of its text.
 template <typename Record> struct FieldRule {

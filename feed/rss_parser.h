@@ -18,7 +18,7 @@ public:
     enum class Result {
         Done,
         Unreadable,  ///< the channel or one of its parts has no children to walk
-        NotIngested, ///< pruning failed, an item could not be stored, or there are over 50,000
+        NotIngested, ///< pruning failed, an item could not be stored, or there are over 100,000
     };
 
     /// `category` is what the articles are stored under; without one it is empty, and items keep

@@ -192,7 +192,7 @@ bool HttpTransfer::isTakenPacking(const QByteArray &header) {
     }
     // Text becomes far smaller than that, and blocks that unpack to nothing take their time.
     if (packingCount_ > 0)
-        wireLeft_ = qMin(wireLeft_, headerLimit + bodyLeft_ / 2);
+        wireLeft_ = qMin(wireLeft_, headerLimit + bodyLeft_ / 3);
     return packingCount_ <= 1;
 }
 
