@@ -21,21 +21,30 @@ protected:
 };
 
 TEST_F(ArticleListTest, IsOrderedAsChosenAndKeepsTheOrder) {
+    device.addChannel(u"News"_s, u"Mixed"_s,
+                      QList<TestArticle>{{.title = u"b"_s, .date = u"2026-01-02"_s},
+                                         {.title = u"d"_s, .date = u"2026-01-04"_s},
+                                         {.title = u"a"_s, .date = u"2026-01-01"_s},
+                                         {.title = u"c"_s, .date = u"2026-01-03"_s}});
+    device.store->MarkArticleRead(u"Mixed"_s, u"c"_s);
+    const QStringList mixed{u"*d: 2026-01-04"_s, u"c: 2026-01-03"_s, u"*b: 2026-01-02"_s,
+                            u"*a: 2026-01-01"_s};
+    const QStringList mixedUnread{mixed[0], mixed[2], mixed[3]};
     const QString unreadOnly = u"Show Unread Only"_s;
     const struct {
         quint32 before;
         quint32 after;
         QStringList chosen;
         QStringList lines;
-    } rounds[]{{7, 0, {}, byDate}, // no order has this number
-               {0, 2, {unreadOnly}, unread},
-               {2, 1, {unreadOnly}, byStatus},
-               {1, 0, {u"Sort by"_s, u"Date"_s}, byDate},
-               {2, 1, {u"Sort by"_s, u"Status"_s}, byStatus}};
+    } rounds[]{{7, 0, {}, mixed}, // no order has this number
+               {0, 2, {unreadOnly}, mixedUnread},
+               {2, 1, {unreadOnly}, mixedUnread + QStringList{mixed[1]}},
+               {1, 0, {u"Sort by"_s, u"Date"_s}, mixed},
+               {2, 1, {u"Sort by"_s, u"Status"_s}, mixedUnread + QStringList{mixed[1]}}};
     for (const auto &round : rounds) {
         SettingsStore(*device.registry).setDword(programKey, u"SortMode", round.before);
         run([&](User &user) {
-            go(user, 2);
+            go(user, 2, 0);
             if (!round.chosen.isEmpty())
                 user.choose(round.chosen);
             EXPECT_TRUE(user.seesLines(round.lines) && user.seesQuiet() && user.seesSelected(0));

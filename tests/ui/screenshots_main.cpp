@@ -1,19 +1,19 @@
 // Pictures of every screen and dialog, light and dark, on a device whose screen is that of the
 // platform.
 
-#include "support/test_device.h"
+#include "ui/home.h"
 #include "ui/kit/file_dialog.h"
+#include "ui/kit/list_view.h"
 #include "ui/kit/touch_style.h"
 #include "ui/session.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QPalette>
 #include <QPixmap>
 #include <QScreen>
 #include <QStyle>
-#include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace tidebrook {
@@ -59,194 +59,165 @@ const QByteArray list = R"(<opml version="2.0"><body>
     <outline text="Radio Garden" type="rss" xmlUrl="http://example.org/radio"/>
     </body></opml>)";
 
-class Photographer {
-public:
-    Photographer(User &user, const QDir &folder, const QString &ending)
-        : user_(user), folder_(folder), ending_(ending) {}
+bool areOpen(int count) {
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    return count == std::count_if(widgets.begin(), widgets.end(), [](const QWidget *widget) {
+               return widget->isVisible() && widget->windowType() == Qt::Popup;
+           });
+}
 
-    /// Takes a picture of what is there once this is true.
-    void take(const QString &name, bool isThere) {
-        const QString path = folder_.filePath(name + ending_);
-        if (!isThere || !user_.seesQuiet() || !user_.picture().save(path)) {
-            std::fprintf(stderr, "%s: not seen\n", qUtf8Printable(path));
-            failures_ += 1;
-        }
-    }
-    int failures() const { return failures_; }
+/// What the user does, what is to be seen then, and the name of its picture, if one is taken.
+struct Step {
+    Hand act;
+    std::function<bool(User &)> isSeen;
+    QString picture = {};
+};
+using Seen = decltype(Step::isSeen);
 
-private:
-    User &user_;
-    QDir folder_;
-    QString ending_;
-    int failures_ = 0;
+Hand keys(const QList<int> &keys) {
+    return [keys](User &user) {
+        for (const int key : keys)
+            user.press(key);
+    };
+}
+Seen selected(int row) {
+    return [row](User &user) { return user.seesSelected(row); };
+}
+Seen caption(const QString &text) {
+    return [text](User &user) { return user.seesCaption(text); };
+}
+Seen box(const QString &text) {
+    return [text](User &user) { return user.seesBox(text); };
+}
+Seen controls(const QStringList &texts) {
+    return [texts](User &user) { return user.seesControls(texts); };
+}
+Seen menus(int count) {
+    return [count](User &user) { return user.sees([&] { return areOpen(count); }); };
+}
+Seen rows(const QStringList &texts, int row = 0) {
+    return [=](User &user) { return user.seesRows(texts) && user.seesSelected(row); };
+}
+Hand choosingFile(QString (*choose)(ScreenStack &, const FileRequest &)) {
+    return [choose](User &user) {
+        user.act([&user, choose] {
+            choose(user.stack(),
+                   {u"Export Category"_s, u"OPML (*.opml)"_s, u"*.opml"_s, u"News"_s, 260, {}});
+        });
+    };
+}
+const Hand nothing = [](User &) {};
+const Hand back = pressing(Qt::Key_Escape);
+const Seen channels = [](User &user) {
+    return user.seesCaption(u"Technology"_s) &&
+           user.sees([&user] { return user.list()->rowCount() == 3; });
+};
+const Seen articles = [](User &user) {
+    return user.seesCaption(u"Planet of Small Things"_s) && user.seesSelected(0);
+};
+const Seen article = [](User &user) { return user.seesPage(u"matchbox"_s); };
+const QString program = u"Tidebrook"_s;
+const QString categories = u"All Categories"_s;
+
+const Step steps[]{
+    {nothing, selected(0), u"categories"_s},
+    {pressing(Qt::Key_F10), menus(1), u"menu"_s},
+    {keys({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Right}),
+     menus(2), u"font-sizes"_s},
+    {keys({Qt::Key_Escape, Qt::Key_Escape}), menus(0)},
+    {keys({Qt::Key_Down, Qt::Key_F2}), [](User &user) { return user.seesEditor(u"Technology"_s); },
+     u"label-edit"_s},
+    {[](User &user) {
+         user.type(u"News"_s);
+         user.press(Qt::Key_Return);
+     },
+     box(u"The name is exist!"_s), u"warning"_s},
+    {pressing(Qt::Key_Return), caption(categories)},
+    {pressing(Qt::Key_Delete), box(u"Are you sure you want to delete this category?"_s),
+     u"question"_s},
+    {back, caption(categories)},
+
+    {choosing({u"Setting"_s}), caption(u"Today Setting"_s), u"settings-today"_s},
+    {pressing(Qt::Key_Tab, Qt::ControlModifier), caption(u"Auto Update"_s), u"settings-update"_s},
+    {[](User &user) {
+         user.tap(u"Update Interval"_s);
+         user.press(Qt::Key_F4);
+     },
+     menus(1), u"settings-intervals"_s},
+    {back, menus(0)},
+    {tapping(u"Cancel"_s), caption(categories)},
+
+    {pressing(Qt::Key_F1), caption(program), u"help"_s},
+    {tapping(u"Done"_s), caption(categories)},
+    {choosing({u"About"_s}), caption(u"About"_s), u"about"_s},
+    {tapping(u"Done"_s), caption(categories)},
+
+    {choosingFile(chooseFileToOpen), rows(documentRows)},
+    {pressing(Qt::Key_Down), selected(1), u"file-open"_s},
+    {tapping(u"Cancel"_s), caption(categories)},
+    {choosingFile(chooseFileToSave), caption(u"Export Category"_s), u"file-save"_s},
+    {pressing(Qt::Key_Return), box(u"News.opml is there already. Replace it?"_s),
+     u"file-replace"_s},
+    {back, caption(u"Export Category"_s)},
+    {back, caption(categories)},
+
+    {[](User &user) { user.tapRow(1); }, channels},
+    {nothing, selected(0), u"channels"_s},
+    {choosing({u"Properties"_s}),
+     controls({u"Open Bench"_s, u"http://example.org/feed"_s,
+               u"News [Technology] Science Food and drink Travel Sport"_s,
+               u"- Auto update this channel"_s}),
+     u"properties"_s},
+    {back, channels},
+    {choosing({u"New Channel"_s}),
+     controls({u"x Input from URL"_s, u"- Import from a file"_s, u"http://"_s}),
+     u"wizard-address"_s},
+    {[](User &user) {
+         user.tap(u"Import from a file"_s);
+         user.press(Qt::Key_Return);
+     },
+     rows(documentRows)},
+    {pressing(Qt::Key_End), selected(5)},
+    {pressing(Qt::Key_Return),
+     controls({u"- Night Trains, - The Paper Boat, - Radio Garden."_s, u"- All"_s})},
+    {[](User &user) {
+         user.tapRow(0);
+         user.tapRow(2);
+         user.press(Qt::Key_Up);
+     },
+     selected(1), u"wizard-channels"_s},
+    {pressing(Qt::Key_Return),
+     controls({u"News Technology Science [Food and drink] Travel Sport"_s}), u"wizard-category"_s},
+    {back, controls({u"x Night Trains, - The Paper Boat, x Radio Garden."_s, u"- All"_s})},
+    {back, controls({u"- Input from URL"_s, u"x Import from a file"_s, u"http://"_s})},
+    {back, channels},
+
+    {[](User &user) { user.tapRow(1); }, articles, u"articles"_s},
+    {pressing(Qt::Key_Return), article, u"article"_s},
+    {choosing({u"Font Size"_s, u"Big"_s}), article, u"article-big"_s},
+    {tapping(u"Article List"_s), articles, u"articles-big"_s},
+    {choosing({u"Font Size"_s, u"Small"_s}), articles},
+    {choosing({u"Show Unread Only"_s}), selected(0), u"articles-unread"_s},
+    {back, channels},
+    {pressing(Qt::Key_F4), [](User &user) { return user.seesChoices(); }, u"choices"_s},
 };
 
-bool seesMenus(User &user, int count) {
-    return user.sees([count] {
-        int open = 0;
-        for (const QWidget *widget : QApplication::topLevelWidgets())
-            open += widget->isVisible() && widget->windowType() == Qt::Popup;
-        return open == count;
-    });
+/// How many steps did not lead to what is to be seen.
+int takePictures(User &user, const QDir &folder, const QString &ending) {
+    int failures = 0;
+    for (const auto &[act, isSeen, picture] : steps) {
+        act(user);
+        const QString path = folder.filePath(picture + ending);
+        if (isSeen(user) && user.seesQuiet() && (picture.isNull() || user.picture().save(path)))
+            continue;
+        std::fprintf(stderr, "on the way to %s: not seen\n", qUtf8Printable(path));
+        ++failures;
+    }
+    user.press(Qt::Key_Escape);
+    return failures;
 }
 
-void photographMenus(User &user, Photographer &photographer) {
-    user.press(Qt::Key_F10);
-    photographer.take(u"menu"_s, seesMenus(user, 1));
-    for (int i = 0; i < 5; ++i)
-        user.press(Qt::Key_Down);
-    user.press(Qt::Key_Right);
-    photographer.take(u"font-sizes"_s, seesMenus(user, 2));
-    user.press(Qt::Key_Escape);
-    user.press(Qt::Key_Escape);
-    seesMenus(user, 0);
-}
-
-void photographCategories(User &user, Photographer &photographer) {
-    photographer.take(u"categories"_s, user.seesSelected(0));
-    photographMenus(user, photographer);
-    user.press(Qt::Key_Down);
-    user.press(Qt::Key_F2);
-    photographer.take(u"label-edit"_s, user.seesEditor(u"Technology"_s));
-    user.type(u"News"_s);
-    user.press(Qt::Key_Return);
-    photographer.take(u"warning"_s, user.seesBox(u"The name is exist!"_s));
-    user.press(Qt::Key_Return);
-    user.seesNoBox();
-    user.press(Qt::Key_Delete);
-    photographer.take(u"question"_s,
-                      user.seesBox(u"Are you sure you want to delete this category?"_s));
-    user.press(Qt::Key_Escape);
-    user.seesNoBox();
-}
-
-void photographSettings(User &user, Photographer &photographer) {
-    user.choose({u"Setting"_s});
-    photographer.take(u"settings-today"_s, user.seesCaption(u"Today Setting"_s));
-    user.press(Qt::Key_Tab, Qt::ControlModifier);
-    photographer.take(u"settings-update"_s, user.seesCaption(u"Auto Update"_s));
-    user.tap(u"Update Interval"_s);
-    user.press(Qt::Key_F4);
-    photographer.take(u"settings-intervals"_s, seesMenus(user, 1));
-    user.press(Qt::Key_Escape);
-    seesMenus(user, 0);
-    user.tap(u"Cancel"_s);
-    user.seesCaption(u"All Categories"_s);
-}
-
-void photographArticles(User &user, Photographer &photographer) {
-    photographer.take(u"articles"_s,
-                      user.seesCaption(u"Planet of Small Things"_s) && user.seesSelected(0));
-    user.press(Qt::Key_Return);
-    photographer.take(u"article"_s, user.seesPage(u"matchbox"_s));
-    user.choose({u"Font Size"_s, u"Big"_s});
-    photographer.take(u"article-big"_s, user.seesPage(u"matchbox"_s));
-    user.tap(u"Article List"_s);
-    photographer.take(u"articles-big"_s,
-                      user.seesCaption(u"Planet of Small Things"_s) && user.seesSelected(0));
-    user.choose({u"Font Size"_s, u"Small"_s});
-    user.choose({u"Show Unread Only"_s});
-    photographer.take(u"articles-unread"_s, user.seesSelected(0));
-    user.press(Qt::Key_Escape);
-    user.seesCaption(u"Technology"_s);
-}
-
-void photographWizard(User &user, Photographer &photographer) {
-    user.choose({u"New Channel"_s});
-    photographer.take(
-        u"wizard-address"_s,
-        user.seesControls({u"x Input from URL"_s, u"- Import from a file"_s, u"http://"_s}));
-    user.tap(u"Import from a file"_s);
-    user.press(Qt::Key_Return);
-    user.seesCaption(u"New Channel"_s);
-    user.tapRow(user.seesRows(documentRows) ? static_cast<int>(documentRows.size()) - 1 : 0);
-    const QString channels = u"- Night Trains, - The Paper Boat, - Radio Garden"_s;
-    user.seesControls({channels + u'.', u"- All"_s});
-    user.tapRow(0);
-    user.tapRow(2);
-    user.press(Qt::Key_Up);
-    photographer.take(u"wizard-channels"_s, user.seesSelected(1));
-    user.press(Qt::Key_Return);
-    photographer.take(
-        u"wizard-category"_s,
-        user.seesControls({u"News Technology Science [Food and drink] Travel Sport"_s}));
-    user.press(Qt::Key_Escape);
-    user.seesControls({u"x Night Trains, - The Paper Boat, x Radio Garden."_s, u"- All"_s});
-    user.press(Qt::Key_Escape);
-    user.seesControls({u"- Input from URL"_s, u"x Import from a file"_s, u"http://"_s});
-    user.press(Qt::Key_Escape);
-    user.seesCaption(u"Technology"_s);
-}
-
-void photographProperties(User &user, Photographer &photographer) {
-    user.choose({u"Properties"_s});
-    photographer.take(u"properties"_s,
-                      user.seesControls({u"Open Bench"_s, u"http://example.org/feed"_s,
-                                         u"News [Technology] Science Food and drink Travel Sport"_s,
-                                         u"- Auto update this channel"_s}));
-    user.press(Qt::Key_Escape);
-    user.seesCaption(u"Technology"_s);
-}
-
-void photographChannels(User &user, Photographer &photographer) {
-    user.tapRow(1);
-    photographer.take(u"channels"_s, user.seesCaption(u"Technology"_s) && user.seesSelected(0));
-    photographProperties(user, photographer);
-    photographWizard(user, photographer);
-    user.tapRow(1);
-    photographArticles(user, photographer);
-    user.press(Qt::Key_F4);
-    photographer.take(u"choices"_s, user.seesChoices());
-    user.press(Qt::Key_Escape);
-    user.seesQuiet();
-}
-
-void photographTexts(User &user, Photographer &photographer) {
-    user.press(Qt::Key_F1);
-    photographer.take(u"help"_s, user.seesCaption(u"Tidebrook"_s));
-    user.tap(u"Done"_s);
-    user.seesCaption(u"All Categories"_s);
-    user.choose({u"About"_s});
-    photographer.take(u"about"_s, user.seesCaption(u"About"_s));
-    user.tap(u"Done"_s);
-    user.seesCaption(u"All Categories"_s);
-}
-
-void photographFiles(User &user, Photographer &photographer) {
-    const FileRequest request{
-        u"Export Category"_s, u"OPML (*.opml)"_s, u"*.opml"_s, u"News"_s, 260, {}};
-    user.act([&] { chooseFileToOpen(user.stack(), request); });
-    user.seesCaption(request.title);
-    user.seesRows(documentRows);
-    user.press(Qt::Key_Down);
-    photographer.take(u"file-open"_s, user.seesSelected(1));
-    user.tap(u"Cancel"_s);
-    user.seesCaption(u"All Categories"_s);
-    user.act([&] { chooseFileToSave(user.stack(), request); });
-    photographer.take(u"file-save"_s, user.seesCaption(request.title));
-    user.press(Qt::Key_Return);
-    photographer.take(u"file-replace"_s,
-                      user.seesBox(u"News.opml is there already. Replace it?"_s));
-    user.press(Qt::Key_Escape);
-    user.seesNoBox();
-    user.press(Qt::Key_Escape);
-    user.seesCaption(u"All Categories"_s);
-}
-
-/// A home with documents in it, for as long as this is there.
-std::unique_ptr<QTemporaryDir> makeHome() {
-    auto home = std::make_unique<QTemporaryDir>();
-    const QDir documents(home->filePath(u"Documents"_s));
-    for (const QString &name : {u"Saved articles"_s, u"Old devices"_s})
-        documents.mkpath(name);
-    for (const QString &name : {u"Channels 2.opml"_s, u"Channels 10.opml"_s, u"News.opml"_s})
-        writeFile(documents.filePath(name), list);
-    qputenv("HOME", home->path().toLocal8Bit());
-    qputenv("XDG_CONFIG_HOME", home->path().toLocal8Bit());
-    return home;
-}
-
-QList<TestArticle> articles() {
+QList<TestArticle> exampleArticles() {
     const QString link = u"http://example.org/planet"_s;
     return {
         {u"A radio the size of a matchbox, built over one long winter"_s, link,
@@ -272,7 +243,7 @@ void furnish(TestDevice &device) {
     for (const QStringView name : {u"Enabled", u"TodayTimer"})
         device.registry->write(testTodayKey, name, 1U);
     device.store->Open();
-    device.addChannel(u"Technology"_s, u"Planet of Small Things"_s, articles());
+    device.addChannel(u"Technology"_s, u"Planet of Small Things"_s, exampleArticles());
     device.addChannel(u"Technology"_s, u"The Slow Web, with a name that is rather long"_s,
                       {u"One"_s, u"Two"_s});
     device.addChannel(u"Technology"_s, u"Open Bench"_s, QStringList{});
@@ -281,7 +252,9 @@ void furnish(TestDevice &device) {
 
 int photographAll(const QDir &folder, bool isDark) {
     QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
-    const auto home = makeHome();
+    const Home home({u"Saved articles/"_s, u"Old devices/"_s, u"Channels 2.opml"_s,
+                     u"Channels 10.opml"_s, u"News.opml"_s},
+                    list, u"Documents"_s);
     TestDevice device(seed);
     furnish(device);
     const QSize screen = QGuiApplication::primaryScreen()->size();
@@ -290,15 +263,7 @@ int photographAll(const QDir &folder, bool isDark) {
                            (isDark ? u"-dark"_s : u"-light"_s) +
                            (qApp->devicePixelRatio() > 1 ? u"@2x.png"_s : u".png"_s);
     int failures = 0;
-    session.run([&](User &user) {
-        Photographer photographer(user, folder, ending);
-        photographCategories(user, photographer);
-        photographSettings(user, photographer);
-        photographTexts(user, photographer);
-        photographFiles(user, photographer);
-        photographChannels(user, photographer);
-        failures = photographer.failures();
-    });
+    session.run([&](User &user) { failures = takePictures(user, folder, ending); });
     return failures;
 }
 
