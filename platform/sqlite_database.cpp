@@ -205,7 +205,7 @@ bool SqliteDatabase::settle(const QString &path) {
 }
 
 bool SqliteDatabase::remove(const QString &path) {
-    if (!isUsablePlace(path))
+    if (!isUsablePlace(path) || fileKindAt(path) == FileKind::Other)
         return false;
     for (const QStringView ending : journalEndings)
         QFile::remove(path + ending);

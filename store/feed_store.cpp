@@ -4,6 +4,7 @@
 #include "platform/plain_file.h"
 #include "store/error_codes.h"
 #include "store/seeding.h"
+#include "store/tables.h"
 
 #include <QDir>
 #include <QFile>
@@ -41,11 +42,6 @@ void removeUnfinished(const DeviceRoot &device) {
         else
             QFile::remove(left.filePath());
     }
-}
-
-bool hasTables(SqliteDatabase &database) {
-    return database.prepare("SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord") &&
-           database.prepare("SELECT CHANNEL_NAME, TITLE FROM RSSRecord");
 }
 
 // Opened anew, so that what is seen is what was stored.

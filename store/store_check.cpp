@@ -1,8 +1,10 @@
 #include "store/store_check.h"
 
+#include "platform/plain_file.h"
 #include "platform/sqlite_database.h"
 #include "platform/text.h"
 #include "store/settings_store.h"
+#include "store/tables.h"
 
 #include <QFileInfo>
 
@@ -11,6 +13,8 @@
 namespace tidebrook {
 
 namespace {
+
+constexpr QStringView notOurs = u"it is a database of another program";
 
 class StoreCheck {
 public:
@@ -118,21 +122,37 @@ QStringList listedCategories(Registry &registry, QStringList &faults) {
     return names;
 }
 
+QString unusable(const QString &path, const QString &what, const QString &reason,
+                 const QString &whatComes) {
+    const QString line = QStringLiteral("%1: cannot be opened: %2").arg(what, reason);
+    // What only cannot be read now, as one that is locked, is nothing to be moved.
+    const bool isOurs = SqliteDatabase::isUsablePlace(path) && QFileInfo(path).size() > 0 &&
+                        !SqliteDatabase::isDamaged(path) && reason != notOurs;
+    return isOurs
+               ? line
+               : QString(line + u". Put a backup of " + QFileInfo(path).fileName() +
+                         u" in its place, or move it away: the next start then makes " + whatComes);
+}
+
 } // namespace
 
 QStringList checkStore(const DeviceRoot &device, Registry &registry) {
     QStringList faults;
     if (!registry.isOpen())
-        return {QStringLiteral("registry: cannot be opened: %1").arg(registry.error())};
+        return {unusable(device.registryPath(), QStringLiteral("registry"), registry.error(),
+                         QStringLiteral("one with the first settings, and lists the categories "
+                                        "of the channels again"))};
     const QStringList categories = listedCategories(registry, faults);
     const QString path = device.filePath(u"RSSVault.sdf");
-    if (!QFileInfo::exists(path))
+    if (fileKindAt(path) == FileKind::Missing)
         return faults << QStringLiteral("database: there is none");
     QString error;
     const auto database = SqliteDatabase::open(path, {}, &error);
-    if (!database)
-        return faults << QStringLiteral("database: cannot be opened: %1").arg(error);
-    return faults << StoreCheck(*database, categories).run();
+    if (database && hasTables(*database))
+        return faults << StoreCheck(*database, categories).run();
+    return faults << unusable(path, QStringLiteral("database"),
+                              database ? notOurs.toString() : error,
+                              QStringLiteral("one with the channels that a new device has"));
 }
 
 } // namespace tidebrook

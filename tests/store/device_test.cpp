@@ -1,4 +1,6 @@
+#include "platform/named_mutex.h"
 #include "platform/replace_file.h"
+#include "platform/single_instance.h"
 #include "store/provisioning.h"
 #include "store/seeding.h"
 #include "store/store_check.h"
@@ -19,6 +21,7 @@ namespace tidebrook {
 namespace {
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 const QByteArray seed = utf16(u"a\thttp://a/\tOne\r\nb\thttp://b/\tTwo\r\n"_s);
 
@@ -75,6 +78,91 @@ TEST(FirstStart, OnAFullDiskIsMadeUpForByTheNextOneWithRoom) {
     }
     EXPECT_EQ(outcome, StartedAtOnce);
     EXPECT_GT(kib, 100) << "no disk was full";
+}
+
+struct Opening {
+    QString file;
+    std::function<bool(TestDevice &)> isDone;
+};
+
+bool opensStore(TestDevice &device) { return device.store->Open(); }
+
+const Opening openings[]{
+    {u"RSSVault.sdf"_s, opensStore},
+    {u"RSSVault.sdf-wal"_s, opensStore},
+    {u"RSSVault.sdf-shm"_s, opensStore},
+    {u"windows/RSSChannels.txt"_s,
+     [](TestDevice &device) {
+         return opensStore(device) || seedCategories(device.root, *device.registry);
+     }},
+    {u"UpdateState.db"_s,
+     [](TestDevice &device) {
+         return UpdateStateStore(device.root).change(u"c"_s, [](UpdateState &) {});
+     }},
+};
+
+TEST(DeviceFiles, WhatIsNoPlainFileIsRefusedAtOnceAndLeftAlone) {
+    for (const Opening &opening : openings) {
+        for (const QString &kind : obstacles) {
+            SCOPED_TRACE(opening.file.toStdString() + " is a " + kind.toStdString());
+            TestDevice device;
+            const QString path = device.root.path() + u'/' + opening.file;
+            const QString target = device.root.path() + u"/target";
+            ASSERT_TRUE(writeFile(target, "precious"));
+            QFile::remove(path);
+            ASSERT_TRUE(putObstacle(kind, path, target));
+            const auto before = fileThere(path);
+            EXPECT_EQ(ForkedProcess([&] { return opening.isDone(device) ? 1 : 0; }).wait(), 0)
+                << "opened, or it hung";
+            EXPECT_EQ(fileThere(path), before);
+            EXPECT_EQ(QFileInfo(target).size(), 8) << "the link was followed";
+        }
+    }
+}
+
+/// What others than its owner may enter or read.
+QStringList openToOthers(const QString &folder) {
+    QStringList found;
+    QDirIterator all(folder, QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        if (const QString path = all.next(); (fileThere(path)[0] & 077U) != 0)
+            found.append(path);
+    }
+    return found;
+}
+
+TEST(DeviceFiles, AreTheirOwnersAloneWhateverTheUmask) {
+    const mode_t usual = umask(022);
+    for (const mode_t mask : {0, 022, 077}) {
+        for (const bool isFolderThere : {false, true}) {
+            umask(mask);
+            const QTemporaryDir folder;
+            const DeviceRoot root(folder.filePath(u"device"_s));
+            ASSERT_TRUE(!isFolderThere || QDir().mkdir(root.path()));
+            ASSERT_TRUE(root.provision([](const DeviceRoot &) { return true; }));
+            ASSERT_TRUE(root.makeFolders());
+            ASSERT_TRUE(replaceFile(root.filePath(u"\\windows\\RSSChannels.txt"), seed));
+            Registry registry(root);
+            ASSERT_TRUE(registry.write(programKey, u"name", quint32{1}));
+            FeedStore store(root, registry, testTodayKey.toString());
+            ASSERT_TRUE(store.Open() && store.MarkChannelRead(u"a"_s));
+            UpdateStateStore states(root);
+            ASSERT_TRUE(states.change(u"c"_s, [](UpdateState &) {}));
+            SingleInstance instance(root);
+            ASSERT_EQ(instance.claim(0ms), SingleInstance::Claim::Mine);
+            const NamedMutex mutex(root, u"mutex");
+            EXPECT_EQ(openToOthers(root.path()), QStringList());
+
+            const QString taken = folder.filePath(u"out.html"_s);
+            ASSERT_TRUE(replaceFile(taken, "x", Readers::Usual));
+            EXPECT_EQ(fileThere(taken)[0] & 0777U, 0666U & ~mask) << "what is taken out";
+            chmod(QFile::encodeName(taken).constData(), 0640);
+            ASSERT_TRUE(replaceFile(taken, "y", Readers::Usual));
+            EXPECT_EQ(fileThere(taken)[0] & 0777U, 0640U);
+        }
+    }
+    umask(usual);
 }
 
 } // namespace
