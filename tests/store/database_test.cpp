@@ -1,3 +1,4 @@
+#include "store/store_check.h"
 #include "support/test_device.h"
 
 #include <QDir>
@@ -49,28 +50,37 @@ TEST(Database, WithoutASeedFileNothingIsCreated) {
     EXPECT_TRUE(device.store->Open()) << "the next start must try again";
 }
 
-class UnusableFile : public testing::TestWithParam<const char *> {};
-
-TEST_P(UnusableFile, IsToldAndLeftAsItIs) {
-    TestDevice device;
-    const QByteArray content(GetParam());
-    const QString path = device.root.filePath(u"RSSVault.sdf");
-    ASSERT_TRUE(writeFile(path, content));
-    EXPECT_FALSE(device.store->Open());
-    EXPECT_EQ(device.store->error(), 1001u);
-    device.store->clearError();
-    EXPECT_FALSE(device.store->ListChannels(u"News"_s));
-    EXPECT_EQ(device.store->error(), 1001u) << "an operation without a database";
-    EXPECT_FALSE(device.store->InsertChannel({u"c"_s, u"n"_s, u"l"_s}));
-    ArticleDetail detail;
-    EXPECT_FALSE(device.store->GetArticleDetail(u"c"_s, u"t"_s, detail));
+QByteArray foreignDatabase() {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"other.db"_s);
+    SqliteDatabase::open(path, {.create = true})->run("CREATE TABLE T (A)");
     QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), content);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-INSTANTIATE_TEST_SUITE_P(All, UnusableFile,
-                         testing::Values("", "this is not a database at all, but a long text"));
+TEST(Database, AFileThatIsNoneOfOursIsToldWithWhatToDoAndLeftAsItIs) {
+    for (const QByteArray &content :
+         {QByteArray(), QByteArray("this is not a database at all, but a long text"),
+          foreignDatabase()}) {
+        SCOPED_TRACE(content.left(20).toStdString());
+        TestDevice device;
+        const QString path = device.root.filePath(u"RSSVault.sdf");
+        ASSERT_TRUE(writeFile(path, content));
+        EXPECT_FALSE(device.store->Open());
+        EXPECT_EQ(device.store->error(), 1001u);
+        device.store->clearError();
+        EXPECT_FALSE(device.store->ListChannels(u"News"_s));
+        EXPECT_EQ(device.store->error(), 1001u) << "an operation without a database";
+        EXPECT_FALSE(device.store->InsertChannel({u"c"_s, u"n"_s, u"l"_s}));
+        const QString told = checkStore(device.root, *device.registry).value(0);
+        EXPECT_TRUE(told.startsWith(u"database: cannot be opened: ")) << told.toStdString();
+        EXPECT_TRUE(told.contains(u"move it away")) << told.toStdString();
+        device.restart();
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(file.readAll() == content);
+    }
+}
 
 TEST(Database, AJournalLeftFromAnotherDatabaseIsNotTakenForItsOwn) {
     TestDevice device;

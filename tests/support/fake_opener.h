@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QByteArray>
+#include "support/test_device.h"
+
+#include <QFile>
 #include <QTemporaryDir>
 
 namespace tidebrook {
@@ -8,21 +10,33 @@ namespace tidebrook {
 /// As long as it lives, it stands for the desktop's program that opens links and composes messages.
 class FakeOpener {
 public:
-    FakeOpener();
-    ~FakeOpener();
+    FakeOpener() : pathBefore_(qgetenv("PATH")) {
+        writeFile(program_, "#!/bin/sh\ncd \"${0%/*}\"\ntest ! -e refuses || exit 3\n"
+                            "echo \"$# $*\" >> calls\n");
+        QFile::setPermissions(program_, QFile::ReadOwner | QFile::ExeOwner);
+        qputenv("PATH", folder_.path().toLocal8Bit() + ':' + pathBefore_);
+    }
+    ~FakeOpener() { qputenv("PATH", pathBefore_); }
     FakeOpener(const FakeOpener &) = delete;
     FakeOpener &operator=(const FakeOpener &) = delete;
 
     /// What it was called with so far: for each call a line with the number of its arguments, and
     /// these.
-    QByteArray calls() const;
+    QByteArray calls() const {
+        QFile file(folder_.filePath(QStringLiteral("calls")));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     /// From now on it does nothing and fails.
-    void refuse();
+    void refuse() { writeFile(folder_.filePath(QStringLiteral("refuses")), {}); }
     /// From now on there is no such program.
-    void remove();
+    void remove() {
+        QFile::remove(program_);
+        qputenv("PATH", folder_.path().toLocal8Bit());
+    }
 
 private:
     QTemporaryDir folder_;
+    const QString program_ = folder_.filePath(QStringLiteral("xdg-open"));
     QByteArray pathBefore_;
 };
 

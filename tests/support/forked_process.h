@@ -2,9 +2,14 @@
 
 #include "platform/descriptor.h"
 
-#include <sys/types.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -15,38 +20,63 @@ namespace tidebrook {
 /// returns. It ends at the latest with this object.
 class ForkedProcess {
 public:
-    explicit ForkedProcess(const std::function<int()> &work);
-    ~ForkedProcess();
+    explicit ForkedProcess(const std::function<int()> &work) {
+        std::fflush(nullptr); // a sanitizer writes in the child what is left in its buffers
+        id_ = fork();
+        if (id_ != 0)
+            return;
+        alarm(60); // whatever goes wrong, it does not stay
+        _exit(work());
+    }
+    ~ForkedProcess() {
+        if (id_ > 0) {
+            kill();
+            wait();
+        }
+    }
     ForkedProcess(const ForkedProcess &) = delete;
     ForkedProcess &operator=(const ForkedProcess &) = delete;
 
     pid_t id() const { return id_; }
-    void kill();
+    void kill() { ::kill(id_, SIGKILL); }
     /// Its exit code; -1 when a signal ended it.
-    int wait();
+    int wait() {
+        int status = 0;
+        const bool isEnded = waitpid(id_, &status, 0) == id_;
+        id_ = -1;
+        return isEnded && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
 
 private:
     pid_t id_ = -1;
 };
 
 using ForkedProcesses = std::vector<std::unique_ptr<ForkedProcess>>;
-ForkedProcesses forkProcesses(int count, const std::function<int()> &work);
+inline ForkedProcesses forkProcesses(int count, const std::function<int()> &work) {
+    ForkedProcesses processes;
+    for (int i = 0; i < count; ++i)
+        processes.push_back(std::make_unique<ForkedProcess>(work));
+    return processes;
+}
 
 /// A count that a process and those forked from it share, for waiting for each other.
 class SharedCount {
 public:
-    SharedCount();
-
-    void add() const;
+    void add() const { eventfd_write(count_.number(), 1); }
     /// Waits until it is not zero; false when that does not happen.
-    bool wait() const;
+    bool wait() const {
+        pollfd descriptor{count_.number(), POLLIN, 0};
+        return poll(&descriptor, 1, 20'000) == 1;
+    }
     /// Waits like `wait`, returns the count and begins it anew.
-    std::uint64_t take() const;
-
+    std::uint64_t take() const {
+        eventfd_t count = 0;
+        return wait() && eventfd_read(count_.number(), &count) == 0 ? count : 0;
+    }
     int descriptor() const { return count_.number(); }
 
 private:
-    const Descriptor count_;
+    const Descriptor count_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
 };
 
 } // namespace tidebrook

@@ -1,46 +1,24 @@
 #pragma once
 
-#include <QFile>
-#include <QStringList>
+#include "support/forked_process.h"
+#include "support/test_device.h"
+
+#include <gtest/gtest.h>
 
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 #include <algorithm>
 
 namespace tidebrook {
 
-/// What is no plain file, put where a program looks for one of its own; "link" leads to a plain
-/// file that must not be touched, `target`. Where no device may be made it is another pipe.
-inline const QStringList obstacles{QStringLiteral("fifo"),   QStringLiteral("folder"),
-                                   QStringLiteral("socket"), QStringLiteral("device"),
-                                   QStringLiteral("link"),   QStringLiteral("dangling link")};
-
-inline bool putObstacle(const QString &kind, const QString &path, const QString &target) {
-    const QByteArray name = QFile::encodeName(path);
-    if (kind == u"fifo")
-        return mkfifo(name.constData(), 0600) == 0;
-    if (kind == u"folder")
-        return mkdir(name.constData(), 0700) == 0;
-    if (kind == u"socket") {
-        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-        if (name.size() >= static_cast<qsizetype>(sizeof address.sun_path))
-            return false;
-        std::copy(name.begin(), name.end(), address.sun_path);
-        const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        const bool isBound =
-            bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
-        close(socket);
-        return isBound;
-    }
-    if (kind == u"device") // one of the machine's own must never be in reach
-        return mknod(name.constData(), S_IFCHR | 0600, makedev(1, 5)) == 0 ||
-               mkfifo(name.constData(), 0600) == 0;
-    return QFile::link(kind == u"link" ? target : path + u".nowhere", path);
-}
+/// How a program comes to open a file of the device, and whether it succeeded.
+struct Opening {
+    QString file;
+    std::function<bool(TestDevice &)> isDone;
+};
 
 /// What lies at a path, to see that it stays: its kind and number, and a plain file's size.
 inline QList<quint64> fileThere(const QString &path) {
@@ -48,6 +26,48 @@ inline QList<quint64> fileThere(const QString &path) {
     if (lstat(QFile::encodeName(path).constData(), &status) != 0)
         return {};
     return {status.st_mode, status.st_ino, static_cast<quint64>(status.st_size)};
+}
+
+inline bool putSocket(const QByteArray &path) {
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    std::copy_n(path.constData(), qMin(path.size(), qsizetype{107}), address.sun_path);
+    const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
+    return bind(socket.number(), reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
+}
+
+/// Puts what is no plain file in a file's place. A device of the machine must not be in reach:
+/// where none can be made, a pipe stands for it.
+inline bool putObstacle(const QString &kind, const QString &path, const QString &target) {
+    const QByteArray name = QFile::encodeName(path);
+    QFile::remove(path);
+    if (kind == u"folder")
+        return mkdir(name.constData(), 0700) == 0;
+    if (kind == u"socket")
+        return putSocket(name);
+    if (kind == u"device" && mknod(name.constData(), S_IFCHR | 0600, makedev(1, 5)) == 0)
+        return true;
+    if (kind == u"pipe" || kind == u"device")
+        return mkfifo(name.constData(), 0600) == 0;
+    return QFile::link(kind == u"link" ? target : path + u".nowhere", path);
+}
+
+/// Expects that none of the openings succeeds, waits, or changes what lies there.
+inline void expectRefused(const Opening &opening) {
+    for (const char *kind : {"pipe", "folder", "socket", "device", "link", "dangling link"}) {
+        SCOPED_TRACE(opening.file.toStdString() + " is a " + kind);
+        TestDevice device;
+        const QString path = device.root.path() + u'/' + opening.file;
+        const QString target = device.root.path() + u"/target";
+        ASSERT_TRUE(writeFile(target, "precious"));
+        ASSERT_TRUE(putObstacle(QString::fromLatin1(kind), path, target));
+        const auto before = fileThere(path);
+        const bool isEvent = opening.file.endsWith(u".event") && S_ISFIFO(before[0]);
+        EXPECT_EQ(ForkedProcess([&] { return opening.isDone(device) ? 1 : 0; }).wait(), isEvent)
+            << "opened, or it hung";
+        EXPECT_EQ(fileThere(path), before);
+        EXPECT_EQ(fileThere(target)[2], 8U) << "the link was followed";
+        EXPECT_FALSE(QFile::exists(path + u".nowhere"));
+    }
 }
 
 } // namespace tidebrook
