@@ -31,6 +31,8 @@ QStringView cutDescription(QStringView escaped, qsizetype length) {
     return cut;
 }
 
+bool hasLoneQuote(QString escaped) { return escaped.remove(QLatin1String("''")).contains(quote); }
+
 QString insertStatement(const ArticleRecord &article) {
     return u"INSERT INTO RSSRecord VALUES ('" % article.channelName % u"', '" % article.guid %
            u"', '" % article.title % u"', '" % article.itemLink % u"' ,'" % article.description %
@@ -74,7 +76,7 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     // These go into the statement as they are. A quote in one would end its literal, so that what
     // follows could become SQL: such an item is refused before there is a statement.
     if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote) ||
-        category_.contains(quote))
+        hasLoneQuote(category_))
         return false;
     statement_ = insertStatement(articleOf(item, date));
     const bool isIngested = execute();

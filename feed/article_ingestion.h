@@ -12,7 +12,7 @@ namespace tidebrook {
 /// runs inside a change that its caller has begun. Not thread-safe.
 class ArticleIngestion {
 public:
-    /// `category` is stored with each article, as it is.
+    /// `category` goes into each article's statement as it is: it has been through EscapeSql.
     ArticleIngestion(SqlCommand &command, const QString &channelName, const QString &category);
 
     /// The stamp that articles must have not to be pruned, at this moment.
@@ -25,7 +25,7 @@ public:
     /// Stores an item as an unread article. One whose guid is stored already, in any channel, or
     /// whose title this channel has, is left out with success: the article that is there keeps
     /// its read flag and its age. False when the item has neither guid nor link, or a quote in
-    /// its guid, link or category, or when the database failed.
+    /// its guid or link, or a lone one in the category, or when the database failed.
     bool insertItem(ItemRecord item);
 
     /// How many articles were stored.

@@ -3,6 +3,7 @@
 #include "feed/rss_parser.h"
 #include "platform/pause.h"
 #include "platform/replace_file.h"
+#include "platform/xml_encoding.h"
 #include "store/settings_store.h"
 
 namespace tidebrook {
@@ -20,6 +21,7 @@ FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, const Htt
 
 void FeedFetcher::recordError(quint32 code) {
     error_ = code;
+    toldError_ = code;
     if (manner_.recordsErrors)
         SetLastErrorCode(registry_, code);
 }
@@ -53,6 +55,9 @@ bool FeedFetcher::fetch(const QString &url, const QString &channelName) {
 
 FeedFetcher::Taken FeedFetcher::takeAnswer(const HttpAnswer &answer) {
     switch (answer.progress) {
+    case HttpProgress::NotStarted:
+        fail(HttpMissing);
+        return Taken::Failed;
     case HttpProgress::NotOpened:
     case HttpProgress::NotSent:
         return endQuietlyOrFail(FeedNotSent);
@@ -67,7 +72,7 @@ FeedFetcher::Taken FeedFetcher::takeAnswer(const HttpAnswer &answer) {
     document_ = XmlDocument::parse(answer.body, answer.charset);
     if (document_)
         return checkRoot() ? Taken::Document : Taken::Failed;
-    if (!answer.body.isEmpty())
+    if (!isEmptyText(answer.body))
         return Taken::Unclear;
     // The user is told of a feed that says nothing; the run itself ends as a failed download.
     recordError(FeedNotRss);

@@ -32,6 +32,9 @@ public:
     /// 0 while nothing has failed.
     quint32 error() const { return error_; }
 
+    /// The code that the user is told, which for an empty answer is another.
+    quint32 toldError() const { return toldError_; }
+
     /// Gets the document and sees that it is an RSS document. Waits for the network, for 50
     /// seconds at most; the store is not touched.
     bool fetch(const QString &url, const QString &channelName);
@@ -51,7 +54,8 @@ public:
     bool download(const QString &url);
 
     /// Stores what `fetch` got, once it has succeeded, inside a change of the database that the
-    /// caller has begun. Where nothing has changed it only prunes.
+    /// caller has begun. `category` has been through EscapeSql. Where nothing has changed it only
+    /// prunes.
     bool parse(SqlCommand &command, const QString &channelName, const QString &category);
 
     /// Records a failure that is none of the fetch's own. Always false.
@@ -71,6 +75,7 @@ private:
     const HttpLimits limits_;
     const FetchManner manner_;
     quint32 error_ = 0;
+    quint32 toldError_ = 0;
     std::optional<XmlDocument> document_;
     bool isUnchanged_ = false;
     int storedCount_ = 0;

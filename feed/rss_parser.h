@@ -21,8 +21,8 @@ public:
         NotIngested, ///< pruning failed, an item could not be stored, or there are over 100,000
     };
 
-    /// `category` is what the articles are stored under; without one it is empty, and items keep
-    /// their own category element to themselves.
+    /// `category`, escaped, is what the articles are stored under; without one it is empty, and
+    /// items keep their own category element to themselves.
     RssParser(SqlCommand &command, const QString &channelName,
               const std::optional<QString> &category);
 

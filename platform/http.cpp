@@ -33,6 +33,8 @@ HttpAnswer httpGet(const HttpRequest &request, const HttpLimits &limits) {
 }
 
 HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits) {
+    if (!isCurlReady())
+        return HttpProgress::NotStarted;
     const CurlUrl parsed = parseUrl(url);
     if (!parsed)
         return HttpProgress::NotOpened;

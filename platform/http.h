@@ -36,6 +36,7 @@ struct HttpRequest {
 
 /// How far a request got.
 enum class HttpProgress {
+    NotStarted, ///< the library for HTTP cannot be loaded
     NotOpened,  ///< the address is none that can be requested: malformed, or not http or https
     NotSent,    ///< the server could not be reached, or sent on for ever or to another scheme
     Incomplete, ///< the answer did not come whole: cut off, too slow, too large, stopped or refused

@@ -207,6 +207,8 @@ int HttpTransfer::checkWire(void *self, curl_off_t, curl_off_t, curl_off_t, curl
 }
 
 HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
+    if (!isCurlReady())
+        return HttpProgress::NotStarted;
     switch (code) {
     case CURLE_OK:
         return HttpProgress::Complete;

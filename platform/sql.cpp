@@ -2,6 +2,8 @@
 
 #include "platform/sql_shape.h"
 
+#include <QStringBuilder>
+
 #include <utility>
 
 namespace tidebrook {
@@ -38,6 +40,8 @@ bool SqlCommand::prepare(SqlRowset &rows) {
     std::optional<SqlShape> shape = takeSqlApart(text_);
     if (!shape)
         return false;
+    if (!orderOfEquals_.isEmpty())
+        shape->shape += ", " + orderOfEquals_;
     rows.statement_ = session_->prepare(shape->shape);
     if (!rows.statement_)
         return false;

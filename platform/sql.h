@@ -50,6 +50,10 @@ public:
 
     void setText(const QString &statement) { text_ = statement; }
 
+    /// Columns that order the rows which the ORDER BY at the statement's end leaves equal, as they
+    /// stand there; none at first.
+    void setOrderOfEquals(const QByteArray &columns) { orderOfEquals_ = columns; }
+
     /// Runs the statement, ignoring any rows.
     ExecuteStatus execute();
 
@@ -61,6 +65,7 @@ private:
 
     SqliteDatabase *session_;
     QString text_;
+    QByteArray orderOfEquals_;
 };
 
 } // namespace tidebrook

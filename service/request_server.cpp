@@ -80,7 +80,7 @@ std::optional<RequestFile> RequestServer::takeNewest() {
 RefreshResult RequestServer::serve(const RequestFile &request) {
     const RefreshResult result =
         request.job() ? update(*request.job()) : RefreshResult{NothingKnown, 0, {}, false};
-    if (!answerDownload(device_, registry_, request, result.error))
+    if (!answerDownload(device_, registry_, request, result.toldError))
         log_.detail(QStringLiteral("a newer request has come; no answer to this one"));
     return result;
 }
@@ -105,7 +105,8 @@ RefreshResult RequestServer::update(const RefreshJob &job) {
     limits.stop = &stop_;
     if (store.Open())
         updateChannel({device_, registry_, store, limits}, job, &result);
-    result.error = store.error();
+    if (store.error() != result.error)
+        result.error = result.toldError = store.error();
     store.PublishTotalUnread();
     return result;
 }

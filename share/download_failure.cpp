@@ -8,7 +8,14 @@ namespace tidebrook {
 quint32 downloadFailure(HttpProgress progress, const HttpLimits &limits) {
     if (limits.stop && limits.stop->isRaised())
         return 0;
-    return progress == HttpProgress::NotOpened ? FeedNotSent : FeedNotDownloaded;
+    switch (progress) {
+    case HttpProgress::NotStarted:
+        return HttpMissing;
+    case HttpProgress::NotOpened:
+        return FeedNotSent;
+    default:
+        return FeedNotDownloaded;
+    }
 }
 
 } // namespace tidebrook

@@ -4,6 +4,9 @@ namespace tidebrook {
 
 namespace {
 
+// Dates have no time of day. Within one refresh, which has one stamp, a feed's newest comes first.
+constexpr char newestFirst[] = "TIMESTAMP DESC, rowid";
+
 QString listStatement(SortMode mode) {
     switch (mode) {
     case SortMode::Status:
@@ -24,8 +27,10 @@ QString listStatement(SortMode mode) {
 bool FeedStore::ListArticles(const QString &channel, SortMode mode) {
     const auto guard = lock();
     beginList(sizeof(ArticleRow));
-    return query(listStatement(mode).arg(escapedChannelName(channel)),
-                 [this](SqlCommand &command) { return ReadArticleRows(command); });
+    return query(listStatement(mode).arg(escapedChannelName(channel)), [this](SqlCommand &command) {
+        command.setOrderOfEquals(newestFirst);
+        return ReadArticleRows(command);
+    });
 }
 
 bool FeedStore::GetArticleDetail(const QString &channel, const QString &title,

@@ -7,6 +7,7 @@ namespace tidebrook {
 /// Why something failed, as the registry's "ERRORNO", the store's error field and the messages
 /// number it. 0 is no failure.
 enum ErrorCode : quint32 {
+    HttpMissing = 1000,    ///< the library for it cannot be loaded
     DatabaseFailed = 1001, ///< opening, reading or writing it; also: an item cannot be stored
     FeedNotXml = 1002, ///< not even when it was downloaded again; also: a list that cannot be read
     FeedNotRss = 1003, ///< XML, but of another kind; or nothing at all; also: no list of channels

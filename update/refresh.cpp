@@ -65,7 +65,7 @@ RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, F
         if (isFetched && category.isNull())
             fetcher.fail(NothingKnown);
         else if (isFetched)
-            fetcher.parse(command, job.channelName, category);
+            fetcher.parse(command, job.channelName, escapedCategory(category));
         result.isCounted =
             target.store.RecountChannel(escapedChannelName(job.channelName), &result.counts);
     });
@@ -73,6 +73,7 @@ RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, F
     if (!result.isCounted)
         fetcher.fail(DatabaseFailed);
     result.error = fetcher.error();
+    result.toldError = fetcher.toldError();
     result.storedCount = isChanged ? fetcher.storedCount() : 0;
     return result;
 }

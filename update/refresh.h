@@ -11,10 +11,11 @@ namespace tidebrook {
 
 /// How a channel's refresh ended.
 struct RefreshResult {
-    quint32 error = 0;      ///< 0, or the code of the failure
-    int storedCount = 0;    ///< articles that are new
-    ReadFlagCounts counts;  ///< 0/0 when the database failed
-    bool isCounted = false; ///< whether the channel's counts are stored
+    quint32 error = 0;         ///< 0, or the code of the failure
+    int storedCount = 0;       ///< articles that are new
+    ReadFlagCounts counts;     ///< 0/0 when the database failed
+    bool isCounted = false;    ///< whether the channel's counts are stored
+    quint32 toldError = error; ///< the code that the user is told of it
 };
 
 /// Refreshes one channel without pauses: fetches, and then stores, prunes and counts as one

@@ -56,6 +56,14 @@ TEST_F(BadGroundTest, APageThatIsDamagedIsFoundByCheck) {
     EXPECT_TRUE(check.out.startsWith(u"database: "));
 }
 
+TEST_F(BadGroundTest, AMissingLibraryForHttpIsToldAsWhatItIs) {
+    const QTemporaryDir libraries;
+    ASSERT_TRUE(QFile(libraries.filePath(u"libcurl.so.4"_s)).open(QIODevice::WriteOnly));
+    ctl_.setEnvironment(u"LD_LIBRARY_PATH"_s, libraries.path());
+    EXPECT_TRUE(ctl_.run({u"update"_s}).out.contains(u"1000"));
+    EXPECT_TRUE(ctl_.run({u"import"_s, server_.url(u"/list"), u"X"_s}).err.contains(u"(1000)"));
+}
+
 TEST_F(BadGroundTest, DamageBehindTheHeaderIsNeverTakenForEmptiness) {
     for (const QString &file : {u"RSSVault.sdf"_s, u"registry.db"_s}) {
         QFile damaged(ctl_.filePath(file));

@@ -119,6 +119,8 @@ INSTANTIATE_TEST_SUITE_P(
     All, FetchFailure,
     testing::Values(
         CodeCase{"EmptyBody", 1009, 1003, body("")},
+        CodeCase{"Utf8MarkAlone", 1009, 1003, body("\xEF\xBB\xBF")},
+        CodeCase{"Utf16MarkAlone", 1009, 1003, body("\xFE\xFF")},
         CodeCase{"UnchangedUnasked", 1009, 1003,
                  [](FeedServer &server) { server.answerStatus(u"/feed"_s, 304); }},
         CodeCase{"Html", 1002, 1002, body("<html><p>404<br></html>")},

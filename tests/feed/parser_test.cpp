@@ -1,4 +1,5 @@
 #include "feed/rss_parser.h"
+#include "platform/clock.h"
 #include "support/test_device.h"
 
 #include <gtest/gtest.h>
@@ -63,6 +64,30 @@ TEST_F(ParserTest, ItemsAreStoredWithTheirOwnTexts) {
     ReadFlagCounts counts;
     device_.store->CountReadFlags(u"C"_s, u"ch"_s, counts);
     EXPECT_EQ(counts.total, 2) << "the category of the run is stored, not the item's";
+}
+
+TEST_F(ParserTest, WithinADayTheNewestIsFirst) {
+    const QDateTime first({2026, 6, 10}, {12, 0}, Qt::UTC);
+    QStringList expected;
+    for (int refresh = 0; refresh < 3; ++refresh) {
+        const FixedClock clock(first.addSecs(refresh * 60));
+        QByteArray items = "<title>Feed</title>";
+        for (int i = 0; i < 40; ++i) {
+            const QByteArray title =
+                QByteArray::number((i * 7 + refresh) % 40) + ' ' + QByteArray::number(refresh);
+            items += "<item><title>" + title + "</title><guid>" + title +
+                     "</guid><pubDate>07 Mar 2008</pubDate></item>";
+            expected.insert(i, QString::fromLatin1(title));
+        }
+        ASSERT_EQ(parse(items), Result::Done);
+    }
+    expected = expected.first(110);
+    for (const SortMode mode : {SortMode::Date, SortMode::UnreadOnly, SortMode::Status})
+        EXPECT_EQ(device_.titles(u"ch"_s, mode), expected);
+    detail(expected[1]);
+    QStringList unread = expected;
+    unread.removeAt(1);
+    EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status).first(109), unread);
 }
 
 TEST_F(ParserTest, AFaultyItemEndsTheParseAndKeepsWhatCameBefore) {

@@ -38,6 +38,12 @@ TEST_F(RequestTest, IsServedAndAnswered) {
     server_.serve(u"/café"_s, "<html/>");
     EXPECT_EQ(request(job), DownloadAnswer::Failed);
     EXPECT_EQ(errorCode(), 1003u);
+    ASSERT_EQ(ctl_.run({u"setting"_s, u"ERRORNO"_s, u"0"_s}).exitCode, 0);
+    for (const QByteArray &nothing : {QByteArray(), QByteArray("\xFF\xFE")}) {
+        server_.serve(u"/café"_s, nothing);
+        EXPECT_EQ(request(job), DownloadAnswer::Failed);
+        EXPECT_EQ(errorCode(), 1003u) << "and no empty answer is a failed download";
+    }
     EXPECT_EQ(request({server_.url(u"/café"), u"nobody's"_s, u"C"_s}), DownloadAnswer::Failed);
     EXPECT_EQ(request({u"http://127.0.0.1:1/"_s, u"café"_s, u"C"_s}), DownloadAnswer::Failed);
     EXPECT_EQ(errorCode(), 1007u);

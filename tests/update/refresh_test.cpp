@@ -15,13 +15,15 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+const QString category = u"It's"_s;
+
 class RefreshTest : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(device_.store->Open());
         quint32 count = 0;
         SettingsStore(*device_.registry).RegReadDword(programKey, u"CategoryNumber", count);
-        CategoryListStore(*device_.registry).AddCategory(u"C"_s);
+        CategoryListStore(*device_.registry).AddCategory(category);
     }
 
     void addFeeds(int count, int items) {
@@ -29,8 +31,8 @@ protected:
             const QString name = u"feed %1"_s.arg(i);
             const QString path = u"/%1"_s.arg(i);
             server_.serve(path, generatedFeed(items, static_cast<quint32>(i)));
-            device_.addChannel(u"C"_s, name);
-            jobs_.append({server_.url(path), name, u"C"_s});
+            device_.addChannel(category, name);
+            jobs_.append({server_.url(path), name, category});
         }
     }
 
@@ -51,7 +53,7 @@ protected:
 
 TEST_F(RefreshTest, ManyChannelsAtATimeEndAsOneAfterAnother) {
     addFeeds(12, 20);
-    jobs_.insert(5, {u"http://127.0.0.1:1/"_s, u"feed 3"_s, u"C"_s});
+    jobs_.insert(5, {u"http://127.0.0.1:1/"_s, u"feed 3"_s, category});
     const QList<RefreshResult> results = refresh(5);
     ASSERT_EQ(results.size(), 13);
     EXPECT_EQ(observed_.size(), 13u);
@@ -77,7 +79,7 @@ TEST_F(RefreshTest, ADatabaseThatIsLockedFailsTheRefreshAndLosesNothing) {
     observed_.clear();
     const QList<RefreshResult> results = refresh(1);
     EXPECT_EQ(results[0].error, 1001u);
-    EXPECT_EQ(device_.counts(u"C"_s, u"feed 0"_s), u"5/5");
+    EXPECT_EQ(device_.counts(category, u"feed 0"_s), u"5/5");
     EXPECT_EQ(device_.lastErrorCode(), 1001u);
 }
 
