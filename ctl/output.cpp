@@ -16,15 +16,6 @@ void write(std::FILE *stream, const QString &text) {
     std::fwrite(utf8.constData(), 1, static_cast<std::size_t>(utf8.size()), stream);
 }
 
-QString withLayoutAlone(QString text) {
-    for (QChar &c : text) {
-        const bool isLayout = c == u'\n' || c == u'\t';
-        if (c.category() == QChar::Other_Control && !isLayout)
-            c = u' ';
-    }
-    return text;
-}
-
 } // namespace
 
 void printLine(const QString &line) { printFields({line}); }
@@ -32,13 +23,13 @@ void printLine(const QString &line) { printFields({line}); }
 void printFields(const QStringList &fields) {
     QStringList clean;
     for (const QString &field : fields)
-        clean.append(withoutControls(field));
+        clean.append(withoutHidden(field));
     write(stdout, clean.join(u'\t') + u'\n');
 }
 
-QString printable(const QString &text) { return withoutControls(text); }
+QString printable(const QString &text) { return withoutHidden(text); }
 
-void printText(const QString &text) { write(stdout, withLayoutAlone(text) + u'\n'); }
+void printText(const QString &text) { write(stdout, withoutHidden(text, u"\n\t") + u'\n'); }
 
 QString counts(int unread, int total) {
     return QString::number(unread) + u'/' + QString::number(total);
@@ -47,7 +38,7 @@ QString counts(int unread, int total) {
 bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
 int fail(const QString &message) {
-    write(stderr, u"tidebrookctl: " + withoutControls(message) + u'\n');
+    write(stderr, u"tidebrookctl: " + withoutHidden(message) + u'\n');
     return ExitFailed;
 }
 
@@ -67,7 +58,7 @@ ProgressLine::~ProgressLine() { show({}); }
 
 void ProgressLine::show(const QString &text) {
     if (isTerminal_)
-        write(stderr, u"\r\x1b[K" + cutText(withoutControls(text), 70));
+        write(stderr, u"\r\x1b[K" + cutText(withoutHidden(text), 70));
 }
 
 } // namespace tidebrook

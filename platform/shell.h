@@ -5,13 +5,14 @@
 namespace tidebrook {
 
 /// Whether the desktop is asked to open this link: an address of the web, of a mailbox or of a file
-/// server that is written in full. What a feed sends must not reach any other program.
+/// server that is written in full, or one that begins with "//" or "www." instead of "http://".
+/// What a feed sends must not reach any other program.
 bool isOpenable(const QString &link);
 
 /// Has the desktop open a link in the program that the user has chosen for it. False when it is not
 /// one to be opened, or when there is nobody to open it. The link is handed over as one argument
 /// that never looks like an option, and through no command line; of a message only whom it goes to
-/// and its texts. May wait for some seconds.
+/// and its texts, percent-encoded. May wait for some seconds.
 bool openLink(const QString &link);
 
 /// Has the desktop open its composer with a message to nobody yet. The text's line breaks are kept,

@@ -20,4 +20,10 @@ QStringView TrimTrailingBlanks(QStringView text);
 /// The text with a blank in place of every control character, line ends and tabs among them.
 QString withoutControls(QString text);
 
+/// The text as it can go to a terminal or into a file's name: with a blank in place of everything
+/// that shows nothing itself, but can change how what is around it is read: control characters,
+/// line and paragraph separators, what turns the direction of writing, and characters without a
+/// width. Those of `kept` stay, and so do joiners within an emoji.
+QString withoutHidden(QString text, QStringView kept = {});
+
 } // namespace tidebrook

@@ -1,6 +1,7 @@
 #include "service/service_log.h"
 
 #include "platform/clock.h"
+#include "platform/text.h"
 #include "res/strings.h"
 
 #include <sys/stat.h>
@@ -12,14 +13,6 @@ namespace {
 
 // A file of the service's own begins anew at this size, so that it never fills the device.
 constexpr off_t fileLimit = 1024 * 1024; // bytes
-
-QByteArray oneLine(QString message) {
-    for (QChar &c : message) {
-        if (c.category() == QChar::Other_Control)
-            c = u' ';
-    }
-    return message.toUtf8();
-}
 
 // The journal tells which stream is its own; others of the session's programs inherit what it
 // tells, but not the stream.
@@ -52,7 +45,7 @@ void ServiceLog::result(const QString &channelName, quint32 code, int storedCoun
 void ServiceLog::write(int priority, const QString &message) {
     const QByteArray prefix = isForJournal_ ? QByteArray('<' + QByteArray::number(priority) + '>')
                                             : localNow().toString(Qt::ISODate).toUtf8() + ' ';
-    const QByteArray line = prefix + oneLine(message) + '\n';
+    const QByteArray line = prefix + withoutHidden(message).toUtf8() + '\n';
     const std::lock_guard lock(mutex_);
     if (ownsFile_ && lseek(STDERR_FILENO, 0, SEEK_CUR) > fileLimit &&
         ftruncate(STDERR_FILENO, 0) == 0)

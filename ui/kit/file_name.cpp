@@ -28,18 +28,10 @@ bool hasEnding(const QString &name, const QString &ending) {
     return name.endsWith(ending, Qt::CaseInsensitive);
 }
 
-QString withoutWhatNoNameHas(const QString &text) {
-    QString name = withoutControls(text);
-    for (const QChar c :
-         {QChar(u'/'), QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator)})
-        name.replace(c, u' ');
-    return name;
-}
-
 } // namespace
 
 QString possibleFileName(const QString &text, const QString &ending) {
-    const QString name = withoutWhatNoNameHas(text).trimmed();
+    const QString name = withoutHidden(text).replace(u'/', u' ').trimmed();
     const QString kept = hasEnding(name, ending) ? name.last(ending.size()) : QString();
     QStringView stem = QStringView(name).chopped(kept.size());
     while (!stem.isEmpty() && (stem.front() == u'.' || stem.front().isSpace()))
