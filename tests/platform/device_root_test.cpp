@@ -12,13 +12,6 @@
 namespace tidebrook {
 namespace {
 
-TEST(DeviceRoot, DevicePathsLieBelowTheRoot) {
-    const DeviceRoot root(QStringLiteral("/home/user/device/"));
-    EXPECT_EQ(root.filePath(u"\\windows\\RSSChannels.txt"),
-              u"/home/user/device/windows/RSSChannels.txt");
-    EXPECT_EQ(root.filePath(u"RSSVault.sdf"), u"/home/user/device/RSSVault.sdf");
-}
-
 TEST(DeviceRoot, ProvisioningThatFailsLeavesNothingAndOneThatSucceedsIsNotRepeated) {
     const QTemporaryDir folder;
     const DeviceRoot root(folder.filePath(QStringLiteral("deep/down/device")));
@@ -33,15 +26,6 @@ TEST(DeviceRoot, ProvisioningThatFailsLeavesNothingAndOneThatSucceedsIsNotRepeat
         ADD_FAILURE() << "a root that exists was provisioned again";
         return true;
     }));
-}
-
-TEST(DeviceRoot, OnlyTheUserMayEnterTheRunFolder) {
-    const QTemporaryDir folder;
-    const DeviceRoot root(folder.path());
-    ASSERT_TRUE(root.makeFolders());
-    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther |
-                        QFile::WriteOther | QFile::ExeOther;
-    EXPECT_FALSE(QFile::permissions(root.filePath(u"\\run")) & others);
 }
 
 TEST(Text, CutsNeverHalveASurrogatePair) {

@@ -4,7 +4,6 @@
 #include "support/text_printing.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -43,7 +42,6 @@ protected:
     const DeviceRoot device_{folder_.filePath(u"device"_s)};
 };
 
-constexpr int mine = static_cast<int>(Claim::Mine);
 constexpr int broughtForward = static_cast<int>(Claim::BroughtForward);
 
 TEST_F(SingleInstanceTest, ALaterStartAsksTheFirstToComeForwardAndHandsItsLeaveOn) {
@@ -68,26 +66,6 @@ TEST_F(SingleInstanceTest, ALaterStartAsksTheFirstToComeForwardAndHandsItsLeaveO
     EXPECT_EQ(device.entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
               (QStringList{u"Temp"_s, u"run"_s, u"windows"_s}))
         << "a start that ends again must touch neither database nor registry";
-}
-
-TEST_F(SingleInstanceTest, ReadersOfOtherDevicesAreNotSeen) {
-    const DeviceRoot otherDevice(folder_.filePath(u"other"_s));
-    ASSERT_TRUE(otherDevice.makeFolders());
-    SingleInstance other(otherDevice);
-    SingleInstance own(device_);
-    EXPECT_EQ(other.claim(0ms), Claim::Mine);
-    EXPECT_EQ(own.claim(0ms), Claim::Mine);
-    EXPECT_FALSE(other.takeRequest());
-}
-
-TEST_F(SingleInstanceTest, AStartThatWaitsForOneThatIsClosingDownRunsInItsStead) {
-    SingleInstance first(device_);
-    ASSERT_EQ(first.claim(0ms), Claim::Mine);
-    const auto second = start("token");
-    ASSERT_TRUE(isAsked(first));
-    first.giveUp();
-    EXPECT_FALSE(first.takeRequest()) << "it no longer runs";
-    EXPECT_EQ(second->wait(), mine);
 }
 
 TEST_F(SingleInstanceTest, OneThatIsKilledLeavesNothingToTheNext) {
@@ -145,15 +123,6 @@ TEST_F(SingleInstanceTest, OfStartsAtTheSameMomentExactlyOneRuns) {
             ++ends.at(static_cast<std::size_t>(process->wait()));
         EXPECT_EQ(ends, (std::array{1, starts - 1, 0, 0})) << "in round " << round;
     }
-}
-
-TEST_F(SingleInstanceTest, WhereItsFilesCannotBeHadThatIsToldAtOnce) {
-    QElapsedTimer timer;
-    timer.start();
-    EXPECT_EQ(SingleInstance(DeviceRoot(folder_.path())).claim(60s), Claim::Failed);
-    ASSERT_TRUE(QDir().mkdir(device_.path() + u"/run/FEEDLARK.lock"));
-    EXPECT_EQ(SingleInstance(device_).claim(60s), Claim::Failed);
-    EXPECT_LT(timer.elapsed(), 30'000);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "platform/sql.h"
-#include "platform/sql_shape.h"
 #include "support/text_printing.h"
 
 #include <QTemporaryDir>
@@ -80,53 +79,6 @@ TEST_F(SqlTest, LiteralsTakenOutMeanWhatTheyMeantInPlace) {
     run(u"INSERT INTO T VALUES ('b', NULL, '2', 0, 1)");
     EXPECT_EQ(texts(u"SELECT NAME FROM T ORDER BY 1 DESC").first(), QStringLiteral("b"));
     EXPECT_EQ(texts(u"SELECT N + 1.5 FROM T WHERE NAME = 'b'"), QStringList(QStringLiteral("3.5")));
-}
-
-TEST_F(SqlTest, ColumnsComeWithTheirDeclaredTypes) {
-    SqlCommand command(*session_);
-    command.setText(QStringLiteral("SELECT NAME, LINK, N, FLAG, STAMP FROM T"));
-    SqlRowset rows;
-    ASSERT_EQ(command.execute(rows), ExecuteStatus::Done);
-    ASSERT_EQ(rows.columns().size(), 5u);
-    EXPECT_EQ(rows.columns()[0].type, SqlColumn::Type::Text);
-    EXPECT_EQ(rows.columns()[0].declaredSize, 51);
-    EXPECT_EQ(rows.columns()[1].declaredSize, 513);
-    EXPECT_EQ(rows.columns()[2].type, SqlColumn::Type::Int16);
-    EXPECT_EQ(rows.columns()[3].type, SqlColumn::Type::Boolean);
-    EXPECT_EQ(rows.columns()[4].type, SqlColumn::Type::Int64);
-}
-
-TEST_F(SqlTest, AQueryBeingReadDoesNotDisturbAnotherOfItsShape) {
-    for (const QStringView name : {u"a", u"b", u"c"})
-        run(QStringLiteral("INSERT INTO T VALUES ('%1', 'l', 1, 0, 5)").arg(name));
-    SqlCommand command(*session_);
-    command.setText(QStringLiteral("SELECT NAME FROM T WHERE N = 1"));
-    SqlRowset outer;
-    ASSERT_EQ(command.execute(outer), ExecuteStatus::Done);
-    QStringList seen;
-    while (outer.next()) {
-        seen.append(outer.text(0));
-        EXPECT_EQ(texts(u"SELECT NAME FROM T WHERE N = 1").size(), 3);
-    }
-    EXPECT_EQ(seen.size(), 3);
-}
-
-TEST(SqlShape, StatementsThatDifferInLiteralsShareAShape) {
-    const auto one = takeSqlApart(u"UPDATE T SET A = 'it''s' WHERE B=1 and C = ''");
-    const auto other = takeSqlApart(u"UPDATE T SET A = '?' WHERE B=22 and C = 'x'");
-    ASSERT_TRUE(one && other);
-    EXPECT_EQ(one->shape, other->shape);
-    EXPECT_EQ(one->literals, (std::vector<SqlShape::Literal>{"it's", qint64{1}, ""}));
-}
-
-TEST_F(SqlTest, ATransactionIsUndoneUnlessItIsCommitted) {
-    {
-        SqliteTransaction transaction(*session_);
-        run(u"INSERT INTO T VALUES ('undone', 'l', 1, 0, 5)");
-        SqliteTransaction inner(*session_);
-        EXPECT_TRUE(inner.commit());
-    }
-    EXPECT_EQ(texts(u"SELECT NAME FROM T"), QStringList());
 }
 
 } // namespace

@@ -1,13 +1,11 @@
 #include "res/dialog_templates.h"
 #include "res/icons.h"
-#include "res/menus.h"
 #include "res/strings.h"
 
 #include <gtest/gtest.h>
 
 #include <QRect>
 #include <QRegularExpression>
-#include <QXmlStreamReader>
 
 #include <map>
 #include <set>
@@ -78,30 +76,6 @@ TEST(Templates, KeepTheirControlsWhenTheScreenTurnsAndShowEachOfThemWhole) {
     EXPECT_EQ(found, 14);
 }
 
-void expectEntries(std::span<const MenuEntry> entries) {
-    EXPECT_FALSE(entries.empty());
-    for (const MenuEntry &entry : entries) {
-        EXPECT_EQ(entry.command != 0, !entry.isSeparator() && entry.entries.empty())
-            << "an entry is a command, or a menu, or a line: " << entry.command;
-        if (!entry.entries.empty())
-            expectEntries(entry.entries);
-    }
-}
-
-TEST(MenuBars, TellTheTextOfEveryKeyAndOpenTheirMenus) {
-    for (int id = 401; id <= 413; ++id) {
-        SCOPED_TRACE(id);
-        const MenuBarResource *bar = menuBarResource(id);
-        ASSERT_NE(bar, nullptr);
-        for (const SoftKey &key : {bar->left, bar->right}) {
-            const bool isBlank = key.command == 0 && key.menuId == 0;
-            EXPECT_EQ(isBlank, resourceString(key.textId).isEmpty()) << key.command;
-            if (key.menuId != 0)
-                expectEntries(menuEntries(key.menuId));
-        }
-    }
-}
-
 TEST(Messages, EachErrorCodeIsToldAsTheProblemThatItIs) {
     struct Row {
         quint32 first;
@@ -129,15 +103,7 @@ TEST(Messages, EachErrorCodeIsToldAsTheProblemThatItIs) {
     }
 }
 
-TEST(Pages, HaveEveryIconThatCanBeDrawnAndEveryPlaceThatTheHelpNames) {
-    for (const char *name :
-         {"article-read", "article-unread", "category", "channel", "choices", "error", "file",
-          "folder", "folder-up", "header", "next", "previous", "warning"}) {
-        QXmlStreamReader reader(iconSvg(name));
-        while (!reader.atEnd())
-            reader.readNext();
-        EXPECT_FALSE(reader.hasError()) << name;
-    }
+TEST(Help, LeadsToEveryPlaceThatItNames) {
     const QString page = QString::fromUtf8(helpPage());
     const QRegularExpression link(QStringLiteral("href=\"#?([^\"]*)\""));
     QStringList places{QStringLiteral("FeedlarkHelp")};

@@ -98,15 +98,5 @@ TEST(Database, AJournalLeftFromAnotherDatabaseIsNotTakenForItsOwn) {
     EXPECT_EQ(device.channelNames(u"C"_s), QStringList(u"new"_s));
 }
 
-TEST(Database, WhatIsStoredOutlivesARestart) {
-    TestDevice device;
-    ASSERT_TRUE(device.store->Open());
-    device.addChannel(u"Bob's"_s, u"It's"_s, {u"one"_s, u"two"_s});
-    device.restart();
-    ASSERT_TRUE(device.store->Open());
-    EXPECT_EQ(device.counts(u"Bob's"_s, u"It's"_s), u"2/2");
-    EXPECT_EQ(device.titles(u"It's"_s), (QStringList{u"one"_s, u"two"_s}));
-}
-
 } // namespace
 } // namespace tidebrook
