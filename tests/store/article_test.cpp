@@ -19,19 +19,20 @@ protected:
 };
 
 TEST_F(ArticleTest, ListsComeInTheirThreeOrders) {
-    const QList<TestArticle> articles{{.title = u"old"_s, .date = u"2026-01-03"_s},
-                                      {.title = u"new"_s, .date = u"2026-01-28"_s},
-                                      {.title = u"middle"_s, .date = u"2026-01-20"_s},
-                                      {.title = u"older"_s, .date = u"2025-12-31"_s}};
+    const QList<TestArticle> articles{{.title = u"1 old"_s, .date = u"2026-01-03"_s},
+                                      {.title = u"4 new"_s, .date = u"2026-01-28"_s},
+                                      {.title = u"3 middle"_s, .date = u"2026-01-20"_s},
+                                      {.title = u"2 older"_s, .date = u"2025-12-31"_s}};
     device_.addChannel(u"C"_s, u"ch"_s, articles);
     ArticleDetail detail;
-    ASSERT_TRUE(store().GetArticleDetail(u"ch"_s, u"new"_s, detail));
-    ASSERT_TRUE(store().GetArticleDetail(u"ch"_s, u"old"_s, detail));
-    EXPECT_EQ(device_.titles(u"ch"_s), (QStringList{u"new"_s, u"middle"_s, u"old"_s, u"older"_s}));
+    ASSERT_TRUE(store().GetArticleDetail(u"ch"_s, u"4 new"_s, detail));
+    ASSERT_TRUE(store().GetArticleDetail(u"ch"_s, u"1 old"_s, detail));
+    EXPECT_EQ(device_.titles(u"ch"_s),
+              (QStringList{u"4 new"_s, u"3 middle"_s, u"1 old"_s, u"2 older"_s}));
     EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status),
-              (QStringList{u"middle"_s, u"older"_s, u"new"_s, u"old"_s}));
+              (QStringList{u"3 middle"_s, u"2 older"_s, u"4 new"_s, u"1 old"_s}));
     EXPECT_EQ(device_.titles(u"ch"_s, SortMode::UnreadOnly),
-              (QStringList{u"middle"_s, u"older"_s}));
+              (QStringList{u"3 middle"_s, u"2 older"_s}));
     ASSERT_TRUE(store().MarkChannelRead(u"ch"_s));
     EXPECT_EQ(device_.titles(u"ch"_s, SortMode::UnreadOnly), QStringList());
 }
@@ -84,6 +85,7 @@ TEST_F(ArticleTest, ThreadsShareOneStoreAndMarkingAChannelChangesItsCountsAlone)
     std::thread other(walk, u"b"_s, 3);
     for (int i = 0; i < 20; ++i) {
         EXPECT_TRUE(store().MarkChannelRead(u"a"_s));
+        const auto guard = store().lock(); // over listing and walking the rows
         EXPECT_EQ(device_.counts(u"C"_s, u"a"_s), u"0/2");
         EXPECT_TRUE(store().MarkChannelUnread(u"a"_s));
     }
