@@ -62,6 +62,12 @@ TEST_F(FetcherTest, AGoodDocumentNeedsNoSecondTransport) {
     EXPECT_FALSE(QFile::exists(tempFile()));
 }
 
+TEST_F(FetcherTest, TheContentTypesCharsetCounts) {
+    server_.serve(u"/feed"_s, QByteArray(feed).replace("One", "\xE9"), "text/xml; charset=latin1");
+    EXPECT_TRUE(fetch(server_.url(u"/feed")).isDone);
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"é"_s));
+}
+
 TEST_F(FetcherTest, ABodyThatIsNoXmlIsFetchedAgainThroughTheFile) {
     server_.serve(u"/feed"_s, "<rss><channel>");
     const Outcome refused = fetch(server_.url(u"/feed"));

@@ -1,3 +1,4 @@
+#include "feed/pub_date.h"
 #include "feed/rss_parser.h"
 #include "platform/clock.h"
 #include "support/test_device.h"
@@ -88,6 +89,49 @@ TEST_F(ParserTest, WithinADayTheNewestIsFirst) {
     QStringList unread = expected;
     unread.removeAt(1);
     EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status).first(109), unread);
+}
+
+TEST_F(ParserTest, ARefreshPrunesItsOwnChannelAlone) {
+    const QDateTime stored({2026, 6, 10}, {12, 0}, Qt::UTC);
+    {
+        const FixedClock clock(stored);
+        parse("<item><title>old</title><guid>1</guid></item>");
+        device_.store->changeAtOnce([](SqlCommand &command) {
+            ArticleIngestion(command, u"other"_s, u"C"_s)
+                .insertItem({u"kept"_s, {}, {}, {}, u"2"_s, {}, ingestionClock(0)});
+        });
+    }
+    const FixedClock clock(stored.addDays(6));
+    EXPECT_EQ(parse("<title>Feed</title>"), Result::Done);
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList());
+    EXPECT_EQ(device_.titles(u"other"_s), QStringList(u"kept"_s));
+}
+
+TEST_F(ParserTest, TextsAreKeptUpToTheirCapacities) {
+    const auto itemOf = [](QByteArray guid, const QByteArray &title) {
+        return QByteArray("<item><guid>" + guid.leftJustified(600, 'g') + "</guid><title>" +
+                          title.leftJustified(300, 't') + "</title><link>" + QByteArray(600, 'l') +
+                          "</link><description>" + QByteArray(3100, 'd') +
+                          "</description><pubDate>07 Mar 2008</pubDate></item>");
+    };
+    parse(itemOf(QByteArray(511, 'g') + '1', "1") + itemOf(QByteArray(511, 'g') + '2', "2"));
+    ASSERT_EQ(device_.titles(u"ch"_s).size(), 2);
+    const QString title = device_.titles(u"ch"_s)[0];
+    EXPECT_EQ(title.size(), 255);
+    EXPECT_EQ(detail(title).itemLink.size(), 512);
+    EXPECT_EQ(detail(title).description.size(), 2999);
+}
+
+TEST_F(ParserTest, ByStatusTheUnreadComeFirstAndEachByDate) {
+    QByteArray items;
+    for (const char day : {'2', '4', '1', '3'})
+        items += QByteArray("<item><title>") + day + "</title><guid>" + day + "</guid><pubDate>0" +
+                 day + " Mar 2008</pubDate></item>";
+    parse(items);
+    detail(u"4"_s);
+    detail(u"2"_s);
+    EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status),
+              (QStringList{u"3"_s, u"1"_s, u"4"_s, u"2"_s}));
 }
 
 TEST_F(ParserTest, AFaultyItemEndsTheParseAndKeepsWhatCameBefore) {

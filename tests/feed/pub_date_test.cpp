@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 namespace tidebrook {
 namespace {
 
@@ -35,6 +37,17 @@ INSTANTIATE_TEST_SUITE_P(Feeds, PubDate,
                                          DateCase{"", "2026-11-05"}, DateCase{"DEFAULT", ""},
                                          DateCase{"DEFAULT date", ""},
                                          DateCase{"nonsense", "2026-11-05"}));
+
+TEST(PubDateZone, MissingPartsAreOfTheLocalDateAndStampsOfTheUtc) {
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "XXX-14");
+    tzset();
+    const FixedClock clock(QDateTime({2026, 3, 1}, {12, 0}, Qt::UTC));
+    EXPECT_EQ(normalisePubDate(u"nonsense"), u"2026-03-02");
+    EXPECT_EQ(ingestionClock(7), (26 * 365 + 3 * 30 + 1 - 7) * 86'400LL + 12 * 3'600);
+    zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
+    tzset();
+}
 
 TEST(IngestionClock, CountsMonthsOf30DaysAndTakesTwoDaysBackForNone) {
     const FixedClock clock(QDateTime({2026, 3, 1}, {1, 2, 3}, Qt::UTC));
