@@ -85,16 +85,6 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
     EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 0U);
 }
 
-TEST_F(ChannelListTest, ACategoryWithoutANameIsOneAmongOthers) {
-    session = std::make_unique<Session>(device.root);
-    session->state().device.categoryStore.AddCategory(u""_s);
-    EXPECT_TRUE(session->run([&](User &user) {
-        ASSERT_TRUE(user.seesRows({u"News"_s, u"Science"_s, u"Travel"_s, u""_s}));
-        go(user, 1);
-        EXPECT_TRUE(user.seesLines(scienceLines));
-    }));
-}
-
 TEST_F(ChannelListTest, ARefreshTakesNoTapAwayNorABoxThatLiesOverAnOpenDropDownList) {
     run([&](User &user) {
         go(user, 1);

@@ -72,13 +72,11 @@ TEST(OpenFile, ShowsFoldersAndWhatCanBeOpenedAsPeopleSort) {
 
 TEST(OpenFile, IsWalkedThroughByKeysAndByTaps) {
     const Home home({u"a.opml"_s, u"far/"_s, u"near/deep/x.opml"_s});
+    // into the selected folder, and out of it again
     const std::pair<Hand, Hand> ways[]{
-        // into the selected folder, and out of it again
-        {[](User &user) { user.tapRow(2); }, [](User &user) { user.press(Qt::Key_Return); }},
-        {[](User &user) { user.press(Qt::Key_Return); },
-         [](User &user) { user.press(Qt::Key_Backspace); }},
-        {[](User &user) { user.tap(u"Open"_s); },
-         [](User &user) { user.press(Qt::Key_Up, Qt::AltModifier); }},
+        {[](User &user) { user.tapRow(2); }, pressing(Qt::Key_Return)},
+        {pressing(Qt::Key_Return), pressing(Qt::Key_Backspace)},
+        {tapping(u"Open"_s), pressing(Qt::Key_Up, Qt::AltModifier)},
     };
     const auto walk = [&](User &user) {
         const QStringList top{u".."_s, u"far"_s, u"near"_s, u"a.opml"_s};
@@ -124,9 +122,8 @@ TEST(OpenFile, FollowsWhatOtherProgramsDoToTheFolder) {
 TEST(OpenFile, ChoosesNothingWhenItIsLeft) {
     const Home home({u"a.opml"_s});
     for (const auto choose : {chooseFileToOpen, chooseFileToSave}) {
-        for (const Hand &leave : {Hand([](User &user) { user.press(Qt::Key_Escape); }),
-                                  Hand([](User &user) { user.tap(u"Cancel"_s); }),
-                                  Hand([](User &user) { user.closeWindow(); })})
+        for (const Hand &leave :
+             {pressing(Qt::Key_Escape), tapping(u"Cancel"_s), Hand(&User::closeWindow)})
             EXPECT_EQ(outcome(choose, request(u"News"_s), leave), u"nothing");
     }
 }
@@ -176,9 +173,8 @@ TEST(SaveFile, TakesTheNamesThatPeopleGive) {
     const auto save = [&](User &user) {
         for (const auto &[typed, problem] : bad) {
             enter(user, typed);
-            EXPECT_TRUE(user.seesBox(problem)) << problem.toStdString();
-            user.press(Qt::Key_Return);
-            ASSERT_TRUE(user.seesNoBox() && seesName(user, typed));
+            expectBox(user, problem);
+            ASSERT_TRUE(seesName(user, typed));
         }
         enter(user, u"News"_s);
     };
@@ -240,9 +236,7 @@ TEST(SaveFile, RefusesAPathThatIsTooLongAndStays) {
             }
             if (one.outcome != u"nothing")
                 return;
-            ASSERT_TRUE(user.seesBox(u"Encountering Problem when Accessing Crucial File"_s));
-            user.press(Qt::Key_Return);
-            ASSERT_TRUE(user.seesNoBox());
+            expectBox(user, u"Encountering Problem when Accessing Crucial File"_s);
             user.press(Qt::Key_Escape);
         };
         EXPECT_EQ(outcome(one.choose, limited, use), one.outcome) << one.typed.toStdString();

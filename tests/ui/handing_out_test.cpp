@@ -47,6 +47,7 @@ TEST_F(HandingOutTest, APlaceThatIsTooLongOrCannotBeWrittenIsToldAndNothingIsLos
     run([&](User &user) {
         hand(user, u"Export Category"_s, u"News"_s, QString(40, u'n'), fileProblem);
         user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesCaption(u"All Categories"_s));
         hand(user, u"Export Category"_s, u"News"_s, u"News.opml"_s);
         ASSERT_TRUE(user.sees([&] { return qobject_cast<MessageBox *>(user.stack().top()); }));
         {
@@ -54,6 +55,7 @@ TEST_F(HandingOutTest, APlaceThatIsTooLongOrCannotBeWrittenIsToldAndNothingIsLos
             user.tap(u"Yes"_s);
             expectBox(user, fileProblem);
         }
+        ASSERT_TRUE(user.seesCaption(u"All Categories"_s));
         go(user, 1);
         hand(user, u"Export Channel"_s, u"Moon"_s, QString(50, u'c'), fileProblem);
         user.press(Qt::Key_Escape);

@@ -106,12 +106,8 @@ struct Case {
 };
 
 void press(User &user, const QStringList &taps) {
-    for (const QString &text : taps) {
-        if (text == u"Down")
-            user.press(Qt::Key_Down);
-        else
-            user.tap(text);
-    }
+    for (const QString &text : taps)
+        text == u"Down" ? user.press(Qt::Key_Down) : user.tap(text);
 }
 
 const QString never = u"Never Auto Update"_s;
@@ -170,10 +166,8 @@ TEST(Settings, AreShownChangedAndStored) {
 }
 
 TEST(Settings, StayAsTheyWereUnlessDone) {
-    const Hand leaves[]{[](User &user) { user.tap(u"Cancel"_s); },
-                        [](User &user) { user.press(Qt::Key_Escape); },
-                        [](User &user) { user.closeWindow(); }};
-    for (const Hand &leave : leaves) {
+    for (const Hand &leave :
+         {tapping(u"Cancel"_s), pressing(Qt::Key_Escape), Hand(&User::closeWindow)}) {
         TestDevice device;
         store(device, today, {1, 2});
         store(device, automatic, {1, 6, 23, 1, 1});
