@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QFile>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
@@ -82,6 +83,16 @@ QPoint middleOf(const ListView &list, int row) {
 
 QString checkText(bool isChecked, const QString &text) {
     return (isChecked ? u"x "_s : u"- "_s) + text;
+}
+
+/// For how long programs have waited for want of memory so far, as the system counts it; 0 where it
+/// does not. No program can help that.
+std::chrono::milliseconds memoryStalls() {
+    QFile file(u"/proc/pressure/memory"_s);
+    const QByteArray line = file.open(QIODevice::ReadOnly) ? file.readLine() : QByteArray();
+    const qsizetype at = line.indexOf("total=");
+    return std::chrono::milliseconds(at < 0 ? 0
+                                            : line.sliced(at + 6).trimmed().toLongLong() / 1000);
 }
 
 /// Null for what is no control of a user.
@@ -433,8 +444,10 @@ bool Session::run(const std::function<void(User &)> &user) {
     });
     {
         BlockedTime blocked;
+        const auto stalledBefore = memoryStalls();
         OpenCategoryList(*state_);
-        longestBlocked_ = std::chrono::ceil<std::chrono::milliseconds>(blocked.longest());
+        longestBlocked_ = std::chrono::ceil<std::chrono::milliseconds>(blocked.longest()) -
+                          (memoryStalls() - stalledBefore);
     }
     while (!isUserDone) // who has left the screens may still want to look
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
