@@ -144,12 +144,12 @@ TEST_F(ReadingSessionTest, TheCountsComeOneAfterTheOther) {
 }
 
 TEST_F(ReadingSessionTest, WhatCannotBeUpdatedIsToldAndAnotherUpdateIsPossible) {
-    const QString internet = u"Encountering Internet Problem"_s;
+    const QString reading = u"Encountering Problem when Reading Feed information"_s;
     const std::pair<std::function<void()>, QString> faults[]{
-        {[&] { server_.answerStatus(u"/d"_s, 404); }, internet},
-        {[&] { server_.resetHalfWay(u"/d"_s, generatedFeed(9, 1)); }, internet},
-        {[&] { server_.serve(u"/d"_s, "<html/>"); },
-         u"Encountering Problem when Reading Feed information"_s},
+        {[&] { server_.answerStatus(u"/d"_s, 404); }, reading}, // whose answer is empty
+        {[&] { server_.resetHalfWay(u"/d"_s, generatedFeed(9, 1)); },
+         u"Encountering Internet Problem"_s},
+        {[&] { server_.serve(u"/d"_s, "<html/>"); }, reading},
         {[&] { server_.hang(u"/d"_s); }, u"Encountering Unidentified Problem"_s}};
     runInC([&](User &user) {
         for (const auto &[prepare, message] : faults) {

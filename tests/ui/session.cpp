@@ -469,7 +469,12 @@ Hand choosing(const QStringList &path) {
 }
 
 void expectBox(User &user, const QString &text) {
-    ASSERT_TRUE(user.seesBox(text)) << text.toStdString();
+    const bool isSeen = user.seesBox(text);
+    QString seen;
+    user.look([&] {
+        seen = user.stack().top() ? user.stack().top()->accessibleDescription() : QString();
+    });
+    ASSERT_TRUE(isSeen) << text.toStdString() << ", but " << seen.toStdString();
     user.press(Qt::Key_Return);
     ASSERT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
 }
