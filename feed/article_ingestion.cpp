@@ -85,7 +85,7 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
 }
 
 ArticleRecord ArticleIngestion::articleOf(const ItemRecord &item, const QString &date) const {
-    // A title of dropped characters alone is none; stored empty, it would end the list it is in.
+    // A title of dropped characters alone is none; stored empty, it would be a row without a word.
     QString title = escapeFeedText(item.title, titleCapacity);
     if (title.isEmpty())
         title = missingText.toString();

@@ -58,8 +58,9 @@ QString escaped(QStringView text, qsizetype capacity) {
 }
 
 QString escapedWithinCapacity(const QString &text, TextKind kind) {
-    const QStringView fitting = cutText(text, capacityOf(kind));
-    return escaped(fitting, 2 * fitting.size());
+    QString escaped = QStringLiteral("");
+    EscapeSql(cutText(text, capacityOf(kind)), escaped, kind);
+    return escaped;
 }
 
 } // namespace

@@ -173,13 +173,13 @@ bool FeedStore::NextRow(void *out, int index) {
     return true;
 }
 
-// A row of zeros is one like any other here: a channel without a name and articles has one.
 template <class Row> QList<Row> FeedStore::takeRows() {
     const auto guard = lock();
     QList<Row> rows;
-    Row row{};
-    for (; rowWidth_ == sizeof row && rowCursor_ < rowsFilled_; ++rowCursor_) {
-        std::memcpy(&row, rows_.data() + rowCursor_ * rowWidth_, sizeof row);
+    for (; rowWidth_ == sizeof(Row) && rowCursor_ < rowsFilled_; ++rowCursor_) {
+        // A row of zeros is none to NextRow; among the filled ones it is a channel without a name.
+        Row row{};
+        NextRow(&row, static_cast<int>(rowCursor_));
         rows.append(row);
     }
     return rows;
