@@ -70,20 +70,27 @@ std::optional<QDateTime> nextRound(const AutoUpdateSettings &settings, const QDa
     const std::optional<std::chrono::seconds> period = roundPeriod(settings);
     if (!period)
         return std::nullopt;
+    QDateTime next = lastRound.isValid() ? addTo(lastRound, *period) : now;
     if (settings.mode == AutoUpdateSettings::Daily)
-        return firstAfter(lastRound.isValid() ? lastRound : now, settings.hour);
-    return lastRound.isValid() ? addTo(lastRound, *period) : now;
+        next = firstAfter(lastRound.isValid() ? lastRound : now, settings.hour);
+    return next.isValid() ? std::optional(next) : std::nullopt; // the calendar has an end
 }
 
+// A number holds moments until the year 2106, so what is written is a text.
 QDateTime storedLastRound(Registry &registry) {
-    const quint32 seconds = SettingsStore(registry).dword(programKey, lastRoundValue);
-    return seconds == 0 ? QDateTime() : QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+    const std::optional<RegistryValue> value = registry.read(programKey, lastRoundValue);
+    if (!value)
+        return {};
+    if (const quint32 *seconds = std::get_if<quint32>(&*value))
+        return *seconds == 0 ? QDateTime() : QDateTime::fromSecsSinceEpoch(*seconds, Qt::UTC);
+    bool isNumber = false;
+    const qint64 seconds = std::get<QString>(*value).toLongLong(&isNumber);
+    return isNumber ? QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC) : QDateTime();
 }
 
 void AutoSchedule::store(const QDateTime &lastRound) {
-    const auto seconds = static_cast<quint32>(lastRound.toSecsSinceEpoch());
-    const bool isStored =
-        SettingsStore(registry_).RegWriteDword(programKey, lastRoundValue, seconds);
+    const QString seconds = QString::number(lastRound.toSecsSinceEpoch());
+    const bool isStored = registry_.write(programKey, lastRoundValue, seconds) && registry_.flush();
     unstored_ = isStored ? QDateTime() : lastRound;
 }
 
