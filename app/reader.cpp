@@ -27,10 +27,10 @@ void prepareApplication() {
 }
 
 void makeDevice(const DeviceRoot &device) {
-    if (!device.exists())
-        provisionDevice(device, defaultChannelsFile(),
-                        todayItemKey(resourceString(todayItemNameString)));
-    device.makeFolders();
+    // What cannot be made is told by the screens, which then find no device.
+    if (device.isDevice() || provisionDevice(device, defaultChannelsFile(),
+                                             todayItemKey(resourceString(todayItemNameString))))
+        device.makeFolders();
 }
 
 } // namespace

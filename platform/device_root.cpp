@@ -5,11 +5,13 @@
 #include "platform/plain_file.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QStringList>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace tidebrook {
 
@@ -43,7 +45,9 @@ DeviceRoot DeviceRoot::standard() {
     return DeviceRoot(data + u"/tidebrook");
 }
 
-bool DeviceRoot::exists() const { return QFileInfo(path_).isDir(); }
+bool DeviceRoot::isDevice() const {
+    return QFileInfo(registryPath()).isFile() || QFileInfo(path_ + u"/windows").isDir();
+}
 
 QString DeviceRoot::filePath(QStringView devicePath) const {
     QString relative = devicePath.toString();
@@ -63,20 +67,22 @@ bool DeviceRoot::provision(const std::function<bool(const DeviceRoot &)> &furnis
     const QString prefix = path_ + u".new-";
     removeLeftAside(prefix, isUnfinishedRoot);
     const QString parent = QFileInfo(path_).path();
-    if (exists() || !QDir().mkpath(parent))
-        return exists();
+    if (isDevice() || !QDir().mkpath(parent))
+        return isDevice();
     const Aside aside = makeFolderAside(prefix);
     const Descriptor lock(aside.descriptor);
     if (!lock.isOpen())
         return false;
     const DeviceRoot built(aside.path);
     const bool isBuilt = built.makeFolders() && furnish(built) && syncFolder(aside.path);
-    // The rename fails where somebody else's root has come into place first: theirs then serves.
-    if (isBuilt && QDir().rename(aside.path, path_))
+    // The rename fails where something is in place that is no empty folder: a device that somebody
+    // else has made first serves as well.
+    if (isBuilt && std::rename(QFile::encodeName(aside.path).constData(),
+                               QFile::encodeName(path_).constData()) == 0)
         syncFolder(parent);
     else
         QDir(aside.path).removeRecursively();
-    return exists();
+    return isDevice();
 }
 
 } // namespace tidebrook

@@ -16,7 +16,9 @@ public:
     static DeviceRoot standard();
 
     QString path() const { return path_; }
-    bool exists() const;
+    /// Whether there is a device: a folder with a registry, or with the folder `windows`. No other
+    /// folder is one, and nothing is to be made in it.
+    bool isDevice() const;
 
     /// Where a file of the device lies here: `\windows\X`, `\Temp\X`, or a bare name for the
     /// root of the device.
@@ -27,11 +29,11 @@ public:
     /// `Temp` and `run`. Only the user may enter what is made. False when one could not be made.
     bool makeFolders() const;
 
-    /// Makes a root that does not exist yet. It is built aside, filled by `furnish` (which is
-    /// given the root being built and returns whether it succeeded), and put in place whole, so
-    /// that nobody ever sees half a device. True when the root exists afterwards, also when
-    /// somebody else made it meanwhile; after a failure nothing is left behind. What a killed
-    /// process left of a root that it was building is removed.
+    /// Makes a device where there is nothing yet, or an empty folder. It is built aside, filled by
+    /// `furnish` (which is given the root being built and returns whether it succeeded), and put in
+    /// place whole, so that nobody ever sees half a device. True when there is a device afterwards,
+    /// also when somebody else made it meanwhile; after a failure nothing is left behind.
+    /// What a killed process left of a device that it was building is removed.
     bool provision(const std::function<bool(const DeviceRoot &)> &furnish) const;
 
 private:

@@ -14,7 +14,7 @@ RegistryValue valueOf(const SqliteStatement &row, int typeColumn, int dataColumn
 
 } // namespace
 
-Registry::Registry(const DeviceRoot &device) : path_(device.registryPath()) { open(); }
+Registry::Registry(const DeviceRoot &device) : device_(device) { open(); }
 
 bool Registry::isOpen() {
     const std::lock_guard lock(mutex_);
@@ -26,8 +26,8 @@ bool Registry::open() {
     if (database_)
         return true;
     const SqliteDatabase::Options options{
-        .create = true, .syncEveryCommit = false, .busyTimeout = 2000};
-    database_ = SqliteDatabase::open(path_, options, &error_);
+        .create = device_.isDevice(), .syncEveryCommit = false, .busyTimeout = 2000};
+    database_ = SqliteDatabase::open(device_.registryPath(), options, &error_);
     if (!database_)
         return false;
     // The row id counts up with each new value, which is the order that values are listed in.

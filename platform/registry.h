@@ -27,7 +27,8 @@ using RegistryValue = std::variant<quint32, QString>;
 /// write returns false.
 class Registry {
 public:
-    /// Opens the registry of the device, making its file when it is missing.
+    /// Opens the registry of the device, making its file when it is missing. Where there is no
+    /// device none is made.
     explicit Registry(const DeviceRoot &device);
     ~Registry();
     Registry(const Registry &) = delete;
@@ -76,7 +77,7 @@ private:
     bool insert(QStringView key, QStringView name, const RegistryValue &value,
                 const QByteArray &onConflict);
 
-    const QString path_;
+    const DeviceRoot device_;
     std::recursive_mutex mutex_; // guards what follows
     std::unique_ptr<SqliteDatabase> database_;
     QString error_;

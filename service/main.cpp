@@ -7,7 +7,6 @@
 #include "store/settings_store.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
 
 #include <fcntl.h>
 #include <malloc.h>
@@ -124,9 +123,7 @@ int run(const QStringList &commandLine) {
     Options options{.isForeground = parser.isSet(foreground), .isVerbose = parser.isSet(verbose)};
     if (parser.isSet(home))
         options.root = DeviceRoot(parser.value(home));
-    // A folder that is something else is not to become a device by a slip.
-    const bool isDevice = QFileInfo(options.root.filePath(u"\\windows")).isDir();
-    if (!isDevice || !options.root.makeFolders())
+    if (!options.root.isDevice() || !options.root.makeFolders())
         return fail(QStringLiteral("there is no usable device at %1").arg(options.root.path()));
     if (const auto pid = runningService(options.root)) {
         std::fprintf(stderr, "feedlarkd: it runs already, as process %d\n", static_cast<int>(*pid));

@@ -101,7 +101,7 @@ bool FeedStore::CreateDatabase() {
     const auto guard = lock();
     ReleaseSession();
     const QString path = device_.filePath(databaseName);
-    if (!device_.makeFolders())
+    if (!device_.isDevice() || !device_.makeFolders())
         return recordFailure(false);
     const FileLock creation(device_.filePath(creationLock));
     if (!creation.isHeld())

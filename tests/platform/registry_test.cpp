@@ -18,6 +18,8 @@ constexpr QStringView key = u"Software\\Test";
 
 class RegistryTest : public testing::Test {
 protected:
+    void SetUp() override { ASSERT_TRUE(root_.makeFolders()); }
+
     QTemporaryDir folder_;
     const DeviceRoot root_{folder_.path()};
 };
