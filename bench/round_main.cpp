@@ -30,7 +30,7 @@ int main(int argc, char **argv) {
         runAutoRound({device, registry, store, {}}, {.start = now, .since = now.addSecs(1)},
                      [](const RefreshJob &, const RefreshResult &) {});
     region.end();
-    if (result.failed > 0 || result.tried != autoUpdatedChannels(device).size()) {
+    if (result.failed > 0 || !result.isOver) {
         std::fprintf(stderr, "bench_round: tried %d channels, of which %d failed\n", result.tried,
                      result.failed);
         return 1;

@@ -75,7 +75,8 @@ void listAutomatic(const DeviceRoot &device, const Feeds &feeds) {
     const QByteArray bytes = encodeChannelFile(lines);
     const bool isWritten =
         file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
-    check(isWritten && autoUpdatedChannels(device).size() == feeds.size(), device.path());
+    const auto listed = autoUpdatedChannels(device);
+    check(isWritten && listed && listed->size() == feeds.size(), device.path());
 }
 
 bool recount(FeedStore &store, const StorePlan &plan) {
@@ -121,7 +122,7 @@ QString databaseOf(const QString &home) { return DeviceRoot(home).filePath(u"RSS
 
 void makeStore(const QString &home, const StorePlan &plan) {
     const DeviceRoot device(home);
-    check(!device.exists() && provisionDevice(device, {}, todayItem), home);
+    check(!device.isDevice() && provisionDevice(device, {}, todayItem), home);
     {
         Registry registry(device);
         makeCategories(registry, plan);

@@ -3,6 +3,7 @@
 #include "platform/text.h"
 #include "res/default_channels.h"
 #include "res/strings.h"
+#include "store/category_changes.h"
 #include "store/error_codes.h"
 #include "store/provisioning.h"
 #include "store/seeding.h"
@@ -11,6 +12,8 @@ namespace tidebrook {
 
 namespace {
 
+const QString listedFailure = QStringLiteral("the list of categories could not be stored");
+const QString nameNeeded = QStringLiteral("a category needs a name");
 constexpr qsizetype categoryLabelLimit = 39; // what the reader's label editor takes
 
 // As the label editor stores a name.
@@ -31,17 +34,16 @@ int failStore(const Device &device) { return fail(storeFailure(device)); }
 
 int runInit(const DeviceRoot &root) {
     if (!provisionDevice(root, defaultChannelsFile(), todayItemKey()))
-        return fail(QStringLiteral("%1: the device root cannot be made").arg(root.path()));
+        return fail(QStringLiteral("%1: no device can be made there").arg(root.path()));
     if (!root.makeFolders())
-        return fail(QStringLiteral("%1: the device's folders cannot be made").arg(root.path()));
+        return fail(foldersFailure(root));
     Device device(root);
-    const FileLock channelsLock(device.channelsLockPath());
-    if (!device.openRegistry())
+    if (!device.lockChannels() || !device.openRegistry())
         return ExitFailed;
     quint32 categoryCount = 0;
     SettingsStore(device.registry).RegReadDword(programKey, u"CategoryNumber", categoryCount);
-    if (categoryCount == 0)
-        seedCategories(root, device.registry);
+    if (categoryCount == 0 && seedCategories(root, device.registry) == Seeding::NotStored)
+        return fail(listedFailure);
     if (!device.openStore())
         return ExitFailed;
     const auto channels = device.channels();
@@ -64,16 +66,13 @@ QString ensureCategory(Device &device, const QString &name) {
         return name;
     const QString stored = categoryName(name);
     if (stored.isEmpty()) {
-        fail(QStringLiteral("a category needs a name"));
+        fail(nameNeeded);
         return {};
     }
-    // On a device without a count the first call makes the count.
-    const bool isListed = device.categories().contains(stored) ||
-                          device.categoryStore.AddCategory(stored) ||
-                          device.categoryStore.AddCategory(stored);
-    if (!isListed)
-        fail(QStringLiteral("the category could not be stored"));
-    return isListed ? stored : QString();
+    if (device.categoryStore.ensureListed(stored))
+        return stored;
+    fail(listedFailure);
+    return {};
 }
 
 int runAddCategory(Device &device, const Arguments &arguments) {
@@ -87,37 +86,29 @@ int runRenameCategory(Device &device, const Arguments &arguments) {
     const QString name = categoryName(arguments.operands[1]);
     if (!device.hasCategory(old))
         return ExitFailed;
-    if (name == old)
+    if (name.isEmpty())
+        return fail(nameNeeded);
+    switch (RenameCategory(device.categoryStore, device.store, old, name)) {
+    case CategoryChange::Done:
         return ExitDone;
-    if (device.categories().contains(name))
+    case CategoryChange::NameTaken:
         return fail(resourceString(nameExistsString));
-    // In this order the channels are in a listed category at every moment.
-    if (ensureCategory(device, name).isEmpty())
-        return ExitFailed;
-    if (!device.store.MoveCategory(old, name)) {
-        device.categoryStore.DeleteCategory(name);
+    case CategoryChange::NotMoved:
         return failStore(device);
+    case CategoryChange::NotListed:
+        break;
     }
-    return device.categoryStore.DeleteCategory(old)
-               ? ExitDone
-               : fail(QStringLiteral("\"%1\" is empty now, but could not be deleted").arg(old));
+    return fail(listedFailure);
 }
 
 int runDeleteCategory(Device &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     if (!device.hasCategory(name))
         return ExitFailed;
-    const auto channels = device.channels(name);
-    if (!channels)
-        return ExitFailed;
-    if (!device.store.DeleteCategoryChannels(name))
-        return failStore(device);
-    for (const ListedChannel &channel : *channels)
-        dropAutomatic(device, channel.name);
-    if (!device.categoryStore.DeleteCategory(name))
-        return fail(QStringLiteral("the list of categories could not be stored"));
-    device.store.PublishTotalUnread();
-    return ExitDone;
+    const ChannelChange end = deleteChannelsOf(device.root, device.store, name);
+    if (end != ChannelChange::StoreFailed && !device.categoryStore.DeleteCategory(name))
+        return fail(listedFailure);
+    return toldEnd(device, end);
 }
 
 } // namespace tidebrook

@@ -23,6 +23,20 @@ QString subscribe(Device &device, const ChannelRecord &channel, QString *reason)
     return {};
 }
 
+int toldEnd(Device &device, ChannelChange end) {
+    switch (end) {
+    case ChannelChange::Done:
+        return ExitDone;
+    case ChannelChange::NameTaken:
+        return fail(resourceString(nameExistsString));
+    case ChannelChange::StoreFailed:
+        return failStore(device);
+    case ChannelChange::ListFailed:
+        break;
+    }
+    return fail(QStringLiteral("the list of automatic updates could not be read or stored"));
+}
+
 int runChannels(Device &device, const Arguments &arguments) {
     const QString category = arguments.operands.value(0);
     if (!category.isNull() && !device.hasCategory(category))
@@ -60,12 +74,8 @@ int runRename(Device &device, const Arguments &arguments) {
         return ExitFailed;
     if (name.isEmpty())
         return fail(QStringLiteral("a channel needs a name"));
-    QString other;
-    if (name != old && (!device.store.FindCategory(name, other) || !other.isNull()))
-        return fail(resourceString(nameExistsString));
-    if (!device.store.RenameChannel(old, name))
-        return failStore(device);
-    return name == old ? ExitDone : renameAutomatic(device, old, name);
+    return name == old ? ExitDone
+                       : toldEnd(device, renameChannel(device.root, device.store, old, name));
 }
 
 int runMove(Device &device, const Arguments &arguments) {
@@ -90,11 +100,7 @@ int runDelete(Device &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     if (!device.hasChannel(name))
         return ExitFailed;
-    if (!device.store.DeleteChannel(name))
-        return failStore(device);
-    dropAutomatic(device, name);
-    device.store.PublishTotalUnread();
-    return ExitDone;
+    return toldEnd(device, deleteChannel(device.root, device.store, name));
 }
 
 } // namespace tidebrook

@@ -2,6 +2,7 @@
 
 #include "ctl/arguments.h"
 #include "ctl/device.h"
+#include "update/channel_changes.h"
 #include "update/refresh_job.h"
 
 #include <optional>
@@ -53,10 +54,8 @@ QString listedTitle(Device &device, const QString &channel, const QString &title
 /// there is none such.
 std::optional<RefreshJob> jobOf(Device &device, const QString &category, const QString &channel);
 
-/// Takes a channel out of the automatic updates. False when the list could not be stored.
-bool dropAutomatic(Device &device, const QString &name);
-/// Has the automatic updates go on with a channel that was renamed; the exit code.
-int renameAutomatic(Device &device, const QString &old, const QString &name);
+/// The exit code of a change of channels; a failure is told.
+int toldEnd(Device &device, ChannelChange end);
 
 /// That the database failed, in words.
 QString storeFailure(const Device &device);

@@ -12,7 +12,12 @@ Device::Device(const DeviceRoot &deviceRoot)
     : root(deviceRoot), registry(root), store(root, registry, todayItemKey()),
       categoryStore(registry) {}
 
-QString Device::channelsLockPath() const { return root.filePath(u"\\run\\channels.lock"); }
+bool Device::lockChannels() {
+    const QString path = root.filePath(u"\\run\\channels.lock");
+    if (!channelsLock_.emplace(path).isHeld())
+        fail(QStringLiteral("%1: cannot be locked").arg(path));
+    return channelsLock_->isHeld();
+}
 
 bool Device::openRegistry() {
     const bool isReadable =
@@ -70,6 +75,10 @@ std::optional<QList<ListedChannel>> Device::channels(const QString &category) {
 
 QStringList Device::categories() {
     return categoryStore.listedCategories().value_or(QStringList());
+}
+
+QString foldersFailure(const DeviceRoot &root) {
+    return QStringLiteral("%1: the device's folders cannot be made").arg(root.path());
 }
 
 } // namespace tidebrook

@@ -35,11 +35,13 @@ public:
     FeedStore store;
     CategoryListStore categoryStore;
 
-    /// The file to lock against other commands: then the categories and channels that are listed
-    /// stay so, and a change of several steps is seen whole.
-    QString channelsLockPath() const;
-
     // Each of these tells on standard error why it failed, if it did.
+
+    /// Locks the channels against other commands and the reader, for as long as this lives: the
+    /// categories and channels that are listed stay so, and a change of several steps is seen
+    /// whole.
+    bool lockChannels();
+    void unlockChannels() { channelsLock_.reset(); }
 
     bool openRegistry();
     bool openStore();
@@ -50,6 +52,12 @@ public:
     std::optional<QList<ListedChannel>> channels(const QString &category = {});
 
     QStringList categories();
+
+private:
+    std::optional<FileLock> channelsLock_;
 };
+
+/// That the folders of a device cannot be made, in words.
+QString foldersFailure(const DeviceRoot &root);
 
 } // namespace tidebrook

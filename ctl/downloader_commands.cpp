@@ -21,8 +21,6 @@ using namespace std::chrono_literals;
 constexpr int answerTimeout = 60;    // seconds, as the reader waits
 constexpr int longestTimeout = 3600; // seconds
 
-const QString listFailure = QStringLiteral("the list of automatic updates could not be stored");
-
 QString displayed(const QDateTime &moment) {
     return moment.isValid() ? moment.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
                             : QStringLiteral("never");
@@ -44,10 +42,10 @@ QString resultInWords(const UpdateState &state) {
 /// When channels are tried automatically.
 class NextTries {
 public:
-    explicit NextTries(Device &device)
+    NextTries(Device &device, const QList<RefreshJob> &listed)
         : now_(utcNow()), settings_(AutoUpdateSettings::read(device.registry)),
           round_(nextRound(settings_, storedLastRound(device.registry), now_)) {
-        for (const RefreshJob &job : autoUpdatedChannels(device.root))
+        for (const RefreshJob &job : listed)
             listed_.insert(job.channelName);
     }
 
@@ -61,7 +59,7 @@ public:
         // The first round that is not too early.
         QDateTime next = qMax(*round_, now_);
         while (wish.isValid() && next < wish)
-            next = *nextRound(settings_, next, now_);
+            next = nextRound(settings_, next, now_).value_or(wish);
         return next <= now_ ? QStringLiteral("now") : displayed(next);
     }
 
@@ -73,7 +71,10 @@ private:
 };
 
 int listAutomatic(Device &device) {
-    for (const RefreshJob &job : autoUpdatedChannels(device.root))
+    const auto channels = autoUpdatedChannels(device.root);
+    if (!channels)
+        return toldEnd(device, ChannelChange::ListFailed);
+    for (const RefreshJob &job : *channels)
         printFields({job.channelName, job.category, job.url});
     return ExitDone;
 }
@@ -85,15 +86,14 @@ int addAutomatic(Device &device, const QString &name) {
     if (!device.store.FindCategory(name, job.category) ||
         !device.store.GetChannelLink(job.category, name, job.url))
         return failStore(device);
-    if (isAutoUpdated(device.root, name) || setAutoUpdate(device.root, job, true))
-        return ExitDone;
-    return fail(listFailure);
+    return toldEnd(device, makeAutomatic(device.root, device.store, job, true));
 }
 
 int removeAutomatic(Device &device, const QString &name) {
-    if (!isAutoUpdated(device.root, name))
+    if (isAutoUpdated(device.root, name) == false)
         return fail(QStringLiteral("\"%1\" is not on the list").arg(name));
-    return dropAutomatic(device, name) ? ExitDone : fail(listFailure);
+    const QString any = QStringLiteral("");
+    return toldEnd(device, makeAutomatic(device.root, device.store, {any, name, any}, false));
 }
 
 int tellService(Device &device) {
@@ -109,15 +109,6 @@ int startService(Device &device) {
 }
 
 } // namespace
-
-bool dropAutomatic(Device &device, const QString &name) {
-    return !isAutoUpdated(device.root, name) ||
-           setAutoUpdate(device.root, {QStringLiteral(""), name, QStringLiteral("")}, false);
-}
-
-int renameAutomatic(Device &device, const QString &old, const QString &name) {
-    return renameAutoUpdated(device.root, old, name) ? ExitDone : fail(listFailure);
-}
 
 int runRequest(Device &device, const Arguments &arguments) {
     bool isNumber = true;
@@ -173,8 +164,11 @@ int runUpdates(Device &device, const Arguments &) {
     const auto channels = device.channels();
     if (!channels)
         return ExitFailed;
+    const auto automatic = autoUpdatedChannels(device.root);
+    if (!automatic)
+        return toldEnd(device, ChannelChange::ListFailed);
     const QHash<QString, UpdateState> states = UpdateStateStore(device.root).readAll();
-    const NextTries nextTries(device);
+    const NextTries nextTries(device, *automatic);
     for (const ListedChannel &channel : *channels) {
         const UpdateState state = states.value(channel.name);
         printFields({channel.name, displayed(state.lastSuccess), resultInWords(state),

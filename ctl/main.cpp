@@ -3,14 +3,14 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace tidebrook {
 
 namespace {
 
-/// What a command needs before it runs: the last, the store and nobody else at its channels.
-enum class Needs { Root, Registry, Store, Channels };
+/// What a command needs before it runs: nobody else at the channels (Files, Channels), and the
+/// store open (Store, Channels).
+enum class Needs { Root, Registry, Files, Store, Channels };
 
 struct Command {
     QStringView name;
@@ -65,7 +65,7 @@ constexpr std::array commands{
     Command{u"request", 2, 2, u"timeout", Needs::Store, runRequest,
             u"request CATEGORY CHANNEL [--timeout SECONDS]",
             u"have the downloader refresh a channel, as the reader does (waits 60 seconds)"},
-    Command{u"auto", 1, 2, u"", Needs::Store, runAuto, u"auto list | add NAME | remove NAME",
+    Command{u"auto", 1, 2, u"", Needs::Channels, runAuto, u"auto list | add NAME | remove NAME",
             u"the channels that are updated automatically"},
     Command{u"updates", 0, 0, u"", Needs::Channels, runUpdates, u"updates",
             u"list channels: name, last success, last result, next automatic try"},
@@ -74,7 +74,7 @@ constexpr std::array commands{
     Command{u"setting", 1, 2, u"today", Needs::Registry, runSetting,
             u"setting NAME [VALUE] [--today]",
             u"read or write a setting (--today: the Today item's)"},
-    Command{u"check", 0, 0, u"", Needs::Registry, runCheck, u"check",
+    Command{u"check", 0, 0, u"", Needs::Files, runCheck, u"check",
             u"examine what is stored; a line for each fault"},
 };
 
@@ -104,15 +104,17 @@ int runCommand(const Command &command, const Arguments &arguments) {
         arguments.home.isEmpty() ? DeviceRoot::standard() : DeviceRoot(arguments.home);
     if (command.needs == Needs::Root)
         return runInit(root);
-    if (!root.exists())
+    if (!root.isDevice())
         return fail(QStringLiteral("there is no device at %1; 'tidebrookctl init' makes one")
                         .arg(root.path()));
-    root.makeFolders();
+    if (!root.makeFolders())
+        return fail(foldersFailure(root));
     Device device(root);
-    const auto channels = command.needs == Needs::Channels
-                              ? std::make_unique<FileLock>(device.channelsLockPath())
-                              : nullptr;
-    if (command.needs != Needs::Registry && !device.openStore())
+    const bool needsChannels = command.needs == Needs::Channels || command.needs == Needs::Files;
+    if (needsChannels && !device.lockChannels())
+        return ExitFailed;
+    const bool needsStore = command.needs == Needs::Channels || command.needs == Needs::Store;
+    if (needsStore && !device.openStore())
         return ExitFailed;
     return command.run(device, arguments);
 }

@@ -42,7 +42,8 @@ int runImport(Device &device, const Arguments &arguments) {
     if (!reader.open(mode, source))
         return fail(QStringLiteral("%1: %2").arg(source, messageWithCode(reader.error())));
     // Only now: nobody is to wait for a server that this waits for.
-    const FileLock channelsLock(device.channelsLockPath());
+    if (!device.lockChannels())
+        return ExitFailed;
     const QString category = ensureCategory(device, arguments.operands[1].trimmed());
     if (category.isEmpty())
         return ExitFailed;

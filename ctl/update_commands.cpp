@@ -46,7 +46,8 @@ void printResult(const RefreshJob &job, const RefreshResult &result) {
 // The channels that the operands name; nothing, with the failure told, when there are none such.
 std::optional<QList<RefreshJob>> wantedJobs(Device &device, const QString &category,
                                             const QString &channel) {
-    const FileLock lock(device.channelsLockPath());
+    if (!device.lockChannels())
+        return std::nullopt;
     if (!category.isNull() && !device.hasCategory(category))
         return std::nullopt;
     if (!channel.isNull()) {
@@ -92,6 +93,7 @@ int runUpdate(Device &device, const Arguments &arguments) {
     if (isOneByOne && !arguments.jobs.isEmpty())
         return failUsage(QStringLiteral("--pauses goes without --jobs"));
     const std::optional<QList<RefreshJob>> wanted = wantedJobs(device, category, channel);
+    device.unlockChannels(); // nobody waits for servers that this waits for
     if (!wanted)
         return ExitFailed;
     const QList<RefreshJob> &jobs = *wanted;

@@ -73,12 +73,10 @@ bool CategoryListStore::AddCategory(const QString &name) {
     return settings_.RegWriteDword(programKey, countName, count + 1) && commit(batch);
 }
 
-bool CategoryListStore::RenameCategory(const QString &old, const QString &to) {
-    if (to.isNull())
-        return false;
-    Registry::Batch batch(settings_.registry());
-    return batch.isOpen() && settings_.registry().remove(categoriesKey, old) &&
-           settings_.RegWriteDword(categoriesKey, to, 0) && commit(batch);
+bool CategoryListStore::ensureListed(const QString &name) {
+    // Without a count the first call makes the count.
+    return listedCategories().value_or(QStringList()).contains(name) || AddCategory(name) ||
+           AddCategory(name);
 }
 
 bool CategoryListStore::DeleteCategory(const QString &name) {
@@ -86,7 +84,13 @@ bool CategoryListStore::DeleteCategory(const QString &name) {
         return false;
     Registry::Batch batch(settings_.registry());
     quint32 count = 0;
-    return batch.isOpen() && readCount(count) && settings_.registry().remove(categoriesKey, name) &&
+    if (!batch.isOpen())
+        return false;
+    if (!readCount(count)) {
+        commit(batch); // the count that the read has made
+        return false;
+    }
+    return settings_.registry().remove(categoriesKey, name) &&
            settings_.RegWriteDword(programKey, countName, qMax(count, 1U) - 1) && commit(batch);
 }
 

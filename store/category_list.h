@@ -35,11 +35,11 @@ public:
     /// 0, so that the next call succeeds).
     bool AddCategory(const QString &name);
 
-    /// False when there is no `old`. Whether `to` exists is for the caller to see to: it would
-    /// become one with it, and the count one too high. Channels are not touched.
-    bool RenameCategory(const QString &old, const QString &to);
+    /// Adds the category unless it is listed. False when it is not listed afterwards.
+    bool ensureListed(const QString &name);
 
-    /// False when there is no such category. Its channels stay.
+    /// False when there is no such category, or when the count did not exist (it does afterwards,
+    /// as 0). The category's channels stay.
     bool DeleteCategory(const QString &name);
 
 private:

@@ -38,7 +38,7 @@ std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
     for (QStringView line : lines) {
         if (line.endsWith(u'\r'))
             line.chop(1);
-        if (line.isEmpty()) // a channel without a name would end every list that it is in
+        if (line.isEmpty()) // an empty line is nobody's channel
             continue;
         const QList<QStringView> fields = line.split(u'\t');
         channels.append({field(fields, 0, channelNameCapacity), field(fields, 1, linkCapacity),
@@ -47,25 +47,24 @@ std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
     return channels;
 }
 
-bool seedCategories(const DeviceRoot &device, Registry &registry) {
+Seeding seedCategories(const DeviceRoot &device, Registry &registry) {
     const std::optional<QString> text = readSeedFile(device);
     if (!text)
-        return false;
+        return Seeding::NoFile;
     CategoryListStore categories(registry);
     Registry::Batch batch(registry);
-    if (!batch.isOpen())
-        return true;
+    bool isStored = batch.isOpen();
     // Fields are taken in threes with no heed to lines, and empty ones vanish.
     QString delimited = *text;
     delimited.replace(u'\t', u'\n').replace(u'\r', u'\n');
     const QStringList tokens = delimited.split(u'\n', Qt::SkipEmptyParts);
-    for (qsizetype category = 2; category < tokens.size(); category += 3) {
-        categories.AddCategory(
-            TrimTrailingBlanks(cutText(tokens[category], categoryCapacity)).toString());
+    for (qsizetype category = 2; isStored && category < tokens.size(); category += 3) {
+        const QString name =
+            TrimTrailingBlanks(cutText(tokens[category], categoryCapacity)).toString();
+        isStored = categories.AddCategory(name) || registry.read(categoriesKey, name).has_value();
     }
-    if (batch.commit())
-        registry.flush();
-    return true;
+    isStored = isStored && batch.commit() && registry.flush();
+    return isStored ? Seeding::Done : Seeding::NotStored;
 }
 
 } // namespace tidebrook

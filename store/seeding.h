@@ -23,8 +23,10 @@ struct SeedChannel {
 /// read.
 std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device);
 
+enum class Seeding { Done, NoFile, NotStored };
+
 /// Adds every category that the seed file names to the list, as one change of the registry: a
-/// start that is cut short leaves them all to the next. False only when the file cannot be read.
-bool seedCategories(const DeviceRoot &device, Registry &registry);
+/// start that is cut short leaves them all to the next, and so does a failure (`NotStored`).
+Seeding seedCategories(const DeviceRoot &device, Registry &registry);
 
 } // namespace tidebrook

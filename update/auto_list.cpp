@@ -1,6 +1,5 @@
 #include "update/auto_list.h"
 
-#include "platform/file_lock.h"
 #include "platform/replace_file.h"
 #include "platform/text.h"
 #include "store/escape_sql.h"
@@ -11,6 +10,8 @@
 #include <QSet>
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 namespace tidebrook {
 
@@ -18,10 +19,10 @@ namespace {
 
 constexpr QStringView listFile = u"\\windows\\UpdateChannel.list";
 constexpr qint64 listLimit = 16 * 1024 * 1024; // bytes; room for more channels than any device has
-constexpr QStringView listLock = u"\\run\\list.lock";
 
-// Names on the list are told apart by as much of them as a channel's name can have.
-QStringView comparable(QStringView name) { return cutText(name, channelNameCapacity); }
+QStringView comparable(QStringView name) {
+    return TrimTrailingBlanks(cutText(name, channelNameCapacity));
+}
 
 /// A piece of the list: a channel, or text that is none.
 struct Entry {
@@ -59,25 +60,19 @@ QList<Entry> readEntries(const QString &text) {
     return entries;
 }
 
-std::optional<QString> readList(const QString &path) { return readChannelFile(path, listLimit); }
-
-QString withLine(const QString &text, const RefreshJob &job) {
-    // A list that somebody's editor left without its last line feed must not run into the line.
-    const bool isWhole = text.isEmpty() || text.endsWith(u'\n');
-    return text + (isWhole ? u"" : u"\n") + channelLine(job);
+// A list that is missing is an empty one.
+std::optional<QString> readList(const QString &path) {
+    return QFileInfo::exists(path) ? readChannelFile(path, listLimit) : QString();
 }
 
 bool hasName(const Entry &entry, const QString &channelName) {
     return entry.channel && comparable(entry.channel->channelName) == comparable(channelName);
 }
 
-QString withoutName(const QString &text, const QString &channelName) {
-    QString kept;
-    for (const Entry &entry : readEntries(text)) {
-        if (!hasName(entry, channelName))
-            kept += entry.text + u'\n';
-    }
-    return kept;
+bool isGone(FeedStore &store, const Entry &entry) {
+    QString category;
+    return entry.channel && store.FindCategory(entry.channel->channelName, category) &&
+           category.isNull();
 }
 
 // A line that would not be read as these three texts again would spoil those behind it.
@@ -85,61 +80,74 @@ bool canBeLine(const RefreshJob &job) {
     return parseChannelLine(QStringView(channelLine(job)).chopped(1)).has_value();
 }
 
-} // namespace
-
-bool isAutoUpdated(const DeviceRoot &device, const QString &channelName) {
+bool changeList(const DeviceRoot &device, FeedStore &store,
+                const std::function<void(QList<Entry> &)> &work) {
     const QString path = device.filePath(listFile);
     if (!QFileInfo::exists(path))
-        QFile(path).open(QIODevice::WriteOnly | QIODevice::Append); // which makes it
-    const QList<Entry> entries = readEntries(readList(path).value_or(QString()));
+        return true;
+    const std::optional<QString> text = readList(path);
+    if (!text)
+        return false;
+    QList<Entry> entries = readEntries(*text);
+    entries.removeIf([&](const Entry &entry) { return isGone(store, entry); });
+    work(entries);
+    QString changed;
+    for (const Entry &entry : std::as_const(entries))
+        changed += entry.text + u'\n';
+    return changed == *text || replaceFile(path, encodeChannelFile(changed));
+}
+
+} // namespace
+
+std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &channelName) {
+    const QString path = device.filePath(listFile);
+    const bool isThere = QFileInfo::exists(path) ||
+                         QFile(path).open(QIODevice::WriteOnly | QIODevice::Append); // makes it
+    const std::optional<QString> text = isThere ? readList(path) : std::nullopt;
+    if (!text)
+        return std::nullopt;
+    const QList<Entry> entries = readEntries(*text);
     return std::any_of(entries.begin(), entries.end(),
                        [&](const Entry &entry) { return hasName(entry, channelName); });
 }
 
-bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add) {
+bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob &job, bool add) {
     if (job.url.isNull() || job.channelName.isNull() || job.category.isNull())
         return true;
     if (add && !canBeLine(job))
         return false;
-    const FileLock lock(device.filePath(listLock));
-    const QString path = device.filePath(listFile);
-    if (!QFileInfo::exists(path))
-        return true;
-    const std::optional<QString> text = readList(path);
-    if (!lock.isHeld() || !text)
-        return false;
-    const QString changed = add ? withLine(*text, job) : withoutName(*text, job.channelName);
-    return replaceFile(path, encodeChannelFile(changed));
+    return changeList(device, store, [&](QList<Entry> &entries) {
+        if (add)
+            entries.append(entryOf({job.channelName, job.url, job.category}));
+        else
+            entries.removeIf([&](const Entry &entry) { return hasName(entry, job.channelName); });
+    });
 }
 
-bool renameAutoUpdated(const DeviceRoot &device, const QString &old, const QString &name) {
-    const FileLock lock(device.filePath(listLock));
-    const QString path = device.filePath(listFile);
-    if (!QFileInfo::exists(path))
-        return true;
-    const std::optional<QString> text = readList(path);
-    if (!lock.isHeld() || !text)
-        return false;
-    QString changed;
-    bool isListed = false;
-    for (const Entry &entry : readEntries(*text)) {
-        if (!hasName(entry, old)) {
-            changed += entry.text + u'\n';
-            continue;
+bool prepareAutoRename(const DeviceRoot &device, FeedStore &store, const QString &old,
+                       const QString &name) {
+    return changeList(device, store, [&](QList<Entry> &entries) {
+        for (qsizetype i = entries.size() - 1; i >= 0; --i) {
+            if (!hasName(entries[i], old))
+                continue;
+            const RefreshJob job{entries[i].channel->url, name, entries[i].channel->category};
+            if (canBeLine(job))
+                entries.insert(i + 1, entryOf({job.channelName, job.url, job.category}));
         }
-        isListed = true;
-        const RefreshJob job{entry.channel->url, name, entry.channel->category};
-        if (canBeLine(job))
-            changed += channelLine(job);
-    }
-    return !isListed || replaceFile(path, encodeChannelFile(changed));
+    });
 }
 
-QList<RefreshJob> autoUpdatedChannels(const DeviceRoot &device) {
-    const QString text = readList(device.filePath(listFile)).value_or(QString());
+bool pruneAutoUpdated(const DeviceRoot &device, FeedStore &store) {
+    return changeList(device, store, [](QList<Entry> &) {});
+}
+
+std::optional<QList<RefreshJob>> autoUpdatedChannels(const DeviceRoot &device) {
+    const std::optional<QString> text = readList(device.filePath(listFile));
+    if (!text)
+        return std::nullopt;
     QList<RefreshJob> channels;
     QSet<QString> names;
-    for (const Entry &entry : readEntries(text)) {
+    for (const Entry &entry : readEntries(*text)) {
         const std::optional<RefreshJob> channel = parseChannelLine(entry.text);
         if (channel && !names.contains(channel->channelName)) {
             names.insert(channel->channelName);

@@ -1,32 +1,46 @@
 #pragma once
 
 #include "platform/device_root.h"
+#include "store/feed_store.h"
 #include "update/refresh_job.h"
 
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 namespace tidebrook {
 
-/// Whether a channel is on the list of those that are updated automatically. A list that is
-/// missing comes into being by this, empty.
-bool isAutoUpdated(const DeviceRoot &device, const QString &channelName);
+// The list of the channels that are updated automatically. Names on it are told apart over 50
+// characters, and without the blanks at their ends.
+//
+// Every change replaces the list as a whole, and takes out the lines of channels that the store no
+// longer has. The caller holds the lock of the channels, so that nobody else changes either, and
+// has the store open. A change of a device without a list does nothing, with success. False means
+// that the list is as it was: it could not be read or written.
+
+/// Whether a channel is on the list. A list that is missing comes into being by this, empty.
+/// Nothing when the list cannot be read, or made.
+std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &channelName);
 
 /// Adds a channel to the list (at its end, also when it is there already) or takes every line of
-/// that name out. Does nothing, with success, when a text of the job is null or there is no list
-/// yet; whoever adds asks `isAutoUpdated` first. The list is replaced as a whole, and what another
-/// process does to it meanwhile is kept. False means that it is as it was: it could not be
-/// written, or the channel cannot be a line of it (an empty text, a tab, a line feed).
-bool setAutoUpdate(const DeviceRoot &device, const RefreshJob &job, bool add);
+/// that name out. Does nothing, with success, when a text of the job is null; whoever adds asks
+/// `isAutoUpdated` first. False also when the channel cannot be a line of the list (an empty text,
+/// a tab, a line feed).
+bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob &job, bool add);
 
-/// Gives the line of a channel that was renamed its new name; the rest of it and its place in the
-/// list stay. A name that can be none of a line takes the channel off the list. True also when the
-/// channel is not on it. The list is replaced as by `setAutoUpdate`; false means that it is as it
-/// was.
-bool renameAutoUpdated(const DeviceRoot &device, const QString &old, const QString &name);
+/// To be called before a channel that is on the list gets another name: repeats its line under
+/// that name, behind the present one, so that the list is right before the renaming and after it.
+/// A name that can be none of a line is left out.
+bool prepareAutoRename(const DeviceRoot &device, FeedStore &store, const QString &old,
+                       const QString &name);
+
+/// Takes out the lines of channels that the store no longer has, and nothing else.
+bool pruneAutoUpdated(const DeviceRoot &device, FeedStore &store);
 
 /// The channels of the list in its order, for whoever updates them: each name once, its texts cut
-/// to their capacities. A line that is not a name, an address and a category is left out.
-QList<RefreshJob> autoUpdatedChannels(const DeviceRoot &device);
+/// to their capacities. A line that is not a name, an address and a category is left out. Nothing
+/// when the list cannot be read; a missing one is empty.
+std::optional<QList<RefreshJob>> autoUpdatedChannels(const DeviceRoot &device);
 
 } // namespace tidebrook

@@ -102,8 +102,11 @@ AutoRoundResult Run::run() {
 
 // What the list says of a channel may be older than what the store says; the store's holds.
 bool Run::collect() {
+    std::optional<QList<RefreshJob>> listed = autoUpdatedChannels(target_.device);
+    if (!listed)
+        return false;
     const QHash<QString, UpdateState> states = states_.readAll();
-    for (RefreshJob &job : autoUpdatedChannels(target_.device)) {
+    for (RefreshJob &job : *listed) {
         if (!target_.store.FindCategory(job.channelName, job.category))
             return false;
         if (job.category.isNull()) {

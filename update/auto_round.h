@@ -22,7 +22,7 @@ struct AutoRoundResult {
     int unknown = 0;     ///< on the list, but no longer in the store
     int storedCount = 0; ///< new articles
     /// Whether every channel has had its turn. If not, the same round is to be run again: it was
-    /// stopped, the store could not be read, or no server at all was reached.
+    /// stopped, the list or the store could not be read, or no server at all was reached.
     bool isOver = false;
 };
 

@@ -32,7 +32,7 @@ std::optional<RefreshJob> parseChannelLine(QStringView line) {
     if (fields.size() != 3 || line.contains(u'\n'))
         return std::nullopt;
     const auto field = [&fields](qsizetype index, qsizetype capacity) {
-        return cutText(TrimTrailingBlanks(fields[index]), capacity).toString();
+        return TrimTrailingBlanks(cutText(fields[index], capacity)).toString();
     };
     const RefreshJob job{field(1, linkCapacity), field(0, channelNameCapacity),
                          field(2, categoryCapacity)};

@@ -3,9 +3,10 @@
 #include "platform/file_lock.h"
 #include "platform/text.h"
 #include "res/strings.h"
+#include "store/category_changes.h"
 #include "store/error_codes.h"
 #include "store/escape_sql.h"
-#include "update/auto_list.h"
+#include "update/channel_changes.h"
 
 #include <mutex>
 
@@ -17,8 +18,7 @@ constexpr int done = 0;
 
 QString cut(const QString &name, qsizetype capacity) { return cutText(name, capacity).toString(); }
 
-// One job's hold on the channels; somebody who never lets go of them does not keep it from its
-// work, each step of which is whole. The codes of earlier failures are not those of this one.
+// One job's hold on the channels. The codes of earlier failures are not those of this one.
 class Change {
 public:
     explicit Change(DeviceParts &device)
@@ -27,12 +27,21 @@ public:
         device.store->clearError();
     }
 
-    /// The string that tells what failed: the database, or else the registry.
+    /// False when somebody else does not let go of the channels, or the device is gone.
+    bool isReady() const { return channelsLock_.isHeld() && device_.isStillThere(); }
+
+    /// The string that tells what failed: the database, or else a file.
     int fail() {
         const quint32 code = device_.store->error();
-        SetLastErrorCode(device_.registry, code != 0 ? code : quint32{DatabaseFailed});
+        SetLastErrorCode(device_.registry, code != 0 ? code : quint32{FileNotWritten});
         return code != 0 ? databaseProblemString : fileProblemString;
     }
+    int failStore() {
+        if (device_.store->error() == 0)
+            device_.store->recordError(DatabaseFailed);
+        return fail();
+    }
+    int end(bool isDone) { return isDone ? done : fail(); }
 
 private:
     const FileLock channelsLock_;
@@ -40,58 +49,50 @@ private:
     DeviceParts &device_;
 };
 
-// In this order a program that ends in the middle leaves no channel without a category.
 int renameCategory(DeviceParts &device, const QString &newName, const QString &oldName) {
     Change change(device);
-    if (!device.isStillThere() || !device.categoryStore.AddCategory(newName))
+    if (!change.isReady())
         return change.fail();
-    if (!device.store->MoveCategory(oldName, newName)) {
-        device.categoryStore.DeleteCategory(newName);
-        return change.fail();
+    switch (RenameCategory(device.categoryStore, *device.store, oldName, newName)) {
+    case CategoryChange::Done:
+        return done;
+    case CategoryChange::NameTaken:
+        return nameExistsString;
+    case CategoryChange::NotMoved:
+        return change.failStore();
+    case CategoryChange::NotListed:
+        break;
     }
-    return device.categoryStore.DeleteCategory(oldName) ? done : change.fail();
-}
-
-void dropAutomatic(DeviceParts &device, const QString &channel) {
-    const QString any = QStringLiteral("");
-    if (isAutoUpdated(device.root, channel))
-        setAutoUpdate(device.root, {any, channel, any}, false);
+    return change.fail();
 }
 
 int deleteCategory(DeviceParts &device, const QString &category) {
     Change change(device);
-    bool isDone = device.isStillThere() && device.store->ListChannels(escapedCategory(category));
-    const QList<ChannelRow> channels = device.store->takeChannelRows();
-    isDone = isDone && device.store->DeleteCategoryChannels(category);
-    if (!isDone) {
-        device.categoryStore.AddCategory(category);
-        return change.fail();
-    }
-    for (const ChannelRow &channel : channels)
-        dropAutomatic(device, channel.nameText());
-    device.store->PublishTotalUnread();
-    return done;
+    const ChannelChange end = change.isReady()
+                                  ? deleteChannelsOf(device.root, *device.store, category)
+                                  : ChannelChange::StoreFailed;
+    if (end == ChannelChange::StoreFailed)
+        device.categoryStore.ensureListed(category); // if not now, then by the next start
+    return change.end(end == ChannelChange::Done);
 }
 
 // A category that somebody else has deleted meanwhile is listed again: nobody would see its
 // channels any more.
-void listCategory(DeviceParts &device, const QString &category) {
-    device.categoryStore.AddCategory(cut(category, categoryCapacity));
+bool listCategory(DeviceParts &device, const QString &category) {
+    return device.categoryStore.ensureListed(cut(category, categoryCapacity));
 }
 
 int insertChannel(DeviceParts &device, Change &change, const ChannelRecord &record) {
     if (!isStorableLink(record.channelLink))
         return wrongUrlString;
-    if (!device.isStillThere())
+    if (!change.isReady())
         return change.fail();
-    if (device.store->InsertChannel(record)) {
-        listCategory(device, record.category);
-        return done;
-    }
+    if (device.store->InsertChannel(record))
+        return change.end(listCategory(device, record.category));
     QString category;
     if (device.store->error() == 0)
         device.store->FindCategory(record.channelName, category);
-    return category.isNull() ? change.fail() : nameExistsString;
+    return category.isNull() ? change.failStore() : nameExistsString;
 }
 
 int addChannel(DeviceParts &device, const ChannelRecord &record) {
@@ -108,52 +109,37 @@ int addUnnamedChannel(DeviceParts &device, ChannelRecord record) {
     return insertChannel(device, change, record);
 }
 
-// A name that is taken stays what it is: the articles would go to the channel that has it.
-bool renameChannel(DeviceParts &device, const QString &from, const QString &to, QString *name) {
-    QString owner;
-    if (!device.store->FindCategory(to, owner))
-        return false;
-    if (!owner.isNull())
-        return true;
-    if (!device.store->RenameChannel(from, to))
-        return false;
-    *name = to;
-    return renameAutoUpdated(device.root, from, to);
-}
-
 // The name comes last, so that the channel is found under its old one until then.
 int changeChannel(DeviceParts &device, const ChannelProperties &from, const ChannelProperties &to) {
     Change change(device);
-    if (!device.isStillThere())
+    if (!change.isReady())
         return change.fail();
     FeedStore &store = *device.store;
     bool isDone = true;
-    if (to.category != from.category) {
-        isDone = store.MoveChannel(from.name, to.category);
-        if (isDone)
-            listCategory(device, to.category);
-    }
+    if (to.category != from.category)
+        isDone = store.MoveChannel(from.name, to.category) && listCategory(device, to.category);
     const bool isRelinked = to.link != from.link;
     if (isRelinked)
         isDone = store.SetChannelLink(from.name, to.link) && isDone;
     QString name = from.name;
-    if (to.name != from.name)
-        isDone = renameChannel(device, from.name, to.name, &name) && isDone;
+    if (to.name != from.name) {
+        const ChannelChange end = renameChannel(device.root, store, from.name, to.name);
+        name = end == ChannelChange::Done ? to.name : from.name;
+        isDone = (end == ChannelChange::Done || end == ChannelChange::NameTaken) && isDone;
+    }
     if (to.isAutoUpdated != from.isAutoUpdated)
-        isDone =
-            setAutoUpdate(device.root, {from.link, name, to.category}, to.isAutoUpdated) && isDone;
+        isDone = makeAutomatic(device.root, store, {from.link, name, to.category},
+                               to.isAutoUpdated) == ChannelChange::Done &&
+                 isDone;
     if (isRelinked && !isStorableLink(to.link))
         return wrongUrlString;
-    return isDone ? done : change.fail();
+    return change.end(isDone);
 }
 
 int deleteChannel(DeviceParts &device, const QString &channel) {
     Change change(device);
-    if (!device.isStillThere() || !device.store->DeleteChannel(channel))
-        return change.fail();
-    dropAutomatic(device, channel);
-    device.store->PublishTotalUnread();
-    return done;
+    return change.end(change.isReady() && tidebrook::deleteChannel(device.root, *device.store,
+                                                                   channel) == ChannelChange::Done);
 }
 
 } // namespace

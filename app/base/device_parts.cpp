@@ -7,6 +7,8 @@
 #include "store/escape_sql.h"
 #include "store/seeding.h"
 
+#include <algorithm>
+
 namespace tidebrook {
 
 DeviceParts::DeviceParts(const DeviceRoot &deviceRoot)
@@ -21,16 +23,18 @@ int DeviceParts::open() {
     const bool isRegistryReadable = registry.isOpen() && registry.values(programKey).has_value();
     quint32 categoryCount = 0;
     settings.RegReadDword(programKey, u"CategoryNumber", categoryCount);
+    bool areListed = true;
     if (categoryCount == 0 && isRegistryReadable)
-        seedCategories(root, registry);
+        areListed = channelsLock.isHeld() && seedCategories(root, registry) != Seeding::NotStored;
     const bool isStoreOpen = store->Open();
     if (!isRegistryReadable)
         return 0;
     if (!isStoreOpen)
         return store->error() == SeedFileMissing ? fileProblemString : databaseProblemString;
     ownFiles_ = files();
-    listLostCategories();
-    return 0;
+    // While somebody else is at work, a category may be lost for a moment only.
+    areListed = (!channelsLock.isHeld() || listLostCategories()) && areListed;
+    return areListed ? 0 : fileProblemString;
 }
 
 FileIdentities DeviceParts::files() const {
@@ -39,17 +43,16 @@ FileIdentities DeviceParts::files() const {
 
 bool DeviceParts::isStillThere() const { return ownFiles_.isEmpty() || files() == ownFiles_; }
 
-void DeviceParts::listLostCategories() {
+bool DeviceParts::listLostCategories() {
     QStringList ofChannels;
     auto listed = categoryStore.listedCategories();
     if (!listed || !store->ListChannelCategories(ofChannels))
-        return;
+        return false;
     for (QString &name : *listed)
         name = TrimTrailingBlanks(withoutDropped(name)).toString();
-    for (const QString &name : ofChannels) {
-        if (!name.isEmpty() && !listed->contains(name))
-            categoryStore.AddCategory(name);
-    }
+    return std::all_of(ofChannels.begin(), ofChannels.end(), [&](const QString &name) {
+        return name.isEmpty() || listed->contains(name) || categoryStore.ensureListed(name);
+    });
 }
 
 void DeviceParts::close() {

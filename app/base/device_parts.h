@@ -52,7 +52,7 @@ public:
 
 private:
     FileIdentities files() const;
-    void listLostCategories();
+    bool listLostCategories();
 
     FileIdentities ownFiles_; // empty when the device could not be opened
 };

@@ -14,6 +14,8 @@
 #include <QComboBox>
 #include <QLineEdit>
 
+#include <optional>
+
 namespace tidebrook {
 
 namespace {
@@ -32,7 +34,7 @@ constexpr qsizetype linkTaken = 510;
 struct Stored {
     bool isRead = false;
     QString link;
-    bool isAutoUpdated = false;
+    std::optional<bool> isAutoUpdated; // unset when the list could not be read
 };
 
 Stored readStored(DeviceParts &device, const QString &category, const QString &channel) {
@@ -113,12 +115,14 @@ void PropertiesDialog::read() {
 
 void PropertiesDialog::showStored(const Stored &stored) {
     initial_.link = stored.link;
-    initial_.isAutoUpdated = stored.isAutoUpdated;
+    initial_.isAutoUpdated = stored.isAutoUpdated.value_or(false);
     link_->setText(stored.link);
     link_->home(false);
-    auto_->setChecked(stored.isAutoUpdated);
+    auto_->setChecked(initial_.isAutoUpdated);
     if (!stored.isRead)
         ShowError(state(), databaseProblemString);
+    else if (!stored.isAutoUpdated)
+        ShowError(state(), fileProblemString);
 }
 
 // The category itself, before one that only begins like it.

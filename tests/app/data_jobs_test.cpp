@@ -71,7 +71,8 @@ protected:
     }
     QStringList automatic() {
         QStringList names;
-        for (const RefreshJob &job : autoUpdatedChannels(device_.root))
+        for (const RefreshJob &job :
+             autoUpdatedChannels(device_.root).value_or(QList<RefreshJob>()))
             names.append(job.channelName);
         return names;
     }
@@ -107,7 +108,7 @@ bool deleteMoon(AppState &state, QObject *receiver, JobEnd end) {
 TEST_F(DataJobsTest, EachChangesWhatItIsToAndNothingElse) {
     for (const QString &name : {u"Planet"_s, u"Moon"_s, u"Star"_s}) {
         isAutoUpdated(device_.root, name); // which makes the list
-        setAutoUpdate(device_.root, {u"http://example.org"_s, name, u"C"_s}, true);
+        setAutoUpdate(device_.root, *device_.store, {u"http://example.org"_s, name, u"C"_s}, true);
         device_.store->DeleteChannel(name);
         device_.addChannel(name == u"Planet" ? u"News"_s : u"Science"_s, name,
                            {u"One"_s, u"Two"_s});

@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include <array>
 #include <memory>
 #include <thread>
@@ -104,10 +106,13 @@ TEST_F(InstanceTest, OnBadGroundTheScreensOpenAndTellWhatIsWrong) {
 }
 
 TEST_F(InstanceTest, ARivalThatNeverLetsGoKeepsNobodyFromReading) {
-    const FileLock rival(root_.filePath(u"\\run\\channels.lock"));
-    EXPECT_TRUE(run(root_, [&](User &user) {
-        EXPECT_TRUE(user.sees([&] { return user.list() && user.list()->rowCount() > 0; }));
-    }));
+    std::optional<FileLock> rival;
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(run(root_, [&](User &user) {
+            EXPECT_TRUE(user.sees([&] { return user.list() && user.list()->rowCount() > 0; }));
+        }));
+        rival.emplace(root_.filePath(u"\\run\\channels.lock"));
+    }
 }
 
 TEST_F(InstanceTest, AWindowThatIsClosedWhileTheDeviceOpensShowsNoScreen) {

@@ -1,12 +1,12 @@
 #include "ctl/ctl_process.h"
-#include "feed_server/feed_server.h"
 #include "feed_server/generated_feed.h"
+#include "platform/file_lock.h"
+#include "platform/registry.h"
 #include "platform/sqlite_database.h"
+#include "store/settings_store.h"
 
 #include <QDir>
 #include <QFile>
-
-#include <gtest/gtest.h>
 
 #include <unistd.h>
 
@@ -16,93 +16,81 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// A device with a channel of ten articles, on ground that then gives way.
-class BadGroundTest : public testing::Test {
+class BadGroundTest : public CtlTest {
 protected:
     void SetUp() override {
         server_.serve(u"/feed"_s, generatedFeed(10, 1));
-        ASSERT_EQ(ctl_.run({u"add"_s, u"C"_s, u"ch"_s, server_.url(u"/feed")}).exitCode, 0);
-        ASSERT_EQ(ctl_.run({u"update"_s}).out, u"ok\t10\t10/10\tch\n");
+        ok(u"add C ch " + server_.url(u"/feed"));
+        ASSERT_EQ(ok(u"update"_s), u"ok\t10\t10/10\tch\n");
     }
 
-    void damage(const QString &file) {
-        QFile database(ctl_.filePath(file));
-        ASSERT_TRUE(database.open(QIODevice::ReadWrite));
-        database.write(QByteArray(4096, 'x'));
+    /// Writes over a file from `begin`, or from that far before its end.
+    void damage(const QString &file, qint64 begin, qsizetype size = 4096) {
+        QFile damaged(ctl_.filePath(file));
+        ASSERT_TRUE(damaged.open(QIODevice::ReadWrite));
+        damaged.seek(begin < 0 ? damaged.size() + begin : begin);
+        damaged.write(QByteArray(size, '\xFF'));
     }
 
-    FeedServer server_;
-    CtlProcess ctl_;
+    /// Puts a folder in the place of a file, which is kept beside it.
+    void block(const QString &file) {
+        const QString path = ctl_.filePath(file);
+        QFile::rename(path, path + u".kept");
+        ASSERT_TRUE(QDir().mkpath(path));
+    }
+    void unblock(const QString &file) {
+        const QString path = ctl_.filePath(file);
+        ASSERT_TRUE(QDir().rmdir(path));
+        QFile::rename(path + u".kept", path);
+    }
 };
 
-TEST_F(BadGroundTest, ADamagedDatabaseIsToldByEveryCommandAndLeftAlone) {
-    damage(u"RSSVault.sdf"_s);
-    for (const QStringList &call :
-         QList<QStringList>{{u"channels"_s}, {u"update"_s}, {u"init"_s}}) {
-        const CtlRun run = ctl_.run(call);
-        EXPECT_EQ(run.exitCode, 1);
-        EXPECT_TRUE(run.err.contains(u"Encountering Problem when Accessing Database (1001)"));
+TEST_F(BadGroundTest, ADamagedFileIsToldByEveryCommandAndNeverTakenForEmptiness) {
+    struct Case {
+        QString file;
+        qint64 begin;
+        QString words;
+    };
+    const Case cases[] = {
+        {u"RSSVault.sdf"_s, 0, u"Encountering Problem when Accessing Database (1001)"_s},
+        {u"RSSVault.sdf"_s, 4096, {}},
+        {u"registry.db"_s, 0, u"the settings cannot be read"_s},
+        {u"registry.db"_s, 4096, {}},
+    };
+    for (const Case &test : cases) {
+        SCOPED_TRACE(test.file.toStdString());
+        QFile sound(ctl_.filePath(test.file));
+        ASSERT_TRUE(sound.open(QIODevice::ReadOnly));
+        const QByteArray content = sound.readAll();
+        sound.close();
+        damage(test.file, test.begin, content.size() - test.begin);
+        for (const QString &call : {u"channels"_s, u"articles ch"_s, u"init"_s})
+            fails(call, test.words);
+        const QString file = test.file == u"registry.db" ? u"registry: "_s : u"database: "_s;
+        EXPECT_TRUE(run(u"check"_s).out.startsWith(file));
+        ASSERT_TRUE(sound.open(QIODevice::WriteOnly));
+        sound.write(content);
+        sound.close();
     }
-    EXPECT_TRUE(ctl_.run({u"check"_s}).out.startsWith(u"database: cannot be opened"));
-}
-
-TEST_F(BadGroundTest, APageThatIsDamagedIsFoundByCheck) {
-    QFile database(ctl_.filePath(u"RSSVault.sdf"_s));
-    ASSERT_TRUE(database.open(QIODevice::ReadWrite));
-    database.seek(database.size() - 4096);
-    database.write(QByteArray(4096, 'x'));
-    database.close();
-    const CtlRun check = ctl_.run({u"check"_s});
-    EXPECT_EQ(check.exitCode, 1);
-    EXPECT_TRUE(check.out.startsWith(u"database: "));
+    EXPECT_EQ(ok(u"articles ch"_s).count(u'\n'), 10);
+    damage(u"RSSVault.sdf"_s, -4096);
+    EXPECT_TRUE(run(u"check"_s).out.startsWith(u"database: ")) << "one page of it";
 }
 
 TEST_F(BadGroundTest, AMissingLibraryForHttpIsToldAsWhatItIs) {
     const QTemporaryDir libraries;
     ASSERT_TRUE(QFile(libraries.filePath(u"libcurl.so.4"_s)).open(QIODevice::WriteOnly));
     ctl_.setEnvironment(u"LD_LIBRARY_PATH"_s, libraries.path());
-    EXPECT_TRUE(ctl_.run({u"update"_s}).out.contains(u"1000"));
-    EXPECT_TRUE(ctl_.run({u"import"_s, server_.url(u"/list"), u"X"_s}).err.contains(u"(1000)"));
-}
-
-TEST_F(BadGroundTest, DamageBehindTheHeaderIsNeverTakenForEmptiness) {
-    for (const QString &file : {u"RSSVault.sdf"_s, u"registry.db"_s}) {
-        QFile damaged(ctl_.filePath(file));
-        ASSERT_TRUE(damaged.open(QIODevice::ReadWrite));
-        const QByteArray sound = damaged.readAll();
-        damaged.seek(4096);
-        damaged.write(QByteArray(sound.size() - 4096, '\xFF'));
-        damaged.close();
-        for (const QStringList &call : QList<QStringList>{{u"channels"_s},
-                                                          {u"articles"_s, u"ch"_s},
-                                                          {u"update"_s},
-                                                          {u"init"_s},
-                                                          {u"check"_s}}) {
-            const CtlRun run = ctl_.run(call);
-            EXPECT_EQ(run.exitCode, 1) << call.join(u' ').toUtf8().constData();
-            EXPECT_FALSE(run.out.isEmpty() && run.err.isEmpty());
-        }
-        ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-        damaged.write(sound);
-    }
-    EXPECT_EQ(ctl_.run({u"articles"_s, u"ch"_s}).lines().size(), 10);
-}
-
-TEST_F(BadGroundTest, ADamagedRegistryIsToldAndSeedsNothing) {
-    damage(u"registry.db"_s);
-    for (const QStringList &call : QList<QStringList>{{u"channels"_s}, {u"init"_s}}) {
-        const CtlRun run = ctl_.run(call);
-        EXPECT_EQ(run.exitCode, 1);
-        EXPECT_TRUE(run.err.contains(u"the settings cannot be read"));
-    }
-    EXPECT_TRUE(ctl_.run({u"check"_s}).out.startsWith(u"registry: cannot be opened"));
+    EXPECT_TRUE(run(u"update"_s).out.contains(u"1000"));
+    fails(u"import %1 X"_s.arg(server_.url(u"/list")), u"(1000)"_s);
 }
 
 TEST_F(BadGroundTest, AMissingRegistryLosesTheCategoriesAndNoArticle) {
     QFile::remove(ctl_.filePath(u"registry.db"_s));
-    EXPECT_EQ(ctl_.run({u"check"_s}).out, u"channel \"ch\": its category \"C\" is not listed\n");
-    EXPECT_EQ(ctl_.run({u"add-category"_s, u"C"_s}).exitCode, 0);
-    EXPECT_EQ(ctl_.run({u"check"_s}).exitCode, 0);
-    EXPECT_EQ(ctl_.run({u"articles"_s, u"ch"_s}).lines().size(), 10);
+    EXPECT_EQ(run(u"check"_s).out, u"channel \"ch\": its category \"C\" is not listed\n");
+    ok(u"add-category C"_s);
+    expectSound();
+    EXPECT_EQ(ok(u"articles ch"_s).count(u'\n'), 10);
 }
 
 TEST_F(BadGroundTest, ADatabaseLockedByAnotherProcessIsStillRead) {
@@ -110,7 +98,75 @@ TEST_F(BadGroundTest, ADatabaseLockedByAnotherProcessIsStillRead) {
     ASSERT_TRUE(other);
     const SqliteTransaction lock(*other);
     ASSERT_TRUE(lock.isOpen());
-    EXPECT_EQ(ctl_.run({u"articles"_s, u"ch"_s}).lines().size(), 10);
+    EXPECT_EQ(ok(u"articles ch"_s).count(u'\n'), 10);
+}
+
+TEST_F(BadGroundTest, CategoriesThatCannotBeSeededFailTheInit) {
+    ok(u"delete-category C"_s);
+    QFile seed(ctl_.filePath(u"windows/RSSChannels.txt"_s));
+    ASSERT_TRUE(seed.open(QIODevice::WriteOnly));
+    const QString line = u"n\tu\tSeeded\n"_s;
+    seed.write(reinterpret_cast<const char *>(line.utf16()), 2 * line.size());
+    seed.close();
+    {
+        Registry registry{DeviceRoot(ctl_.root())};
+        const Registry::Batch lock(registry);
+        ASSERT_TRUE(lock.isOpen());
+        fails(u"init"_s, u"categories"_s);
+    }
+    EXPECT_EQ(ok(u"init"_s), u"1 categories, 0 channels\n");
+}
+
+TEST_F(BadGroundTest, AnAutomaticListThatIsNotToBeHadIsAFailureOfWhatNeedsIt) {
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s, u"d"_s}) {
+        ok(u"add %1 %2 http://x/"_s.arg(name == u"d" ? u"D"_s : u"C"_s, name));
+        ok(u"auto add " + name);
+    }
+    const QString list = u"windows/UpdateChannel.list"_s;
+    const QString words = u"the list of automatic updates"_s;
+    block(list);
+    for (const QString &call : {u"auto list"_s, u"updates"_s, u"auto add ch"_s, u"auto remove b"_s,
+                                u"rename b new"_s, u"delete c"_s, u"delete-category D"_s})
+        fails(call, words);
+    unblock(list);
+    EXPECT_EQ(ok(u"channels"_s).count(u'\n'), 3) << "what is deleted is gone";
+    EXPECT_EQ(ok(u"categories"_s), u"C\n");
+    ok(u"rename b new"_s);
+    EXPECT_EQ(ok(u"auto list"_s), u"a\tC\thttp://x/\nnew\tC\thttp://x/\n")
+        << "what was deleted goes with the next change";
+}
+
+TEST_F(BadGroundTest, ALockThatCannotBeTakenIsAFailure) {
+    const QString source = ctl_.filePath(u"list.opml"_s);
+    ok(u"export C " + source);
+    block(u"run/channels.lock"_s);
+    for (const QString &call : {u"init"_s, u"categories"_s, u"delete ch"_s, u"auto list"_s,
+                                u"import %1 N"_s.arg(source), u"update"_s, u"check"_s})
+        fails(call, u"channels.lock"_s);
+    unblock(u"run/channels.lock"_s);
+    EXPECT_EQ(ok(u"categories"_s), u"C\n");
+}
+
+TEST_F(BadGroundTest, ACheckBesideARenamingWaitsForItsEnd) {
+    const DeviceRoot root(ctl_.root());
+    Registry registry(root);
+    auto lock = std::make_unique<FileLock>(root.filePath(u"\\run\\channels.lock"));
+    const auto setCount = [&](quint32 count) {
+        registry.write(programKey, u"CategoryNumber", count);
+    };
+    setCount(2);
+    const auto check = ctl_.start({u"check"_s});
+    // The system tells who waits for a lock, behind an arrow.
+    const QByteArray waiter = "ADVISORY  WRITE " + QByteArray::number(check->processId()) + ' ';
+    waitFor([&] {
+        QFile locks(u"/proc/locks"_s);
+        locks.open(QIODevice::ReadOnly);
+        return check->waitForFinished(0) || locks.readAll().contains(waiter);
+    });
+    setCount(1);
+    lock.reset();
+    check->waitForFinished();
+    EXPECT_EQ(check->exitCode(), 0) << check->readAllStandardOutput().constData();
 }
 
 TEST_F(BadGroundTest, AFullDiskLosesNothing) {
@@ -119,9 +175,9 @@ TEST_F(BadGroundTest, AFullDiskLosesNothing) {
     const CtlRun update = ctl_.runBehind(limit, {u"update"_s});
     EXPECT_EQ(update.exitCode, 1);
     EXPECT_EQ(update.out, u"error\t1001\tEncountering Problem when Accessing Database\tch\n");
-    EXPECT_EQ(ctl_.run({u"check"_s}).out, u"");
-    EXPECT_EQ(ctl_.run({u"articles"_s, u"ch"_s}).lines().size(), 10);
-    EXPECT_EQ(ctl_.run({u"update"_s}).out, u"ok\t3000\t3010/3010\tch\n");
+    expectSound();
+    EXPECT_EQ(ok(u"articles ch"_s).count(u'\n'), 10);
+    EXPECT_EQ(ok(u"update"_s), u"ok\t3000\t3010/3010\tch\n");
 }
 
 TEST_F(BadGroundTest, ADeviceThatMayOnlyBeReadSaysSo) {
@@ -132,13 +188,13 @@ TEST_F(BadGroundTest, ADeviceThatMayOnlyBeReadSaysSo) {
     if (ctl_.runBehind(asNobody, {u"--version"_s}).exitCode != 0)
         GTEST_SKIP() << "nobody may not run the program where it was built";
     ctl_.makeReadOnly();
-    const CtlRun marked = ctl_.runBehind(asNobody, {u"mark"_s, u"ch"_s, u"read"_s});
-    EXPECT_EQ(marked.exitCode, 1);
-    EXPECT_FALSE(marked.err.isEmpty());
-    const CtlRun setting = ctl_.runBehind(asNobody, {u"setting"_s, u"SortMode"_s, u"1"_s});
-    EXPECT_EQ(setting.exitCode, 1);
+    for (const QString &call : {u"mark ch read"_s, u"setting SortMode 1"_s, u"delete ch"_s}) {
+        const CtlRun refused = ctl_.runBehind(asNobody, split(call));
+        EXPECT_EQ(refused.exitCode, 1);
+        EXPECT_FALSE(refused.err.isEmpty());
+    }
     ctl_.makeWritable();
-    EXPECT_EQ(ctl_.run({u"articles"_s, u"ch"_s, u"--order"_s, u"unread"_s}).lines().size(), 10);
+    EXPECT_EQ(ok(u"articles ch --order unread"_s).count(u'\n'), 10);
 }
 
 TEST_F(BadGroundTest, OutputThatIsNotTakenIsAFailure) {

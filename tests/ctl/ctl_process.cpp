@@ -1,7 +1,11 @@
 #include "ctl/ctl_process.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QThread>
+
+#include <vector>
 
 namespace tidebrook {
 
@@ -59,6 +63,40 @@ CtlRun CtlProcess::finish(QProcess &process) {
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+QString CtlTest::ok(const QString &arguments) {
+    const CtlRun done = run(arguments);
+    EXPECT_EQ(done.exitCode, 0) << qPrintable(arguments + u": " + done.out + done.err);
+    return done.out;
+}
+
+void CtlTest::fails(const QString &arguments, const QString &words, int exitCode) {
+    const CtlRun failed = run(arguments);
+    EXPECT_EQ(failed.exitCode, exitCode) << qPrintable(arguments);
+    EXPECT_EQ(failed.out, u"") << qPrintable(arguments);
+    EXPECT_TRUE(!failed.err.isEmpty() && failed.err.contains(words))
+        << qPrintable(arguments + u": " + failed.err);
+}
+
+QList<int> CtlTest::together(const QStringList &calls) {
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (const QString &call : calls)
+        processes.push_back(ctl_.start(split(call)));
+    QList<int> codes;
+    for (const auto &process : processes) {
+        process->waitForFinished(60'000);
+        codes.append(process->exitCode());
+    }
+    return codes;
+}
+
+void CtlTest::waitFor(const std::function<bool()> &condition) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition() && timer.elapsed() < 20'000)
+        QThread::msleep(5);
+    ASSERT_TRUE(condition());
 }
 
 } // namespace tidebrook

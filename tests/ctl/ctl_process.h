@@ -1,11 +1,15 @@
 #pragma once
 
+#include "feed_server/feed_server.h"
 #include "support/text_printing.h"
 
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <memory>
 
 namespace tidebrook {
@@ -43,6 +47,25 @@ private:
 
     QTemporaryDir folder_;
     QProcessEnvironment environment_;
+};
+
+/// A device, a server of feeds, and the command line, whose arguments are divided by blanks unless
+/// they stand in double quotes.
+class CtlTest : public testing::Test {
+protected:
+    CtlRun run(const QString &arguments) { return ctl_.run(split(arguments)); }
+    /// Runs what is to succeed; what it printed.
+    QString ok(const QString &arguments);
+    /// Runs what is to fail with a message that contains `words`, and prints nothing.
+    void fails(const QString &arguments, const QString &words = {}, int exitCode = 1);
+    /// Starts them at the same time; their exit codes.
+    QList<int> together(const QStringList &calls);
+    void expectSound() { EXPECT_EQ(ok(QStringLiteral("check")), QString()); }
+    void waitFor(const std::function<bool()> &condition);
+    static QStringList split(const QString &arguments) { return QProcess::splitCommand(arguments); }
+
+    FeedServer server_;
+    CtlProcess ctl_;
 };
 
 } // namespace tidebrook

@@ -1,11 +1,8 @@
 #include "ctl/ctl_process.h"
-#include "feed_server/feed_server.h"
 #include "feed_server/generated_feed.h"
 
 #include <QElapsedTimer>
 #include <QThread>
-
-#include <gtest/gtest.h>
 
 #include <random>
 
@@ -23,7 +20,7 @@ int killCount() {
     return asked > 0 ? asked : 15;
 }
 
-class KillTest : public testing::Test {
+class KillTest : public CtlTest {
 protected:
     void publish(int round) {
         for (int i = 0; i < channelCount; ++i)
@@ -31,80 +28,63 @@ protected:
                                                          round * itemsPerRound / 2));
     }
 
-    void expectSound() {
-        const CtlRun check = ctl_.run({u"check"_s});
-        EXPECT_EQ(check.exitCode, 0) << (check.out + check.err).toUtf8().constData();
+    /// Kills a command within `longest` microseconds. Whether it was still at work.
+    bool killed(const QString &command, qint64 longest) {
+        const auto process = ctl_.start(split(command));
+        EXPECT_TRUE(process->waitForStarted());
+        QThread::usleep(
+            static_cast<unsigned long>(std::uniform_int_distribution<qint64>(0, longest)(random_)));
+        process->kill();
+        EXPECT_TRUE(process->waitForFinished());
+        return process->exitStatus() == QProcess::CrashExit;
     }
 
-    FeedServer server_;
-    CtlProcess ctl_;
+private:
+    std::mt19937 random_{2026}; // the moments still differ, with the machine's load
 };
 
-struct KillCase {
-    const char *what;
-    QStringList command;
-    QStringList nextCommand; // of every second round
-};
-
-class KilledCommand : public KillTest, public testing::WithParamInterface<KillCase> {};
-
-TEST_P(KilledCommand, AtAnyMomentLeavesASoundStore) {
+TEST_F(KillTest, AnyMomentLeavesASoundStore) {
     publish(0);
     for (int i = 0; i < channelCount; ++i)
-        ctl_.run({u"add"_s, u"C"_s, u"ch %1"_s.arg(i), server_.url(u"/%1"_s.arg(i))});
-    ASSERT_EQ(ctl_.run({u"update"_s}).exitCode, 0);
-    publish(1);
-    QElapsedTimer timer;
-    timer.start();
-    ASSERT_EQ(ctl_.run(GetParam().command).exitCode, 0);
-    const qint64 wholeRun = timer.nsecsElapsed() / 1000;
-
-    std::mt19937 random(2026); // the moments still differ, with the machine's load
-    int killed = 0;
-    for (int round = 2; round < 2 + killCount(); ++round) {
-        publish(round);
-        const auto command =
-            ctl_.start(round % 2 == 0 ? GetParam().nextCommand : GetParam().command);
-        ASSERT_TRUE(command->waitForStarted());
-        QThread::usleep(std::uniform_int_distribution<unsigned long>(
-            0, static_cast<unsigned long>(wholeRun))(random));
-        command->kill();
-        ASSERT_TRUE(command->waitForFinished());
-        killed += command->exitStatus() == QProcess::CrashExit ? 1 : 0;
-        expectSound();
-        EXPECT_EQ(ctl_.run({u"channels"_s}).lines().size(), channelCount);
+        ok(u"add C ch%1 %2"_s.arg(i).arg(server_.url(u"/%1"_s.arg(i))));
+    ok(u"auto add ch1"_s);
+    int round = 0;
+    for (const QStringList &commands :
+         {QStringList{u"update"_s, u"update"_s},
+          QStringList{u"update --pauses"_s, u"update --pauses"_s},
+          QStringList{u"rename-category C D"_s, u"rename-category D C"_s},
+          QStringList{u"rename ch1 new"_s, u"rename new ch1"_s}}) {
+        SCOPED_TRACE(commands.first().toStdString());
+        publish(++round);
+        QElapsedTimer timer;
+        timer.start();
+        ok(commands[0]);
+        const qint64 wholeRun = timer.nsecsElapsed() / 1000;
+        ok(commands[1]);
+        int kills = 0;
+        for (int i = 0; i < 1 + killCount() / 2; ++i) {
+            publish(++round);
+            kills += killed(commands[i % 2], wholeRun) ? 1 : 0;
+            expectSound();
+            EXPECT_EQ(ok(u"channels"_s).count(u'\n'), channelCount);
+        }
+        EXPECT_GT(kills, 0) << "the kills came too late to mean anything";
     }
-    EXPECT_GT(killed, 0) << "the kills came too late to mean anything";
-
-    EXPECT_EQ(ctl_.run({u"update"_s}).exitCode, 0);
-    const QString newest = ctl_.run({u"articles"_s, u"ch 0"_s}).out;
-    EXPECT_EQ(ctl_.run({u"update"_s}).lines().first().section(u'\t', 1, 1), u"0");
-    EXPECT_EQ(ctl_.run({u"articles"_s, u"ch 0"_s}).out, newest);
+    const QString name = ok(u"channels"_s).contains(u"\tnew\t") ? u"new\t"_s : u"ch1\t"_s;
+    EXPECT_TRUE(ok(u"auto list"_s).contains(name)) << "the renamed channel is updated no more";
+    ok(u"update"_s);
+    const QString newest = ok(u"articles ch0"_s);
+    EXPECT_EQ(ok(u"update"_s).section(u'\t', 1, 1), u"0");
+    EXPECT_EQ(ok(u"articles ch0"_s), newest);
     expectSound();
 }
 
-INSTANTIATE_TEST_SUITE_P(All, KilledCommand,
-                         testing::Values(KillCase{"Update", {u"update"_s}, {u"update"_s}},
-                                         KillCase{"UpdateAsForTheScreens",
-                                                  {u"update"_s, u"--pauses"_s},
-                                                  {u"update"_s, u"--pauses"_s}},
-                                         KillCase{"RenameCategory",
-                                                  {u"rename-category"_s, u"C"_s, u"D"_s},
-                                                  {u"rename-category"_s, u"D"_s, u"C"_s}}),
-                         [](const auto &test) { return std::string(test.param.what); });
-
 TEST_F(KillTest, AFirstStartKilledAtAnyMomentIsMadeGoodByTheNext) {
-    const QString root = ctl_.filePath(u"fresh"_s);
-    std::mt19937 random(7);
     for (int round = 0; round < killCount(); ++round) {
-        const QString home = root + QString::number(round);
-        const auto init = ctl_.start({u"--home"_s, home, u"init"_s});
-        ASSERT_TRUE(init->waitForStarted());
-        QThread::usleep(std::uniform_int_distribution<unsigned long>(0, 25'000)(random));
-        init->kill();
-        ASSERT_TRUE(init->waitForFinished());
-        EXPECT_EQ(ctl_.run({u"--home"_s, home, u"init"_s}).out, u"3 categories, 8 channels\n");
-        EXPECT_EQ(ctl_.run({u"--home"_s, home, u"check"_s}).exitCode, 0);
+        const QString home = u"--home %1 "_s.arg(ctl_.filePath(u"fresh%1"_s.arg(round)));
+        killed(home + u"init", 25'000);
+        EXPECT_EQ(ok(home + u"init"), u"3 categories, 8 channels\n");
+        ok(home + u"check");
     }
 }
 

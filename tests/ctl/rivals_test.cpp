@@ -1,14 +1,5 @@
 #include "ctl/ctl_process.h"
-#include "feed_server/feed_server.h"
 #include "feed_server/generated_feed.h"
-
-#include <QElapsedTimer>
-#include <QThread>
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <vector>
 
 namespace tidebrook {
 namespace {
@@ -16,103 +7,74 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// Several commands at once on one device.
-class RivalsTest : public testing::Test {
-protected:
-    /// Runs all of them at the same time and returns their exit codes.
-    QList<int> together(const QList<QStringList> &calls) {
-        std::vector<std::unique_ptr<QProcess>> processes;
-        for (const QStringList &call : calls)
-            processes.push_back(ctl_.start(call));
-        QList<int> codes;
-        for (const auto &process : processes) {
-            process->waitForFinished(60'000);
-            codes.append(process->exitCode());
-        }
-        return codes;
-    }
-
-    void expectSound() {
-        const CtlRun check = ctl_.run({u"check"_s});
-        EXPECT_EQ(check.exitCode, 0) << (check.out + check.err).toUtf8().constData();
-    }
-
-    void waitForRequests(qsizetype count) {
-        QElapsedTimer timer;
-        timer.start();
-        while (server_.requests().size() < count && timer.elapsed() < 20'000)
-            QThread::msleep(5);
-        ASSERT_EQ(server_.requests().size(), count);
-    }
-
-    FeedServer server_;
-    CtlProcess ctl_;
-};
+using RivalsTest = CtlTest;
 
 TEST_F(RivalsTest, FirstStartsAtTheSameTimeMakeOneDevice) {
     for (int round = 0; round < 3; ++round) {
-        const QStringList init{u"--home"_s, ctl_.filePath(u"fresh%1"_s.arg(round)), u"init"_s};
-        EXPECT_EQ(together(QList<QStringList>(8, init)), QList<int>(8, 0));
-        EXPECT_EQ(ctl_.run(init).out, u"3 categories, 8 channels\n");
-        EXPECT_EQ(ctl_.run({init[0], init[1], u"check"_s}).out, u"");
+        const QString home = u"--home %1 "_s.arg(ctl_.filePath(u"fresh%1"_s.arg(round)));
+        EXPECT_EQ(together(QStringList(8, home + u"init")), QList<int>(8, 0));
+        EXPECT_EQ(ok(home + u"init"), u"3 categories, 8 channels\n");
+        EXPECT_EQ(ok(home + u"check"), u"");
     }
 }
 
 TEST_F(RivalsTest, WhatIsStoredIsNeverToldToHaveFailed) {
+    for (int i = 0; i < 5; ++i)
+        ok(u"add C ch%1 http://x/"_s.arg(i));
     for (int round = 0; round < 4; ++round) {
-        QList<QStringList> calls;
+        QStringList calls;
         for (int i = 0; i < 5; ++i) {
-            calls.append({u"setting"_s, u"FontSize"_s, QString::number(i)});
-            calls.append({u"add-category"_s, u"C %1 %2"_s.arg(round).arg(i)});
+            calls.append(u"setting FontSize %1"_s.arg(i));
+            calls.append(u"add-category \"%1 %2\""_s.arg(round).arg(i));
+            calls.append(u"auto %1 ch%2"_s.arg(round % 2 == 0 ? u"add" : u"remove").arg(i));
         }
-        EXPECT_EQ(together(calls), QList<int>(10, 0));
+        EXPECT_EQ(together(calls), QList<int>(15, 0));
+        EXPECT_EQ(ok(u"auto list"_s).count(u'\n'), round % 2 == 0 ? 5 : 0);
     }
-    EXPECT_EQ(ctl_.run({u"categories"_s}).lines().size(), 20);
+    EXPECT_EQ(ok(u"categories"_s).count(u'\n'), 21);
     expectSound();
 }
 
 TEST_F(RivalsTest, NamesThatTwoWantGoToOneOfThem) {
     for (int round = 0; round < 5; ++round) {
-        const QString a = u"A%1"_s.arg(round);
-        const QString b = u"B%1"_s.arg(round);
-        const QString c = u"C%1"_s.arg(round);
-        ctl_.run({u"add"_s, a, a + u" one", u"http://127.0.0.1:1/"_s});
-        ctl_.run({u"add"_s, b, b + u" one", u"http://127.0.0.1:1/"_s});
-        const QList<int> codes = together({{u"rename-category"_s, a, c},
-                                           {u"rename-category"_s, b, c},
-                                           {u"rename"_s, a + u" one", c},
-                                           {u"rename"_s, b + u" one", c},
-                                           {u"channels"_s}});
+        for (const QString &name : {u"A%1"_s.arg(round), u"B%1"_s.arg(round)})
+            ok(u"add %1 \"%1 one\" http://127.0.0.1:1/"_s.arg(name));
+        QStringList calls;
+        for (const char *call : {"rename-category A%1 C%1", "rename-category B%1 C%1",
+                                 "rename \"A%1 one\" C%1", "rename \"B%1 one\" C%1", "channels"})
+            calls.append(QString::fromLatin1(call).replace(u"%1"_s, QString::number(round)));
+        const QList<int> codes = together(calls);
         EXPECT_EQ(codes[0] + codes[1], 1);
         EXPECT_EQ(codes[2] + codes[3], 1);
         expectSound();
     }
-    EXPECT_EQ(ctl_.run({u"channels"_s}).lines().size(), 10);
+    EXPECT_EQ(ok(u"channels"_s).count(u'\n'), 10);
 }
 
 TEST_F(RivalsTest, ChannelsThatChangeWhileTheirFeedIsOnItsWayStayWhole) {
     const QStringList names{u"gone"_s, u"renamed"_s, u"moved"_s};
     for (int i = 0; i < 3; ++i) {
         server_.serve(u"/%1"_s.arg(i), generatedFeed(5, static_cast<quint32>(i)));
-        ctl_.run({u"add"_s, u"A"_s, names[i], server_.url(u"/%1"_s.arg(i))});
+        ok(u"add A %1 %2"_s.arg(names[i], server_.url(u"/%1"_s.arg(i))));
     }
-    ctl_.run({u"add-category"_s, u"B"_s});
-    for (const QStringList &update :
-         QList<QStringList>{{u"update"_s}, {u"update"_s, u"B"_s, u"--pauses"_s}}) {
+    ok(u"add-category B"_s);
+    for (const QString &update : {u"update"_s, u"update B --pauses"_s}) {
         server_.clearRequests();
         server_.setDelay(std::chrono::milliseconds(700));
-        const auto process = ctl_.start(update);
-        const bool isFirst = update.size() == 1;
-        waitForRequests(isFirst ? 3 : 1);
-        ctl_.run({u"delete"_s, isFirst ? u"gone"_s : u"new name"_s});
-        ctl_.run({u"rename"_s, u"renamed"_s, u"new name"_s});
-        ctl_.run({u"move"_s, u"moved"_s, isFirst ? u"B"_s : u"A"_s});
+        const auto process = ctl_.start(split(update));
+        const bool isFirst = update == u"update";
+        waitFor([&] { return server_.requests().size() == (isFirst ? 3 : 1); });
+        ok(isFirst ? u"delete gone"_s : u"delete \"new name\""_s);
+        if (isFirst)
+            ok(u"rename renamed \"new name\""_s);
+        ok(isFirst ? u"move moved B"_s : u"move moved A"_s);
         process->waitForFinished();
         server_.setDelay(std::chrono::milliseconds(0));
         expectSound();
     }
     // Nothing of the deleted channel is left to stand in the way of a new one.
-    ctl_.run({u"add"_s, u"A"_s, u"again"_s, server_.url(u"/0")});
-    EXPECT_EQ(ctl_.run({u"update"_s, u"A"_s, u"again"_s}).out, u"ok\t5\t5/5\tagain\n");
+    ok(u"add A again "_s + server_.url(u"/0"));
+    EXPECT_EQ(ok(u"update A again"_s), u"ok\t5\t5/5\tagain\n");
     expectSound();
 }
 

@@ -33,9 +33,8 @@ bool firstStart(const DeviceRoot &root) {
     Registry registry(root);
     quint32 count = 0;
     SettingsStore(registry).RegReadDword(programKey, u"CategoryNumber", count);
-    if (count == 0)
-        seedCategories(root, registry);
-    return FeedStore(root, registry, testTodayKey.toString()).Open();
+    return (count != 0 || seedCategories(root, registry) == Seeding::Done) &&
+           FeedStore(root, registry, testTodayKey.toString()).Open();
 }
 
 /// What a device holds, and what it lacks.

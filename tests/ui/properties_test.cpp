@@ -25,7 +25,7 @@ protected:
     /// The lines of the list of automatic updates.
     QStringList automatic() {
         QStringList lines;
-        for (const RefreshJob &job : autoUpdatedChannels(device.root))
+        for (const RefreshJob &job : autoUpdatedChannels(device.root).value_or(QList<RefreshJob>()))
             lines.append(job.channelName + u' ' + job.url + u' ' + job.category);
         return lines;
     }
@@ -113,7 +113,7 @@ TEST_P(EachChange, IsMadeAndNothingElse) {
     SCOPED_TRACE(change.what);
     isAutoUpdated(device.root, u"Odd"_s);
     if (change.isAutoUpdated)
-        setAutoUpdate(device.root, {link, u"Odd"_s, u"Science"_s}, true);
+        setAutoUpdate(device.root, *device.store, {link, u"Odd"_s, u"Science"_s}, true);
     QStringList news{planet};
     QStringList science{moon, star};
     (change.news.isNull() ? science : news).append(change.news + change.science);

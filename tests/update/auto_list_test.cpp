@@ -1,13 +1,12 @@
 #include "support/full_disk.h"
 #include "support/test_device.h"
 #include "update/auto_list.h"
+#include "update/channel_changes.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
-
-#include <thread>
-#include <vector>
 
 namespace tidebrook {
 namespace {
@@ -16,13 +15,32 @@ using namespace Qt::StringLiterals;
 
 class AutoListTest : public testing::Test {
 protected:
+    AutoListTest() {
+        device_.store->Open();
+        for (const QString &name : {u"a"_s, u"b"_s, u"bc"_s, u"d"_s})
+            device_.addChannel(u"C"_s, name);
+    }
+
     QByteArray content() {
         QFile file(path_);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("none");
     }
+    void put(const QString &text) { ASSERT_TRUE(writeFile(path_, utf16(text))); }
 
     bool set(const QString &name, bool add) {
-        return setAutoUpdate(device_.root, {u"http://x/"_s + name, name, u"C"_s}, add);
+        return setAutoUpdate(device_.root, *device_.store, {u"http://x/"_s + name, name, u"C"_s},
+                             add);
+    }
+    ChannelChange rename(const QString &old, const QString &name) {
+        return renameChannel(device_.root, *device_.store, old, name);
+    }
+    std::optional<bool> has(const QString &name) { return isAutoUpdated(device_.root, name); }
+    QStringList names() {
+        QStringList names;
+        const auto channels = autoUpdatedChannels(device_.root);
+        for (const RefreshJob &job : channels.value_or(QList<RefreshJob>{{{}, u"none"_s, {}}}))
+            names.append(job.channelName);
+        return names;
     }
 
     TestDevice device_;
@@ -31,50 +49,55 @@ protected:
 
 TEST_F(AutoListTest, ComesIntoBeingWhenItIsAskedFor) {
     EXPECT_TRUE(set(u"a"_s, true));
+    EXPECT_EQ(rename(u"d"_s, u"e"_s), ChannelChange::Done);
     EXPECT_EQ(content(), "none");
-    EXPECT_FALSE(isAutoUpdated(device_.root, u"a"_s));
+    EXPECT_EQ(has(u"a"_s), false);
     EXPECT_EQ(content(), "");
-    EXPECT_TRUE(set(u"a"_s, true));
-    EXPECT_TRUE(set(u"b"_s, true));
-    EXPECT_TRUE(set(u"a"_s, true));
+    for (const QString &name : {u"a"_s, u"b"_s, u"a"_s})
+        EXPECT_TRUE(set(name, true));
     EXPECT_EQ(content(), utf16(u"a\thttp://x/a\tC\nb\thttp://x/b\tC\na\thttp://x/a\tC\n"_s));
-    EXPECT_TRUE(isAutoUpdated(device_.root, u"a"_s));
-    EXPECT_EQ(autoUpdatedChannels(device_.root).size(), 2);
+    EXPECT_EQ(has(u"a"_s), true);
+    EXPECT_EQ(names(), QStringList({u"a"_s, u"b"_s}));
     EXPECT_TRUE(set(u"a"_s, false));
+    EXPECT_EQ(content(), utf16(u"b\thttp://x/b\tC\n"_s));
+    for (const QString &name : {u"t\tab"_s, u"line\nfeed"_s, u""_s})
+        EXPECT_FALSE(set(name, true)) << "it would spoil the lines";
+    EXPECT_FALSE(setAutoUpdate(device_.root, *device_.store, {u""_s, u"n"_s, u"C"_s}, true));
+    EXPECT_TRUE(setAutoUpdate(device_.root, *device_.store, {u"u"_s, {}, u"C"_s}, true));
     EXPECT_EQ(content(), utf16(u"b\thttp://x/b\tC\n"_s));
 }
 
-TEST_F(AutoListTest, NamesAreComparedOverFiftyCharacters) {
-    isAutoUpdated(device_.root, u""_s);
+TEST_F(AutoListTest, NamesAreComparedOverFiftyCharactersWithoutTheBlanksAtTheirEnds) {
     const QString name = QString(50, u'n');
-    set(name, true);
-    EXPECT_TRUE(isAutoUpdated(device_.root, name + u"longer"));
-    EXPECT_FALSE(isAutoUpdated(device_.root, name.chopped(1)));
-    set(name + u"other", false);
+    device_.addChannel(u"C"_s, name);
+    put(name + u"longer\tu\tC\nb  \tv\tC\n");
+    EXPECT_EQ(has(name + u"other"), true);
+    EXPECT_EQ(has(name.chopped(1)), false);
+    EXPECT_EQ(has(u"b"_s), true);
+    EXPECT_EQ(has(u"b "_s), true);
+    EXPECT_EQ(names(), QStringList({name, u"b"_s}));
+    EXPECT_EQ(rename(u"b"_s, u"B"_s), ChannelChange::Done);
+    EXPECT_EQ(names(), QStringList({name, u"B"_s}));
+    put(name + u"longer\tu\tC\nB  \tv\tC\n");
+    EXPECT_TRUE(set(u"B"_s, false));
+    EXPECT_TRUE(set(name + u"other", false));
     EXPECT_EQ(content(), "");
 }
 
-TEST_F(AutoListTest, WhatWouldBreakALineIsRefused) {
-    isAutoUpdated(device_.root, u""_s);
-    set(u"a"_s, true);
-    const QByteArray before = content();
-    for (const QString &name : {u"t\tab"_s, u"line\nfeed"_s, u""_s})
-        EXPECT_FALSE(set(name, true));
-    EXPECT_FALSE(setAutoUpdate(device_.root, {u""_s, u"n"_s, u"C"_s}, true));
-    EXPECT_TRUE(setAutoUpdate(device_.root, {u"u"_s, QString(), u"C"_s}, true));
-    EXPECT_EQ(content(), before);
-}
-
-TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoes) {
+TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoesAndSpoiltNoMore) {
     struct Case {
         QByteArray content;
         QStringList channels;
+        QString withoutA = u"none"_s;
     };
     const Case cases[] = {
-        {utf16(u"\uFEFFa\tu\tC\r\n\r\nb\tu\tC"_s), {u"a"_s, u"b"_s}},
-        {utf16(u"note\nb\tu\tC\nb\tv\tD\n\tu\tC\nc\tu\tC\n"_s), {u"b"_s, u"c"_s}},
-        {utf16(u"a\nu\nC\nb\tu\nC\n"_s), {u"a"_s, u"b"_s}},
-        {utf16(u"a\tu\tC\nb\tu\tC\n"_s).chopped(1), {u"a"_s, u"b"_s}},
+        {utf16(u"\uFEFFa\tu\tC\r\n\r\nb\tu\tC"_s), {u"a"_s, u"b"_s}, u"b\tu\tC\n"_s},
+        {utf16(u"note\nb\tu\tC\nb\tv\tD\n\tu\tC\nbc\tu\tC\n"_s), {u"b"_s, u"bc"_s}},
+        {utf16(u"a\nu\nC\nb\tu\nC\n"_s), {u"a"_s, u"b"_s}, u"b\tu\tC\n"_s},
+        {utf16(u"a\tu\tC\nb\tu\tC\n"_s).chopped(1), {u"a"_s, u"b"_s}, u"b\tu\tC\n"_s},
+        {utf16(u"# mine\na\tu\tC\nnote\nb\tu\tC\nd\tu\n"_s),
+         {u"a"_s, u"b"_s},
+         u"# mine\nnote\nb\tu\tC\nd\tu\n"_s},
         {"a\tu\tC\nb\tu\tC\n", {}},
         {QByteArray(5'000'000, '\0'), {}},
         {utf16(QString(100, u'n') + u'\t' + QString(600, u'u') + u'\t' + QString(99, u'c') + u'\n'),
@@ -82,71 +105,49 @@ TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoes) {
     };
     for (const Case &test : cases) {
         ASSERT_TRUE(writeFile(path_, test.content));
-        QStringList names;
-        for (const RefreshJob &job : autoUpdatedChannels(device_.root))
-            names.append(job.channelName);
-        EXPECT_EQ(names, test.channels);
+        EXPECT_EQ(names(), test.channels);
+        if (test.withoutA == u"none")
+            continue;
+        EXPECT_TRUE(set(u"a"_s, false));
+        EXPECT_EQ(content(), utf16(test.withoutA));
+        EXPECT_TRUE(set(u"a"_s, true));
+        EXPECT_EQ(has(u"a"_s), true) << "also behind a line that is not ended";
+        EXPECT_EQ(has(u"b"_s), true);
     }
 }
 
-TEST_F(AutoListTest, WhatSomebodyHasSpoiltByHandSpoilsNoMore) {
-    ASSERT_TRUE(writeFile(path_, utf16(u"# mine\na\tu\tC\nnote\nb\tu\tC\nc\tu\n"_s)));
-    EXPECT_TRUE(isAutoUpdated(device_.root, u"a"_s));
-    EXPECT_TRUE(isAutoUpdated(device_.root, u"b"_s));
-    EXPECT_TRUE(set(u"a"_s, false));
-    EXPECT_EQ(content(), utf16(u"# mine\nnote\nb\tu\tC\nc\tu\n"_s));
-    EXPECT_TRUE(set(u"d"_s, true));
-    EXPECT_TRUE(isAutoUpdated(device_.root, u"d"_s));
-    EXPECT_TRUE(isAutoUpdated(device_.root, u"b"_s));
+TEST_F(AutoListTest, FollowsTheChangesOfChannels) {
+    const QString lines = u"a\tu\tC\ngone\tu\tC\nb\tv\tD\nnote\nbc\tw\tE\n"_s;
+    put(lines);
+    EXPECT_EQ(rename(u"b"_s, u"a"_s), ChannelChange::NameTaken);
+    EXPECT_EQ(content(), utf16(lines));
+    // A channel keeps its place and the rest of its line; what has no channel goes.
+    EXPECT_EQ(rename(u"b"_s, u"gone"_s), ChannelChange::Done);
+    EXPECT_EQ(content(), utf16(u"a\tu\tC\ngone\tv\tD\nnote\nbc\tw\tE\n"_s));
+    EXPECT_EQ(rename(u"gone"_s, u"t\tab"_s), ChannelChange::Done) << "which is no name of a line";
+    EXPECT_EQ(content(), utf16(u"a\tu\tC\nnote\nbc\tw\tE\n"_s));
+    EXPECT_EQ(deleteChannel(device_.root, *device_.store, u"bc"_s), ChannelChange::Done);
+    EXPECT_EQ(content(), utf16(u"a\tu\tC\nnote\n"_s));
+    EXPECT_EQ(deleteChannelsOf(device_.root, *device_.store, u"C"_s), ChannelChange::Done);
+    EXPECT_EQ(content(), utf16(u"note\n"_s));
 }
 
-TEST_F(AutoListTest, AddingBehindAnUnendedLineSpoilsNeither) {
-    ASSERT_TRUE(writeFile(path_, utf16(u"a\tu\tC"_s)));
-    EXPECT_TRUE(set(u"b"_s, true));
-    EXPECT_EQ(content(), utf16(u"a\tu\tC\nb\thttp://x/b\tC\n"_s));
-}
-
-TEST_F(AutoListTest, ARenamedChannelKeepsItsPlaceAndTheRestOfItsLine) {
-    EXPECT_TRUE(renameAutoUpdated(device_.root, u"b"_s, u"new"_s)) << "there is no list yet";
-    ASSERT_TRUE(writeFile(path_, utf16(u"a\tu\tC\nb\tv\tD\nnote\nbc\tw\tE\n"_s)));
-    EXPECT_TRUE(renameAutoUpdated(device_.root, u"b"_s, u"It's new"_s));
-    const QByteArray renamed = utf16(u"a\tu\tC\nIt's new\tv\tD\nnote\nbc\tw\tE\n"_s);
-    EXPECT_EQ(content(), renamed);
-    EXPECT_TRUE(renameAutoUpdated(device_.root, u"b"_s, u"c"_s)) << "it is not on the list";
-    {
-        const FullDisk disk;
-        EXPECT_FALSE(renameAutoUpdated(device_.root, u"a"_s, u"c"_s));
-    }
-    EXPECT_EQ(content(), renamed);
-    EXPECT_TRUE(renameAutoUpdated(device_.root, u"a"_s, u"t\tab"_s))
-        << "which is no name of a line";
-    EXPECT_EQ(content(), renamed.sliced(12));
-}
-
-TEST_F(AutoListTest, AFullDiskIsToldAndLeavesTheListAsItWas) {
-    isAutoUpdated(device_.root, u""_s);
-    set(u"a"_s, true);
-    const QByteArray before = content();
+TEST_F(AutoListTest, OneThatCannotBeReadOrWrittenIsNotAnEmptyOne) {
+    put(u"a\tu\tC\n"_s);
     {
         const FullDisk disk;
         EXPECT_FALSE(set(u"b"_s, true));
+        EXPECT_EQ(rename(u"a"_s, u"new"_s), ChannelChange::ListFailed);
     }
-    EXPECT_EQ(content(), before);
-}
-
-TEST_F(AutoListTest, ManyAtOnceLoseNothing) {
-    isAutoUpdated(device_.root, u""_s);
-    std::vector<std::jthread> threads(4);
-    for (int i = 0; i < 4; ++i)
-        threads[static_cast<std::size_t>(i)] = std::jthread([this, i] {
-            for (int k = 0; k < 10; ++k) {
-                set(u"%1 %2"_s.arg(i).arg(k), true);
-                if (k % 2 == 1)
-                    set(u"%1 %2"_s.arg(i).arg(k - 1), false);
-            }
-        });
-    threads.clear();
-    EXPECT_EQ(autoUpdatedChannels(device_.root).size(), 4 * 5);
+    EXPECT_EQ(content(), utf16(u"a\tu\tC\n"_s));
+    ASSERT_TRUE(QFile::remove(path_) && QDir().mkpath(path_));
+    EXPECT_EQ(has(u"a"_s), std::nullopt);
+    EXPECT_EQ(names(), QStringList(u"none"_s));
+    EXPECT_FALSE(set(u"b"_s, true) || set(u"a"_s, false));
+    EXPECT_EQ(rename(u"a"_s, u"new"_s), ChannelChange::ListFailed);
+    EXPECT_EQ(deleteChannel(device_.root, *device_.store, u"d"_s), ChannelChange::ListFailed);
+    EXPECT_EQ(device_.channelNames(u"C"_s), QStringList({u"a"_s, u"b"_s, u"bc"_s}))
+        << "what is to be renamed has kept its name";
 }
 
 } // namespace

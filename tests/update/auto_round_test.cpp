@@ -26,7 +26,7 @@ protected:
     void addChannel(const QString &name, const QString &url) {
         device_.store->InsertChannel({u"C"_s, name, url});
         isAutoUpdated(device_.root, name); // makes the list
-        ASSERT_TRUE(setAutoUpdate(device_.root, {url, name, u"C"_s}, true));
+        ASSERT_TRUE(setAutoUpdate(device_.root, *device_.store, {url, name, u"C"_s}, true));
     }
 
     /// Runs the round that is due at `moment` hours after the start.
