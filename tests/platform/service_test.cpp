@@ -1,19 +1,11 @@
-#include "platform/pause.h"
 #include "platform/process_lock.h"
 #include "platform/service.h"
-#include "platform/stop_signal.h"
-#include "platform/wait_any.h"
+#include "support/device_folders.h"
 #include "support/forked_process.h"
-#include "support/text_printing.h"
-
-#include <QElapsedTimer>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <thread>
 
 namespace tidebrook {
 namespace {
@@ -21,26 +13,17 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-class ServiceTest : public testing::Test {
+class ServiceTest : public DeviceFolders {
 protected:
-    void SetUp() override { ASSERT_TRUE(device_.makeFolders()); }
-
     /// What holds the service's lock, until it is killed or ends by a signal.
     std::unique_ptr<ForkedProcess> startHolder(const std::function<void()> &prepare = [] {}) const {
-        const SharedCount held;
-        auto holder = std::make_unique<ForkedProcess>([&] {
+        return startStaying([&](const auto &stay) {
             prepare();
             const ProcessLock lock(serviceLockPath(device_));
             if (lock.isHeld())
-                held.add();
-            return pause();
+                stay();
         });
-        EXPECT_TRUE(held.wait());
-        return holder;
     }
-
-    QTemporaryDir folder_;
-    const DeviceRoot device_{folder_.filePath(u"device"_s)};
 };
 
 TEST_F(ServiceTest, ALockIsHeldByOneLivingProcessWhichItTells) {
@@ -79,32 +62,6 @@ TEST_F(ServiceTest, StoppingWaitsForTheEndOfTheService) {
     const auto deaf = startHolder([] { std::signal(SIGTERM, SIG_IGN); });
     EXPECT_FALSE(stopService(device_, 50ms));
     EXPECT_EQ(runningService(device_), deaf->id());
-}
-
-StopSignal *signalledStop = nullptr;
-
-TEST(StopSignal, RaisedInASignalHandlerItEndsEveryWaitAndPause) {
-    StopSignal stop;
-    const auto isReadable = [&] {
-        return WaitAny({}, stop.descriptor(), 0ms).kind == WaitResult::Kind::Input;
-    };
-    EXPECT_FALSE(stop.wait(1ms) || isReadable());
-    setPauseScale(100);
-    EXPECT_TRUE(Pause(1, &stop));
-    std::thread waiting([&] { EXPECT_TRUE(stop.wait(60s)); });
-    std::thread pausing([&] { EXPECT_FALSE(Pause(60'000, &stop)); });
-    signalledStop = &stop;
-    const auto before = std::signal(SIGUSR1, [](int) { signalledStop->raise(); });
-    QElapsedTimer timer;
-    timer.start();
-    std::raise(SIGUSR1);
-    waiting.join();
-    pausing.join();
-    EXPECT_LT(timer.elapsed(), 30'000);
-    std::signal(SIGUSR1, before);
-    EXPECT_TRUE(stop.wait(60s) && isReadable()) << "it stays raised";
-    setPauseScale(0);
-    EXPECT_FALSE(Pause(60'000, &stop)) << "also when there is nothing to pause";
 }
 
 } // namespace

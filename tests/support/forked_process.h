@@ -2,6 +2,7 @@
 
 #include "platform/descriptor.h"
 
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/wait.h>
@@ -78,5 +79,20 @@ public:
 private:
     const Descriptor count_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
 };
+
+/// A process that begins `work` and stays where `work` calls what it is given, until it is killed.
+inline std::unique_ptr<ForkedProcess>
+startStaying(const std::function<void(const std::function<void()> &stay)> &work) {
+    const SharedCount isThere;
+    auto process = std::make_unique<ForkedProcess>([&] {
+        work([&] {
+            isThere.add();
+            pause();
+        });
+        return 0;
+    });
+    EXPECT_TRUE(isThere.wait());
+    return process;
+}
 
 } // namespace tidebrook
