@@ -1,13 +1,15 @@
 #include "update/auto_list.h"
 
+#include "platform/descriptor.h"
+#include "platform/plain_file.h"
 #include "platform/replace_file.h"
 #include "platform/text.h"
 #include "store/escape_sql.h"
 #include "update/channel_file.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSet>
+
+#include <fcntl.h>
 
 #include <algorithm>
 #include <functional>
@@ -62,7 +64,7 @@ QList<Entry> readEntries(const QString &text) {
 
 // A list that is missing is an empty one.
 std::optional<QString> readList(const QString &path) {
-    return QFileInfo::exists(path) ? readChannelFile(path, listLimit) : QString();
+    return fileKindAt(path) == FileKind::Missing ? QString() : readChannelFile(path, listLimit);
 }
 
 bool hasName(const Entry &entry, const QString &channelName) {
@@ -83,7 +85,7 @@ bool canBeLine(const RefreshJob &job) {
 bool changeList(const DeviceRoot &device, FeedStore &store,
                 const std::function<void(QList<Entry> &)> &work) {
     const QString path = device.filePath(listFile);
-    if (!QFileInfo::exists(path))
+    if (fileKindAt(path) == FileKind::Missing)
         return true;
     const std::optional<QString> text = readList(path);
     if (!text)
@@ -101,9 +103,8 @@ bool changeList(const DeviceRoot &device, FeedStore &store,
 
 std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &channelName) {
     const QString path = device.filePath(listFile);
-    const bool isThere = QFileInfo::exists(path) ||
-                         QFile(path).open(QIODevice::WriteOnly | QIODevice::Append); // makes it
-    const std::optional<QString> text = isThere ? readList(path) : std::nullopt;
+    const Descriptor made(openPlainFile(path, O_RDONLY | O_CREAT));
+    const std::optional<QString> text = made.isOpen() ? readList(path) : std::nullopt;
     if (!text)
         return std::nullopt;
     const QList<Entry> entries = readEntries(*text);
