@@ -1,4 +1,4 @@
-#include "support/test_device.h"
+#include "support/open_store.h"
 
 #include <gtest/gtest.h>
 
@@ -9,14 +9,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-class ArticleTest : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
-
-    FeedStore &store() { return *device_.store; }
-
-    TestDevice device_;
-};
+class ArticleTest : public OpenStore {};
 
 TEST_F(ArticleTest, ListsComeInTheirThreeOrders) {
     const QList<TestArticle> articles{{.title = u"1 old"_s, .date = u"2026-01-03"_s},
@@ -24,9 +17,8 @@ TEST_F(ArticleTest, ListsComeInTheirThreeOrders) {
                                       {.title = u"3 middle"_s, .date = u"2026-01-20"_s},
                                       {.title = u"2 older"_s, .date = u"2025-12-31"_s}};
     device_.addChannel(u"C"_s, u"ch"_s, articles);
-    ArticleDetail detail;
-    ASSERT_TRUE(store().GetArticleDetail(u"ch"_s, u"4 new"_s, detail));
-    ASSERT_TRUE(store().GetArticleDetail(u"ch"_s, u"1 old"_s, detail));
+    detail(u"ch"_s, u"4 new"_s);
+    detail(u"ch"_s, u"1 old"_s);
     EXPECT_EQ(device_.titles(u"ch"_s),
               (QStringList{u"4 new"_s, u"3 middle"_s, u"1 old"_s, u"2 older"_s}));
     EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status),
@@ -44,21 +36,18 @@ TEST_F(ArticleTest, AnyTitleIsFoundByWhatTheListShows) {
         SCOPED_TRACE(title.toStdString());
         const QString name = QString::number(++channel);
         device_.addChannel(u"C"_s, name, {u"other"_s, title});
-        const QString listed = device_.titles(name)[1];
-        ArticleDetail detail;
-        ASSERT_TRUE(store().GetArticleDetail(name, listed, detail));
-        EXPECT_EQ(detail.description, u"Text");
-        EXPECT_EQ(detail.itemLink, u"http://example.org/1");
-        EXPECT_EQ(detail.publicationDate, u"2026-01-27");
+        const ArticleDetail found = detail(name, device_.titles(name)[1]);
+        EXPECT_EQ(found.description, u"Text");
+        EXPECT_EQ(found.itemLink, u"http://example.org/1");
+        EXPECT_EQ(found.publicationDate, u"2026-01-27");
         EXPECT_EQ(device_.counts(u"C"_s, name), u"1/2");
     }
 }
 
 TEST_F(ArticleTest, AnArticleThatIsNotThereIsReadAsNothing) {
     device_.addChannel(u"C"_s, u"ch"_s, {u"one"_s});
-    ArticleDetail detail{u"x"_s, u"x"_s, u"x"_s};
-    EXPECT_TRUE(store().GetArticleDetail(u"ch"_s, u"two"_s, detail));
-    EXPECT_TRUE(detail.itemLink.isEmpty() && detail.description.isEmpty());
+    const ArticleDetail found = detail(u"ch"_s, u"two"_s);
+    EXPECT_TRUE(found.itemLink.isEmpty() && found.description.isEmpty());
     EXPECT_EQ(device_.counts(u"C"_s, u"ch"_s), u"1/1");
 }
 

@@ -1,5 +1,4 @@
 #include "store/category_list.h"
-#include "store/provisioning.h"
 #include "store/seeding.h"
 #include "store/store_check.h"
 #include "support/test_device.h"
@@ -86,19 +85,6 @@ TEST_F(CategoryTest, SeedingTakesEveryThirdFieldWithNoHeedToLines) {
     EXPECT_EQ(names(), (QStringList{u"One"_s, u"Two"_s, u"Three"_s}));
     QFile::remove(path);
     EXPECT_EQ(seedCategories(device_.root, *device_.registry), Seeding::NoFile);
-}
-
-TEST(Provisioning, LeavesADeviceAsAnInstallerDoes) {
-    const QTemporaryDir folder;
-    const DeviceRoot root(folder.filePath(u"device"_s));
-    const QByteArray seed = utf16(u"a\tu\tOne\r\n"_s);
-    ASSERT_TRUE(provisionDevice(root, seed, testTodayKey.toString()));
-    Registry registry(root);
-    EXPECT_EQ(registry.read(programKey, u"UpdateInterval"), RegistryValue(quint32{1}));
-    EXPECT_EQ(registry.read(testTodayKey, u"TodayTimer"), RegistryValue(quint32{1}));
-    QFile file(root.filePath(u"\\windows\\RSSChannels.txt"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), seed);
 }
 
 TEST(Check, NamesEveryFault) {

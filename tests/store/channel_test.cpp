@@ -1,4 +1,4 @@
-#include "support/test_device.h"
+#include "support/open_store.h"
 
 #include <gtest/gtest.h>
 
@@ -7,18 +7,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-class ChannelTest : public testing::Test {
+class ChannelTest : public OpenStore {
 protected:
-    void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
-
-    FeedStore &store() { return *device_.store; }
     QString link(const QString &category, const QString &name) {
         QString found;
         EXPECT_TRUE(store().GetChannelLink(category, name, found));
         return found;
     }
-
-    TestDevice device_;
 };
 
 TEST_F(ChannelTest, ATakenNameIsStoredWithASuffix) {
@@ -82,15 +77,6 @@ TEST_F(ChannelTest, RenamingOntoATakenNameFailsWithTheArticlesRenamed) {
     EXPECT_EQ(device_.titles(u"old"_s), QStringList());
 }
 
-TEST_F(ChannelTest, DeletingAChannelLeavesTheOthersAlone) {
-    for (const QString &name : {u"first"_s, u"gone"_s, u"last"_s})
-        device_.addChannel(u"C"_s, name, {u"a"_s, u"b"_s});
-    EXPECT_TRUE(store().DeleteChannel(u"gone"_s));
-    EXPECT_EQ(device_.channelNames(u"C"_s), (QStringList{u"first"_s, u"last"_s}));
-    EXPECT_EQ(device_.titles(u"first"_s).size(), 2);
-    EXPECT_EQ(device_.counts(u"C"_s, u"last"_s), u"2/2");
-}
-
 TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
     store().changeAtOnce([](SqlCommand &command) {
         for (int i = 0; i < 700; ++i) {
@@ -114,30 +100,6 @@ TEST_F(ChannelTest, AChannelWithoutANameHidesNoOther) {
     EXPECT_EQ(device_.channelNames(u"A"_s), (QStringList{u""_s, u"second"_s}));
     EXPECT_TRUE(store().RenameChannel(u""_s, u"third"_s));
     EXPECT_EQ(device_.channelNames(u"A"_s), (QStringList{u"second"_s, u"third"_s}));
-}
-
-TEST_F(ChannelTest, RowsAreWalkedByCursorOrByIndex) {
-    for (const QString &name : {u"a"_s, u"b"_s})
-        device_.addChannel(u"C"_s, name);
-    store().ListChannels(u"C"_s);
-    ChannelRow row{};
-    EXPECT_TRUE(store().NextRow(&row, 1));
-    EXPECT_EQ(row.nameText(), u"b");
-    EXPECT_TRUE(store().NextRow(&row));
-    EXPECT_EQ(row.nameText(), u"a");
-    EXPECT_TRUE(store().NextRow(&row));
-    EXPECT_FALSE(store().NextRow(&row));
-    EXPECT_FALSE(store().NextRow(&row, -2));
-    EXPECT_FALSE(store().NextRow(nullptr));
-    store().ListChannels(u"Empty"_s);
-    EXPECT_FALSE(store().NextRow(&row));
-}
-
-TEST_F(ChannelTest, TheTodayItemIsToldTheSumOfAllUnread) {
-    device_.addChannel(u"A"_s, u"one"_s, {u"a"_s, u"b"_s});
-    device_.addChannel(u"B"_s, u"two"_s, {u"c"_s});
-    ASSERT_TRUE(store().PublishTotalUnread());
-    EXPECT_EQ(device_.registry->read(testTodayKey, u"UnreadItems"), RegistryValue(quint32{3}));
 }
 
 } // namespace
