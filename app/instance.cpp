@@ -1,6 +1,7 @@
 #include "app/instance.h"
 
 #include "app/base/messages.h"
+#include "app/base/today_taps.h"
 #include "platform/service.h"
 #include "res/strings.h"
 #include "ui/category_list_screen.h"
@@ -77,6 +78,8 @@ void Instance::comeForward() {
         qputenv("XDG_ACTIVATION_TOKEN", token->toUtf8());
         showWindow();
         stack_.bringForward();
+        if (state_) // or else the first screen looks
+            lookForTodayTap(*state_);
     }
 }
 

@@ -162,12 +162,14 @@ void ArticleViewScreen::openTarget(const QString &target) {
     startErrand(state_, [target] { return openLink(target) ? 0 : unidentifiedProblemString; });
 }
 
-void ArticleViewScreen::activated() {
-    lookForTodayTap(state_, dialog_, [this](const TodayTap &tap) {
-        leadTo(state_, tap);
+void ArticleViewScreen::activated() { lookForTodayTap(state_); }
+
+bool ArticleViewScreen::summoned() {
+    if (followTodayTap(state_)) {
         takeOver();
         buildPage();
-    });
+    }
+    return true;
 }
 
 void ArticleViewScreen::close() {

@@ -22,6 +22,7 @@ public:
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void activated() override;
+    bool summoned() override;
     void close() override;
     void helpRequested() override;
     std::optional<int> backCommand() const override;

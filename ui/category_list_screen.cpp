@@ -118,6 +118,8 @@ void CategoryListScreen::refresh() {
                 showCategories(*names);
             else
                 showUnread(isTold);
+            if (state_.tap)
+                dialog_->post(CommandOpenChannels);
         });
 }
 
@@ -141,8 +143,6 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     list_->setRows(std::move(rows));
     list_->selectRow(0);
     setColumnWidth();
-    if (tap_)
-        dialog_->post(CommandOpenChannels);
 }
 
 void CategoryListScreen::setColumnWidth() {
@@ -313,19 +313,23 @@ void CategoryListScreen::openChannels() {
 void CategoryListScreen::activated() {
     if (std::exchange(isUnread_, false))
         dialog_->post(CommandRefreshCategories);
-    lookForTodayTap(state_, dialog_, [this](const TodayTap &tap) {
-        tap_ = tap; // once its category is in the list
-        dialog_->post(CommandRefreshCategories);
-    });
+    lookForTodayTap(state_);
     state_.stack.inputPanel().putDown();
 }
 
+bool CategoryListScreen::summoned() {
+    const bool isListed = state_.tap && list_->findRow(state_.tap->category) >= 0;
+    dialog_->post(isListed ? CommandOpenChannels : CommandRefreshCategories);
+    return true;
+}
+
 void CategoryListScreen::openTapped() {
-    const auto tap = std::exchange(tap_, std::nullopt);
-    if (!tap || list_->findRow(tap->category) < 0)
-        return; // its category has gone since
-    leadTo(state_, *tap);
-    openChannels();
+    if (!followTodayTap(state_))
+        return;
+    if (list_->findRow(state_.todayCategory) >= 0)
+        openChannels();
+    else
+        forgetTodayTap(state_); // its category has gone since
 }
 
 void CategoryListScreen::sized() {

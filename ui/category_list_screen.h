@@ -3,7 +3,6 @@
 #include "app/base/app_state.h"
 #include "app/base/data_jobs.h"
 #include "ui/kit/dialog_procedure.h"
-#include "update/today_tap.h"
 
 #include <QStringList>
 
@@ -20,6 +19,7 @@ public:
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void activated() override;
+    bool summoned() override;
     void sized() override;
     void close() override;
     void helpRequested() override;
@@ -52,12 +52,11 @@ private:
     AppState &state_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
-    int changes_ = 0;             // asked for, and not stored yet
-    bool isRefreshOwed_ = false;  // rows could not be shown when they came
-    int owedMessage_ = 0;         // of a failure that could not be told when it came
-    bool isUnread_ = false;       // the list could not be read
-    bool isTold_ = false;         // of a failure, until the list is refreshed
-    std::optional<TodayTap> tap_; // a headline that is still to lead to its category's channels
+    int changes_ = 0;            // asked for, and not stored yet
+    bool isRefreshOwed_ = false; // rows could not be shown when they came
+    int owedMessage_ = 0;        // of a failure that could not be told when it came
+    bool isUnread_ = false;      // the list could not be read
+    bool isTold_ = false;        // of a failure, until the list is refreshed
 };
 
 /// Shows the category list, and with it every other screen, until the user leaves it.

@@ -95,10 +95,8 @@ void SteppedListScreen::stepByCommand(int index) {
 void SteppedListScreen::refreshSoon() { dialog_->post(kind_.refreshCommand); }
 
 void SteppedListScreen::refresh() {
-    if (const auto tap = std::exchange(tap_, std::nullopt)) {
-        leadTo(state_, *tap);
+    if (followTodayTap(state_))
         openTapped();
-    }
     if (!header().areChoicesVisible())
         list_->setFocus();
     const QString name = this->name();
@@ -136,6 +134,7 @@ void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
 void SteppedListScreen::showUnread() {
     list_->setRows({});
     shown_.reset();
+    forgetTodayTap(state_); // it would open at any later time
     ShowError(state_, databaseProblemString);
 }
 
@@ -227,11 +226,12 @@ void SteppedListScreen::openSelected() {
         open(*row);
 }
 
-void SteppedListScreen::activated() {
-    lookForTodayTap(state_, dialog_, [this](const TodayTap &tap) {
-        tap_ = tap; // once the screen is on top
-        refreshSoon();
-    });
+void SteppedListScreen::activated() { lookForTodayTap(state_); }
+
+// It leads to the headline once it is on top.
+bool SteppedListScreen::summoned() {
+    refreshSoon();
+    return true;
 }
 
 void SteppedListScreen::sized() {

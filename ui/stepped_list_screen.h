@@ -3,7 +3,6 @@
 #include "app/base/app_state.h"
 #include "ui/kit/dialog_procedure.h"
 #include "ui/kit/list_rows.h"
-#include "update/today_tap.h"
 
 #include <QList>
 
@@ -26,6 +25,7 @@ public:
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void activated() override;
+    bool summoned() override;
     void sized() override;
     void helpRequested() override;
     std::optional<int> backCommand() const override { return kind_.backCommand; }
@@ -113,7 +113,6 @@ private:
     ListView *list_ = nullptr;
     std::optional<QString> shown_; // the name whose rows are in the list
     std::optional<Place> place_;
-    std::optional<TodayTap> tap_; // a headline that is still to be led to
 };
 
 /// The rows of what a job has read, as far as it comes before it is stopped.

@@ -5,12 +5,14 @@
 #include "app/base/fill_jobs.h"
 #include "app/base/update_jobs.h"
 #include "app/base/work_queue.h"
+#include "update/today_tap.h"
 
 #include <QFont>
 #include <QPointer>
 #include <QStringList>
 
 #include <array>
+#include <optional>
 
 namespace tidebrook {
 
@@ -65,6 +67,9 @@ struct AppState {
 
     int fontSize = fontSizes[0];
     QFont listFont;
+
+    /// A tapped headline that no screen has led to yet.
+    std::optional<TodayTap> tap;
 
     // The tapped headline that the screens are to lead to; empty when there is none.
     QString todayCategory;

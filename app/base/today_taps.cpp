@@ -1,26 +1,33 @@
 #include "app/base/today_taps.h"
 
+#include "ui/kit/screen_stack.h"
+
 #include <utility>
 
 namespace tidebrook {
 
-void lookForTodayTap(AppState &state, QObject *receiver,
-                     std::function<void(const TodayTap &)> then) {
+void lookForTodayTap(AppState &state) {
     state.settings.ask(
-        receiver,
+        &state.stack,
         [&device = state.device] {
             return takeTodayTap(device.root, device.registry, device.todayItemKey);
         },
-        [then = std::move(then)](const std::optional<TodayTap> &tap) {
+        [&state](const std::optional<TodayTap> &tap) {
             if (tap)
-                then(*tap);
+                state.tap = tap;
+            if (state.tap)
+                state.stack.summon();
         });
 }
 
-void leadTo(AppState &state, const TodayTap &tap) {
-    state.todayCategory = tap.category;
-    state.todayChannel = tap.channel;
-    state.todayTitle = tap.title;
+bool followTodayTap(AppState &state) {
+    const auto tap = std::exchange(state.tap, std::nullopt);
+    if (!tap)
+        return false;
+    state.todayCategory = tap->category;
+    state.todayChannel = tap->channel;
+    state.todayTitle = tap->title;
+    return true;
 }
 
 void forgetTodayTap(AppState &state) {

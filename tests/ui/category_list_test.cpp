@@ -342,9 +342,7 @@ TEST_F(CategoryListTest, AHeadlineTappedTodayLeadsIntoItsCategoryOnceAndWaitsFor
         tapAndOpen(user, Qt::Key_Return);
         ASSERT_TRUE(user.seesCaption(u"News"_s));
         gate.release();
-        ASSERT_TRUE(user.seesQuiet() && user.seesCaption(u"News"_s));
-        user.press(Qt::Key_Escape);
-        leave(user);
+        leave(user); // it also leads there from what was chosen meanwhile
     }));
 }
 

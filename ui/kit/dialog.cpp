@@ -102,6 +102,8 @@ void Dialog::activated() {
     procedure_.activated();
 }
 
+bool Dialog::summoned() { return procedure_.summoned(); }
+
 void Dialog::closeRequested() { procedure_.close(); }
 
 QWidget *Dialog::firstFocus() {

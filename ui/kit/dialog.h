@@ -49,6 +49,7 @@ public:
     void relayout();
 
     void activated() override;
+    bool summoned() override;
     void closeRequested() override;
     bool isOpaque() const override { return true; }
     QWidget *firstFocus() override;

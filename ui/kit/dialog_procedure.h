@@ -25,6 +25,8 @@ public:
     virtual void command(int id) = 0;
     /// The dialog came to the front.
     virtual void activated() {}
+    /// As `Layer::summoned`.
+    virtual bool summoned() { return false; }
     /// The controls were laid out for another size.
     virtual void sized() {}
     /// The window is being closed: what the OK of a title bar does.

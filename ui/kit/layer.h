@@ -24,6 +24,9 @@ public:
 
     /// It came to the top of the stack, or the window became the active one while it was there.
     virtual void activated() {}
+    /// There is something that the screens are to lead the user to. True when this one does so, at
+    /// once or as soon as nothing lies above it; false leaves it to the layer below.
+    virtual bool summoned() { return false; }
     /// The window is being closed: the layer is to end, now or when what it must finish is done.
     virtual void closeRequested() = 0;
     /// Whether nothing below it is seen.

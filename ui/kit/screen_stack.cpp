@@ -7,6 +7,8 @@
 
 #include <QCloseEvent>
 
+#include <algorithm>
+
 namespace tidebrook {
 
 namespace {
@@ -76,6 +78,11 @@ void ScreenStack::pop(Layer &layer) {
 void ScreenStack::closeTop() {
     if (Layer *layer = top(); layer != nullptr && !layer->hasEnded())
         layer->closeRequested();
+}
+
+void ScreenStack::summon() {
+    const QList<Layer *> layers = layers_; // which a layer may change
+    std::any_of(layers.rbegin(), layers.rend(), [](Layer *layer) { return layer->summoned(); });
 }
 
 void ScreenStack::bringForward() {

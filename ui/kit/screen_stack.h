@@ -36,6 +36,9 @@ public:
     ProgressLine &progressLine() { return *progressLine_; }
     InputPanel &inputPanel() { return *inputPanel_; }
 
+    /// Summons the layers from the topmost down, until one of them leads the user.
+    void summon();
+
     /// Brings the window in front of those of other programs, whatever it is showing.
     void bringForward();
 
