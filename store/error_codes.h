@@ -11,11 +11,12 @@ enum ErrorCode : quint32 {
     DatabaseFailed = 1001, ///< opening, reading or writing it; also: an item cannot be stored
     FeedNotXml = 1002, ///< not even when it was downloaded again; also: a list that cannot be read
     FeedNotRss = 1003, ///< XML, but of another kind; or nothing at all; also: no list of channels
-    FileNotWritten = 1004,  ///< one that was downloaded, or saved for the user
+    FileNotWritten = 1004,  ///< one that was downloaded, or saved for the user; also: the registry
     SeedFileMissing = 1006, ///< while the database was to be created
     FeedNotSent = 1007,     ///< no server was reached
     FeedNotComplete = 1008, ///< the answer did not come whole
     FeedNotDownloaded = 1009,
+    NoMemory = 1010,     ///< nor a thread
     NothingKnown = 1012, ///< nothing to ask for, or nothing more particular is known
 };
 

@@ -58,12 +58,15 @@ struct ArticleViewScreen::Building {
 };
 
 // Reading the article is what marks it read.
-void ArticleViewScreen::build(FeedStore &store, Building &building) {
+void ArticleViewScreen::build(DeviceParts &device, Building &building) {
+    FeedStore &store = *device.store;
     if (building.isRowWanted)
         building.row = rowOfTitle(store, building.channel, building.title, building.mode);
     ArticleDetail detail;
     if (store.GetArticleDetail(building.channel, building.title, detail))
         building.page = articlePage(building.channel, building.title, detail);
+    else
+        recordProblem(device, databaseProblemString);
     building.isGone = detail.itemLink.isEmpty() && detail.description.isEmpty() &&
                       detail.publicationDate.isEmpty();
 }
@@ -108,8 +111,8 @@ void ArticleViewScreen::buildPage() {
     building->mode = state_.sortMode;
     building->isRowWanted = isTapped_;
     state_.fills.launch(dialog_, {.collect =
-                                      [&store = *state_.device.store, building](FillStop &stop) {
-                                          build(store, *building);
+                                      [&device = state_.device, building](FillStop &stop) {
+                                          build(device, *building);
                                           building->isDropped = stop.isPending();
                                       },
                                   .show = [this, building] { show(*building); },

@@ -33,7 +33,7 @@ private:
     void takeOver();
     struct Building;
     void buildPage();
-    static void build(FeedStore &store, Building &building);
+    static void build(DeviceParts &device, Building &building);
     void show(const Building &building);
     void save(SaveKind kind);
     void send(SendKind kind);

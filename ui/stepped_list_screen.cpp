@@ -111,8 +111,10 @@ void SteppedListScreen::refresh() {
 
 void SteppedListScreen::fill(const QString &name) {
     auto filling = std::make_shared<Filling>();
-    const auto collect = [filling, read = collector()](FillStop &stop) {
+    const auto collect = [filling, &device = state_.device, read = collector()](FillStop &stop) {
         filling->rows = read(stop);
+        if (!filling->rows)
+            recordProblem(device, databaseProblemString);
         filling->isStopped = stop.isRequested();
     };
     const auto show = [this, filling, name] { showFilling(name, *filling); };

@@ -22,7 +22,7 @@ void startUpdate(AppState &state, const QString &category, const std::optional<Q
     const bool isStarted = channel ? updates.startUpdateChannel(category, *channel)
                                    : updates.startUpdateCategory(category);
     if (!isStarted && !updates.isUpdating())
-        ShowError(state, unidentifiedProblemString);
+        tellProblem(state, unidentifiedProblemString);
 }
 
 } // namespace tidebrook

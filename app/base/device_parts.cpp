@@ -29,8 +29,10 @@ int DeviceParts::open() {
     const bool isStoreOpen = store->Open();
     if (!isRegistryReadable)
         return 0;
-    if (!isStoreOpen)
+    if (!isStoreOpen) {
+        SetLastErrorCode(registry, store->error());
         return store->error() == SeedFileMissing ? fileProblemString : databaseProblemString;
+    }
     ownFiles_ = files();
     // While somebody else is at work, a category may be lost for a moment only.
     areListed = (!channelsLock.isHeld() || listLostCategories()) && areListed;

@@ -1,6 +1,7 @@
 #include "app/base/messages.h"
 
 #include "res/strings.h"
+#include "store/error_codes.h"
 #include "ui/kit/message_box.h"
 #include "ui/kit/screen_stack.h"
 
@@ -11,6 +12,21 @@ namespace {
 void showErrorText(ScreenStack &stack, const QString &text) {
     const QString shown = text.isEmpty() ? resourceString(unidentifiedProblemString) : text;
     MessageBox::ask(stack, MessageBox::Kind::Error, resourceString(errorString), shown);
+}
+
+quint32 codeOf(int textId) {
+    switch (textId) {
+    case databaseProblemString:
+        return DatabaseFailed;
+    case fileProblemString:
+        return FileNotWritten;
+    case memoryProblemString:
+        return NoMemory;
+    case unidentifiedProblemString:
+        return NothingKnown;
+    default:
+        return 0;
+    }
 }
 
 } // namespace
@@ -30,6 +46,17 @@ void ShowError(AppState &state, int textId) {
     state.settings.ask(
         &stack, [&settings] { return settings.dword(programKey, u"ERRORNO"); },
         [&stack](quint32 code) { showErrorText(stack, errorMessage(code)); });
+}
+
+int recordProblem(DeviceParts &device, int textId) {
+    if (const quint32 code = codeOf(textId); code != 0)
+        SetLastErrorCode(device.registry, code);
+    return textId;
+}
+
+void tellProblem(AppState &state, int textId) {
+    state.settings.tell([&device = state.device, textId] { recordProblem(device, textId); });
+    ShowError(state, textId);
 }
 
 bool askUser(AppState &state, int captionId, int textId) {

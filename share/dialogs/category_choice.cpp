@@ -12,7 +12,13 @@ namespace tidebrook {
 void readCategories(AppState &state, QObject *receiver,
                     std::function<void(const QStringList &)> then) {
     state.changes.ask(
-        receiver, [&store = state.device.categoryStore] { return store.listedCategories(); },
+        receiver,
+        [&device = state.device] {
+            auto names = device.categoryStore.listedCategories();
+            if (!names)
+                recordProblem(device, fileProblemString);
+            return names;
+        },
         [&state, then = std::move(then)](const std::optional<QStringList> &names) {
             then(!names             ? QStringList()
                  : names->isEmpty() ? QStringList(resourceString(noCategoryString))

@@ -40,6 +40,8 @@ struct Stored {
 Stored readStored(DeviceParts &device, const QString &category, const QString &channel) {
     Stored stored;
     stored.isRead = device.store->GetChannelLink(category, channel, stored.link);
+    if (!stored.isRead)
+        recordProblem(device, databaseProblemString);
     stored.link = TrimTrailingBlanks(stored.link).toString();
     stored.isAutoUpdated = isAutoUpdated(device.root, channel);
     return stored;
@@ -160,7 +162,7 @@ void PropertiesDialog::apply() {
     const bool isStarted = (!isChanged && to.isAutoUpdated == initial_.isAutoUpdated) ||
                            startChangeChannel(state(), receiver_, initial_, to, applied_);
     if (!isStarted)
-        return ShowError(state(), memoryProblemString);
+        return tellProblem(state(), memoryProblemString);
     leave(isChanged ? 1 : 0);
 }
 

@@ -34,7 +34,7 @@ void FormDialog::leave(int result) {
 
 void FormDialog::tellNoThread() {
     waiting_.reset();
-    ShowError(state_, memoryProblemString);
+    tellProblem(state_, memoryProblemString);
 }
 
 } // namespace tidebrook

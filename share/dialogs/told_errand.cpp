@@ -12,8 +12,12 @@ void startErrand(AppState &state, const std::function<int()> &work) {
             ShowError(state, messageId);
     };
     if (!state.errands.run(
-            &state.stack, [work](const StopSignal &) { return work(); }, tell))
-        ShowError(state, memoryProblemString);
+            &state.stack,
+            [work, &device = state.device](const StopSignal &) {
+                return recordProblem(device, work());
+            },
+            tell))
+        tellProblem(state, memoryProblemString);
 }
 
 } // namespace tidebrook

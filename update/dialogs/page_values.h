@@ -23,10 +23,15 @@ template <class Read, class Show> void loadPage(AppState &state, Form &form, Rea
 template <class Save> void savePage(AppState &state, Form &form, Save save) {
     if (!form.isEnabled())
         return;
-    state.settings.ask(&state.stack, std::move(save), [&state](bool isSaved) {
-        if (!isSaved)
-            ShowError(state, fileProblemString);
-    });
+    state.settings.ask(
+        &state.stack,
+        [&device = state.device, save = std::move(save)] {
+            return save() ? 0 : recordProblem(device, fileProblemString);
+        },
+        [&state](int messageId) {
+            if (messageId != 0)
+                ShowError(state, messageId);
+        });
 }
 
 } // namespace tidebrook
