@@ -20,6 +20,8 @@ constexpr QStringView sortModeValue = u"SortMode";
 
 constexpr int firstMode = static_cast<int>(SortMode::Date); // is stored as 0
 
+quint32 numberOf(SortMode mode) { return static_cast<quint32>(static_cast<int>(mode) - firstMode); }
+
 // A number that no order has counts as the first one.
 SortMode modeOf(quint32 stored) {
     return stored <= 2 ? static_cast<SortMode>(firstMode + static_cast<int>(stored))
@@ -69,10 +71,14 @@ bool ArticleListScreen::initialise(Dialog &dialog) {
                          if (category == this->category() && channel == name())
                              refreshSoon();
                      });
-    const auto read = [&settings = state().device.settings]() -> std::optional<quint32> {
-        quint32 mode = 0;
-        return settings.RegReadDword(programKey, sortModeValue, mode) ? std::optional(mode)
-                                                                      : std::nullopt;
+    // One of another type changes nothing, and is replaced when the screen ends.
+    const auto read = [&device = state().device,
+                       before = numberOf(state().sortMode)]() -> std::optional<quint32> {
+        quint32 mode = before;
+        if (device.settings.RegReadDword(programKey, sortModeValue, mode) ||
+            device.registry.read(programKey, sortModeValue))
+            return mode;
+        return std::nullopt; // it could not be read
     };
     const auto then = [this](std::optional<quint32> mode) { begin(mode); };
     if (!state().settings.ask(&dialog, read, then))
@@ -164,11 +170,11 @@ void ArticleListScreen::prepareMenu(ScreenMenu &menu) {
 }
 
 void ArticleListScreen::close() {
-    const auto stored = static_cast<quint32>(static_cast<int>(state().sortMode) - firstMode);
     if (isModeKnown_) // or else what is stored would be lost
-        state().settings.tell([&settings = state().device.settings, stored] {
-            settings.RegWriteDword(programKey, sortModeValue, stored);
-        });
+        state().settings.tell(
+            [&settings = state().device.settings, number = numberOf(state().sortMode)] {
+                settings.setDword(programKey, sortModeValue, number);
+            });
     leave();
 }
 

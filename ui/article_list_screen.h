@@ -26,7 +26,7 @@ private:
     void markAll(bool (FeedStore::*mark)(const QString &channel));
     void openArticle();
 
-    bool isModeKnown_ = false; // that the user has chosen last
+    bool isModeKnown_ = false; // it was read, or chosen
 };
 
 } // namespace tidebrook

@@ -66,6 +66,7 @@ struct AppState {
     QString fillTitle;
 
     int fontSize = fontSizes[0];
+    bool isFontSizeKnown = false; ///< it was read, or chosen
     QFont listFont;
 
     /// A tapped headline that no screen has led to yet.

@@ -8,6 +8,7 @@
 #include "ui/kit/screen_stack.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tidebrook {
 
@@ -35,15 +36,17 @@ bool chooseFontSize(AppState &state, int command) {
     if (command < CommandFontSmall || command > CommandFontBig)
         return false;
     state.fontSize = fontSizes[static_cast<std::size_t>(command - CommandFontSmall)];
+    state.isFontSizeKnown = true;
     applyListFont(state);
     state.settings.ask(
         &state.stack,
-        [&settings = state.device.settings, size = state.fontSize] {
-            return settings.RegWriteDword(programKey, fontSizeValue, static_cast<quint32>(size));
+        [&device = state.device, size = static_cast<quint32>(state.fontSize)] {
+            const bool isStored = device.settings.RegWriteDword(programKey, fontSizeValue, size);
+            return isStored ? 0 : recordProblem(device, fileProblemString);
         },
-        [&state](bool isStored) {
-            if (!isStored)
-                ShowError(state, fileProblemString);
+        [&state](int messageId) {
+            if (messageId != 0)
+                ShowError(state, messageId);
         });
     return true;
 }
@@ -57,6 +60,8 @@ void readFontSize(AppState &state, QObject *receiver) {
             return static_cast<int>(size);
         },
         [&state](int size) {
+            if (std::exchange(state.isFontSizeKnown, true))
+                return; // the user was faster
             state.fontSize = fontSizes[static_cast<std::size_t>(indexOfSize(size))];
             applyListFont(state);
         });
