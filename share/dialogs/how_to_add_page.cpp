@@ -52,7 +52,8 @@ bool HowToAddPage::initialise(Dialog &dialog) {
     edit_->setText(scheme.toString());
     QObject::connect(edit_, &QLineEdit::textEdited, &dialog, [this] { dropSecondScheme(); });
     fromUrl_->setChecked(true);
-    QObject::connect(fromUrl_, &QAbstractButton::toggled, &dialog, [this] { chooseWay(); });
+    for (QAbstractButton *way : {fromUrl_, fromFile})
+        QObject::connect(way, &QAbstractButton::clicked, &dialog, [this] { chooseWay(); });
     dialog.setFirstFocus(edit_);
     return true;
 }
@@ -82,7 +83,7 @@ void HowToAddPage::command(int id) {
     case CommandWizardGoOn:
         return takeType();
     case CommandCancelWizard:
-        return leave(0);
+        return leave(CommandCancelWizard);
     default:
         break;
     }
@@ -132,7 +133,7 @@ void HowToAddPage::openNext(AddMode mode, const QString &source) {
         result = RunDialog(ChannelChoicePage::templateId, state().stack, page);
     }
     if (result != CommandWizardBack)
-        leave(0);
+        leave(result);
 }
 
 } // namespace tidebrook

@@ -14,7 +14,8 @@ class QLineEdit;
 namespace tidebrook {
 
 /// The wizard's first page: an address is typed in, or a file chosen. What an address leads to is
-/// looked at to know which page is next. It stays open while the user goes back to it.
+/// looked at to know which page is next. It stays open while the user goes back to it, and ends
+/// with the command that was given last.
 class HowToAddPage : public FormDialog {
 public:
     explicit HowToAddPage(const ChannelAdding &adding);

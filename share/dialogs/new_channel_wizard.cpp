@@ -1,5 +1,6 @@
 #include "share/dialogs/new_channel_wizard.h"
 
+#include "res/commands.h"
 #include "share/dialogs/how_to_add_page.h"
 #include "ui/kit/dialog.h"
 
@@ -7,8 +8,8 @@ namespace tidebrook {
 
 int runNewChannelWizard(AppState &state, QObject *receiver, const JobEnd &added) {
     HowToAddPage page({state, receiver, added});
-    RunDialog(HowToAddPage::templateId, state.stack, page);
-    return 0;
+    const int result = RunDialog(HowToAddPage::templateId, state.stack, page);
+    return result == CommandFinish ? 0 : CommandCancelWizard;
 }
 
 } // namespace tidebrook
