@@ -72,7 +72,7 @@ bool SaveProcedure::initialise(Dialog &dialog) {
 }
 
 QString SaveProcedure::proposal() const {
-    return possibleFileName(cutText(request().name, request().pathLimit).toString(), ending_);
+    return possibleFileName(request().name, ending_, request().pathLimit);
 }
 
 void SaveProcedure::propose(const QString &name) {
@@ -105,7 +105,7 @@ void SaveProcedure::save(const QString &typed) {
     const QString fault = faultOf(typed, path);
     if (!fault.isEmpty())
         refuse(fault);
-    else if (isWithinLimit(typed) && (!QFileInfo::exists(path) || mayReplace(path)))
+    else if (isWithinLimit(path) && (!QFileInfo::exists(path) || mayReplace(path)))
         choose(path);
 }
 

@@ -27,7 +27,7 @@ struct FileRequest {
 /// by the time that it is used.
 QString chooseFileToOpen(ScreenStack &stack, const FileRequest &request);
 /// ... or to be written, where a name that is there already is only chosen when the user agrees to
-/// replacing it. A name without the pattern's ending gets it, beyond the limit. The folder was
+/// replacing it. A name without the pattern's ending gets it, within the limit. The folder was
 /// there; whether it can be written to is not known.
 QString chooseFileToSave(ScreenStack &stack, const FileRequest &request);
 

@@ -30,12 +30,13 @@ bool hasEnding(const QString &name, const QString &ending) {
 
 } // namespace
 
-QString possibleFileName(const QString &text, const QString &ending) {
+QString possibleFileName(const QString &text, const QString &ending, qsizetype limit) {
     const QString name = withoutHidden(text).replace(u'/', u' ').trimmed();
     const QString kept = hasEnding(name, ending) ? name.last(ending.size()) : QString();
     QStringView stem = QStringView(name).chopped(kept.size());
     while (!stem.isEmpty() && (stem.front() == u'.' || stem.front().isSpace()))
         stem = stem.sliced(1);
+    stem = cutText(stem, limit - ending.size());
     stem = cutToBytes(stem, nameBytes - byteCount(ending)).trimmed();
     return stem.isEmpty() ? QString() : QString(stem.toString() + kept);
 }

@@ -6,9 +6,9 @@ namespace tidebrook {
 
 /// Makes a text one that can be the name of a file which everybody sees: what no name can have in
 /// it becomes a blank, and dots and blanks at its beginning and blanks at its end go. It is cut so
-/// that it has, with this ending, no more bytes than a file system takes; an ending that it has
-/// already stays. Empty when nothing is left.
-QString possibleFileName(const QString &text, const QString &ending);
+/// that it has, with this ending, no more UTF-16 units than the limit, nor more bytes than a file
+/// system takes; an ending that it has already stays. Empty when nothing is left.
+QString possibleFileName(const QString &text, const QString &ending, qsizetype limit = 255);
 
 /// The path or name, with this ending unless it has that in whatever case.
 QString withEnding(const QString &path, const QString &ending);
