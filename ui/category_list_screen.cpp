@@ -111,7 +111,13 @@ void CategoryListScreen::refresh() {
     if (!list_->isEditingLabel())
         list_->setFocus();
     state_.changes.ask(
-        dialog_, [&store = state_.device.categoryStore] { return store.listedCategories(); },
+        dialog_,
+        [&device = state_.device] {
+            auto names = device.categoryStore.listedCategories();
+            if (!names)
+                recordProblem(device, fileProblemString);
+            return names;
+        },
         [this](const std::optional<QStringList> &names) {
             const bool isTold = std::exchange(isTold_, false);
             if (names)
@@ -200,7 +206,7 @@ void CategoryListScreen::newCategory() {
     });
     const auto add = [&device = state_.device, name] {
         const bool isDone = device.isStillThere() && device.categoryStore.AddCategory(name);
-        return isDone ? 0 : fileProblemString;
+        return isDone ? 0 : recordProblem(device, fileProblemString);
     };
     if (!state_.changes.ask(dialog_, add, end))
         end(fileProblemString);
@@ -245,27 +251,13 @@ void CategoryListScreen::deleteCategory() {
     const QString name = list_->rowText(row);
     if (!askUser(state_, confirmDeletionString, deleteCategoryString))
         return;
-    const JobEnd end = counted([this, name](int messageId) {
-        if (messageId == 0)
-            dropRow(name);
-        else
-            tellFailedChange(messageId);
-    });
-    const auto remove = [&device = state_.device, name] {
-        const bool isDone = device.isStillThere() && device.categoryStore.DeleteCategory(name);
-        return isDone ? 0 : fileProblemString;
-    };
-    if (!state_.changes.ask(dialog_, remove, end))
-        end(fileProblemString);
-}
-
-void CategoryListScreen::dropRow(const QString &name) {
-    if (const int row = list_->findRow(name); row >= 0) {
-        list_->removeRow(row);
-        if (!list_->isEditingLabel())
-            list_->selectRow(row);
-        setColumnWidth();
-    }
+    const int asked = list_->findRow(name); // the rows may have changed behind the box
+    if (asked < 0)
+        return;
+    // At once, whatever is at work; the row comes back if it turns out that it cannot be.
+    list_->removeRow(asked);
+    list_->selectRow(asked);
+    setColumnWidth();
     const JobEnd end = counted([this](int messageId) {
         if (messageId != 0)
             tellFailedChange(messageId);

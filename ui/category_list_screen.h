@@ -41,7 +41,6 @@ private:
     void exportSelected();
     void endLabelEdit(int row, const QString &text);
     void deleteCategory();
-    void dropRow(const QString &name);
     void takeKey(int key, bool &isTaken);
     void takeTap(int row);
     void openCategory(int row);

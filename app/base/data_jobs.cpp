@@ -68,9 +68,9 @@ int renameCategory(DeviceParts &device, const QString &newName, const QString &o
 
 int deleteCategory(DeviceParts &device, const QString &category) {
     Change change(device);
-    const ChannelChange end = change.isReady()
-                                  ? deleteChannelsOf(device.root, *device.store, category)
-                                  : ChannelChange::StoreFailed;
+    if (!change.isReady() || !device.categoryStore.DeleteCategory(category))
+        return change.fail();
+    const ChannelChange end = deleteChannelsOf(device.root, *device.store, category);
     if (end == ChannelChange::StoreFailed)
         device.categoryStore.ensureListed(category); // if not now, then by the next start
     return change.end(end == ChannelChange::Done);

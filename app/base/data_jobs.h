@@ -21,9 +21,9 @@ using JobEnd = std::function<void(int messageId)>;
 bool startRenameCategory(AppState &state, QObject *receiver, const QString &newName,
                          const QString &oldName, JobEnd end);
 
-/// Deletes the channels of a category that has been taken off the list, with all their articles,
-/// and takes them off the list of automatic updates. When that fails the category is put on the
-/// list again.
+/// Takes a category off the list and deletes its channels, with all their articles, which also
+/// leave the list of automatic updates. When they cannot be deleted the category is put on the list
+/// again.
 bool startDeleteCategory(AppState &state, QObject *receiver, const QString &category, JobEnd end);
 
 /// Adds a channel. Where its name is taken it may get another, as `FeedStore::InsertChannel` tells.
