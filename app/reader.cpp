@@ -8,6 +8,9 @@
 #include "ui/kit/touch_style.h"
 
 #include <QApplication>
+#include <QScreen>
+
+#include <unistd.h>
 
 #include <cstdio>
 
@@ -33,22 +36,77 @@ void makeDevice(const DeviceRoot &device) {
         device.makeFolders();
 }
 
+/// A start of the reader, up to the making of its window.
+class Start {
+public:
+    /// False when another reader of the device runs: this start is over.
+    bool claim();
+    /// Makes the application. Where there is no display the program ends in here, without a word.
+    void makeApplication(std::optional<QApplication> &application, int &argc, char **argv);
+    bool isRunningElsewhere() const { return SingleInstance::isRunning(device_); }
+
+    std::optional<SingleInstance> single;
+    std::optional<DeviceOpening> opening; ///< none when another reader runs
+
+private:
+    static void take(QtMsgType type, const QMessageLogContext &context, const QString &text);
+    static void go();
+
+    static inline Start *current = nullptr;
+
+    const DeviceRoot device_ = DeviceRoot::standard();
+    QtMessageHandler handler_ = nullptr;
+    QByteArray said_; // by Qt, before the display was there
+};
+
+bool Start::claim() {
+    if (!single)
+        single.emplace(device_);
+    const SingleInstance::Claim claim = single->claim(forwardPatience);
+    if (claim == SingleInstance::Claim::NoAnswer)
+        std::fputs("tidebrook: it runs already, but does not answer\n", stderr);
+    return claim == SingleInstance::Claim::Mine || claim == SingleInstance::Claim::Failed;
+}
+
+void Start::makeApplication(std::optional<QApplication> &application, int &argc, char **argv) {
+    current = this;
+    handler_ = qInstallMessageHandler(take);
+    qAddPreRoutine(go);
+    application.emplace(argc, argv);
+}
+
+// Qt says why there is no display, and aborts.
+void Start::take(QtMsgType type, const QMessageLogContext &context, const QString &text) {
+    if (type == QtFatalMsg)
+        ::_exit(0);
+    current->said_ += qFormatLogMessage(type, context, text).toLocal8Bit() + '\n';
+}
+
+// The display is there now. What is left of making the application takes its time, while the
+// device opens.
+void Start::go() {
+    if (QGuiApplication::screens().isEmpty())
+        ::_exit(0);
+    qInstallMessageHandler(current->handler_);
+    std::fputs(current->said_.constData(), stderr);
+    makeDevice(current->device_);
+    if (current->claim())
+        current->opening.emplace(current->device_);
+}
+
 } // namespace
 
 int runReader(int argc, char **argv) {
-    const DeviceRoot device = DeviceRoot::standard();
-    makeDevice(device);
-    SingleInstance single(device);
-    const SingleInstance::Claim claim = single.claim(forwardPatience);
-    if (claim == SingleInstance::Claim::NoAnswer)
-        std::fputs("tidebrook: it runs already, but does not answer\n", stderr);
-    if (claim == SingleInstance::Claim::BroughtForward || claim == SingleInstance::Claim::NoAnswer)
+    Start start;
+    if (start.isRunningElsewhere() && !start.claim())
         return 0;
-    DeviceOpening opening(device); // goes on while the application is made
     prepareApplication();
-    const QApplication application(argc, argv);
+    std::optional<QApplication> application;
+    start.makeApplication(application, argc, argv);
+    if (!start.opening)
+        return 0;
     installTouchStyle(); // over that of the desktop, which is known now
-    Instance instance(opening, single);
+    Instance instance(*start.opening, *start.single);
     instance.InitInstance();
     return 0;
 }

@@ -19,6 +19,8 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds lookPause = 10ms;
 constexpr qint64 tokenLimit = 4096; // bytes; far more than a compositor gives
 
+QString lockPathOf(const DeviceRoot &device) { return device.path() + u"/run/FEEDLARK.lock"; }
+
 QByteArray ownToken() {
     const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
     return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
@@ -27,9 +29,12 @@ QByteArray ownToken() {
 } // namespace
 
 SingleInstance::SingleInstance(const DeviceRoot &device)
-    : lockPath_(device.path() + u"/run/FEEDLARK.lock"),
-      tokenPath_(device.path() + u"/run/FEEDLARK.token"),
+    : lockPath_(lockPathOf(device)), tokenPath_(device.path() + u"/run/FEEDLARK.token"),
       request_(device, u"FEEDLARK", NamedEvent::Reset::Manual) {}
+
+bool SingleInstance::isRunning(const DeviceRoot &device) {
+    return ProcessLock::holder(lockPathOf(device)).has_value();
+}
 
 SingleInstance::Claim SingleInstance::claim(std::chrono::milliseconds timeout) {
     const auto end = std::chrono::steady_clock::now() + timeout;

@@ -21,6 +21,9 @@ class SingleInstance {
 public:
     explicit SingleInstance(const DeviceRoot &device);
 
+    /// Whether any process has claimed the device. Makes nothing.
+    static bool isRunning(const DeviceRoot &device);
+
     enum class Claim {
         Mine,           ///< this process is the one that runs now
         BroughtForward, ///< another one runs, and has taken the request to come forward
