@@ -2,7 +2,6 @@
 #include "platform/sqlite_database.h"
 #include "store/error_codes.h"
 #include "store/store_check.h"
-#include "support/forked_process.h"
 #include "support/test_device.h"
 #include "ui/kit/screen_stack.h"
 #include "update/auto_list.h"
@@ -11,13 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <functional>
 #include <optional>
-#include <random>
-#include <semaphore>
-#include <thread>
 
 namespace tidebrook {
 namespace {
@@ -89,10 +83,7 @@ bool renameNews(AppState &state, QObject *receiver, JobEnd end) {
     return startRenameCategory(state, receiver, u"Sport"_s, u"News"_s, std::move(end));
 }
 
-// As the screen does it, which takes it off the list first.
 bool deleteScience(AppState &state, QObject *receiver, JobEnd end) {
-    state.changes.tell(
-        [&device = state.device] { device.categoryStore.DeleteCategory(u"Science"_s); });
     return startDeleteCategory(state, receiver, u"Science"_s, std::move(end));
 }
 
@@ -133,31 +124,22 @@ TEST_F(DataJobsTest, EachChangesWhatItIsToAndNothingElse) {
     EXPECT_EQ(checkStore(device_.root, *device_.registry), QStringList());
 }
 
-TEST_F(DataJobsTest, LongNamesAreCutEverywhereAlike) {
-    const QString name(60, u'x');
-    const auto in = [&name](int length) { return name.left(length); };
-    EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
-        return startRenameCategory(state, receiver, name, u"News"_s, std::move(end));
-    }));
-    EXPECT_EQ(shown(in(40)), u"Planet");
-    EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
-        return AddChannelJob(state, receiver, {name, name, u"http://example.org"_s},
-                             std::move(end));
-    }));
-    QString category;
-    device_.store->FindCategory(in(50), category);
-    EXPECT_EQ(category, in(40));
-    EXPECT_EQ(shown(name), u"-");
-    EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
-        return startDeleteChannel(state, receiver, name, std::move(end));
-    }));
-    EXPECT_EQ(shown(in(40)), u"Planet");
-    EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
-        return startDeleteCategory(state, receiver, name, std::move(end));
-    }));
-    EXPECT_EQ(shown(in(40)), u"");
-    EXPECT_TRUE(CategoryListStore(*device_.registry).DeleteCategory(in(40)))
-        << "it is not stored under the name that is listed";
+TEST_F(DataJobsTest, AChannelNeitherTakesAnotherOnesNameNorGoesOutOfReach) {
+    device_.addChannel(u"Science"_s, u"Quark"_s, {u"One"_s, u"Two"_s});
+    const auto change = [this](const ChannelProperties &from, const ChannelProperties &to) {
+        EXPECT_TRUE(run([&](AppState &state, QObject *receiver, JobEnd end) {
+            return startChangeChannel(state, receiver, from, to, std::move(end));
+        }));
+    };
+    const QString link = u"http://example.org/feed"_s;
+    change({u"Science"_s, u"Quark"_s, link}, {u"Science"_s, u"Star"_s, link});
+    EXPECT_EQ(shown(), u"News: Planet, Science: Moon Quark Star, Sport: -");
+    EXPECT_EQ(device_.titles(u"Star"_s), QStringList());
+    EXPECT_EQ(device_.titles(u"Quark"_s), QStringList({u"One"_s, u"Two"_s}));
+    // It goes to a category that somebody has deleted since it was offered.
+    change({u"Science"_s, u"Quark"_s, link}, {u"Sport"_s, u"Up"_s, link});
+    EXPECT_EQ(shown(), u"News: Planet, Science: Moon Star, Sport: Up");
+    EXPECT_EQ(device_.titles(u"Up"_s), QStringList({u"One"_s, u"Two"_s}));
 }
 
 TEST_F(DataJobsTest, AFailureLeavesAllAsItWasAndItsOwnCode) {
@@ -174,83 +156,23 @@ TEST_F(DataJobsTest, AFailureLeavesAllAsItWasAndItsOwnCode) {
     }
 }
 
-TEST_F(DataJobsTest, ARenameThatTheDatabaseIsLockedForIsUndone) {
-    const QString before = shown();
-    const auto other = otherConnection();
-    SqliteTransaction writing(*other);
-    ASSERT_TRUE(writing.isOpen());
-    EXPECT_FALSE(run(renameNews));
-    EXPECT_EQ(shown(), before);
-    EXPECT_EQ(device_.lastErrorCode(), DatabaseFailed);
-}
-
-// --- killed ---
-
-void waitForAll(AppState &state) {
-    std::binary_semaphore isDone(0);
-    state.changes.tell([&isDone] { isDone.release(); });
-    isDone.acquire();
-}
-
-void renameForEver(Parts &parts) {
-    QString name;
-    parts.device.store->FindCategory(u"Planet"_s, name);
-    for (int i = 0;; ++i) {
-        const QString next = QStringLiteral("%1 %2").arg(getpid()).arg(i);
-        startRenameCategory(parts.state, nullptr, next, name, {});
-        waitForAll(parts.state);
-        name = next;
+TEST_F(DataJobsTest, AStartSeedsCategoriesWhereThereAreNoneAndListsThoseOfChannels) {
+    const auto start = [this] { DeviceParts(device_.root).open(); };
+    CategoryListStore categories(*device_.registry);
+    start();
+    EXPECT_EQ(shown(), u"News: Planet, Science: Moon Star, Sport: -");
+    device_.store->DeleteCategoryChannels(u"News"_s);
+    categories.DeleteCategory(u"News"_s);
+    device_.store->MoveChannel(u"Moon"_s, u"Sport"_s); // as a change that was cut short
+    start();
+    EXPECT_EQ(shown(), u"News: -, Science: Star, Sport: Moon");
+    for (const QString &category : {u"Science"_s, u"Sport"_s}) {
+        device_.store->DeleteCategoryChannels(category);
+        categories.DeleteCategory(category);
     }
+    start();
+    EXPECT_EQ(shown(), u"News: , Science: , Sport: -");
 }
-
-void deleteForEver(Parts &parts) {
-    for (;;) {
-        parts.state.changes.tell([&device = parts.device] {
-            device.categoryStore.AddCategory(u"Science"_s);
-            device.store->InsertChannel({u"Science"_s, u"Moon"_s, u"http://example.org/b"_s});
-        });
-        deleteScience(parts.state, nullptr, {});
-        waitForAll(parts.state);
-    }
-}
-
-struct KillCase {
-    const char *what;
-    void (*work)(Parts &);
-    bool needsNextStart; // which makes it good
-};
-
-class KilledReader : public testing::TestWithParam<KillCase> {};
-
-TEST_P(KilledReader, LeavesEveryChannelInAListedCategory) {
-    TestDevice device(seed);
-    device.store.reset(); // nothing of it may be open in a forked process
-    device.registry.reset();
-    const SharedCount begun;
-    std::mt19937 random(2026);
-    for (int round = 0; round < 15; ++round) {
-        ForkedProcess reader([&] {
-            Parts parts(device.root);
-            begun.add();
-            GetParam().work(parts);
-            return 0;
-        });
-        ASSERT_EQ(begun.take(), 1U);
-        std::this_thread::sleep_for(
-            std::chrono::microseconds(std::uniform_int_distribution(0, 40'000)(random)));
-        reader.kill();
-        reader.wait();
-        if (GetParam().needsNextStart)
-            const Parts next(device.root);
-        Registry registry(device.root);
-        EXPECT_EQ(checkStore(device.root, registry), QStringList());
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(All, KilledReader,
-                         testing::Values(KillCase{"RenamingACategory", renameForEver, false},
-                                         KillCase{"DeletingACategory", deleteForEver, true}),
-                         [](const auto &test) { return std::string(test.param.what); });
 
 } // namespace
 } // namespace tidebrook

@@ -137,39 +137,31 @@ TEST(FillJobsTest, LaunchesCountDownStopsCountUpAndTheNewestRowsAreSeen) {
     }
 }
 
-TEST(FillJobsTest, AScreenThatIsGoneIsShownNothing) {
+TEST(FillJobsTest, AtTheEndFillsAreStoppedAndWaitedForAndNothingIsToldAnyMore) {
     Screens screens;
-    auto receiver = std::make_unique<QObject>();
-    EXPECT_TRUE(screens.launch(*receiver));
-    receiver.reset();
-    screens.play("1SSLL3");
-    EXPECT_EQ(screens.seen, "A3");
-}
-
-TEST(FillJobsTest, AtTheEndAFillIsStoppedAndWaitedForAndNothingIsToldAnyMore) {
-    TestDevice device;
-    NamedMutex mutex(device.root, u"RSSMutex");
-    FillJobs fills(mutex);
-    QObject screen;
+    std::atomic<int> ended = 0;
     bool isShown = false;
-    int running = 0;
-    QObject::connect(&fills, &FillJobs::begun, &screen, [&] { ++running; });
-    QObject::connect(&fills, &FillJobs::done, &screen, [&] { --running; });
+    QObject screen;
     const FillJobs::Fill endless{.collect =
-                                     [](FillStop &stop) {
+                                     [&ended](FillStop &stop) {
                                          while (!stop.isRequested())
                                              std::this_thread::yield();
+                                         ++ended;
                                      },
-                                 .show = [&] { isShown = true; },
+                                 .show = [&isShown] { isShown = true; },
                                  .again = [] {}};
-    ASSERT_TRUE(fills.launch(&screen, endless));
-    ASSERT_TRUE(fills.launch(&screen, endless));
-    fills.finish();
+    {
+        const NoThreads noThreads;
+        EXPECT_FALSE(screens.fills.launch(&screen, endless));
+    }
+    ASSERT_TRUE(screens.fills.launch(&screen, endless));
+    ASSERT_TRUE(screens.fills.launch(&screen, endless));
+    screens.fills.finish();
     QCoreApplication::processEvents();
-    EXPECT_EQ(running, 0);
+    EXPECT_EQ(ended, 2);
     EXPECT_FALSE(isShown);
-    EXPECT_EQ(fills.fillStop(), -2) << "no stop was asked for";
-    EXPECT_FALSE(fills.launch(&screen, endless));
+    EXPECT_EQ(screens.fills.fillStop(), -2) << "no stop was asked for";
+    EXPECT_FALSE(screens.fills.launch(&screen, endless));
 }
 
 // Another process that keeps the mutex.
@@ -182,50 +174,34 @@ struct MutexHolder {
               pause();
               return 0;
           }) {}
-    bool hasIt() { return isHeld.wait(); }
+    bool hasIt() const { return isHeld.wait(); }
 
     const SharedCount isHeld;
     ForkedProcess process;
 };
 
-TEST(FillJobsTest, NothingIsLaunchedOrStoppedWhileAnotherProcessHasTheMutex) {
-    Screens screens;
-    MutexHolder holder(screens.device.root);
-    ASSERT_TRUE(holder.hasIt());
-    QElapsedTimer timer;
-    timer.start();
-    EXPECT_FALSE(screens.launch());
-    EXPECT_GE(timer.restart(), 2000);
-    screens.fills.requestStop();
-    EXPECT_GE(timer.elapsed(), 1000);
-    EXPECT_EQ(screens.running, 0);
-    EXPECT_EQ(screens.fills.fillStop(), 0);
-    holder.process.kill();
-    screens.play("LSS2");
-    EXPECT_EQ(screens.seen, "(2)");
-}
-
-TEST(FillJobsTest, AStopThatCannotBeBalancedYetIsBalancedLater) {
-    Screens screens;
-    screens.fills.requestStop();
-    MutexHolder holder(screens.device.root);
-    ASSERT_TRUE(holder.hasIt());
-    screens.play("L");
-    EXPECT_EQ(screens.seen, "");
-    holder.process.kill();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, patience));
-    EXPECT_EQ(screens.fills.fillStop(), 0);
-}
-
-TEST(FillJobsTest, AFillForWhichThereIsNoThreadIsAsIfItHadNotBeenLaunched) {
+TEST(FillJobsTest, NothingIsLaunchedStoppedOrBalancedWhileAnotherProcessHasTheMutex) {
     Screens screens;
     {
-        const NoThreads noThreads;
+        const MutexHolder holder(screens.device.root);
+        ASSERT_TRUE(holder.hasIt());
+        QElapsedTimer timer;
+        timer.start();
         EXPECT_FALSE(screens.launch());
+        EXPECT_GE(timer.restart(), 2000);
+        screens.fills.requestStop();
+        EXPECT_GE(timer.elapsed(), 1000);
+        EXPECT_EQ(screens.fills.fillStop(), 0);
     }
+    screens.fills.requestStop();
+    {
+        const MutexHolder holder(screens.device.root);
+        ASSERT_TRUE(holder.hasIt());
+        screens.play("L"); // refused, for a stop that cannot be balanced yet
+        EXPECT_EQ(screens.seen, "");
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, patience));
     EXPECT_EQ(screens.fills.fillStop(), 0);
-    screens.play("L2");
-    EXPECT_EQ(screens.seen, "2");
 }
 
 } // namespace

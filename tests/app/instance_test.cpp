@@ -5,6 +5,7 @@
 #include "res/default_channels.h"
 #include "res/strings.h"
 #include "store/provisioning.h"
+#include "store/store_check.h"
 #include "support/test_device.h"
 #include "ui/kit/list_view.h"
 #include "ui/session.h"
@@ -15,10 +16,9 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-
 #include <array>
 #include <memory>
+#include <optional>
 #include <thread>
 
 namespace tidebrook {
@@ -77,8 +77,11 @@ TEST_F(InstanceTest, OnBadGroundTheScreensOpenAndTellWhatIsWrong) {
     };
     const DeviceRoot nowhere(folder_.filePath(u"file/device"_s));
     ASSERT_TRUE(writeFile(folder_.filePath(u"file"_s), "x"));
+    const QString lock = root_.filePath(u"\\run\\channels.lock");
+    std::optional<FileLock> rival;
     const std::array cases{
         Case{"a sound device", [] {}, root_, 0},
+        Case{"a rival that never lets go", [&] { rival.emplace(lock); }, root_, 0},
         Case{"no root", [] {}, nowhere, fileProblemString},
         Case{"a damaged database", [&] { overwrite(u"RSSVault.sdf"_s, QByteArray(8192, 'x')); },
              root_, databaseProblemString},
@@ -102,17 +105,26 @@ TEST_F(InstanceTest, OnBadGroundTheScreensOpenAndTellWhatIsWrong) {
             }
             ASSERT_TRUE(user.seesBox(resourceString(ground.textId)));
         }));
+        rival.reset();
     }
 }
 
-TEST_F(InstanceTest, ARivalThatNeverLetsGoKeepsNobodyFromReading) {
-    std::optional<FileLock> rival;
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(run(root_, [&](User &user) {
-            EXPECT_TRUE(user.sees([&] { return user.list() && user.list()->rowCount() > 0; }));
-        }));
-        rival.emplace(root_.filePath(u"\\run\\channels.lock"));
-    }
+TEST_F(InstanceTest, WhatIsUnderWayWhenTheWindowClosesIsDoneBeforeTheDatabaseIs) {
+    QString first;
+    EXPECT_TRUE(run(root_, [&](User &user) {
+        ASSERT_TRUE(user.sees([&] { return user.list() && user.list()->rowCount() > 2; }));
+        user.look([&] { first = user.list()->rowText(0); });
+        FileLock rival(root_.filePath(u"\\run\\channels.lock"));
+        user.press(Qt::Key_Delete);
+        ASSERT_TRUE(user.seesBox(resourceString(deleteCategoryString)));
+        user.tap(u"Yes"_s);
+        ASSERT_TRUE(user.seesNoBox());
+        user.closeWindow();
+        std::this_thread::sleep_for(300ms); // the reader is to wait; it may take longer to do so
+    }));
+    EXPECT_FALSE(storedCategories(root_).contains(first));
+    Registry registry(root_);
+    EXPECT_EQ(checkStore(root_, registry), QStringList()) << "its channels have gone with it";
 }
 
 TEST_F(InstanceTest, AWindowThatIsClosedWhileTheDeviceOpensShowsNoScreen) {

@@ -19,8 +19,6 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-using Hand = std::function<void(User &)>;
-
 void enter(User &user, int lists) {
     for (int i = 0; i < lists; ++i) {
         user.press(Qt::Key_Down); // the second of three
@@ -41,7 +39,6 @@ Hand choosing(int lists, const QString &entry) {
         user.choose({entry});
     };
 }
-void pressEscape(User &user) { user.press(Qt::Key_Escape); }
 void doNothing(User &) {}
 
 /// Where the user has the reader, and how what lies above its screens goes then.
@@ -57,15 +54,15 @@ TEST(TodayTest, AStartThatBringsTheReaderForwardLeadsToTheTappedHeadlineWherever
         {"channels", inLists(1)},
         {"articles", inLists(2)},
         {"an article", inLists(3)},
-        {"a name being typed", [](User &user) { user.press(Qt::Key_F2); }},
-        {"a question", [](User &user) { user.press(Qt::Key_Delete); }, pressEscape},
+        {"a name being typed", pressing(Qt::Key_F2)},
+        {"a question", pressing(Qt::Key_Delete), pressing(Qt::Key_Escape)},
         {"a warning over an article", choosing(3, u"Send Link via SMS"_s),
-         [](User &user) { user.press(Qt::Key_Return); }},
-        {"settings", choosing(0, u"Setting"_s), pressEscape},
-        {"the wizard", choosing(1, u"New Channel"_s), pressEscape},
-        {"properties", choosing(1, u"Properties"_s), pressEscape},
-        {"a file dialog", choosing(3, u"Save Link"_s), pressEscape},
-        {"help", [](User &user) { user.press(Qt::Key_F1); }, pressEscape},
+         pressing(Qt::Key_Return)},
+        {"settings", choosing(0, u"Setting"_s), pressing(Qt::Key_Escape)},
+        {"the wizard", choosing(1, u"New Channel"_s), pressing(Qt::Key_Escape)},
+        {"properties", choosing(1, u"Properties"_s), pressing(Qt::Key_Escape)},
+        {"a file dialog", choosing(3, u"Save Link"_s), pressing(Qt::Key_Escape)},
+        {"help", pressing(Qt::Key_F1), pressing(Qt::Key_Escape)},
         {"a window that is hidden", [](User &user) { user.act([&] { user.stack().hide(); }); }},
         {"a window that is minimised",
          [](User &user) {
