@@ -214,12 +214,12 @@ TEST(SaveFile, RefusesAPathThatIsTooLongAndStays) {
     };
     const QString outside = home.path() + u"/out"_s;
     const Case cases[]{
-        {chooseFileToSave, u"sub/News"_s, 8, u"sub/News.opml"_s},
-        {chooseFileToSave, u"sub/News"_s, 7, u"nothing"_s},
+        {chooseFileToSave, u"sub/News"_s, 13, u"sub/News.opml"_s},
+        {chooseFileToSave, u"sub/News"_s, 12, u"nothing"_s},
         {chooseFileToSave, u"sub/News.opml"_s, 12, u"nothing"_s},
         {chooseFileToSave, u"sub/old.opml"_s, 11, u"nothing"_s},
-        {chooseFileToSave, outside, outside.size(), outside + u".opml"},
-        {chooseFileToSave, outside, outside.size() - 1, u"nothing"_s},
+        {chooseFileToSave, outside, outside.size() + 5, outside + u".opml"},
+        {chooseFileToSave, outside, outside.size() + 4, u"nothing"_s},
         {chooseFileToOpen, {}, 12, u"sub/old.opml"_s},
         {chooseFileToOpen, {}, 11, u"nothing"_s},
     };
