@@ -51,15 +51,6 @@ TEST_F(ArticleTest, AnArticleThatIsNotThereIsReadAsNothing) {
     EXPECT_EQ(device_.counts(u"C"_s, u"ch"_s), u"1/1");
 }
 
-TEST_F(ArticleTest, ALongListEndsAtTheRowBuffer) {
-    QStringList titles;
-    for (int i = 0; i < 120; ++i)
-        titles.append(u"title %1"_s.arg(i));
-    device_.addChannel(u"C"_s, u"ch"_s, titles);
-    EXPECT_EQ(device_.titles(u"ch"_s).size(), 110);
-    EXPECT_EQ(device_.counts(u"C"_s, u"ch"_s), u"120/120");
-}
-
 TEST_F(ArticleTest, ThreadsShareOneStoreAndMarkingAChannelChangesItsCountsAlone) {
     device_.addChannel(u"C"_s, u"a"_s, {u"1"_s, u"2"_s});
     device_.addChannel(u"C"_s, u"b"_s, {u"1"_s, u"2"_s, u"3"_s});

@@ -1,17 +1,11 @@
 #pragma once
 
-#include "platform/descriptor.h"
-
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include <QFile>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstdlib>
 #include <ctime>
 #include <optional>
 
@@ -24,6 +18,7 @@ namespace tidebrook {
 class BlockedTime : public QObject {
 public:
     BlockedTime() {
+        scheduling_.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
         const QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance();
         connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] {
             end();
@@ -36,15 +31,9 @@ public:
         QCoreApplication::instance()->installEventFilter(this);
     }
 
-    /// Since this was made or begun anew, with the turn that is under way.
-    std::chrono::nanoseconds longest() const {
+    /// Since this was made, with the turn that is under way.
+    std::chrono::nanoseconds longest() {
         return begun_ ? std::max(longest_, asleep() - *begun_) : longest_;
-    }
-
-    /// Forgets what was, and the turn that is under way: what lies behind an outermost loop.
-    void beginAnew() {
-        begun_.reset();
-        longest_ = {};
     }
 
 protected:
@@ -71,19 +60,15 @@ private:
         return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
     }
     // Where the system does not tell it, a wait for a processor counts as being blocked.
-    std::chrono::nanoseconds processorWait() const {
-        std::array<char, 128> text{};
-        if (pread(scheduling_.number(), text.data(), text.size() - 1, 0) <= 0)
-            return {};
-        char *second = nullptr;
-        std::strtoll(text.data(), &second, 10);
-        return std::chrono::nanoseconds(std::strtoll(second, nullptr, 10));
+    std::chrono::nanoseconds processorWait() {
+        scheduling_.seek(0);
+        return std::chrono::nanoseconds(scheduling_.read(128).split(' ').value(1).toLongLong());
     }
-    std::chrono::nanoseconds asleep() const {
+    std::chrono::nanoseconds asleep() {
         return timeOf(CLOCK_MONOTONIC) - timeOf(CLOCK_THREAD_CPUTIME_ID) - processorWait();
     }
 
-    const Descriptor scheduling_{open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC)};
+    QFile scheduling_{QStringLiteral("/proc/thread-self/schedstat")};
     bool isLooking_ = false;                        // for events
     std::optional<std::chrono::nanoseconds> begun_; // what `asleep` was then; unset between turns
     std::chrono::nanoseconds longest_{0};

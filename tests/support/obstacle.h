@@ -5,12 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
-#include <sys/un.h>
-
-#include <algorithm>
 
 namespace tidebrook {
 
@@ -28,13 +24,6 @@ inline QList<quint64> fileThere(const QString &path) {
     return {status.st_mode, status.st_ino, static_cast<quint64>(status.st_size)};
 }
 
-inline bool putSocket(const QByteArray &path) {
-    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-    std::copy_n(path.constData(), qMin(path.size(), qsizetype{107}), address.sun_path);
-    const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
-    return bind(socket.number(), reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
-}
-
 /// Puts what is no plain file in a file's place. A device of the machine must not be in reach:
 /// where none can be made, a pipe stands for it.
 inline bool putObstacle(const QString &kind, const QString &path, const QString &target) {
@@ -43,7 +32,7 @@ inline bool putObstacle(const QString &kind, const QString &path, const QString 
     if (kind == u"folder")
         return mkdir(name.constData(), 0700) == 0;
     if (kind == u"socket")
-        return putSocket(name);
+        return mknod(name.constData(), S_IFSOCK | 0600, 0) == 0;
     if (kind == u"device" && mknod(name.constData(), S_IFCHR | 0600, makedev(1, 5)) == 0)
         return true;
     if (kind == u"pipe" || kind == u"device")
