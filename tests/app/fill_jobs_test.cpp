@@ -164,27 +164,18 @@ TEST(FillJobsTest, AtTheEndFillsAreStoppedAndWaitedForAndNothingIsToldAnyMore) {
     EXPECT_FALSE(screens.fills.launch(&screen, endless));
 }
 
-// Another process that keeps the mutex.
-struct MutexHolder {
-    explicit MutexHolder(const DeviceRoot &root)
-        : process([this, &root] {
-              NamedMutex mutex(root, u"RSSMutex");
-              if (mutex.lock(10s))
-                  isHeld.add();
-              pause();
-              return 0;
-          }) {}
-    bool hasIt() const { return isHeld.wait(); }
-
-    const SharedCount isHeld;
-    ForkedProcess process;
-};
+std::unique_ptr<ForkedProcess> startMutexHolder(const DeviceRoot &root) {
+    return startStaying([&root](const auto &stay) {
+        NamedMutex mutex(root, u"RSSMutex");
+        if (mutex.lock(10s))
+            stay();
+    });
+}
 
 TEST(FillJobsTest, NothingIsLaunchedStoppedOrBalancedWhileAnotherProcessHasTheMutex) {
     Screens screens;
     {
-        const MutexHolder holder(screens.device.root);
-        ASSERT_TRUE(holder.hasIt());
+        const auto holder = startMutexHolder(screens.device.root);
         QElapsedTimer timer;
         timer.start();
         EXPECT_FALSE(screens.launch());
@@ -195,8 +186,7 @@ TEST(FillJobsTest, NothingIsLaunchedStoppedOrBalancedWhileAnotherProcessHasTheMu
     }
     screens.fills.requestStop();
     {
-        const MutexHolder holder(screens.device.root);
-        ASSERT_TRUE(holder.hasIt());
+        const auto holder = startMutexHolder(screens.device.root);
         screens.play("L"); // refused, for a stop that cannot be balanced yet
         EXPECT_EQ(screens.seen, "");
     }
