@@ -18,7 +18,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int answerTimeout = 60;    // seconds, as the reader waits
 constexpr int longestTimeout = 3600; // seconds
 
 QString displayed(const QDateTime &moment) {
@@ -112,8 +111,8 @@ int startService(Device &device) {
 
 int runRequest(Device &device, const Arguments &arguments) {
     bool isNumber = true;
-    const int timeout =
-        arguments.timeout.isEmpty() ? answerTimeout : arguments.timeout.toInt(&isNumber);
+    const int timeout = arguments.timeout.isEmpty() ? static_cast<int>(usualAnswerTimeout.count())
+                                                    : arguments.timeout.toInt(&isNumber);
     if (!isNumber || timeout < 1 || timeout > longestTimeout)
         return failUsage(
             QStringLiteral("--timeout takes seconds from 1 to %1").arg(longestTimeout));

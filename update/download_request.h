@@ -9,6 +9,9 @@
 
 namespace tidebrook {
 
+/// How long the answer to a request is waited for where nothing else is asked for.
+inline constexpr std::chrono::seconds usualAnswerTimeout(60);
+
 /// How a request was answered.
 enum class DownloadAnswer {
     Done,

@@ -19,7 +19,7 @@ struct UpdateParts {
     Registry &registry;
     FeedStore &store;
     RunInterrupt &interrupt;
-    std::chrono::milliseconds answerTimeout = std::chrono::seconds(60); ///< for each request
+    std::chrono::milliseconds answerTimeout = usualAnswerTimeout; ///< for each request
 };
 
 /// What an update run tells while it is under way, on its own thread. All of them are set. Names

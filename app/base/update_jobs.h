@@ -69,7 +69,7 @@ private:
     DeviceParts &device_;
     Mailbox mailbox_; // of the user-interface thread
     RunInterrupt interrupt_;
-    std::chrono::milliseconds answerTimeout_ = std::chrono::seconds(60);
+    std::chrono::milliseconds answerTimeout_ = usualAnswerTimeout;
     std::thread thread_;
     bool isUpdating_ = false;
     bool isFinished_ = false;

@@ -19,26 +19,6 @@ void CtlProcess::setEnvironment(const QString &name, const QString &value) {
     environment_.insert(name, value);
 }
 
-namespace {
-
-constexpr auto readable = QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther;
-constexpr auto enterable = QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther;
-
-} // namespace
-
-void CtlProcess::makeReadOnly() {
-    for (const QFileInfo &file : QDir(root()).entryInfoList(QDir::Files))
-        QFile::setPermissions(file.filePath(), readable);
-    QFile::setPermissions(root(), readable | enterable);
-    QFile::setPermissions(folder_.path(), readable | enterable | QFile::WriteOwner);
-}
-
-void CtlProcess::makeWritable() {
-    QFile::setPermissions(root(), readable | enterable | QFile::WriteOwner);
-    for (const QFileInfo &file : QDir(root()).entryInfoList(QDir::Files))
-        QFile::setPermissions(file.filePath(), readable | QFile::WriteOwner);
-}
-
 std::unique_ptr<QProcess> CtlProcess::start(const QStringList &arguments) {
     auto process = std::make_unique<QProcess>();
     process->setProcessEnvironment(environment_);

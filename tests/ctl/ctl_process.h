@@ -32,10 +32,6 @@ public:
     QString filePath(const QString &name) const { return root() + u'/' + name; }
     void setEnvironment(const QString &name, const QString &value);
 
-    /// Lets everybody read the device and nobody but root write it, and undoes that.
-    void makeReadOnly();
-    void makeWritable();
-
     CtlRun run(const QStringList &arguments);
     /// Runs the command line in a shell behind `prelude`, such as a limit.
     CtlRun runBehind(const QString &prelude, const QStringList &arguments);

@@ -1,11 +1,14 @@
 #include "feed_server/generated_feed.h"
 #include "platform/named_event.h"
+#include "platform/pause.h"
 #include "platform/service.h"
 #include "service/running_service.h"
 #include "support/full_disk.h"
 #include "support/test_device.h"
 #include "update/request_file.h"
+#include "update/update_run.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 
 #include <sys/stat.h>
@@ -25,34 +28,73 @@ class RequestTest : public RunningService {
 protected:
     void SetUp() override { start(); }
 
-    void signalRequest() { NamedEvent(root_, requestEvent, NamedEvent::Reset::Manual).set(); }
+    NamedEvent event() { return {root_, requestEvent, NamedEvent::Reset::Manual}; }
+    void ask(const RefreshJob &job) { requestDownload(root_, job, answers_); }
+    /// As fast as a downloader sees requests at all: the file holds the latest alone.
+    void askAndBeSeen(const RefreshJob &job) {
+        ask(job);
+        waitFor([this] { return !event().test(); });
+    }
+    DownloadAnswer answer(std::chrono::seconds patience = 30s) { return answers_.wait(patience); }
+    DownloadAnswer request(const RefreshJob &job) {
+        ask(job);
+        return answer();
+    }
+    QString errorCode() { return ok(u"setting ERRORNO"_s).trimmed(); }
+
+    DownloadAnswers answers_{root_};
 };
 
 TEST_F(RequestTest, IsServedAndAnswered) {
-    const RefreshJob job = addChannel(u"café"_s);
-    server_.serve(u"/café"_s, generatedFeed(4, 1));
+    const RefreshJob job = addChannel(u"café"_s, generatedFeed(4, 1));
     EXPECT_EQ(request(job), DownloadAnswer::Done);
     EXPECT_EQ(counts(u"café"_s), u"4/4");
-    EXPECT_EQ(ctl_.run({u"setting"_s, u"UnreadItems"_s, u"--today"_s}).out, u"4\n");
-
-    server_.serve(u"/café"_s, "<html/>");
-    EXPECT_EQ(request(job), DownloadAnswer::Failed);
-    EXPECT_EQ(errorCode(), 1003u);
-    ASSERT_EQ(ctl_.run({u"setting"_s, u"ERRORNO"_s, u"0"_s}).exitCode, 0);
-    for (const QByteArray &nothing : {QByteArray(), QByteArray("\xFF\xFE")}) {
-        server_.serve(u"/café"_s, nothing);
+    EXPECT_EQ(ok(u"setting UnreadItems --today"_s), u"4\n");
+    for (const QByteArray &noFeed : {QByteArray("<html/>"), QByteArray(), QByteArray("\xFF\xFE")}) {
+        ok(u"setting ERRORNO 0"_s);
+        server_.serve(u"/café"_s, noFeed);
         EXPECT_EQ(request(job), DownloadAnswer::Failed);
-        EXPECT_EQ(errorCode(), 1003u) << "and no empty answer is a failed download";
+        EXPECT_EQ(errorCode(), u"1003") << "and no empty answer is a failed download";
     }
     EXPECT_EQ(request({server_.url(u"/café"), u"nobody's"_s, u"C"_s}), DownloadAnswer::Failed);
     EXPECT_EQ(request({u"http://127.0.0.1:1/"_s, u"café"_s, u"C"_s}), DownloadAnswer::Failed);
-    EXPECT_EQ(errorCode(), 1007u);
+    EXPECT_EQ(errorCode(), u"1007");
     expectSound();
 }
 
+TEST_F(RequestTest, ThoseOfACategoryGoInTheListsOrderAndAreNotRushed) {
+    for (const QString &name : {u"b"_s, u"c"_s, u"a"_s})
+        addChannel(name, smallFeed);
+    QStringList listed;
+    for (const QString &line : run(u"channels C"_s).lines())
+        listed.append(u'/' + line.section(u'\t', 1, 1));
+    Registry registry(root_);
+    FeedStore store(root_, registry, testTodayKey.toString());
+    ASSERT_TRUE(store.Open());
+    RunInterrupt interrupt;
+    const UpdateParts parts{root_, registry, store, interrupt};
+    EXPECT_EQ(parts.answerTimeout, 60s) << "what slow servers need";
+    UpdateRun updates(parts,
+                      {.stepped = [](int, int) {}, .updated = {}, .counted = [](auto...) {}});
+    QElapsedTimer timer;
+    timer.start();
+    setPauseScale(10); // percent
+    EXPECT_TRUE(updates.updateCategory(u"C"_s));
+    const qint64 ofCategory = timer.restart();
+    setPauseScale(100);
+    ask({server_.url(u"/a"), u"a"_s, u"C"_s});
+    const qint64 ofRequest = timer.elapsed();
+    setPauseScale(0);
+    EXPECT_GE(ofCategory, 3 * (2000 + 100) / 10);
+    EXPECT_GE(ofRequest, 100);
+    QStringList requested;
+    for (const FeedServer::Request &seen : server_.requests().first(3))
+        requested.append(QString::fromLatin1(seen.path));
+    EXPECT_EQ(requested, listed);
+}
+
 TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
-    const RefreshJob job = addChannel(u"a"_s);
-    server_.serve(u"/a"_s, smallFeed);
+    const RefreshJob job = addChannel(u"a"_s, smallFeed);
     const QString line = u"a\t"_s + job.url + u"\tC";
     const QString path = requestFilePath(root_);
     const QByteArray files[] = {
@@ -64,7 +106,6 @@ TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
         QByteArray(10'000'000, 'x'),
         utf16(QString(5'000'000, u'\t') + u'\n'),
         (line + u'\n').toUtf8(),
-        utf16(u"a C\n"_s),
         utf16(u"a\t" + job.url + u"\t\tC\n"),
         utf16(line + u"\n" + line + u"\n"),
         utf16(u"\t\t\n"_s),
@@ -74,10 +115,10 @@ TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
         if (!content.isNull()) {
             ASSERT_TRUE(writeFile(path, content));
         }
-        DownloadAnswers answers(root_);
-        signalRequest();
-        EXPECT_EQ(answers.wait(30s), DownloadAnswer::Failed) << content.size();
-        EXPECT_EQ(errorCode(), 1012u);
+        answers_.expect();
+        event().set();
+        EXPECT_EQ(answer(), DownloadAnswer::Failed) << content.size();
+        EXPECT_EQ(errorCode(), u"1012");
     }
     EXPECT_EQ(server_.requests().size(), 0);
     EXPECT_EQ(request(job), DownloadAnswer::Done);
@@ -85,59 +126,53 @@ TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
     // Nor is what would be waited for.
     ASSERT_TRUE(QFile::remove(path));
     ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-    DownloadAnswers answers(root_);
-    signalRequest();
-    EXPECT_EQ(answers.wait(30s), DownloadAnswer::Failed);
     EXPECT_EQ(request(job), DownloadAnswer::Failed) << "and it is not replaced";
 }
 
 TEST_F(RequestTest, OneThatCannotBeWrittenDoesNotHaveTheOneBeforeServed) {
-    const RefreshJob before = addChannel(u"before"_s);
-    server_.serve(u"/before"_s, smallFeed);
+    const RefreshJob before = addChannel(u"before"_s, smallFeed);
     ASSERT_EQ(request(before), DownloadAnswer::Done);
-    server_.clearRequests();
     {
         const FullDisk disk;
         EXPECT_EQ(request({server_.url(u"/other"), u"other"_s, u"C"_s}), DownloadAnswer::Failed);
     }
-    EXPECT_EQ(server_.requests().size(), 0);
+    EXPECT_EQ(server_.requests().size(), 1);
     EXPECT_EQ(request(before), DownloadAnswer::Done);
 }
 
 TEST_F(RequestTest, TenWithinASecondAreAllServed) {
     QList<RefreshJob> jobs;
-    for (int i = 0; i < 10; ++i) {
-        const QString name = u"ch%1"_s.arg(i);
-        server_.serve(u'/' + name, generatedFeed(2, static_cast<quint32>(i)));
-        jobs.append(addChannel(name));
-    }
+    for (quint32 i = 0; i < 10; ++i)
+        jobs.append(addChannel(u"ch%1"_s.arg(i), generatedFeed(2, i)));
     server_.setDelay(300ms);
-    DownloadAnswers answers(root_);
-    for (const RefreshJob &job : jobs) {
-        requestDownload(root_, job, answers);
-        // As fast as a downloader sees them at all: the file holds the latest alone.
-        waitFor(
-            [this] { return !NamedEvent(root_, requestEvent, NamedEvent::Reset::Manual).test(); });
-    }
-    EXPECT_EQ(answers.wait(30s), DownloadAnswer::Done);
-    waitFor([this] { return ctl_.run({u"channels"_s}).out.count(u"2/2"_s) == 10; });
-    EXPECT_EQ(answers.wait(0s), DownloadAnswer::TimedOut) << "only the last one is answered";
+    for (const RefreshJob &job : jobs)
+        askAndBeSeen(job);
+    EXPECT_EQ(answer(), DownloadAnswer::Done);
+    waitFor([this] { return ok(u"channels"_s).count(u"2/2"_s) == 10; });
+    EXPECT_EQ(answer(0s), DownloadAnswer::TimedOut) << "only the last one is answered";
 }
 
 TEST_F(RequestTest, AnAnswerToOneThatWasGivenUpIsNotTakenForTheNext) {
     const RefreshJob first = addChannel(u"first"_s);
     const RefreshJob second = addChannel(u"second"_s);
     for (const RefreshJob &next : {second, first}) {
-        DownloadAnswers answers(root_);
         server_.clearRequests();
         server_.trickle(u"/first"_s, "<not-rss/>", 30ms);
-        requestDownload(root_, first, answers);
-        waitFor([this] { return server_.requests().size() == 1; });
+        ask(first);
+        waitForRequests(1);
         server_.trickle(u'/' + next.channelName, smallFeed, 10ms);
-        requestDownload(root_, next, answers);
-        EXPECT_EQ(answers.wait(30s), DownloadAnswer::Done);
-        EXPECT_EQ(answers.wait(0s), DownloadAnswer::TimedOut);
+        EXPECT_EQ(request(next), DownloadAnswer::Done);
+        EXPECT_EQ(answer(0s), DownloadAnswer::TimedOut);
     }
+    // Nor one that is held up, because the settings are locked until the next request is made.
+    {
+        Registry registry(root_);
+        const Registry::Batch lock(registry);
+        ASSERT_TRUE(lock.isOpen());
+        askAndBeSeen({u"file:///none"_s, u"first"_s, u"C"_s});
+        ask(second);
+    }
+    EXPECT_EQ(answer(), DownloadAnswer::Done);
 }
 
 TEST_F(RequestTest, OfSeveralThatWaitTheNewestIsAnswered) {
@@ -146,110 +181,74 @@ TEST_F(RequestTest, OfSeveralThatWaitTheNewestIsAnswered) {
         const QString name = u"ch%1"_s.arg(i);
         server_.trickle(u'/' + name, i == 5 ? smallFeed : "<not-rss/>", 20ms);
         addChannel(name);
-        requesters.push_back(ctl_.start({u"request"_s, u"C"_s, name, u"--timeout"_s, u"4"_s}));
-        waitFor([&] { return server_.requests().size() == i; });
+        requesters.push_back(ctl_.start(split(u"request C %1 --timeout 4"_s.arg(name))));
+        waitForRequests(i);
     }
-    requesters.back()->waitForFinished(20'000);
-    EXPECT_EQ(requesters.back()->readAllStandardOutput(), "done\n");
-    requesters.pop_back();
     for (const auto &requester : requesters) {
         requester->waitForFinished(20'000);
-        EXPECT_TRUE(requester->readAllStandardError().contains("(1012)"));
+        EXPECT_EQ(requester->readAllStandardOutput() == "done\n", requester == requesters.back());
+        EXPECT_EQ(requester->readAllStandardError().contains("(1012)"),
+                  requester != requesters.back());
     }
-}
-
-TEST_F(RequestTest, AnAnswerThatIsHeldUpIsNotTakenForTheNext) {
-    const RefreshJob job = addChannel(u"a"_s);
-    server_.trickle(u"/a"_s, smallFeed, 10ms);
-    DownloadAnswers answers(root_);
-    {
-        // The settings are locked, and so the failure cannot be told before the next request.
-        Registry registry(root_);
-        const Registry::Batch lock(registry);
-        ASSERT_TRUE(lock.isOpen());
-        requestDownload(root_, {u"file:///none"_s, u"a"_s, u"C"_s}, answers);
-        waitFor(
-            [this] { return !NamedEvent(root_, requestEvent, NamedEvent::Reset::Manual).test(); });
-        requestDownload(root_, job, answers);
-    }
-    EXPECT_EQ(answers.wait(30s), DownloadAnswer::Done);
 }
 
 TEST_F(RequestTest, AServerThatNeverAnswersKeepsNobodyElseWaiting) {
     const RefreshJob stuck = addChannel(u"stuck"_s);
-    const RefreshJob good = addChannel(u"good"_s);
+    const RefreshJob good = addChannel(u"good"_s, smallFeed);
     server_.hang(u"/stuck"_s);
-    server_.serve(u"/good"_s, smallFeed);
-    DownloadAnswers answers(root_);
     for (qsizetype i = 1; i <= 5; ++i) {
-        requestDownload(root_, stuck, answers);
-        waitFor([&] { return server_.requests().size() == i; });
+        ask(stuck);
+        waitForRequests(i);
     }
-    requestDownload(root_, good, answers);
-    EXPECT_EQ(answers.wait(10s), DownloadAnswer::Done);
-}
-
-TEST_F(RequestTest, ARequesterThatIsKilledLeavesNothingStuck) {
-    const RefreshJob job = addChannel(u"a"_s);
-    server_.trickle(u"/a"_s, smallFeed, 5ms);
-    for (int i = 0; i < 3; ++i) {
-        server_.clearRequests();
-        const auto requester = ctl_.start({u"request"_s, u"C"_s, u"a"_s});
-        waitFor([this] { return server_.requests().size() == 1; });
-        requester->kill();
-        requester->waitForFinished();
-    }
-    EXPECT_EQ(request(job), DownloadAnswer::Done);
-    expectSound();
+    ask(good);
+    EXPECT_EQ(answer(10s), DownloadAnswer::Done);
 }
 
 TEST_F(RequestTest, ADownloaderThatIsKilledIsToldByTheTimeOutAndStartedAnew) {
     addChannel(u"a"_s);
     server_.hang(u"/a"_s);
-    const auto requester = ctl_.start({u"request"_s, u"C"_s, u"a"_s, u"--timeout"_s, u"3"_s});
-    waitFor([this] { return server_.requests().size() == 1; });
+    const auto requester = ctl_.start(split(u"request C a --timeout 3"_s));
+    waitForRequests(1);
     EXPECT_EQ(end(SIGKILL), -1);
     requester->waitForFinished(20'000);
     EXPECT_EQ(requester->exitCode(), 1);
     EXPECT_TRUE(requester->readAllStandardError().contains("(1012)"));
-    EXPECT_EQ(errorCode(), 1012u);
+    EXPECT_EQ(errorCode(), u"1012");
     expectSound();
     server_.serve(u"/a"_s, smallFeed);
-    EXPECT_EQ(ctl_.run({u"request"_s, u"C"_s, u"a"_s}).out, u"done\n");
+    EXPECT_EQ(ok(u"request C a"_s), u"done\n");
     EXPECT_EQ(counts(u"a"_s), u"1/1");
 }
 
 TEST_F(RequestTest, ASignalEndsADownloadAndTellsWhoWaitsForIt) {
     const RefreshJob job = addChannel(u"a"_s);
+    server_.hang(u"/a"_s);
     for (const int signal : {SIGTERM, SIGINT}) {
-        server_.hang(u"/a"_s);
         server_.clearRequests();
         if (!isRunning())
             start();
-        DownloadAnswers answers(root_);
-        requestDownload(root_, job, answers);
-        waitFor([this] { return server_.requests().size() == 1; });
+        ask(job);
+        waitForRequests(1);
         EXPECT_EQ(end(signal), 0);
-        EXPECT_EQ(answers.wait(0s), DownloadAnswer::Failed);
+        EXPECT_EQ(answer(0s), DownloadAnswer::Failed);
         EXPECT_FALSE(runningService(root_));
         expectSound();
     }
 }
 
-TEST_F(RequestTest, AServiceWhoseEventWasTakenAwayEndsAndIsReplaced) {
-    const RefreshJob job = addChannel(u"a"_s);
-    server_.serve(u"/a"_s, smallFeed);
-    NamedEvent kept(root_, requestEvent, NamedEvent::Reset::Manual);
+TEST_F(RequestTest, AServiceWhoseEventOrDeviceWasTakenAwayEndsAndIsReplaced) {
+    addChannel(u"a"_s, smallFeed);
+    NamedEvent kept = event();
     ASSERT_TRUE(QFile::remove(root_.path() + u"/run/RSS_NONAUTODL.event"));
     kept.set();
     EXPECT_EQ(end(0), 1);
-    EXPECT_EQ(ctl_.run({u"request"_s, u"C"_s, u"a"_s}).out, u"done\n");
-}
+    EXPECT_EQ(ok(u"request C a"_s), u"done\n");
+    ok(u"service stop"_s);
 
-TEST_F(RequestTest, ADeviceThatIsTakenAwayEndsTheService) {
-    const NamedEvent keeper(root_, requestEvent, NamedEvent::Reset::Manual);
-    ASSERT_TRUE(QFile::rename(root_.path(), root_.path() + u".away"));
-    NamedEvent(DeviceRoot(root_.path() + u".away"), requestEvent, NamedEvent::Reset::Manual).set();
+    start();
+    const QString away = root_.path() + u".away";
+    ASSERT_TRUE(QFile::rename(root_.path(), away));
+    NamedEvent(DeviceRoot(away), requestEvent, NamedEvent::Reset::Manual).set();
     EXPECT_EQ(end(0), 1);
 }
 

@@ -1,10 +1,6 @@
 #include "service/running_service.h"
 
 #include "platform/service.h"
-#include "store/settings_store.h"
-
-#include <QElapsedTimer>
-#include <QThread>
 
 #include <csignal>
 
@@ -43,16 +39,12 @@ int RunningService::end(int signal) {
     return process_->exitCode();
 }
 
-RefreshJob RunningService::addChannel(const QString &name) {
+RefreshJob RunningService::addChannel(const QString &name, const QByteArray &feed) {
     RefreshJob job{server_.url(QString(u'/' + name)), name, u"C"_s};
-    EXPECT_EQ(ctl_.run({u"add"_s, job.category, name, job.url}).out.trimmed(), name);
+    if (!feed.isNull())
+        server_.serve(u'/' + name, feed);
+    EXPECT_EQ(ok(u"add C %1 %2"_s.arg(name, job.url)).trimmed(), name);
     return job;
-}
-
-DownloadAnswer RunningService::request(const RefreshJob &job) {
-    DownloadAnswers answers(root_);
-    requestDownload(root_, job, answers);
-    return answers.wait(30s);
 }
 
 QString RunningService::counts(const QString &channel) {
@@ -63,22 +55,8 @@ QString RunningService::counts(const QString &channel) {
     return {};
 }
 
-quint32 RunningService::errorCode() {
-    Registry registry(root_);
-    return SettingsStore(registry).dword(programKey, u"ERRORNO");
-}
-
-void RunningService::waitFor(const std::function<bool()> &condition) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition() && timer.elapsed() < 20'000)
-        QThread::msleep(5);
-    ASSERT_TRUE(condition());
-}
-
-void RunningService::expectSound() {
-    const CtlRun check = ctl_.run({u"check"_s});
-    EXPECT_EQ(check.exitCode, 0) << (check.out + check.err).toUtf8().constData();
+void RunningService::waitForRequests(qsizetype count) {
+    waitFor([&] { return server_.requests().size() == count; });
 }
 
 } // namespace tidebrook

@@ -1,19 +1,12 @@
 #pragma once
 
 #include "ctl/ctl_process.h"
-#include "feed_server/feed_server.h"
-#include "platform/registry.h"
 #include "update/download_request.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
 
 namespace tidebrook {
 
 /// A device with a real feedlarkd on it, which never outlives the test.
-class RunningService : public testing::Test {
+class RunningService : public CtlTest {
 protected:
     RunningService();
     ~RunningService() override;
@@ -24,17 +17,11 @@ protected:
     int end(int signal);
     bool isRunning() const { return process_ && process_->state() == QProcess::Running; }
 
-    /// Adds a channel whose feed the server has at /NAME.
-    RefreshJob addChannel(const QString &name);
-
-    DownloadAnswer request(const RefreshJob &job);
+    /// Adds a channel to C whose feed the server has at /NAME; a null one is left to the test.
+    RefreshJob addChannel(const QString &name, const QByteArray &feed = {});
     QString counts(const QString &channel);
-    quint32 errorCode();
-    void waitFor(const std::function<bool()> &condition);
-    void expectSound();
+    void waitForRequests(qsizetype count);
 
-    FeedServer server_;
-    CtlProcess ctl_;
     const DeviceRoot root_{ctl_.root()};
 
 private:

@@ -28,16 +28,33 @@ protected:
         isAutoUpdated(device_.root, name); // makes the list
         ASSERT_TRUE(setAutoUpdate(device_.root, *device_.store, {url, name, u"C"_s}, true));
     }
+    /// Serves so many items at /NAME, or nothing yet, and adds the channel.
+    void addFeed(const QString &name, int items = 0) {
+        if (items > 0)
+            server_.serve(u'/' + name, generatedFeed(items, 1));
+        addChannel(name, server_.url(QString(u'/' + name)));
+    }
+    void addAgain(const QString &name, const QString &path) {
+        device_.store->DeleteChannel(name);
+        device_.store->InsertChannel({u"C"_s, name, server_.url(path)});
+    }
 
-    /// Runs the round that is due at `moment` hours after the start.
-    AutoRoundResult runRound(double moment = 0, const StopSignal *stop = nullptr) {
-        const QDateTime now = start_.addSecs(static_cast<qint64>(moment * 3600));
-        const FixedClock clock(now);
+    QDateTime at(double hours) const { return start_.addSecs(static_cast<qint64>(hours * 3600)); }
+    /// Runs the round that is due so many hours after the start.
+    AutoRoundResult runRound(double hours = 0, const StopSignal *stop = nullptr) {
+        const FixedClock clock(at(hours));
         server_.clearRequests();
         HttpLimits limits;
         limits.stop = stop;
         return runAutoRound({device_.root, *device_.registry, *device_.store, limits},
-                            {now, now, false}, [](const RefreshJob &, const RefreshResult &) {});
+                            {at(hours), at(hours), false},
+                            [](const RefreshJob &, const RefreshResult &) {});
+    }
+    /// The user asks for the channel f, which fails.
+    void failRequest(double hours) {
+        const FixedClock clock(at(hours));
+        UpdateStateStore states(device_.root);
+        noteRequested(states, {server_.url(u"/f"), u"f"_s, u"C"_s}, {1007, 0, {}, true});
     }
 
     QByteArray sentHeader(QByteArrayView name) {
@@ -55,7 +72,7 @@ TEST_F(AutoRoundTest, AnUnchangedFeedIsNotSentAgainUntilItsArticlesAreGone) {
     const QByteArray etag = "W/\"a%20b,\xC3\xA9\\\"";
     const QByteArray lastModified = "Fri, 01 Jan 2026 00:00:00 +1 (sic)";
     server_.serveWithValidators(u"/f"_s, generatedFeed(5, 1), etag, lastModified);
-    addChannel(u"f"_s, server_.url(u"/f"));
+    addFeed(u"f"_s);
     EXPECT_EQ(runRound().storedCount, 5);
     EXPECT_EQ(sentHeader("If-None-Match"), QByteArray());
 
@@ -75,25 +92,23 @@ TEST_F(AutoRoundTest, AnUnchangedFeedIsNotSentAgainUntilItsArticlesAreGone) {
 TEST_F(AutoRoundTest, WhatIsNotStoredIsAskedForWhole) {
     server_.serveWithValidators(u"/f"_s, generatedFeed(5, 1), "\"1\"");
     server_.serveWithValidators(u"/g"_s, generatedFeed(3, 2), "\"1\"");
-    addChannel(u"f"_s, server_.url(u"/f"));
+    addFeed(u"f"_s);
     runRound();
     const auto expectWhole = [this](double moment, const char *why) {
         EXPECT_GT(runRound(moment).storedCount, 0) << why;
         EXPECT_EQ(sentHeader("If-None-Match"), QByteArray()) << why;
         EXPECT_EQ(runRound(moment + 0.5).unchanged, 1) << why;
     };
-    device_.store->DeleteChannel(u"f"_s);
-    device_.store->InsertChannel({u"C"_s, u"f"_s, server_.url(u"/f")});
+    addAgain(u"f"_s, u"/f"_s);
     expectWhole(1, "the channel was deleted and added again");
     device_.store->SetChannelLink(u"f"_s, server_.url(u"/g"));
     expectWhole(2, "the channel has another address");
-    device_.store->DeleteChannel(u"f"_s);
-    device_.store->InsertChannel({u"C"_s, u"f"_s, server_.url(u"/g")});
-    QFile::remove(device_.root.filePath(u"UpdateState.db"));
+    const QString states = device_.root.filePath(u"UpdateState.db");
+    addAgain(u"f"_s, u"/g"_s);
+    QFile::remove(states);
     expectWhole(3, "the state was deleted");
-    device_.store->DeleteChannel(u"f"_s);
-    device_.store->InsertChannel({u"C"_s, u"f"_s, server_.url(u"/g")});
-    ASSERT_TRUE(writeFile(device_.root.filePath(u"UpdateState.db"), QByteArray(9000, 'x')));
+    addAgain(u"f"_s, u"/g"_s);
+    ASSERT_TRUE(writeFile(states, QByteArray(9000, 'x')));
     expectWhole(4, "the state was damaged");
 }
 
@@ -109,23 +124,13 @@ TEST_F(AutoRoundTest, ARoundWithoutANetworkIsHeldAgainstNobody) {
     EXPECT_EQ(device_.lastErrorCode(), 0u) << "told to nobody who waits for something else";
 }
 
-TEST_F(AutoRoundTest, ARequestThatFailedDoesNotTakeTheChannelsTurn) {
-    addChannel(u"f"_s, server_.url(u"/f"));
-    server_.serve(u"/f"_s, generatedFeed(1, 1));
-    UpdateStateStore states(device_.root);
-    {
-        const FixedClock clock(start_);
-        noteRequested(states, {server_.url(u"/f"), u"f"_s, u"C"_s}, {1007, 0, {}, true});
-    }
-    EXPECT_EQ(runRound().storedCount, 1);
-}
-
-TEST_F(AutoRoundTest, AnotherAddressIsANewBeginning) {
-    addChannel(u"f"_s, server_.url(u"/dead"));
-    runRound();
+TEST_F(AutoRoundTest, ARequestThatFailedOrAnotherAddressDoesNotTakeTheChannelsTurn) {
+    addFeed(u"f"_s);
+    failRequest(0);
+    EXPECT_EQ(runRound().tried, 1);
     EXPECT_EQ(runRound(0.5).leftAlone, 1);
-    server_.serve(u"/f"_s, generatedFeed(1, 1));
-    device_.store->SetChannelLink(u"f"_s, server_.url(u"/f"));
+    server_.serve(u"/g"_s, generatedFeed(1, 1));
+    device_.store->SetChannelLink(u"f"_s, server_.url(u"/g"));
     EXPECT_EQ(runRound(0.5).storedCount, 1);
 }
 
@@ -134,14 +139,14 @@ TEST_F(AutoRoundTest, AFeedWhoseItemsCouldNotAllBeStoredIsSentAgain) {
                                 "<rss><channel><item><title>a</title><guid>1</guid></item>"
                                 "<item><title>b</title></item></channel></rss>",
                                 "\"1\"");
-    addChannel(u"f"_s, server_.url(u"/f"));
+    addFeed(u"f"_s);
     EXPECT_EQ(runRound().failed, 1);
     runRound(24);
     EXPECT_EQ(sentHeader("If-None-Match"), QByteArray());
 }
 
 TEST_F(AutoRoundTest, AFailingFeedIsTriedLessAndLessOften) {
-    addChannel(u"f"_s, server_.url(u"/f"));
+    addFeed(u"f"_s);
     QList<double> tries;
     const auto live = [&](int from, int to) {
         for (int halfHour = 2 * from; halfHour < 2 * to; ++halfHour) {
@@ -155,11 +160,7 @@ TEST_F(AutoRoundTest, AFailingFeedIsTriedLessAndLessOften) {
 
     // A request of the user's is a new beginning, also when that fails.
     tries.clear();
-    {
-        const FixedClock clock(start_.addSecs(100 * 3600 - 60));
-        UpdateStateStore states(device_.root);
-        noteRequested(states, {server_.url(u"/f"), u"f"_s, u"C"_s}, {1007, 0, {}, true});
-    }
+    failRequest(99.9);
     live(100, 104);
     EXPECT_EQ(tries, (QList<double>{100, 101, 103}));
 
@@ -188,16 +189,14 @@ TEST_F(AutoRoundTest, ServersThatAskForItAreLeftAlone) {
         {"nonsense", "soon", 1, 503},
         {"nothing", {}, 1, 429, true},
     };
-    addChannel(u"f"_s, server_.url(u"/f"));
-    addChannel(u"g"_s, server_.url(u"/g"));
-    server_.serve(u"/g"_s, generatedFeed(1, 1));
+    addFeed(u"f"_s);
+    addFeed(u"g"_s, 1);
     for (const Case &test : cases) {
         SCOPED_TRACE(test.what);
         QFile::remove(device_.root.filePath(u"UpdateState.db"));
-        FeedServer::Headers headers;
-        if (!test.retryAfter.isNull())
-            headers.append({"Retry-After", test.retryAfter});
-        server_.answerStatus(u"/f"_s, test.status, {}, headers);
+        const FeedServer::Headers wish{{"Retry-After", test.retryAfter}};
+        server_.answerStatus(u"/f"_s, test.status, {},
+                             wish.first(test.retryAfter.isNull() ? 0 : 1));
         EXPECT_EQ(runRound(0).tried, test.isForHost ? 1 : 2);
         EXPECT_EQ(server_.requests().size(), test.isForHost ? 1 : 2);
         server_.serve(u"/f"_s, generatedFeed(1, 2));
@@ -261,20 +260,18 @@ TEST_F(AutoRoundTest, ABrokenDocumentIsDownloadedDirectlyAndOthersAreNotHeldUp) 
 }
 
 TEST_F(AutoRoundTest, ChannelsOfTheListThatAreGoneOrMovedAreNoTrouble) {
-    server_.serve(u"/f"_s, generatedFeed(2, 1));
-    addChannel(u"gone"_s, server_.url(u"/f"));
-    addChannel(u"moved"_s, server_.url(u"/elsewhere"));
+    addFeed(u"gone"_s, 2);
+    addFeed(u"moved"_s);
     device_.store->DeleteChannel(u"gone"_s);
     device_.store->MoveChannel(u"moved"_s, u"D"_s);
-    device_.store->SetChannelLink(u"moved"_s, server_.url(u"/f"));
+    device_.store->SetChannelLink(u"moved"_s, server_.url(u"/gone"));
     const AutoRoundResult result = runRound();
     EXPECT_EQ(result.unknown, 1);
     EXPECT_EQ(device_.counts(u"D"_s, u"moved"_s), u"2/2");
 }
 
 TEST_F(AutoRoundTest, ALockedDatabaseIsNotHeldAgainstTheFeed) {
-    server_.serve(u"/f"_s, generatedFeed(2, 1));
-    addChannel(u"f"_s, server_.url(u"/f"));
+    addFeed(u"f"_s, 2);
     {
         auto other = SqliteDatabase::open(device_.root.filePath(u"RSSVault.sdf"), {});
         ASSERT_TRUE(other);
