@@ -119,11 +119,6 @@ TEST(Page, IsReadableAtEverySizeOnEveryGround) {
                 << level << text.toStdString();
         }
     }
-    for (const int key : {Qt::Key_Left, Qt::Key_Escape, Qt::Key_Back, Qt::Key_F1, Qt::Key_Down}) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-        QCoreApplication::sendEvent(&page, &event);
-        EXPECT_EQ(event.isAccepted(), key == Qt::Key_Down) << "the dialog has the others: " << key;
-    }
 }
 
 } // namespace

@@ -17,8 +17,6 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPainter>
-#include <QPixmap>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -56,25 +54,13 @@ QWidget *keyTarget(ScreenStack &stack) {
     return focus != nullptr ? focus : &stack;
 }
 
-// As keyboards send it: keys that write nothing have a text too.
-QString keyText(int key, Qt::KeyboardModifiers modifiers) {
-    if (key == Qt::Key_Return || key == Qt::Key_Enter)
-        return u"\r"_s;
-    if (key == Qt::Key_Escape)
-        return u"\x1b"_s;
-    if (key == Qt::Key_Delete)
-        return u"\x7f"_s;
-    const bool isLetter = key >= Qt::Key_A && key <= Qt::Key_Z && modifiers == Qt::NoModifier;
-    return key == Qt::Key_Space || isLetter ? QString(QChar(key)).toLower() : QString();
-}
-
 QAbstractButton *findButton(const QWidget &widget, const QString &text) {
-    const auto buttons = widget.findChildren<QAbstractButton *>();
-    const auto found = std::find_if(buttons.begin(), buttons.end(), [&](QAbstractButton *button) {
+    for (auto *button : widget.findChildren<QAbstractButton *>()) {
         QString shown = button->text().isEmpty() ? button->accessibleName() : button->text();
-        return button->isVisible() && shown.remove(u'&') == text;
-    });
-    return found != buttons.end() ? *found : nullptr;
+        if (button->isVisible() && shown.remove(u'&') == text)
+            return button;
+    }
+    return nullptr;
 }
 
 QPoint middleOf(const ListView &list, int row) {
@@ -139,19 +125,22 @@ bool User::sees(const std::function<bool()> &condition) {
     }
 }
 
-bool User::seesSame(const std::function<QStringList()> &seen, const QStringList &expected) {
-    QStringList last;
-    const bool isSame = sees([&] { return (last = seen()) == expected; });
-    if (!isSame)
-        ADD_FAILURE() << "sees " << last.join(u" | ").toStdString();
+QStringList User::seen(Texts texts) {
+    QStringList seen;
+    look([&] { seen = (this->*texts)(); });
+    return seen;
+}
+
+bool User::seesSame(Texts texts, const QStringList &expected) {
+    const bool isSame = sees([&] { return (this->*texts)() == expected; });
+    EXPECT_TRUE(isSame) << "sees " << seen(texts).join(u" | ").toStdString();
     return isSame;
 }
 
 void User::press(int key, Qt::KeyboardModifiers modifiers) {
     for (const QTest::KeyAction action : {QTest::Press, QTest::Release}) {
         act([this, action, key, modifiers] {
-            QTest::sendKeyEvent(action, keyTarget(stack_), static_cast<Qt::Key>(key),
-                                keyText(key, modifiers), modifiers);
+            QTest::keyEvent(action, keyTarget(stack_), static_cast<Qt::Key>(key), modifiers);
         });
     }
 }
@@ -183,23 +172,15 @@ void User::tapBelowRows() {
 void User::touchRow(int row, int way) {
     static QPointingDevice *finger = QTest::createTouchDevice();
     constexpr int moves = 8;
-    auto area = std::make_shared<QPointer<QWidget>>();
-    auto start = std::make_shared<QPoint>();
-    const auto touch = [this, area, start](auto put, int moved) {
-        act([area, start, put, moved] {
-            auto touches = QTest::touchEvent(*area, finger, false);
-            put(touches, *start + QPoint(0, moved), area->data());
-            touches.commit(false);
-        });
-    };
-    act([this, row, area, start] {
-        *area = list()->viewport();
-        *start = middleOf(*list(), row);
+    act([this, row, way] {
+        const QPointer<QWidget> area = list()->viewport();
+        const QPoint start = middleOf(*list(), row);
+        auto touches = QTest::touchEvent(area, finger, false);
+        touches.press(0, start, area).commit(false);
+        for (int i = 1; way != 0 && i <= moves; ++i)
+            touches.move(0, start + QPoint(0, way * i / moves), area).commit(false);
+        touches.release(0, start + QPoint(0, way), area).commit(false);
     });
-    touch([](auto &touches, auto... where) { touches.press(0, where...); }, 0);
-    for (int i = 1; way != 0 && i <= moves; ++i)
-        touch([](auto &touches, auto... where) { touches.move(0, where...); }, way * i / moves);
-    touch([](auto &touches, auto... where) { touches.release(0, where...); }, way);
 }
 
 void User::turnWheel(int steps) {
@@ -241,9 +222,7 @@ void User::choose(const QStringList &path) {
         act([text] {
             QMenu *menu = openMenu();
             const auto entries = menu != nullptr ? menu->actions() : QList<QAction *>();
-            const auto entry =
-                std::find_if(entries.begin(), entries.end(),
-                             [&](const QAction *one) { return one->text() == text; });
+            const auto entry = std::ranges::find(entries, text, &QAction::text);
             ASSERT_NE(entry, entries.end()) << "there is no " << text.toStdString();
             menu->setActiveAction(*entry);
             QTest::keyClick(menu, (*entry)->menu() != nullptr ? Qt::Key_Right : Qt::Key_Return);
@@ -251,28 +230,19 @@ void User::choose(const QStringList &path) {
     }
 }
 
-void User::resize(const QSize &size) {
-    act([this, size] { stack_.resize(size); });
-}
-
-void User::closeWindow() {
-    act([this] { stack_.close(); });
-}
-
 void User::leaveAndReturn() {
     act([this] {
-        for (const QEvent::Type type : {QEvent::WindowDeactivate, QEvent::WindowActivate}) {
-            QEvent event(type);
-            QApplication::sendEvent(&stack_, &event);
-        }
+        QEvent event(QEvent::WindowActivate);
+        QApplication::sendEvent(&stack_, &event);
     });
 }
 
 ListView *User::list() const {
-    const QList<ListView *> lists = stack_.findChildren<ListView *>();
-    const auto seen = std::find_if(lists.begin(), lists.end(),
-                                   [](const ListView *list) { return list->isVisible(); });
-    return seen == lists.end() ? nullptr : *seen;
+    for (ListView *list : stack_.findChildren<ListView *>()) {
+        if (list->isVisible())
+            return list;
+    }
+    return nullptr;
 }
 
 QStringList User::rowsNow() const { return list() != nullptr ? list()->rowTexts() : QStringList(); }
@@ -298,30 +268,6 @@ QStringList User::controlsNow() const {
         texts.append(controlText(control));
     texts.removeAll(QString());
     return texts;
-}
-
-QStringList User::rows() {
-    QStringList names;
-    look([&] { names = rowsNow(); });
-    return names;
-}
-
-QStringList User::lines() {
-    QStringList lines;
-    look([&] { lines = linesNow(); });
-    return lines;
-}
-
-bool User::seesRows(const QStringList &names) {
-    return seesSame([this] { return rowsNow(); }, names);
-}
-
-bool User::seesLines(const QStringList &lines) {
-    return seesSame([this] { return linesNow(); }, lines);
-}
-
-bool User::seesControls(const QStringList &controls) {
-    return seesSame([this] { return controlsNow(); }, controls);
 }
 
 QStringList User::entries(const QString &within) {
@@ -399,23 +345,6 @@ bool User::seesQuiet() {
         quiet = stack_.progressLine().isAtWork() ? 0 : quiet + 1;
         return quiet == looks;
     });
-}
-
-QPixmap User::picture() {
-    QPixmap pixmap;
-    look([&] {
-        pixmap = stack_.grab();
-        QPainter painter(&pixmap);
-        QWidgetList popups = QApplication::topLevelWidgets();
-        popups.removeIf([](const QWidget *widget) {
-            return !widget->isVisible() || widget->windowType() != Qt::Popup;
-        });
-        if (popups.removeOne(QApplication::activePopupWidget()))
-            popups.append(QApplication::activePopupWidget());
-        for (QWidget *popup : std::as_const(popups))
-            painter.drawPixmap(stack_.mapFromGlobal(popup->pos()), popup->grab());
-    });
-    return pixmap;
 }
 
 Session::Session(const DeviceRoot &device, const QSize &screen) : device_(device) {

@@ -4,15 +4,12 @@
 #include "platform/mailbox.h"
 #include "ui/kit/screen_stack.h"
 
-#include <QPoint>
 #include <QSize>
 #include <QStringList>
 
 #include <chrono>
 #include <functional>
 #include <memory>
-
-class QPixmap;
 
 namespace tidebrook {
 
@@ -32,7 +29,6 @@ public:
     void type(const QString &text);
     void paste(const QString &text);
     void tapRow(int row);
-    /// Taps the list below its rows.
     void tapBelowRows();
     /// Touches a row with a finger, and moves that so many pixels down (or up) before lifting it.
     void touchRow(int row, int way = 0);
@@ -46,8 +42,12 @@ public:
     void choose(const QStringList &path);
     /// Another program comes in front of the window, and it comes back.
     void leaveAndReturn();
-    void resize(const QSize &size);
-    void closeWindow();
+    void resize(const QSize &size) {
+        act([this, size] { stack_.resize(size); });
+    }
+    void closeWindow() {
+        act([this] { stack_.close(); });
+    }
     /// Does this on the screens' thread, without waiting for it.
     void act(std::function<void()> action);
 
@@ -60,7 +60,6 @@ public:
 
     /// The list that is to be seen, also with a box over it; nullptr without one.
     ListView *list() const;
-    bool seesRows(const QStringList &names);
     bool seesSelected(int row);
     bool seesEditor(const QString &text);
     bool seesNoEditor();
@@ -75,30 +74,30 @@ public:
     bool seesChoices();
     /// A page, with this text in it.
     bool seesPage(const QString &text);
-    QStringList rows();
+    QStringList rows() { return seen(&User::rowsNow); }
+    bool seesRows(const QStringList &names) { return seesSame(&User::rowsNow, names); }
     /// The rows as "LABEL: DETAIL", behind a "*" where the image is that of an unread article.
-    QStringList lines();
-    bool seesLines(const QStringList &lines);
+    QStringList lines() { return seen(&User::linesNow); }
+    bool seesLines(const QStringList &lines) { return seesSame(&User::linesNow, lines); }
     /// The controls of the dialog that is on top, in their order: the text of an edit, buttons with
     /// "x" or "-" before their text, the entries of a drop-down list with brackets around the
     /// chosen one, the rows of a list of check boxes like buttons. "waiting" alone while it waits.
-    bool seesControls(const QStringList &controls);
+    bool seesControls(const QStringList &texts) { return seesSame(&User::controlsNow, texts); }
     /// The entries of the menu, or of one within it; "-" stands before those that cannot be
     /// chosen, "+" before checked ones. The menu is closed again.
     QStringList entries(const QString &within = {});
     /// Nothing is at work any more.
     bool seesQuiet();
 
-    /// The window, with any menu that is open over it.
-    QPixmap picture();
-
     ScreenStack &stack() const { return stack_; }
 
 private:
+    using Texts = QStringList (User::*)() const;
     QStringList rowsNow() const;
     QStringList linesNow() const;
     QStringList controlsNow() const;
-    bool seesSame(const std::function<QStringList()> &seen, const QStringList &expected);
+    QStringList seen(Texts texts);
+    bool seesSame(Texts texts, const QStringList &expected);
 
     ScreenStack &stack_;
     Mailbox mailbox_;
