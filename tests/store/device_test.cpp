@@ -152,7 +152,7 @@ QStringList openToOthers(const QString &folder) {
 
 TEST(DeviceFiles, AreTheirOwnersAloneWhateverTheUmask) {
     const mode_t usual = umask(022);
-    for (const mode_t mask : {0, 022, 077}) {
+    for (const mode_t mask : {0U, 022U, 077U}) {
         for (const bool isFolderThere : {false, true}) {
             umask(mask);
             const QTemporaryDir folder;
