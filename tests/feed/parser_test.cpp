@@ -81,6 +81,17 @@ TEST_F(ParserTest, WithinADayTheNewestIsFirst) {
     EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status).first(109), unread);
 }
 
+TEST_F(ParserTest, ARefreshTakesOutWhatIsTooOld) {
+    const QDateTime stored({2026, 6, 10}, {12, 0}, Qt::UTC);
+    {
+        const FixedClock clock(stored);
+        parse("<item><title>old</title><guid>1</guid></item>");
+    }
+    const FixedClock clock(stored.addDays(6));
+    EXPECT_EQ(parse("<title>Feed</title>"), Result::Done);
+    EXPECT_EQ(device_.titles(u"ch"_s), QStringList());
+}
+
 TEST_F(ParserTest, TextsAreKeptUpToTheirCapacities) {
     const auto itemOf = [](QByteArray guid, const QByteArray &title) {
         return QByteArray("<item><guid>" + guid.leftJustified(600, 'g') + "</guid><title>" +
