@@ -9,7 +9,7 @@ namespace {
 constexpr qsizetype directHostLimit = 99; // characters; the platform's buffers hold no more
 constexpr qsizetype directPathLimit = 509;
 
-// The path and query, decoded as this transport has always sent them.
+// The path and query, decoded as this transport sends them.
 QByteArray directTarget(const CurlUrl &url) {
     QByteArray target = partOf(url, CURLUPART_PATH);
     const QByteArray query = partOf(url, CURLUPART_QUERY);

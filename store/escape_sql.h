@@ -5,8 +5,7 @@
 
 namespace tidebrook {
 
-/// What a text is, where it goes into a statement. The numbers are those that callers of the
-/// store have always passed.
+/// What a text is, where it goes into a statement.
 enum class TextKind { Category = 8, ChannelName = 9, Description = 10, Title = 11 };
 
 /// Capacities in UTF-16 units.
