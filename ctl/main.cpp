@@ -25,7 +25,7 @@ struct Command {
 
 constexpr std::array commands{
     Command{u"init", 0, 0, u"", Needs::Root, nullptr, u"init",
-            u"make the device if it is missing, and what its first start makes"},
+            u"make the device where nothing or an empty folder is, and what it lacks"},
     Command{u"categories", 0, 0, u"", Needs::Channels, runCategories, u"categories",
             u"list the categories"},
     Command{u"add-category", 1, 1, u"", Needs::Channels, runAddCategory, u"add-category NAME",
