@@ -65,8 +65,9 @@ QWidgetList popups() {
     popups.removeIf([](const QWidget *widget) {
         return !widget->isVisible() || widget->windowType() != Qt::Popup;
     });
-    std::ranges::partition(
-        popups, [](const QWidget *widget) { return widget != QApplication::activePopupWidget(); });
+    std::partition(popups.begin(), popups.end(), [](const QWidget *widget) {
+        return widget != QApplication::activePopupWidget();
+    });
     return popups;
 }
 
