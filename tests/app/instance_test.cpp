@@ -137,5 +137,28 @@ TEST_F(InstanceTest, AWindowThatIsClosedWhileTheDeviceOpensShowsNoScreen) {
     }));
 }
 
+TEST(DevicePartsTest, SeedCategoriesWhereThereAreNoneAndListThoseOfChannels) {
+    TestDevice device(u"Planet\thttp://example.org/a\tNews\n"
+                      u"Moon\thttp://example.org/b\tScience\n"
+                      u"Star\thttp://example.org/c\tScience\n"_s);
+    CategoryListStore categories(*device.registry);
+    const auto expectStarted = [&](const QStringList &expected) {
+        DeviceParts(device.root).open();
+        EXPECT_EQ(categories.listedCategories(), expected);
+    };
+    expectStarted({u"News"_s, u"Science"_s});
+    ASSERT_TRUE(device.store->Open());
+    device.store->DeleteCategoryChannels(u"News"_s);
+    categories.DeleteCategory(u"News"_s);
+    device.store->MoveChannel(u"Moon"_s, u"Sport"_s); // as a change that was cut short
+    expectStarted({u"Science"_s, u"Sport"_s});
+    for (const QString &category : {u"Science"_s, u"Sport"_s}) {
+        device.store->DeleteCategoryChannels(category);
+        categories.DeleteCategory(category);
+    }
+    expectStarted({u"News"_s, u"Science"_s});
+    EXPECT_EQ(device.channelNames(u"Science"_s), QStringList()) << "their channels do not return";
+}
+
 } // namespace
 } // namespace tidebrook

@@ -11,7 +11,6 @@ namespace {
 
 using ChannelListTest = ReadingTest;
 
-Dialog *dialog(const User &user) { return qobject_cast<Dialog *>(user.stack().top()); }
 bool seesListAlone(User &user) {
     return user.sees([&user] { return user.list()->hasFocus(); }) && user.seesQuiet();
 }
@@ -56,11 +55,17 @@ TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
 
 TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
     const QString question = u"Are you sure you want to delete this channel?"_s;
+    for (const QString &name : {u"Planet"_s, u"Odd"_s})
+        updateByItself(name, u"News"_s);
     run([&](User &user) {
         go(user, 1);
         user.press(Qt::Key_Down);
-        user.press(Qt::Key_Delete);
+        user.act([&user] {
+            for (int i = 0; i < 2; ++i) // a key that is pressed twice asks once
+                QTest::keyClick(user.list(), Qt::Key_Delete);
+        });
         expectBox(user, question); // Enter is a No
+        ASSERT_TRUE(user.seesQuiet() && user.seesNoBox());
         EXPECT_EQ(user.lines(), scienceLines);
         for (const QStringList &left :
              {QStringList{scienceLines[0], scienceLines[2]}, scienceLines.first(1), {}}) {
@@ -82,12 +87,17 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
     });
     EXPECT_EQ(device.channelNames(u"Science"_s), QStringList());
     EXPECT_EQ(device.channelNames(u"News"_s), QStringList{u"Planet"_s});
+    EXPECT_EQ(automatic(), QStringList{u"Planet http://example.org/feed News"_s});
     EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 0U);
+    EXPECT_EQ(checkStore(device.root, *device.registry), QStringList());
 }
 
-TEST_F(ChannelListTest, ARefreshTakesNoTapAwayNorABoxThatLiesOverAnOpenDropDownList) {
+TEST_F(ChannelListTest, ARefreshWaitsBehindABoxAndTakesNoTapAway) {
     run([&](User &user) {
         go(user, 1);
+        const auto refresh = [&] {
+            qobject_cast<Dialog *>(user.stack().top())->post(CommandRefreshChannels);
+        };
         const auto touch = [&](auto click) {
             user.act([&user, click] {
                 const QRect row = user.list()->visualRect(user.list()->model()->index(1, 0));
@@ -97,15 +107,17 @@ TEST_F(ChannelListTest, ARefreshTakesNoTapAwayNorABoxThatLiesOverAnOpenDropDownL
         };
         user.press(Qt::Key_F4);
         ASSERT_TRUE(user.seesChoices());
-        user.act([this] { ShowMessage(session->state(), warningString, nameExistsString); });
-        ASSERT_TRUE(user.seesBox(u"The name is exist!"_s));
-        user.tap(u"OK"_s);
-        ASSERT_TRUE(user.seesNoBox());
+        device.store->DeleteChannel(u"Star"_s);
+        user.act([&] {
+            refresh();
+            ShowMessage(session->state(), warningString, nameExistsString);
+        });
+        expectBox(user, u"The name is exist!"_s);
         user.press(Qt::Key_Escape);
-        ASSERT_TRUE(seesListAlone(user));
+        ASSERT_TRUE(seesListAlone(user) && user.seesLines(scienceLines.first(2)));
 
         touch([](auto... way) { QTest::mousePress(way...); });
-        user.look([&] { dialog(user)->post(CommandRefreshChannels); });
+        user.look(refresh);
         ASSERT_TRUE(user.seesQuiet() && user.seesSelected(0));
         touch([](auto... way) { QTest::mouseRelease(way...); });
         EXPECT_TRUE(user.seesCaption(u"Odd"_s));

@@ -1,10 +1,17 @@
+#include "platform/sqlite_database.h"
+#include "store/error_codes.h"
 #include "support/fake_opener.h"
-#include "support/full_disk.h"
-#include "ui/kit/message_box.h"
+#include "ui/kit/layer.h"
 #include "ui/sharing_test.h"
+
+#include <QDir>
+#include <QLineEdit>
 
 namespace tidebrook {
 namespace {
+
+const QString unidentified = u"Encountering Unidentified Problem"_s;
+const QString deleteChannel = u"Are you sure you want to delete this channel?"_s;
 
 class HandingOutTest : public SharingTest {
 protected:
@@ -12,57 +19,155 @@ protected:
     bool seesFile(User &user, const QString &name, const QByteArray &part) {
         return user.sees([&] { return home.content(name).contains(part); });
     }
+    static void enter(User &user, const QString &name) {
+        user.press(Qt::Key_A, Qt::ControlModifier);
+        user.paste(name);
+        user.press(Qt::Key_Return);
+    }
     /// Chooses a command, answers the proposal with a name, and is told this, or nothing.
     static void hand(User &user, const QString &command, const QString &proposal,
                      const QString &name, const QString &problem = {}) {
         user.choose({command});
         ASSERT_TRUE(user.seesControls({proposal}));
-        user.type(name);
-        user.press(Qt::Key_Return);
+        name.isEmpty() ? user.press(Qt::Key_Return) : enter(user, name);
         if (!problem.isNull())
             expectBox(user, problem);
     }
 };
 
-TEST_F(HandingOutTest, TheSelectedCategoryAndTheSelectedChannelAreExported) {
-    run([&](User &user) {
-        user.press(Qt::Key_Down);
-        hand(user, u"Export Category"_s, u"Science"_s, u""_s);
-        ASSERT_TRUE(user.seesCaption(u"All Categories"_s));
-        EXPECT_TRUE(seesFile(user, u"Science.opml"_s, "text=\"Star\""));
-        ASSERT_TRUE(user.seesSelected(1));
+TEST_F(HandingOutTest, WhatIsSelectedIsSavedUnderANameThatIsLimitedWithItsEnding) {
+    const QString name = QString(300, u'n').replace(0, 1, u"A"_s);
+    CategoryListStore(*device.registry).AddCategory(name.left(39));
+    device.addChannel(name.left(39), name.left(50), {u"a"_s, name.left(254), u"c"_s});
+    device.store->InsertChannel({name.left(39), u"A"_s, u"http://example.org/a"_s});
+    const Hand toChannel = [&](User &user) {
+        user.press(Qt::Key_End);
         user.press(Qt::Key_Return);
-        ASSERT_TRUE(user.seesLines(scienceLines) && user.seesQuiet());
+        ASSERT_TRUE(user.seesRows({u"A"_s, name.left(50)}) && user.seesQuiet());
         user.press(Qt::Key_Down);
-        hand(user, u"Export Channel"_s, u"Odd"_s, u"Even"_s);
-        EXPECT_TRUE(seesFile(user, u"Even.opml"_s, "text=\"Odd\""));
-    });
-    EXPECT_EQ(home.content(u"Science.opml"_s).count("type=\"link\""), 3);
-    EXPECT_EQ(home.content(u"Even.opml"_s).count("type=\"link\""), 1);
-    EXPECT_EQ(home.files().size(), 2);
+    };
+    const Hand toArticle = [&](User &user) {
+        toChannel(user);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesRows({u"a"_s, name.left(254), u"c"_s}) && user.seesQuiet());
+        user.press(Qt::Key_Down);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesPage(u"Text"_s));
+    };
+    const struct {
+        QString command;
+        QString ending;
+        qsizetype limit;
+        Hand go;
+        int channels;
+    } cases[]{
+        {u"Export Category"_s, u".opml"_s, 39, pressing(Qt::Key_End), 2},
+        {u"Export Channel"_s, u".opml"_s, 49, toChannel, 1},
+        {u"Save Link"_s, u".html"_s, 254, toArticle, 0},
+    };
+    const QString folder(150, u'f');
+    QDir(home.documents()).mkpath(folder);
+    for (const auto &one : cases) {
+        SCOPED_TRACE(one.command.toStdString());
+        const QString stem = one.limit < 254 ? u"c"_s : folder + u'/';
+        const QString longest = stem + QString(one.limit - 5 - stem.size(), u'x');
+        run([&](User &user) {
+            one.go(user);
+            user.choose({one.command});
+            ASSERT_TRUE(user.seesControls({name.left(qMin(one.limit, qsizetype{248}) - 5)}));
+            enter(user, longest + u'x');
+            expectBox(user, fileProblem);
+            enter(user, longest);
+            EXPECT_TRUE(user.seesQuiet() && user.seesNoBox());
+        });
+        const QByteArray content = home.content(longest + one.ending);
+        EXPECT_TRUE(content.contains(name.left(one.limit == 254 ? 254 : 50).toUtf8()));
+        EXPECT_EQ(content.count("type=\"link\""), one.channels);
+    }
 }
 
-TEST_F(HandingOutTest, APlaceThatIsTooLongOrCannotBeWrittenIsToldAndNothingIsLost) {
-    ASSERT_TRUE(writeFile(path(u"News.opml"_s), "old"));
-    run([&](User &user) {
-        hand(user, u"Export Category"_s, u"News"_s, QString(40, u'n'), fileProblem);
-        user.press(Qt::Key_Escape);
-        ASSERT_TRUE(user.seesCaption(u"All Categories"_s));
-        hand(user, u"Export Category"_s, u"News"_s, u"News.opml"_s);
-        ASSERT_TRUE(user.sees([&] { return qobject_cast<MessageBox *>(user.stack().top()); }));
-        {
-            const FullDisk full;
+TEST_F(HandingOutTest, AFailureThatIsToldLeavesItsCodeAndAllElseAsItWas) {
+    const auto saving = [](const QString &command) {
+        return [command](User &user) {
+            user.choose({command});
+            ASSERT_TRUE(user.sees([&] { return user.stack().top()->findChild<QLineEdit *>(); }));
+            enter(user, u"/proc/x"_s);
+        };
+    };
+    const auto deleting = [](const QString &question) {
+        return [question](User &user) {
+            user.press(Qt::Key_Delete);
+            ASSERT_TRUE(user.seesBox(question));
             user.tap(u"Yes"_s);
-            expectBox(user, fileProblem);
-        }
-        ASSERT_TRUE(user.seesCaption(u"All Categories"_s));
-        go(user, 1);
-        hand(user, u"Export Channel"_s, u"Moon"_s, QString(50, u'c'), fileProblem);
-        user.press(Qt::Key_Escape);
-        ASSERT_TRUE(user.seesCaption(u"Science"_s));
-    });
-    EXPECT_EQ(home.content(u"News.opml"_s), "old");
-    EXPECT_EQ(home.files().size(), 1);
+        };
+    };
+    const Hand rename = [](User &user) {
+        user.press(Qt::Key_F2);
+        ASSERT_TRUE(user.seesEditor(u"News"_s));
+        user.type(u"Sport"_s);
+        user.press(Qt::Key_Return);
+    };
+    const Hand add = [](User &user) {
+        user.choose({u"New Channel"_s});
+        ASSERT_TRUE(user.sees([&] { return user.stack().top()->findChild<QLineEdit *>(); }));
+        user.type(u"127.0.0.2/feed.xml"_s);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesControls({u"News [Science] Travel"_s}));
+        user.tap(u"Finish"_s);
+    };
+    struct Fault {
+        QByteArray begin;
+        QByteArray end;
+    };
+    const auto lost = [](const QByteArray &table) {
+        return Fault{"ALTER TABLE " + table + " RENAME TO Gone",
+                     "ALTER TABLE Gone RENAME TO " + table};
+    };
+    const auto refused = [](const QByteArray &change) {
+        return Fault{"CREATE TRIGGER no BEFORE " + change +
+                         " ON RSSCHRecord BEGIN SELECT RAISE(ABORT, 'no'); END",
+                     "DROP TRIGGER no"};
+    };
+    const Fault none{"SELECT 1", "SELECT 1"}; // no such folder, or no program
+    const struct {
+        const char *what;
+        int screen;
+        Fault fault;
+        Hand act;
+        QString told = databaseProblem;
+        quint32 code = DatabaseFailed;
+    } cases[]{
+        {"channels", 1, lost("RSSCHRecord"), pressing(Qt::Key_Right)},
+        {"properties", 1, lost("RSSCHRecord"), choosing({u"Properties"_s})},
+        {"articles", 2, lost("RSSRecord"), pressing(Qt::Key_Right)},
+        {"a page", 2, lost("RSSRecord"), pressing(Qt::Key_Return)},
+        {"a deleted channel", 1, refused("DELETE"), deleting(deleteChannel)},
+        {"a new channel", 1, refused("INSERT"), add},
+        {"an export", 1, none, saving(u"Export Channel"_s), fileProblem, FileNotWritten},
+        {"saving", 3, none, saving(u"Save Link"_s), fileProblem, FileNotWritten},
+        {"sending", 3, none, choosing({u"Send Link via SMS"_s}), unidentified, NothingKnown},
+        {"a new name", 0, refused("UPDATE"), rename},
+        {"a deleted category", 0, refused("DELETE"), deleting(deleteCategory)},
+    };
+    FakeOpener opener;
+    opener.refuse();
+    const auto other = SqliteDatabase::open(device.root.filePath(u"\\RSSVault.sdf"), {});
+    for (const auto &failing : cases) {
+        SCOPED_TRACE(failing.what);
+        run([&](User &user) {
+            go(user, failing.screen);
+            SetLastErrorCode(*device.registry, FeedNotDownloaded); // of long ago
+            other->run(failing.fault.begin);
+            failing.act(user);
+            expectBox(user, failing.told);
+            EXPECT_EQ(device.lastErrorCode(), failing.code);
+            other->run(failing.fault.end);
+        });
+        QStringList categories = storedCategories(device.root);
+        categories.sort();
+        EXPECT_EQ(categories, seeded);
+        EXPECT_EQ(device.channelNames(u"Science"_s), QStringList({u"Moon"_s, u"Odd"_s, u"Star"_s}));
+    }
 }
 
 TEST_F(HandingOutTest, AnArticleIsSavedAndSentAsItIsShown) {
@@ -70,7 +175,6 @@ TEST_F(HandingOutTest, AnArticleIsSavedAndSentAsItIsShown) {
     device.addChannel(u"News"_s, u"Wire"_s,
                       QList<TestArticle>{{.title = u"first"_s, .link = u"http://f/"_s},
                                          {.title = u"a/b\nc?"_s, .date = u"2026-01-27"_s}});
-    const QString unidentified = u"Encountering Unidentified Problem"_s;
     const QString proposal = u"a b c?"_s;
     run([&](User &user) {
         go(user, 1, 0);

@@ -1,7 +1,5 @@
 #include "ui/sharing_test.h"
 
-#include "update/auto_list.h"
-
 namespace tidebrook {
 namespace {
 
@@ -21,13 +19,6 @@ protected:
             user.seesControls({u"Odd"_s, link, u"News [Science] Travel"_s,
                                (isAutoUpdated ? u"x "_s : u"- "_s) + u"Auto update this channel"}));
         user.press(Qt::Key_A, Qt::ControlModifier);
-    }
-    /// The lines of the list of automatic updates.
-    QStringList automatic() {
-        QStringList lines;
-        for (const RefreshJob &job : autoUpdatedChannels(device.root).value_or(QList<RefreshJob>()))
-            lines.append(job.channelName + u' ' + job.url + u' ' + job.category);
-        return lines;
     }
 };
 
@@ -111,9 +102,9 @@ class EachChange : public PropertiesTest, public testing::WithParamInterface<Cha
 TEST_P(EachChange, IsMadeAndNothingElse) {
     const Change &change = GetParam();
     SCOPED_TRACE(change.what);
-    isAutoUpdated(device.root, u"Odd"_s);
+    isAutoUpdated(device.root, u"Odd"_s); // which makes the list
     if (change.isAutoUpdated)
-        setAutoUpdate(device.root, *device.store, {link, u"Odd"_s, u"Science"_s}, true);
+        updateByItself(u"Odd"_s, u"Science"_s);
     QStringList news{planet};
     QStringList science{moon, star};
     (change.news.isNull() ? science : news).append(change.news + change.science);
@@ -140,7 +131,6 @@ INSTANTIATE_TEST_SUITE_P(Properties, EachChange, testing::ValuesIn(changes));
 TEST_F(PropertiesTest, WhatIsOnlyShownStaysAsItIs) {
     const QString name(50, u'n');
     const QString address = u"http://example.org/"_s + QString(493, u'l');
-    run([](User &) {});
     device.store->InsertChannel({u"Sciences"_s, name, address});
     CategoryListStore categories(*device.registry);
     categories.DeleteCategory(u"Science"_s);
@@ -181,6 +171,21 @@ TEST_F(PropertiesTest, ACancelledDialogAndAChangeThatFailsLeaveTheChannel) {
         ASSERT_TRUE(user.seesLines(scienceLines));
     });
     EXPECT_EQ(channels(u"Science"_s), QStringList({moon, odd, star}));
+}
+
+TEST_F(PropertiesTest, ACategoryThatHasGoneMeanwhileIsListedAgain) {
+    runInScience([&](User &user) {
+        open(user);
+        device.store->DeleteChannel(u"Planet"_s);
+        CategoryListStore(*device.registry).DeleteCategory(u"News"_s);
+        user.press(Qt::Key_Tab);
+        user.press(Qt::Key_Tab);
+        user.press(Qt::Key_Up);
+        user.tap(u"Done"_s);
+        EXPECT_TRUE(user.seesRows({u"Moon"_s, u"Star"_s}) && user.seesQuiet());
+    });
+    EXPECT_EQ(channels(u"News"_s), QStringList(odd));
+    EXPECT_TRUE(storedCategories(device.root).contains(u"News"_s));
 }
 
 } // namespace

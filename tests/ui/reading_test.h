@@ -1,8 +1,11 @@
 #pragma once
 
+#include "store/seeding.h"
+#include "store/store_check.h"
 #include "support/test_device.h"
 #include "ui/kit/list_view.h"
 #include "ui/session.h"
+#include "update/auto_list.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +26,8 @@ class ReadingTest : public testing::Test {
 protected:
     ReadingTest() {
         EXPECT_TRUE(device.store->Open());
+        SettingsStore(*device.registry).setDword(programKey, u"CategoryNumber", 0);
+        seedCategories(device.root, *device.registry);
         device.addChannel(u"Science"_s, u"Moon"_s, {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s});
         device.store->MarkArticleRead(u"Moon"_s, u"a"_s);
         device.store->MarkArticleRead(u"Moon"_s, u"c"_s);
@@ -56,6 +61,19 @@ protected:
     }
     quint32 setting(QStringView name, QStringView key = programKey) {
         return SettingsStore(*device.registry).dword(key, name);
+    }
+    /// Puts a channel into the list of automatic updates.
+    void updateByItself(const QString &channel, const QString &category,
+                        const QString &link = u"http://example.org/feed"_s) {
+        isAutoUpdated(device.root, channel); // which makes the list
+        setAutoUpdate(device.root, *device.store, {link, channel, category}, true);
+    }
+    /// The lines of that list.
+    QStringList automatic() {
+        QStringList lines;
+        for (const RefreshJob &job : autoUpdatedChannels(device.root).value_or(QList<RefreshJob>()))
+            lines.append(job.channelName + u' ' + job.url + u' ' + job.category);
+        return lines;
     }
 
     TestDevice device{u"Planet\thttp://example.org/a\tNews\n"

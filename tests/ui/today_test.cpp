@@ -2,125 +2,149 @@
 #include "app/instance.h"
 #include "platform/named_event.h"
 #include "platform/service.h"
-#include "support/test_device.h"
-#include "ui/kit/list_view.h"
-#include "ui/session.h"
+#include "ui/kit/layer.h"
+#include "ui/reading_test.h"
 
 #include <QApplication>
 
-#include <gtest/gtest.h>
-
-#include <optional>
+#include <semaphore>
 #include <thread>
 
 namespace tidebrook {
 namespace {
 
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
+class TodayTest : public ReadingTest {
+protected:
+    TodayTest() { device.addChannel(u"Travel"_s, u"Sun"_s, {u"a"_s, u"b"_s, u"c"_s}); }
 
-void enter(User &user, int lists) {
-    for (int i = 0; i < lists; ++i) {
-        user.press(Qt::Key_Down); // the second of three
-        user.press(Qt::Key_Return);
-        ASSERT_TRUE(user.sees([&user, i] {
-            return i == 2 ? user.list() == nullptr : user.list() && user.list()->rowCount() == 3;
-        }));
-        ASSERT_TRUE(user.seesQuiet());
+    void tapHeadline(NamedEvent &tapped, const QString &channel, const QString &title) {
+        device.registry->write(testTodayKey, u"CATEGORY", u"Travel"_s);
+        device.registry->write(testTodayKey, u"CHANNEL", channel);
+        device.registry->write(testTodayKey, u"TITLE", title);
+        tapped.set();
     }
-}
-
-Hand inLists(int lists) {
-    return [lists](User &user) { enter(user, lists); };
-}
-Hand choosing(int lists, const QString &entry) {
-    return [lists, entry](User &user) {
-        enter(user, lists);
-        user.choose({entry});
-    };
-}
-void doNothing(User &) {}
-
-/// Where the user has the reader, and how what lies above its screens goes then.
-struct Place {
-    const char *what;
-    Hand go;
-    Hand leave = doNothing;
+    static void goBack(User &user) {
+        for (int back = 0; back < 3; ++back) { // and stays in the first list
+            user.press(Qt::Key_Escape);
+            ASSERT_TRUE(user.seesQuiet());
+        }
+        ASSERT_TRUE(user.seesCaption(u"All Categories"_s)) << "nothing leads there again";
+        user.press(Qt::Key_Home);
+    }
+    static Hand going(int screen, const Hand &further) {
+        return [=](User &user) {
+            go(user, screen);
+            further(user);
+        };
+    }
 };
 
-TEST(TodayTest, AStartThatBringsTheReaderForwardLeadsToTheTappedHeadlineWhereverTheUserIs) {
-    const std::vector<Place> places{
-        {"categories", doNothing},
-        {"channels", inLists(1)},
-        {"articles", inLists(2)},
-        {"an article", inLists(3)},
-        {"a name being typed", pressing(Qt::Key_F2)},
-        {"a question", pressing(Qt::Key_Delete), pressing(Qt::Key_Escape)},
-        {"a warning over an article", choosing(3, u"Send Link via SMS"_s),
-         pressing(Qt::Key_Return)},
-        {"settings", choosing(0, u"Setting"_s), pressing(Qt::Key_Escape)},
-        {"the wizard", choosing(1, u"New Channel"_s), pressing(Qt::Key_Escape)},
-        {"properties", choosing(1, u"Properties"_s), pressing(Qt::Key_Escape)},
-        {"a file dialog", choosing(3, u"Save Link"_s), pressing(Qt::Key_Escape)},
-        {"help", pressing(Qt::Key_F1), pressing(Qt::Key_Escape)},
-        {"a window that is hidden", [](User &user) { user.act([&] { user.stack().hide(); }); }},
-        {"a window that is minimised",
-         [](User &user) {
-             enter(user, 1);
-             user.act([&] { user.stack().setWindowState(Qt::WindowMinimized); });
-         }},
+TEST_F(TodayTest, AStartThatBringsTheReaderForwardLeadsToTheTappedHeadlineWhereverTheUserIs) {
+    const Hand nothing = [](User &) {};
+    const Hand leave = pressing(Qt::Key_Escape);
+    const Hand hide = [](User &user) { user.act([&] { user.stack().hide(); }); };
+    const Hand minimise = [](User &user) {
+        user.act([&] { user.stack().setWindowState(Qt::WindowMinimized); });
     };
-    for (const Place &place : places) {
+    const struct {
+        const char *what;
+        int screen;
+        Hand go;
+        Hand leave = {};
+    } places[]{
+        {"categories", 0, nothing},
+        {"channels", 1, nothing},
+        {"articles", 2, nothing},
+        {"an article", 3, nothing},
+        {"a name being typed", 0, pressing(Qt::Key_F2)},
+        {"a question", 0, pressing(Qt::Key_Delete), leave},
+        {"a warning over an article", 3, choosing({u"Send Link via SMS"_s}), leave},
+        {"settings", 0, choosing({u"Setting"_s}), leave},
+        {"the wizard", 1, choosing({u"New Channel"_s}), leave},
+        {"properties", 1, choosing({u"Properties"_s}), leave},
+        {"a file dialog", 3, choosing({u"Save Link"_s}), leave},
+        {"help", 0, pressing(Qt::Key_F1), leave},
+        {"a window that is hidden", 0, hide},
+        {"a window that is minimised", 1, minimise},
+    };
+    SingleInstance single(device.root);
+    single.claim(10s);
+    DeviceOpening opening(device.root);
+    Instance instance(opening, single);
+    ScreenStack *window = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        window = window != nullptr ? window : qobject_cast<ScreenStack *>(widget);
+    User user(*window);
+    const auto visit = [&](const auto &place) {
         SCOPED_TRACE(place.what);
-        TestDevice device(u"Arts 3\thttp://example.org\tArts\n"
-                          u"Books 3\thttp://example.org\tBooks\n"
-                          u"Chess 3\thttp://example.org\tChess\n"_s);
-        ASSERT_TRUE(device.store->Open());
-        for (const QString &category : {u"Arts"_s, u"Books"_s, u"Chess"_s}) {
-            for (const QString &channel : {u" 1"_s, u" 2"_s})
-                device.addChannel(category, category + channel, {u"a"_s, u"b"_s, u"c"_s});
+        going(place.screen, place.go)(user);
+        ASSERT_TRUE(user.seesQuiet());
+        {
+            NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
+            tapHeadline(tapped, u"Sun"_s, u"b"_s);
+            EXPECT_EQ(SingleInstance(device.root).claim(10s),
+                      SingleInstance::Claim::BroughtForward);
+            EXPECT_TRUE(
+                user.sees([&] { return user.stack().isVisible() && !user.stack().isMinimized(); }));
+            EXPECT_TRUE(user.seesQuiet());
+        } // who has told the tap is gone
+        if (place.leave)
+            place.leave(user);
+        EXPECT_TRUE(user.seesPage(u"Sun"_s) && user.seesQuiet());
+        goBack(user);
+    };
+    std::thread hands([&] {
+        EXPECT_TRUE(user.seesRows(seeded) && user.seesQuiet());
+        for (const auto &place : places) {
+            if (!HasFatalFailure())
+                visit(place);
         }
-        SingleInstance single(device.root);
-        single.claim(10s);
-        DeviceOpening opening(device.root);
-        Instance instance(opening, single);
-        ScreenStack *window = nullptr;
-        for (QWidget *widget : QApplication::topLevelWidgets())
-            window = window != nullptr ? window : qobject_cast<ScreenStack *>(widget);
-        User user(*window);
-        std::thread hands([&] {
-            [&] {
-                ASSERT_TRUE(user.seesRows({u"Arts"_s, u"Books"_s, u"Chess"_s}));
-                place.go(user);
+        user.closeWindow();
+    });
+    EXPECT_TRUE(instance.InitInstance());
+    hands.join();
+    EXPECT_TRUE(stopService(device.root, 10s));
+    EXPECT_EQ(device.counts(u"Travel"_s, u"Sun"_s), u"2/3");
+}
+
+TEST_F(TodayTest, AHeadlineThatHasGoneEndsInAListAndOneThatIsToldLateWaitsForWhatIsOpen) {
+    NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
+    tapHeadline(tapped, u"Gone"_s, u"b"_s);
+    session = std::make_unique<Session>(device.root); // tapped before the reader was started
+    EXPECT_TRUE(session->run([&](User &user) {
+        const auto leave = [&user] {
+            ASSERT_TRUE(user.seesCaption(u"Travel"_s) && user.seesQuiet());
+            goBack(user);
+        };
+        leave();
+        user.leaveAndReturn();
+        EXPECT_TRUE(user.seesQuiet() && user.seesCaption(u"All Categories"_s));
+        std::binary_semaphore gate(0);
+        for (const int key : {Qt::Key_Delete, Qt::Key_Return}) {
+            user.look([&] { session->state().settings.tell([&gate] { gate.acquire(); }); });
+            tapHeadline(tapped, u"Gone"_s, u"b"_s);
+            user.leaveAndReturn();
+            user.press(key);
+            const bool isQuestion = key == Qt::Key_Delete;
+            EXPECT_TRUE(isQuestion ? user.seesBox(deleteCategory) : user.seesCaption(u"News"_s));
+            gate.release();
+            if (isQuestion) {
                 ASSERT_TRUE(user.seesQuiet());
-                for (const auto &[name, text] : {std::pair(u"CATEGORY", u"Chess"_s),
-                                                 {u"CHANNEL", u"Chess 2"_s},
-                                                 {u"TITLE", u"c"_s}})
-                    device.registry->write(testTodayKey, name, text);
-                {
-                    NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
-                    tapped.set();
-                    EXPECT_EQ(SingleInstance(device.root).claim(10s),
-                              SingleInstance::Claim::BroughtForward);
-                    EXPECT_TRUE(user.sees(
-                        [&] { return user.stack().isVisible() && !user.stack().isMinimized(); }));
-                    EXPECT_TRUE(user.seesQuiet());
-                } // who has told the tap is gone
-                place.leave(user);
-                EXPECT_TRUE(user.seesPage(u"Chess 2"_s));
-                EXPECT_TRUE(user.seesQuiet());
-                for (int back = 0; back < 3; ++back) {
-                    user.press(Qt::Key_Escape);
-                    EXPECT_TRUE(user.seesQuiet());
-                }
-                EXPECT_TRUE(user.seesCaption(u"All Categories"_s)) << "it leads there once";
-            }();
-            user.closeWindow();
-        });
-        EXPECT_TRUE(instance.InitInstance());
-        hands.join();
-        EXPECT_TRUE(stopService(device.root, 10s));
-    }
+                user.tap(u"No"_s);
+            }
+            leave(); // it also leads there from what was chosen meanwhile
+        }
+        for (int i = 0; i < 8; ++i) {
+            SCOPED_TRACE(i);
+            go(user, i % 4);
+            tapHeadline(tapped, i < 4 ? u"Sun"_s : u"Gone"_s, i < 4 ? u"Gone"_s : u"b"_s);
+            user.leaveAndReturn();
+            ASSERT_TRUE(user.seesQuiet() && user.seesNoBox());
+            EXPECT_TRUE(user.sees([&user] { return user.list() != nullptr; }));
+            goBack(user);
+        }
+    }));
+    EXPECT_EQ(device.counts(u"Travel"_s, u"Sun"_s), u"3/3");
 }
 
 } // namespace

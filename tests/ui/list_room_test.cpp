@@ -1,0 +1,115 @@
+#include "ui/kit/layer.h"
+#include "ui/reading_test.h"
+
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QScrollBar>
+#include <QStyle>
+
+namespace {
+
+QRect inputPanel; // on the screen; empty while it is down
+
+} // namespace
+
+// No desktop is here that has an input panel: these stand for the ones that Qt asks it through.
+bool QInputMethod::isVisible() const { return !inputPanel.isEmpty(); }
+QRectF QInputMethod::keyboardRectangle() const { return inputPanel; }
+
+namespace tidebrook {
+namespace {
+
+class ListRoomTest : public ReadingTest {
+protected:
+    void addCategories(const QString &name, int first, int end) {
+        for (int i = first; i < end; ++i)
+            CategoryListStore(*device.registry).AddCategory(name.arg(i));
+    }
+};
+
+TEST_F(ListRoomTest, RowsMakeRoomForTheScrollBarWhereThereIsOne) {
+    for (const auto &[screen, most] : {std::pair(QSize(300, 300), 4), std::pair(QSize(320, 240), 4),
+                                       std::pair(QSize(240, 320), 6)}) {
+        SCOPED_TRACE(screen.width());
+        addCategories(u"W%1 "_s.arg(screen.width()) + u"%1",
+                      static_cast<int>(storedCategories(device.root).size()), most + 1);
+        const auto use = [rows = most](User &user) {
+            const auto isRight = [&](int count, bool hasScrollBar) {
+                return user.sees([&user, count, hasScrollBar] {
+                    const ListView *list = user.list();
+                    if (list == nullptr)
+                        return false; // a box lies over it
+                    const int bar =
+                        list->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, list);
+                    return list->rowCount() == count &&
+                           list->columnWidth() ==
+                               user.stack().width() - 2 - (hasScrollBar ? bar : 0) &&
+                           list->verticalScrollBar()->isVisible() == hasScrollBar;
+                });
+            };
+            EXPECT_TRUE(isRight(rows + 1, true));
+            user.press(Qt::Key_Delete);
+            ASSERT_TRUE(user.seesBox(deleteCategory));
+            user.tap(u"Yes"_s);
+            EXPECT_TRUE(isRight(rows, false));
+            user.resize({user.stack().height(), user.stack().width()});
+            EXPECT_TRUE(isRight(rows, rows == 6));
+        };
+        run(use, screen);
+    }
+}
+
+TEST_F(ListRoomTest, ScrollsAndKeepsWhatIsSelectedInSight) {
+    addCategories(u"C%1"_s, 0, 60);
+    run([](User &user) {
+        const auto isSelectedInSight = [&user] {
+            const ListView *list = user.list();
+            return list->viewport()->rect().contains(list->visualRect(list->currentIndex()));
+        };
+        int before = 0;
+        const auto seesScrolled = [&] {
+            const auto place = [&user] { return user.list()->verticalScrollBar()->value(); };
+            const bool isScrolled = user.sees([&] { return place() > before; });
+            user.look([&] { before = place(); });
+            return isScrolled;
+        };
+        user.turnWheel(1);
+        EXPECT_TRUE(seesScrolled());
+        user.touchRow(4, -120);
+        EXPECT_TRUE(seesScrolled() && user.seesCaption(u"All Categories"_s));
+
+        // The input panel comes over the last row in sight, and goes.
+        const auto bottom = [&user] {
+            return user.list()->mapTo(&user.stack(), user.list()->rect().bottomLeft()).y();
+        };
+        int lowest = 0;
+        user.look([&] {
+            lowest = bottom();
+            const QPoint corner = user.list()->viewport()->rect().bottomLeft();
+            user.list()->selectRow(user.list()->indexAt(corner).row() - 1);
+            EXPECT_TRUE(isSelectedInSight());
+        });
+        const auto set = [&user](const QRect &place) {
+            user.act([place] {
+                inputPanel = place;
+                Q_EMIT QGuiApplication::inputMethod()->visibleChanged();
+            });
+        };
+        set({0, 180, 240, 140});
+        EXPECT_TRUE(user.sees([&] { return bottom() == 179 && isSelectedInSight(); }));
+        set({});
+        EXPECT_TRUE(user.sees([&] { return bottom() == lowest; }));
+
+        user.press(Qt::Key_End);
+        for (const QSize &turned : {QSize(320, 240), QSize(240, 320)}) {
+            user.resize(turned);
+            EXPECT_TRUE(user.sees(
+                [&] { return user.stack().top()->size() == turned && isSelectedInSight(); }));
+        }
+        user.press(Qt::Key_Return);
+        EXPECT_TRUE(user.seesCaption(u"C59"_s));
+    });
+}
+
+} // namespace
+} // namespace tidebrook
