@@ -118,9 +118,7 @@ protected:
                 return holder() == reader.id() && reader.heedsSignals() && hasDatabase() &&
                        runningService(root_);
             },
-            patience))
-            << "held by " << holder().value_or(0) << ", service "
-            << runningService(root_).value_or(0);
+            patience));
     }
 
     void expectRequest() const {

@@ -1,5 +1,4 @@
 #include "app/base/update_jobs.h"
-#include "platform/pause.h"
 #include "platform/process_lock.h"
 #include "platform/service.h"
 #include "platform/wait_any.h"
@@ -109,15 +108,6 @@ protected:
             QTest::mouseMove(&widget_);
         }
     }
-    /// Waits for an update's end, and has the user act as the downloader's script says.
-    void awaitEnd(const Downloader *downloader = nullptr) {
-        const auto isOver = [&] {
-            act(downloader != nullptr && jobs_.isUpdating() ? downloader->last() : '\0');
-            return !jobs_.isUpdating();
-        };
-        ASSERT_TRUE(QTest::qWaitFor(isOver, patience));
-    }
-
     TestDevice device_;
     DeviceParts parts_{device_.root};
     const std::unique_ptr<QPointingDevice> finger_{QTest::createTouchDevice()};
@@ -162,33 +152,17 @@ TEST_F(UpdateJobsTest, WhatComesOfAnUpdateIsTold) {
                         ? jobs_.startUpdateCategory(expected.category)
                         : jobs_.startUpdateChannel(expected.category, expected.channel));
         EXPECT_FALSE(jobs_.startUpdateChannel(u"C"_s, u"a"_s)) << "one at a time";
-        awaitEnd(&downloader);
+        const auto isOver = [&] {
+            act(jobs_.isUpdating() ? downloader.last() : '\0');
+            return !jobs_.isUpdating();
+        };
+        ASSERT_TRUE(QTest::qWaitFor(isOver, patience));
         EXPECT_EQ(seen_, expected.seen);
         EXPECT_EQ(parts_.settings.dword(programKey, u"ERRORNO"), expected.errorCode);
         EXPECT_EQ(downloader.requested(), expected.requested);
     }
     const NoThreads noThreads;
     EXPECT_FALSE(jobs_.startUpdateCategory(u"C"_s) || jobs_.isUpdating());
-}
-
-TEST_F(UpdateJobsTest, TheEndStopsAWaitOrAPauseAndTellsNothingMore) {
-    for (const char stage : {'n', '\0'}) { // the request is made, or paused before
-        UpdateJobs jobs(parts_);
-        Downloader downloader(parts_, "n");
-        int told = 0;
-        jobs.connect(&jobs, &UpdateJobs::stepped, [&] { ++told; });
-        jobs.connect(&jobs, &UpdateJobs::failed, [&] { ++told; });
-        jobs.setAnswerTimeout(1h);
-        setPauseScale(stage == 'n' ? 0 : 180'000); // percent of two seconds
-        ASSERT_TRUE(jobs.startUpdateCategory(u"C"_s));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return told && downloader.last() == stage; }, patience));
-        jobs.finish(); // or this test does not end
-        setPauseScale(0);
-        QCoreApplication::processEvents();
-        EXPECT_EQ(told, 1);
-        EXPECT_FALSE(jobs.isUpdating() || jobs.startUpdateCategory(u"C"_s));
-        EXPECT_EQ(downloader.requested().isEmpty(), stage != 'n');
-    }
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <numeric>
-#include <semaphore>
 
 namespace tidebrook {
 namespace {
@@ -17,58 +16,37 @@ using namespace std::chrono_literals;
 
 constexpr int patience = 20'000; // ms
 
-/// Somebody who has numbers worked out, and is told them.
-struct Asker {
-    bool ask(WorkQueue &queue, int number) {
-        return queue.ask(
-            &screen,
-            [this, number] {
-                done.push_back(number);
-                return number;
-            },
-            [this](int result) { told.push_back(result); });
-    }
-
-    std::vector<int> done; // by the queue's thread
-    std::vector<int> told;
-    QObject screen;
-};
-
 TEST(WorkQueueTest, DoesAllInOrderAndTellsWhoIsStillThere) {
-    Asker asker;
     WorkQueue queue;
+    QObject screen;
     auto gone = std::make_unique<QObject>();
-    bool isDone = false;
-    ASSERT_TRUE(queue.ask(
-        gone.get(), [&] { return isDone = true; }, [](bool) { FAIL(); }));
-    gone.reset();
     std::vector<int> expected(100);
     std::iota(expected.begin(), expected.end(), 0);
-    for (const int number : expected)
-        ASSERT_TRUE(asker.ask(queue, number));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return asker.told.size() == expected.size(); }, patience));
-    EXPECT_TRUE(isDone);
-    EXPECT_EQ(asker.done, expected);
-    EXPECT_EQ(asker.told, expected);
-}
-
-TEST(WorkQueueTest, TheEndWaitsForWhatWasGivenAndTellsNoMore) {
-    Asker asker;
-    WorkQueue queue;
+    std::vector<int> done; // by the queue's thread
+    std::vector<int> told;
+    const auto ask = [&](QObject &receiver, int number) {
+        return queue.ask(
+            &receiver, [&done, number] { return done.emplace_back(number); },
+            [&told](int result) { told.push_back(result); });
+    };
     {
         const NoThreads noThreads;
-        EXPECT_FALSE(asker.ask(queue, 0)) << "there is no thread, which the next may have";
+        EXPECT_FALSE(ask(screen, 0)) << "there is no thread, which the next may have";
     }
-    std::binary_semaphore gate(0);
-    queue.tell([&gate] { gate.acquire(); });
-    for (const int number : {1, 2, 3})
-        asker.ask(queue, number);
-    gate.release();
+    ASSERT_TRUE(ask(*gone, -1));
+    gone.reset();
+    for (const int number : expected)
+        ASSERT_TRUE(ask(screen, number));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == expected.size(); }, patience));
+    EXPECT_EQ(told, expected);
+    ASSERT_TRUE(ask(screen, 100));
     queue.finish();
-    EXPECT_EQ(asker.done, std::vector<int>({1, 2, 3}));
-    EXPECT_FALSE(asker.ask(queue, 4));
+    EXPECT_FALSE(ask(screen, 101));
     QCoreApplication::processEvents();
-    EXPECT_EQ(asker.told, std::vector<int>());
+    EXPECT_EQ(told, expected) << "the end waits for what was given, and tells no more";
+    expected.insert(expected.begin(), -1);
+    expected.push_back(100);
+    EXPECT_EQ(done, expected);
 }
 
 int waitForStop(const StopSignal &stop) { return stop.wait(20s) ? 1 : 2; }
