@@ -13,6 +13,8 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <mutex>
+#include <optional>
 
 namespace tidebrook {
 
@@ -56,7 +58,8 @@ private:
 
     const DeviceRoot device_ = DeviceRoot::standard();
     QtMessageHandler handler_ = nullptr;
-    QByteArray said_; // by Qt, before the display was there
+    std::mutex mutex_; // guards this: a plugin may have threads
+    QByteArray said_;  // by Qt, before the display was there
 };
 
 bool Start::claim() {
@@ -79,6 +82,7 @@ void Start::makeApplication(std::optional<QApplication> &application, int &argc,
 void Start::take(QtMsgType type, const QMessageLogContext &context, const QString &text) {
     if (type == QtFatalMsg)
         ::_exit(0);
+    const std::lock_guard guard(current->mutex_);
     current->said_ += qFormatLogMessage(type, context, text).toLocal8Bit() + '\n';
 }
 
@@ -88,7 +92,10 @@ void Start::go() {
     if (QGuiApplication::screens().isEmpty())
         ::_exit(0);
     qInstallMessageHandler(current->handler_);
-    std::fputs(current->said_.constData(), stderr);
+    {
+        const std::lock_guard guard(current->mutex_);
+        std::fputs(current->said_.constData(), stderr);
+    }
     makeDevice(current->device_);
     if (current->claim())
         current->opening.emplace(current->device_);
