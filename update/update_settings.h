@@ -33,8 +33,8 @@ struct AutoUpdatePageValues {
 /// missing, and counts as not read then.
 TodayPageValues readTodayPage(SettingsStore &settings, QStringView todayKey);
 
-/// Stores and flushes both (nothing chosen as -1), and tells the Today item when "Enabled" was stored. False
-/// when not everything could be.
+/// Stores and flushes both (nothing chosen as -1), and tells the Today item when "Enabled" was
+/// stored. False when not everything could be.
 bool saveTodayPage(const DeviceRoot &device, SettingsStore &settings, QStringView todayKey,
                    const TodayPageValues &values);
 
