@@ -1,5 +1,7 @@
 #include "ui/article_list_screen.h"
 
+#include "app/base/data_jobs.h"
+#include "app/base/messages.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "store/escape_sql.h"
@@ -131,14 +133,19 @@ void ArticleListScreen::sortBy(SortMode mode) {
     refreshSoon();
 }
 
-// What comes of it the list shows.
 void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel)) {
-    const auto work = [&store = *state().device.store, channel = name(), mark] {
-        (store.*mark)(channel);
-        return store.PublishTotalUnread();
+    const auto work = [&device = state().device, channel = name(), mark] {
+        const bool isStored = (*device.store.*mark)(channel);
+        device.store->PublishTotalUnread();
+        return isStored ? 0 : recordProblem(device, databaseProblemString);
     };
-    if (!state().changes.ask(&dialog(), work, [this](bool) { refreshSoon(); }))
+    const auto end = [this](int messageId) {
         refreshSoon();
+        if (messageId != 0)
+            ShowError(state(), messageId);
+    };
+    if (!state().changes.ask(&dialog(), work, end))
+        end(databaseProblemString);
 }
 
 void ArticleListScreen::open(int row) {
@@ -171,10 +178,7 @@ void ArticleListScreen::prepareMenu(ScreenMenu &menu) {
 
 void ArticleListScreen::close() {
     if (isModeKnown_) // or else what is stored would be lost
-        state().settings.tell(
-            [&settings = state().device.settings, number = numberOf(state().sortMode)] {
-                settings.setDword(programKey, sortModeValue, number);
-            });
+        storeSetting(state(), sortModeValue, numberOf(state().sortMode));
     leave();
 }
 

@@ -111,29 +111,17 @@ void CategoryListScreen::refresh() {
     if (!list_->isEditingLabel())
         list_->setFocus();
     state_.changes.ask(
-        dialog_,
-        [&device = state_.device] {
-            auto names = device.categoryStore.listedCategories();
-            if (!names)
-                recordProblem(device, fileProblemString);
-            return names;
-        },
+        dialog_, [&device = state_.device] { return listedCategories(device); },
         [this](const std::optional<QStringList> &names) {
             const bool isTold = std::exchange(isTold_, false);
             if (names)
                 showCategories(*names);
-            else
-                showUnread(isTold);
+            else if (!isTold)
+                ShowError(state_, fileProblemString);
+            isUnread_ = !names; // behind the box, whose end brings the user back to the screen
             if (state_.tap)
                 dialog_->post(CommandOpenChannels);
         });
-}
-
-// It may be had again later, when the user comes back to the screen.
-void CategoryListScreen::showUnread(bool isTold) {
-    if (!isTold)
-        ShowError(state_, fileProblemString);
-    isUnread_ = true;
 }
 
 void CategoryListScreen::showCategories(const QStringList &names) {
@@ -237,8 +225,7 @@ void CategoryListScreen::endLabelEdit(int row, const QString &text) {
     list_->setRowText(row, name);
     const JobEnd end = counted([this](int messageId) {
         isRefreshOwed_ = true;
-        if (messageId != 0)
-            tellFailedChange(messageId);
+        tellFailedChange(messageId);
     });
     if (!startRenameCategory(state_, dialog_, name, old, end))
         end(fileProblemString);
@@ -258,18 +245,15 @@ void CategoryListScreen::deleteCategory() {
     list_->removeRow(asked);
     list_->selectRow(asked);
     setColumnWidth();
-    const JobEnd end = counted([this](int messageId) {
-        if (messageId != 0)
-            tellFailedChange(messageId);
-    });
+    const JobEnd end = counted([this](int messageId) { tellFailedChange(messageId); });
     if (!startDeleteCategory(state_, dialog_, name, end))
         end(fileProblemString);
 }
 
 // Once the change is counted as over; the list then shows again what is stored.
 void CategoryListScreen::tellFailedChange(int messageId) {
-    isRefreshOwed_ = true;
-    owedMessage_ = messageId;
+    isRefreshOwed_ = isRefreshOwed_ || messageId != 0;
+    owedMessage_ = messageId != 0 ? messageId : owedMessage_;
 }
 
 void CategoryListScreen::takeKey(int key, bool &isTaken) {
@@ -278,7 +262,7 @@ void CategoryListScreen::takeKey(int key, bool &isTaken) {
     isTaken = true;
     state_.currentCategory = SelectedRow(list_);
     if (!warnWithoutSelection())
-        openCategory(SelectedRow(list_));
+        openChannels();
 }
 
 void CategoryListScreen::takeTap(int row) {
@@ -286,12 +270,7 @@ void CategoryListScreen::takeTap(int row) {
     if (row < 0)
         list_->selectRow(0);
     else
-        openCategory(row);
-}
-
-void CategoryListScreen::openCategory(int row) {
-    state_.currentCategory = row;
-    openChannels();
+        openChannels();
 }
 
 void CategoryListScreen::openChannels() {

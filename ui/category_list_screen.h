@@ -28,7 +28,6 @@ public:
 
 private:
     void refresh();
-    void showUnread(bool isTold);
     void showCategories(const QStringList &names);
     void setColumnWidth();
     bool warnWithoutSelection();
@@ -43,7 +42,6 @@ private:
     void deleteCategory();
     void takeKey(int key, bool &isTaken);
     void takeTap(int row);
-    void openCategory(int row);
     void openChannels();
     void tellFailedChange(int messageId);
     void openTapped();
@@ -54,7 +52,7 @@ private:
     int changes_ = 0;            // asked for, and not stored yet
     bool isRefreshOwed_ = false; // rows could not be shown when they came
     int owedMessage_ = 0;        // of a failure that could not be told when it came
-    bool isUnread_ = false;      // the list could not be read
+    bool isUnread_ = false;      // the list could not be read; it may be when the user comes back
     bool isTold_ = false;        // of a failure, until the list is refreshed
 };
 

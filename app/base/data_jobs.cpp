@@ -1,11 +1,13 @@
 #include "app/base/data_jobs.h"
 
+#include "app/base/messages.h"
 #include "platform/file_lock.h"
 #include "platform/text.h"
 #include "res/strings.h"
 #include "store/category_changes.h"
 #include "store/error_codes.h"
 #include "store/escape_sql.h"
+#include "ui/kit/screen_stack.h"
 #include "update/channel_changes.h"
 
 #include <mutex>
@@ -196,6 +198,27 @@ bool startDeleteChannel(AppState &state, QObject *receiver, const QString &chann
 bool ChannelExistsJob(DeviceParts &device, const QString &name, const QString &category) {
     QString owner;
     return device.store->FindCategory(name, owner) && owner == category;
+}
+
+std::optional<QStringList> listedCategories(DeviceParts &device) {
+    auto names = device.categoryStore.listedCategories();
+    if (!names)
+        recordProblem(device, fileProblemString);
+    return names;
+}
+
+void storeSetting(AppState &state, QStringView name, quint32 value) {
+    state.settings.ask(
+        &state.stack,
+        [&device = state.device, name, value] {
+            const bool isStored = device.settings.RegWriteDword(programKey, name, value) ||
+                                  device.settings.dword(programKey, name) == value;
+            return isStored ? done : recordProblem(device, fileProblemString);
+        },
+        [&state](int messageId) {
+            if (messageId != done)
+                ShowError(state, messageId);
+        });
 }
 
 } // namespace tidebrook

@@ -3,6 +3,7 @@
 #include "app/base/app_state.h"
 
 #include <functional>
+#include <optional>
 
 namespace tidebrook {
 
@@ -54,5 +55,13 @@ bool startDeleteChannel(AppState &state, QObject *receiver, const QString &chann
 
 /// Whether this category has a channel of this name. Waits for the database.
 bool ChannelExistsJob(DeviceParts &device, const QString &name, const QString &category);
+
+/// Reads the list of categories; nothing when it cannot be read, and "ERRORNO" then tells why.
+/// Waits for the registry.
+std::optional<QStringList> listedCategories(DeviceParts &device);
+
+/// Stores a value of the program's settings, soon. The user is told when what is stored then is
+/// another. `name` outlives the program's work.
+void storeSetting(AppState &state, QStringView name, quint32 value);
 
 } // namespace tidebrook

@@ -1,8 +1,7 @@
 #include "app/base/list_font.h"
 
-#include "app/base/messages.h"
+#include "app/base/data_jobs.h"
 #include "res/commands.h"
-#include "res/strings.h"
 #include "ui/kit/list_view.h"
 #include "ui/kit/screen_menu.h"
 #include "ui/kit/screen_stack.h"
@@ -38,16 +37,7 @@ bool chooseFontSize(AppState &state, int command) {
     state.fontSize = fontSizes[static_cast<std::size_t>(command - CommandFontSmall)];
     state.isFontSizeKnown = true;
     applyListFont(state);
-    state.settings.ask(
-        &state.stack,
-        [&device = state.device, size = static_cast<quint32>(state.fontSize)] {
-            const bool isStored = device.settings.RegWriteDword(programKey, fontSizeValue, size);
-            return isStored ? 0 : recordProblem(device, fileProblemString);
-        },
-        [&state](int messageId) {
-            if (messageId != 0)
-                ShowError(state, messageId);
-        });
+    storeSetting(state, fontSizeValue, static_cast<quint32>(state.fontSize));
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "share/dialogs/category_choice.h"
 
+#include "app/base/data_jobs.h"
 #include "app/base/messages.h"
 #include "res/strings.h"
 
@@ -12,13 +13,7 @@ namespace tidebrook {
 void readCategories(AppState &state, QObject *receiver,
                     std::function<void(const QStringList &)> then) {
     state.changes.ask(
-        receiver,
-        [&device = state.device] {
-            auto names = device.categoryStore.listedCategories();
-            if (!names)
-                recordProblem(device, fileProblemString);
-            return names;
-        },
+        receiver, [&device = state.device] { return listedCategories(device); },
         [&state, then = std::move(then)](const std::optional<QStringList> &names) {
             then(!names             ? QStringList()
                  : names->isEmpty() ? QStringList(resourceString(noCategoryString))
