@@ -55,10 +55,12 @@ void RequestServer::work() {
     while (const std::optional<RequestFile> request = takeNewest()) {
         const RefreshResult result = serve(*request);
         {
-            // Once it is answered, the same file is a request again when it is told of anew.
+            // Before the answer, behind which the same file may be told of anew.
             const std::lock_guard lock(mutex_);
             std::erase(underWay_, *request);
         }
+        if (!answerDownload(device_, registry_, *request, result.toldError))
+            log_.detail(QStringLiteral("a newer request has come; no answer to this one"));
         note(*request, result);
     }
 }
@@ -78,11 +80,7 @@ std::optional<RequestFile> RequestServer::takeNewest() {
 }
 
 RefreshResult RequestServer::serve(const RequestFile &request) {
-    const RefreshResult result =
-        request.job() ? update(*request.job()) : RefreshResult{NothingKnown, 0, {}, false};
-    if (!answerDownload(device_, registry_, request, result.toldError))
-        log_.detail(QStringLiteral("a newer request has come; no answer to this one"));
-    return result;
+    return request.job() ? update(*request.job()) : RefreshResult{NothingKnown, 0, {}, false};
 }
 
 void RequestServer::note(const RequestFile &request, const RefreshResult &result) {
