@@ -3,6 +3,8 @@
 #include "feed_server/generated_feed.h"
 
 #include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 
 namespace tidebrook {
@@ -13,14 +15,32 @@ constexpr int largestGeneratedFeed = 1'000'000;
 
 } // namespace
 
+QByteArray Answer::head() const {
+    constexpr int unchanged = 304;
+    QByteArray text = "HTTP/1.1 " + QByteArray::number(status) + " Status\r\n";
+    const auto add = [&text](const QByteArray &name, const QByteArray &value) {
+        if (!value.isEmpty())
+            text += name + ": " + value + "\r\n";
+    };
+    for (const auto &[name, value] : headers)
+        add(name, value);
+    add("ETag", etag);
+    add("Last-Modified", lastModified);
+    if (status != unchanged) {
+        add("Content-Type", contentType);
+        add("Content-Length", QByteArray::number(body.size()));
+    }
+    return text + "\r\n";
+}
+
 void AnswerBook::set(const QString &path, const Answer &answer) {
     const std::lock_guard lock(mutex_);
     answers_.insert(path, answer);
 }
 
-void AnswerBook::addDirectory(const QString &prefix, const QString &directory) {
+void AnswerBook::setDirectory(const QString &directory) {
     const std::lock_guard lock(mutex_);
-    directories_.prepend({prefix, directory});
+    directory_ = directory;
 }
 
 void AnswerBook::setValidators(bool areSent) {
@@ -33,7 +53,7 @@ Answer AnswerBook::find(const QString &path) {
     const auto told = answers_.constFind(path);
     if (told != answers_.constEnd())
         return *told;
-    std::optional<Answer> found = inDirectories(path);
+    std::optional<Answer> found = file(path);
     if (!found)
         found = generated(path);
     if (!found)
@@ -44,24 +64,22 @@ Answer AnswerBook::find(const QString &path) {
     return *std::move(found);
 }
 
-std::optional<Answer> AnswerBook::inDirectories(const QString &path) const {
-    for (const auto &[prefix, directory] : directories_) {
-        const QString relativePath = below(prefix, path);
-        if (relativePath.isEmpty())
-            continue;
-        if (std::optional<Answer> file = fileAnswer(directory, relativePath))
-            return file;
-    }
-    return std::nullopt;
+std::optional<Answer> AnswerBook::file(const QString &path) const {
+    QFile file(directory_ + path);
+    if (directory_.isNull() || path.contains(u"..") || !QFileInfo(file).isFile() ||
+        !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return Answer{.body = file.readAll()};
 }
 
 std::optional<Answer> AnswerBook::generated(const QString &path) {
-    const QStringList numbers = below(QStringLiteral("/generated"), path).split(u'/');
+    const QStringList parts = path.split(u'/');
     bool isCount = false;
     bool isSeed = false;
-    const int items = numbers.constFirst().toInt(&isCount);
-    const quint32 seed = numbers.constLast().toUInt(&isSeed);
-    if (numbers.size() != 2 || !isCount || !isSeed || items < 0 || items > largestGeneratedFeed)
+    const int items = parts.value(2).toInt(&isCount);
+    const quint32 seed = parts.value(3).toUInt(&isSeed);
+    if (parts.size() != 4 || parts[1] != u"generated" || !isCount || !isSeed || items < 0 ||
+        items > largestGeneratedFeed)
         return std::nullopt;
     QByteArray &feed = generatedFeeds_[path];
     if (feed.isEmpty())

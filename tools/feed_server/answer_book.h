@@ -1,30 +1,54 @@
 #pragma once
 
-#include "feed_server/answer.h"
-
+#include <QByteArray>
 #include <QHash>
+#include <QList>
+#include <QString>
 
+#include <chrono>
 #include <mutex>
+#include <optional>
+#include <utility>
 
 namespace tidebrook {
+
+struct Answer {
+    /// Raw: the body is the whole answer, headers included; then `repeated` goes out until the
+    /// client leaves, or without it the connection is closed.
+    enum class Manner { Whole, Raw, Never };
+    using Headers = QList<std::pair<QByteArray, QByteArray>>;
+
+    Manner manner = Manner::Whole;
+    QByteArray body = {};
+    QByteArray contentType = "text/xml";
+    int status = 200;
+    Headers headers = {};
+    std::chrono::milliseconds interval{0}; // between the body's bytes; 0: it is sent at once
+    QByteArray etag = {};                  // empty: none
+    QByteArray lastModified = {};          // empty: none
+    QByteArray repeated = {};
+
+    /// The status line and headers; with the body's length.
+    QByteArray head() const;
+};
 
 /// What is answered to which path. Thread-safe.
 class AnswerBook {
 public:
     void set(const QString &path, const Answer &answer);
-    void addDirectory(const QString &prefix, const QString &directory);
+    void setDirectory(const QString &directory);
     void setValidators(bool areSent);
 
     Answer find(const QString &path);
 
 private:
-    std::optional<Answer> inDirectories(const QString &path) const;
+    std::optional<Answer> file(const QString &path) const;
     std::optional<Answer> generated(const QString &path);
 
     mutable std::mutex mutex_; // guards what follows
     QHash<QString, Answer> answers_;
-    QList<std::pair<QString, QString>> directories_; // prefixes and folders, the last one first
-    QHash<QString, QByteArray> generatedFeeds_;      // by path
+    QString directory_;                         // null: none
+    QHash<QString, QByteArray> generatedFeeds_; // by path
     bool haveValidators_ = false;
 };
 

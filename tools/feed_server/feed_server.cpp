@@ -1,8 +1,26 @@
 #include "feed_server/feed_server.h"
 
-#include "feed_server/answering_server.h"
+#include <QtEndian>
+
+#include <zlib.h>
 
 namespace tidebrook {
+
+namespace {
+
+/// `body` in gzip's format.
+QByteArray compressed(const QByteArray &body) {
+    // What qCompress makes begins with a length and zlib's header and ends with zlib's checksum.
+    const QByteArray deflated = qCompress(body).sliced(6).chopped(4);
+    const quint32 end[]{
+        qToLittleEndian(static_cast<quint32>(crc32(0, reinterpret_cast<const Bytef *>(body.data()),
+                                                   static_cast<uInt>(body.size())))),
+        qToLittleEndian(static_cast<quint32>(body.size()))};
+    return QByteArray("\x1F\x8B\x08\0\0\0\0\0\0\3", 10) + deflated +
+           QByteArray(reinterpret_cast<const char *>(end), sizeof end);
+}
+
+} // namespace
 
 QByteArray FeedServer::Request::header(QByteArrayView name) const {
     for (const auto &[itsName, value] : headers) {
@@ -12,49 +30,33 @@ QByteArray FeedServer::Request::header(QByteArrayView name) const {
     return {};
 }
 
-FeedServer::FeedServer(int port) : d_(std::make_unique<AnsweringServer>(port)) {}
-
-FeedServer::~FeedServer() = default;
-
-int FeedServer::port() const { return d_->port(); }
-
 QString FeedServer::url(QStringView path) const {
     return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(path);
 }
 
 void FeedServer::serve(const QString &path, const QByteArray &body, const QByteArray &contentType) {
-    d_->book.set(path, {.body = body, .contentType = contentType});
+    book_.set(path, {.body = body, .contentType = contentType});
 }
 
 void FeedServer::serveWithValidators(const QString &path, const QByteArray &body,
                                      const QByteArray &etag, const QByteArray &lastModified) {
-    d_->book.set(path, {.body = body, .etag = etag, .lastModified = lastModified});
+    book_.set(path, {.body = body, .etag = etag, .lastModified = lastModified});
 }
 
 void FeedServer::serveGzip(const QString &path, const QByteArray &body) {
-    d_->book.set(path, {.body = compressed(body), .headers = {{"Content-Encoding", "gzip"}}});
+    book_.set(path, {.body = compressed(body), .headers = {{"Content-Encoding", "gzip"}}});
 }
-
-void FeedServer::serveDirectory(const QString &prefix, const QString &directory) {
-    d_->book.addDirectory(prefix, directory);
-}
-
-void FeedServer::setValidators(bool areSent) { d_->book.setValidators(areSent); }
-
-void FeedServer::setDelay(std::chrono::milliseconds delay) { d_->delay = delay; }
 
 void FeedServer::answerStatus(const QString &path, int status, const QByteArray &body,
                               const Headers &headers) {
-    d_->book.set(path, {.body = body, .status = status, .headers = headers});
+    book_.set(path, {.body = body, .status = status, .headers = headers});
 }
 
-void FeedServer::redirect(const QString &path, const QByteArray &location, int status) {
-    answerStatus(path, status, {}, {{"Location", location}});
+void FeedServer::redirect(const QString &path, const QByteArray &location) {
+    answerStatus(path, 302, {}, {{"Location", location}});
 }
 
-void FeedServer::hang(const QString &path) {
-    d_->book.set(path, {.manner = Answer::Manner::Never});
-}
+void FeedServer::hang(const QString &path) { book_.set(path, {.manner = Answer::Manner::Never}); }
 
 void FeedServer::resetHalfWay(const QString &path, const QByteArray &body) {
     const QByteArray head = Answer{.body = body}.head();
@@ -63,11 +65,11 @@ void FeedServer::resetHalfWay(const QString &path, const QByteArray &body) {
 
 void FeedServer::trickle(const QString &path, const QByteArray &body,
                          std::chrono::milliseconds interval) {
-    d_->book.set(path, {.manner = Answer::Manner::Trickled, .body = body, .interval = interval});
+    book_.set(path, {.body = body, .interval = interval});
 }
 
 void FeedServer::sendRaw(const QString &path, const QByteArray &bytes, const QByteArray &repeated) {
-    d_->book.set(path, {.manner = Answer::Manner::Raw, .body = bytes, .repeated = repeated});
+    book_.set(path, {.manner = Answer::Manner::Raw, .body = bytes, .repeated = repeated});
 }
 
 void FeedServer::endless(const QString &path) {
@@ -82,22 +84,27 @@ void FeedServer::endless(const QString &path) {
             chunk(item));
 }
 
-QList<FeedServer::Request> FeedServer::requests() const { return d_->requests(); }
+QList<FeedServer::Request> FeedServer::requests() const {
+    // A shared list would be grown in place while its reader, who holds no lock, lets go of it.
+    const std::lock_guard lock(mutex_);
+    return {requests_.begin(), requests_.end()};
+}
 
-void FeedServer::clearRequests() { d_->clearRequests(); }
+void FeedServer::clearRequests() {
+    const std::lock_guard lock(mutex_);
+    requests_.clear();
+}
 
-qint64 FeedServer::bytesReceived() const { return d_->bytesReceived; }
-
-qint64 FeedServer::bytesSent() const { return d_->bytesSent; }
-
-int FeedServer::peakRequests() const { return d_->peak(); }
-
-int FeedServer::peakRequests(const QByteArray &host) const { return d_->peak(host); }
+int FeedServer::peakRequests(const QByteArray &host) const {
+    const std::lock_guard lock(mutex_);
+    return peaks_.value(host);
+}
 
 void FeedServer::clearCounts() {
-    d_->bytesReceived = 0;
-    d_->bytesSent = 0;
-    d_->clearPeaks();
+    bytesReceived_ = 0;
+    bytesSent_ = 0;
+    const std::lock_guard lock(mutex_);
+    peaks_.clear();
 }
 
 } // namespace tidebrook

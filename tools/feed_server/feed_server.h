@@ -1,31 +1,28 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
-#include <QString>
+#include "feed_server/answer_book.h"
+
 #include <QStringView>
 
-#include <chrono>
-#include <memory>
-#include <utility>
+#include <atomic>
+#include <condition_variable>
+#include <thread>
 
 namespace tidebrook {
 
-class AnsweringServer;
-
 /// An HTTP server on the loopback device that answers what it is told to, faults included. It
-/// listens on 127.0.0.1 and serves each connection in a thread of its own.
+/// listens on a free port of 127.0.0.1 and serves each connection in a thread of its own.
 ///
 /// Paths are given percent-decoded and without a query; a query in a request does not change the
 /// answer. What was said last about a path holds, also for requests that come while the server
 /// is running; answers that have begun are ended as they began. Paths that nothing was said about
-/// are looked for in the directories; /generated/ITEMS/SEED is generatedFeed(ITEMS, SEED) then; the
+/// are looked for in the directory; /generated/ITEMS/SEED is generatedFeed(ITEMS, SEED) then; the
 /// others are answered with 404.
 ///
 /// Thread-safe.
 class FeedServer {
 public:
-    using Headers = QList<std::pair<QByteArray, QByteArray>>;
+    using Headers = Answer::Headers;
 
     struct Request {
         QByteArray path;                               // as sent: percent-encoded, with the query
@@ -36,17 +33,16 @@ public:
         QByteArray header(QByteArrayView name) const;
     };
 
-    /// Listens on `port`, or on a free one if it is 0. Requests can be made as soon as it returns.
-    /// Throws std::runtime_error if it cannot listen there.
-    explicit FeedServer(int port = 0);
+    /// Requests can be made as soon as it returns. Throws std::runtime_error if it cannot listen.
+    FeedServer();
 
-    /// Drops every connection, whatever it is doing, and joins all threads.
+    /// Drops every connection, whatever it is doing, and waits for all threads.
     ~FeedServer();
 
     FeedServer(const FeedServer &) = delete;
     FeedServer &operator=(const FeedServer &) = delete;
 
-    int port() const;
+    int port() const { return port_; }
 
     /// The address of `path`, which begins with a slash and is already percent-encoded.
     QString url(QStringView path) const;
@@ -64,22 +60,22 @@ public:
     /// Sends the body compressed, whether the client asked for that or not.
     void serveGzip(const QString &path, const QByteArray &body);
 
-    /// Serves the files below `directory` below `prefix`, as they are when they are asked for.
-    void serveDirectory(const QString &prefix, const QString &directory);
+    /// Serves the files below `directory`, as they are when they are asked for.
+    void serveDirectory(const QString &directory) { book_.setDirectory(directory); }
 
-    /// Whether files of directories and generated feeds are sent with an ETag, which differs
-    /// whenever their content does, and are answered with 304 to whom has it. Not unless told.
-    void setValidators(bool areSent);
+    /// Whether files and generated feeds are sent with an ETag, which differs whenever their
+    /// content does, and are answered with 304 to whom has it. Not unless told.
+    void setValidators(bool areSent) { book_.setValidators(areSent); }
 
     /// How long every request, from now on, waits for its answer.
-    void setDelay(std::chrono::milliseconds delay);
+    void setDelay(std::chrono::milliseconds delay) { delay_ = delay; }
 
     /// Any status, as 503 with a Retry-After among the headers.
     void answerStatus(const QString &path, int status, const QByteArray &body = {},
                       const Headers &headers = {});
 
     /// `location` is sent as it is, so that it can be relative, of any scheme, or wrong.
-    void redirect(const QString &path, const QByteArray &location, int status = 302);
+    void redirect(const QString &path, const QByteArray &location);
 
     /// Takes the request and answers nothing until the client leaves or the server stops.
     void hang(const QString &path);
@@ -105,21 +101,45 @@ public:
 
     /// What has passed the sockets of all connections, headers included. All that a client has
     /// got of an answer, and has sent for it, is counted by then.
-    qint64 bytesReceived() const;
-    qint64 bytesSent() const;
+    qint64 bytesReceived() const { return bytesReceived_; }
+    qint64 bytesSent() const { return bytesSent_; }
 
     /// The most requests that were being answered at once, in all or with that Host header
     /// ("127.0.0.1:" and the port, for url()). A request is being answered from when its headers
     /// were read, while it waits for the delay too, until its client can get the answer's last
-    /// byte or has closed the connection: one that makes its next request then counts as one.
-    int peakRequests() const;
-    int peakRequests(const QByteArray &host) const;
+    /// byte: one that makes its next request then counts as one.
+    int peakRequests(const QByteArray &host = {}) const;
 
-    /// Sets the counts above to 0, and the peaks to the requests that are being answered now.
+    /// Sets the counts of bytes and the peaks to 0, when nothing is being answered.
     void clearCounts();
 
 private:
-    std::unique_ptr<AnsweringServer> d_;
+    void acceptAll();
+    void converse(int socket);
+    bool readRequest(int socket, QByteArray &rest, Request &request);
+    bool answer(int socket, const Request &request);
+    bool sendBody(int socket, const Answer &answer);
+    bool send(int socket, const QByteArray &bytes);
+    bool waitUnlessStopped(std::chrono::milliseconds time);
+    void beginRequest(int socket, const Request &request);
+    void endRequest(int socket);
+
+    AnswerBook book_;
+    std::atomic<qint64> bytesReceived_{0};
+    std::atomic<qint64> bytesSent_{0}; // counted before they can be read at the other end
+    std::atomic<std::chrono::milliseconds> delay_{std::chrono::milliseconds(0)};
+    int listener_ = -1;
+    int port_ = 0;
+
+    mutable std::mutex mutex_; // guards what follows
+    std::condition_variable changed_;
+    bool isStopping_ = false;
+    QList<int> sockets_; // of the connections, each of which has a thread
+    QList<Request> requests_;
+    QHash<int, QByteArray> answered_; // the hosts of the requests that are being answered
+    QHash<QByteArray, int> peaks_;    // by host; of all under an empty one
+
+    std::thread acceptor_;
 };
 
 } // namespace tidebrook

@@ -28,39 +28,26 @@ void describe(QCommandLineParser &parser) {
     parser.addHelpOption();
 }
 
-// Must come before any thread is started, so that none of them takes the signals.
-sigset_t holdBackEndingSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return signals;
-}
-
-int serve(const QCommandLineParser &parser, const sigset_t &endingSignals) {
+int serve(const QCommandLineParser &parser) {
     FeedServer server;
     if (parser.isSet(QStringLiteral("directory")))
-        server.serveDirectory(QStringLiteral("/"), parser.value(QStringLiteral("directory")));
+        server.serveDirectory(parser.value(QStringLiteral("directory")));
     server.setValidators(parser.isSet(QStringLiteral("validators")));
     server.setDelay(std::chrono::milliseconds(parser.value(QStringLiteral("delay")).toInt()));
     std::printf("listening on http://127.0.0.1:%d\n", server.port());
     std::fflush(stdout);
-    int signal = 0;
-    sigwait(&endingSignals, &signal);
-    return 0;
+    return pause();
 }
 
 } // namespace
 
 int main(int argc, char *argv[]) {
     const pid_t parent = getppid();
-    const sigset_t endingSignals = holdBackEndingSignals();
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     describe(parser);
     parser.process(application);
     // The parent may have ended before its end would have been told of.
-    return getppid() == parent ? serve(parser, endingSignals) : 0;
+    return getppid() == parent ? serve(parser) : 0;
 }

@@ -1,4 +1,4 @@
-#include "feed_server/answering_server.h"
+#include "feed_server/feed_server.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -19,21 +19,14 @@ using std::chrono::milliseconds;
 
 constexpr int waitingConnections = 128;
 
-void setOption(int socket, int level, int option) {
-    const int yes = 1;
-    setsockopt(socket, level, option, &yes, sizeof yes);
-}
-
-bool waitFor(int socket, short event, int limit = -1) {
+bool waitFor(int socket, short event) {
     pollfd watched{socket, event, 0};
     int ready = 0;
     do {
-        ready = poll(&watched, 1, limit);
+        ready = poll(&watched, 1, -1);
     } while (ready < 0 && errno == EINTR);
     return ready > 0 && (watched.revents & event) != 0;
 }
-
-bool isLeft(int socket) { return waitFor(socket, POLLRDHUP, 0); }
 
 // A date counts only for a client that has no ETag, even if that is another.
 bool hasAlready(const FeedServer::Request &request, const Answer &answer) {
@@ -50,25 +43,23 @@ QString pathOf(const QByteArray &target) {
 
 } // namespace
 
-AnsweringServer::AnsweringServer(int port) {
+FeedServer::FeedServer() {
     listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    setOption(listener_, SOL_SOCKET, SO_REUSEADDR);
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<quint16>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     auto *const plain = reinterpret_cast<sockaddr *>(&address);
     socklen_t size = sizeof address;
     if (bind(listener_, plain, size) != 0 || listen(listener_, waitingConnections) != 0 ||
         getsockname(listener_, plain, &size) != 0) {
         close(listener_);
-        throw std::runtime_error("cannot listen on port " + std::to_string(port));
+        throw std::runtime_error("cannot listen on the loopback device");
     }
     port_ = ntohs(address.sin_port);
     acceptor_ = std::thread([this] { acceptAll(); });
 }
 
-AnsweringServer::~AnsweringServer() {
+FeedServer::~FeedServer() {
     {
         const std::lock_guard lock(mutex_);
         isStopping_ = true;
@@ -83,7 +74,7 @@ AnsweringServer::~AnsweringServer() {
     changed_.wait(lock, [this] { return sockets_.isEmpty(); });
 }
 
-void AnsweringServer::acceptAll() {
+void FeedServer::acceptAll() {
     while (true) {
         const int socket = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
         const std::lock_guard lock(mutex_);
@@ -94,18 +85,19 @@ void AnsweringServer::acceptAll() {
         }
         if (socket < 0)
             continue;
-        setOption(socket, IPPROTO_TCP, TCP_NODELAY);
+        const int yes = 1;
+        setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
         sockets_.append(socket);
         std::thread([this, socket] { converse(socket); }).detach();
     }
 }
 
-void AnsweringServer::converse(int socket) {
+void FeedServer::converse(int socket) {
     QByteArray rest;
-    FeedServer::Request request;
+    Request request;
     while (readRequest(socket, rest, request)) {
         beginRequest(socket, request);
-        const bool isOver = !waitUnlessStopped(delay.load()) || !answer(socket, request);
+        const bool isOver = !waitUnlessStopped(delay_.load()) || !answer(socket, request);
         endRequest(socket);
         if (isOver)
             break;
@@ -117,7 +109,7 @@ void AnsweringServer::converse(int socket) {
     changed_.notify_all();
 }
 
-bool AnsweringServer::readRequest(int socket, QByteArray &rest, FeedServer::Request &request) {
+bool FeedServer::readRequest(int socket, QByteArray &rest, Request &request) {
     request = {};
     std::array<char, 4096> buffer;
     const bool hasBegun = !rest.isEmpty() || waitFor(socket, POLLIN);
@@ -126,7 +118,7 @@ bool AnsweringServer::readRequest(int socket, QByteArray &rest, FeedServer::Requ
         const ssize_t size = recv(socket, buffer.data(), buffer.size(), 0);
         if (size <= 0)
             return false;
-        bytesReceived += size;
+        bytesReceived_ += size;
         rest.append(buffer.data(), size);
     }
     const qsizetype end = rest.indexOf("\r\n\r\n");
@@ -143,55 +135,50 @@ bool AnsweringServer::readRequest(int socket, QByteArray &rest, FeedServer::Requ
     return true;
 }
 
-bool AnsweringServer::answer(int socket, const FeedServer::Request &request) {
-    Answer answer = book.find(pathOf(request.path));
+bool FeedServer::answer(int socket, const Request &request) {
+    Answer answer = book_.find(pathOf(request.path));
     if (hasAlready(request, answer)) {
         answer.status = 304;
         answer.body.clear();
     }
-    switch (answer.manner) {
-    case Answer::Manner::Never:
+    if (answer.manner == Answer::Manner::Never) {
         waitFor(socket, POLLRDHUP);
         return false;
-    case Answer::Manner::Raw:
+    }
+    if (answer.manner == Answer::Manner::Raw) {
         while (send(socket, answer.body) && !answer.repeated.isEmpty())
             answer.body = answer.repeated;
         return false;
-    case Answer::Manner::Trickled:
-    case Answer::Manner::Whole:
-        break;
     }
     if (answer.body.isEmpty())
         endRequest(socket);
     return send(socket, answer.head()) && sendBody(socket, answer);
 }
 
-bool AnsweringServer::sendBody(int socket, const Answer &answer) {
+bool FeedServer::sendBody(int socket, const Answer &answer) {
     if (answer.body.isEmpty())
         return true;
-    for (qsizetype i = 0; answer.manner == Answer::Manner::Trickled && i + 1 < answer.body.size();
-         ++i) {
-        if (!send(socket, answer.body.sliced(i, 1)) || !waitUnlessStopped(answer.interval))
+    const qsizetype last = answer.body.size() - 1;
+    const qsizetype step = answer.interval.count() > 0 ? 1 : last;
+    for (qsizetype i = 0; i < last; i += step) {
+        if (!send(socket, answer.body.sliced(i, step)) || !waitUnlessStopped(answer.interval))
             return false;
     }
     // Its last byte makes the client's next request possible.
-    const bool isTrickled = answer.manner == Answer::Manner::Trickled;
-    if (!isTrickled && !send(socket, answer.body.chopped(1)))
-        return false;
     endRequest(socket);
     return send(socket, answer.body.last(1));
 }
 
 // Never blocks between counting and sending, so that the count holds while a client is slow.
-bool AnsweringServer::send(int socket, const QByteArray &bytes) {
+bool FeedServer::send(int socket, const QByteArray &bytes) {
     for (qsizetype begin = 0; begin < bytes.size();) {
         if (!waitFor(socket, POLLOUT))
             return false;
         const qsizetype size = bytes.size() - begin;
-        bytesSent += size;
+        bytesSent_ += size;
         const ssize_t taken = ::send(socket, bytes.constData() + begin, static_cast<size_t>(size),
                                      MSG_NOSIGNAL | MSG_DONTWAIT);
-        bytesSent -= size - std::max<ssize_t>(taken, 0);
+        bytesSent_ -= size - std::max<ssize_t>(taken, 0);
         if (taken < 0 && errno != EAGAIN && errno != EINTR)
             return false;
         begin += std::max<ssize_t>(taken, 0);
@@ -199,62 +186,25 @@ bool AnsweringServer::send(int socket, const QByteArray &bytes) {
     return true;
 }
 
-bool AnsweringServer::waitUnlessStopped(milliseconds time) {
+bool FeedServer::waitUnlessStopped(milliseconds time) {
     std::unique_lock lock(mutex_);
     return !changed_.wait_for(lock, time, [this] { return isStopping_; });
 }
 
-QList<FeedServer::Request> AnsweringServer::requests() const {
-    // A shared list would be grown in place while its reader, who holds no lock, lets go of it.
-    const std::lock_guard lock(mutex_);
-    return {requests_.begin(), requests_.end()};
-}
-
-void AnsweringServer::clearRequests() {
-    const std::lock_guard lock(mutex_);
-    requests_.clear();
-}
-
-int AnsweringServer::peak() const {
-    const std::lock_guard lock(mutex_);
-    return peak_;
-}
-
-int AnsweringServer::peak(const QByteArray &host) const {
-    const std::lock_guard lock(mutex_);
-    return peaks_.value(host);
-}
-
-void AnsweringServer::clearPeaks() {
-    const std::lock_guard lock(mutex_);
-    peaks_.clear();
-    peak_ = 0;
-    raisePeaks();
-}
-
-void AnsweringServer::beginRequest(int socket, const FeedServer::Request &request) {
+void FeedServer::beginRequest(int socket, const Request &request) {
     const std::lock_guard lock(mutex_);
     requests_.append(request);
-    answered_.insert(socket, request.header("Host"));
-    raisePeaks();
+    const QByteArray host = request.header("Host");
+    answered_.insert(socket, host);
+    peaks_[host] = std::max(peaks_[host], static_cast<int>(answered_.values().count(host)));
+    peaks_[{}] = std::max(peaks_[{}], static_cast<int>(answered_.size()));
 }
 
 // Comes before the client can know the whole answer: else the request that it makes next would be
 // taken for one at the same time.
-void AnsweringServer::endRequest(int socket) {
+void FeedServer::endRequest(int socket) {
     const std::lock_guard lock(mutex_);
     answered_.remove(socket);
-}
-
-void AnsweringServer::raisePeaks() {
-    // The thread that answers a client which has given up may not have noticed yet.
-    answered_.removeIf([](const auto &request) { return isLeft(request.key()); });
-    QHash<QByteArray, int> counts;
-    for (const QByteArray &host : std::as_const(answered_)) {
-        int &peak = peaks_[host];
-        peak = std::max(peak, ++counts[host]);
-    }
-    peak_ = std::max(peak_, static_cast<int>(answered_.size()));
 }
 
 } // namespace tidebrook
