@@ -30,12 +30,12 @@ protected:
 
     /// Puts a folder in the place of a file, which is kept beside it.
     void block(const QString &file) {
-        const QString path = ctl_.filePath(file);
+        const QString path = filePath(file);
         QFile::rename(path, path + u".kept");
         ASSERT_TRUE(QDir().mkpath(path));
     }
     void unblock(const QString &file) {
-        const QString path = ctl_.filePath(file);
+        const QString path = filePath(file);
         ASSERT_TRUE(QDir().rmdir(path));
         QFile::rename(path + u".kept", path);
     }
@@ -58,33 +58,30 @@ TEST_F(BadGroundTest, ADamagedFileIsToldByEveryCommandAndNeverTakenForEmptiness)
     };
     for (const Case &test : cases) {
         SCOPED_TRACE(qPrintable(test.name + QString::number(test.begin)));
-        QFile file(ctl_.filePath(test.file));
-        ASSERT_TRUE(file.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
-        const QByteArray content = file.readAll();
+        const QString path = filePath(test.file);
+        const QByteArray content = contentOf(path);
         const qint64 begin = test.begin < 0 ? content.size() + test.begin : test.begin;
-        file.seek(begin);
-        file.write(QByteArray(content.size() - begin, '\xFF'));
+        ASSERT_TRUE(writeFile(path, content.first(begin).leftJustified(content.size(), '\xFF')));
         for (const QString &call : {u"channels"_s, u"articles ch"_s, u"init"_s}) {
             if (!test.isForCheckAlone)
                 fails(call, test.words);
         }
         EXPECT_TRUE(run(u"check"_s).out.startsWith(test.name));
-        file.seek(0);
-        file.write(content);
+        ASSERT_TRUE(writeFile(path, content));
     }
     expectTheArticles();
 }
 
 TEST_F(BadGroundTest, AMissingLibraryForHttpIsToldAsWhatItIs) {
     const QTemporaryDir libraries;
-    ASSERT_TRUE(QFile(libraries.filePath(u"libcurl.so.4"_s)).open(QIODevice::WriteOnly));
-    ctl_.setEnvironment(u"LD_LIBRARY_PATH"_s, libraries.path());
+    ASSERT_TRUE(writeFile(libraries.filePath(u"libcurl.so.4"_s), {}));
+    environment_.insert(u"LD_LIBRARY_PATH"_s, libraries.path());
     EXPECT_TRUE(run(u"update"_s).out.contains(u"1000"));
     fails(u"import %1 X"_s.arg(server_.url(u"/list")), u"(1000)"_s);
 }
 
 TEST_F(BadGroundTest, AMissingRegistryLosesTheCategoriesAndNoArticle) {
-    QFile::remove(ctl_.filePath(u"registry.db"_s));
+    QFile::remove(filePath(u"registry.db"_s));
     EXPECT_EQ(run(u"check"_s).out, u"channel \"ch\": its category \"C\" is not listed\n");
     ok(u"add-category C"_s);
     expectSound();
@@ -92,7 +89,7 @@ TEST_F(BadGroundTest, AMissingRegistryLosesTheCategoriesAndNoArticle) {
 }
 
 TEST_F(BadGroundTest, ADatabaseLockedByAnotherProcessIsStillReadAndLosesNothing) {
-    auto other = SqliteDatabase::open(ctl_.filePath(database), {});
+    auto other = SqliteDatabase::open(filePath(database), {});
     ASSERT_TRUE(other);
     const SqliteTransaction lock(*other);
     ASSERT_TRUE(lock.isOpen());
@@ -103,13 +100,9 @@ TEST_F(BadGroundTest, ADatabaseLockedByAnotherProcessIsStillReadAndLosesNothing)
 
 TEST_F(BadGroundTest, CategoriesThatCannotBeSeededFailTheInit) {
     ok(u"delete-category C"_s);
-    QFile seed(ctl_.filePath(u"windows/RSSChannels.txt"_s));
-    ASSERT_TRUE(seed.open(QIODevice::WriteOnly));
-    const QString line = u"n\tu\tSeeded\n"_s;
-    seed.write(reinterpret_cast<const char *>(line.utf16()), 2 * line.size());
-    seed.close();
+    ASSERT_TRUE(writeFile(filePath(u"windows/RSSChannels.txt"_s), utf16(u"n\tu\tSeeded\n"_s)));
     {
-        Registry registry{DeviceRoot(ctl_.root())};
+        Registry registry(root_);
         const Registry::Batch lock(registry);
         ASSERT_TRUE(lock.isOpen());
         fails(u"init"_s, u"categories"_s);
@@ -137,7 +130,7 @@ TEST_F(BadGroundTest, AnAutomaticListThatIsNotToBeHadIsAFailureOfWhatNeedsIt) {
 }
 
 TEST_F(BadGroundTest, ALockThatCannotBeTakenIsAFailure) {
-    const QString source = ctl_.filePath(u"list.opml"_s);
+    const QString source = filePath(u"list.opml"_s);
     ok(u"export C " + source);
     block(u"run/channels.lock"_s);
     for (const QString &call : {u"init"_s, u"categories"_s, u"delete ch"_s, u"auto list"_s,
@@ -148,22 +141,15 @@ TEST_F(BadGroundTest, ALockThatCannotBeTakenIsAFailure) {
 }
 
 TEST_F(BadGroundTest, ACheckBesideARenamingWaitsForItsEnd) {
-    const DeviceRoot root(ctl_.root());
-    Registry registry(root);
-    auto lock = std::make_unique<FileLock>(root.filePath(u"\\run\\channels.lock"));
-    const auto setCount = [&](quint32 count) {
-        registry.write(programKey, u"CategoryNumber", count);
-    };
-    setCount(2);
-    const auto check = ctl_.start({u"check"_s});
+    Registry registry(root_);
+    auto lock = std::make_unique<FileLock>(filePath(u"run/channels.lock"_s));
+    registry.write(programKey, u"CategoryNumber", quint32{2});
+    const auto check = start(u"check"_s);
     // The system tells who waits for a lock, behind an arrow.
     const QByteArray waiter = "ADVISORY  WRITE " + QByteArray::number(check->processId()) + ' ';
-    waitFor([&] {
-        QFile locks(u"/proc/locks"_s);
-        locks.open(QIODevice::ReadOnly);
-        return check->waitForFinished(0) || locks.readAll().contains(waiter);
-    });
-    setCount(1);
+    waitFor(
+        [&] { return check->waitForFinished(0) || contentOf(u"/proc/locks"_s).contains(waiter); });
+    registry.write(programKey, u"CategoryNumber", quint32{1});
     lock.reset();
     check->waitForFinished();
     EXPECT_EQ(check->exitCode(), 0) << check->readAllStandardOutput().constData();
@@ -172,9 +158,8 @@ TEST_F(BadGroundTest, ACheckBesideARenamingWaitsForItsEnd) {
 TEST_F(BadGroundTest, AFullDiskLosesNothing) {
     server_.serve(u"/feed"_s, generatedFeed(3000, 2));
     const QString limit = u"trap '' XFSZ; ulimit -f 1000"_s; // blocks of 512 bytes: half a megabyte
-    const CtlRun update = ctl_.runBehind(limit, {u"update"_s});
-    EXPECT_EQ(update.exitCode, 1);
-    EXPECT_EQ(update.out, u"error\t1001\tEncountering Problem when Accessing Database\tch\n");
+    EXPECT_EQ(run(u"update"_s, limit).out,
+              u"error\t1001\tEncountering Problem when Accessing Database\tch\n");
     expectSound();
     expectTheArticles();
     EXPECT_EQ(ok(u"update"_s), u"ok\t3000\t3010/3010\tch\n");
@@ -185,20 +170,20 @@ TEST_F(BadGroundTest, ADeviceThatMayOnlyBeReadSaysSo) {
     const QString asNobody = geteuid() == 0 ? u"exec setpriv --reuid=65534 --regid=65534 "
                                               "--clear-groups \"$0\" \"$@\""_s
                                             : u"true"_s;
-    if (ctl_.runBehind(asNobody, {u"--version"_s}).exitCode != 0)
+    if (run(u"--version"_s, asNobody).exitCode != 0)
         GTEST_SKIP() << "nobody may not run the program where it was built";
     const QString readOnly = u"cd $TIDEBROOK_HOME && chmod a+x .. && chmod -R a=rX . && "_s;
     for (const QString &call : {u"mark ch read"_s, u"setting SortMode 1"_s, u"delete ch"_s}) {
-        const CtlRun refused = ctl_.runBehind(readOnly + asNobody, split(call));
+        const CtlRun refused = run(call, readOnly + asNobody);
         EXPECT_EQ(refused.exitCode, 1);
         EXPECT_FALSE(refused.err.isEmpty());
     }
-    ctl_.runBehind(u"chmod -R u+w $TIDEBROOK_HOME"_s, {u"--version"_s});
+    run(u"--version"_s, u"chmod -R u+w $TIDEBROOK_HOME"_s);
     EXPECT_EQ(ok(u"articles ch --order unread"_s).count(u'\n'), 10);
 }
 
 TEST_F(BadGroundTest, OutputThatIsNotTakenIsAFailure) {
-    EXPECT_EQ(ctl_.runBehind(u"exec >/dev/full"_s, {u"articles"_s, u"ch"_s}).exitCode, 1);
+    EXPECT_EQ(run(u"articles ch"_s, u"exec >/dev/full"_s).exitCode, 1);
 }
 
 } // namespace

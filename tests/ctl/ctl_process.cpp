@@ -2,47 +2,37 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QThread>
 
 #include <vector>
 
 namespace tidebrook {
 
-CtlProcess::CtlProcess() : environment_(QProcessEnvironment::systemEnvironment()) {
-    QDir().mkpath(filePath(QStringLiteral("windows")));
-    QFile(filePath(QStringLiteral("windows/RSSChannels.txt"))).open(QIODevice::WriteOnly);
-    setEnvironment(QStringLiteral("TIDEBROOK_HOME"), root());
+using namespace Qt::StringLiterals;
+
+CtlTest::CtlTest() {
+    QDir().mkpath(filePath(u"windows"_s));
+    writeFile(filePath(u"windows/RSSChannels.txt"_s), {});
+    environment_.insert(u"TIDEBROOK_HOME"_s, root_.path());
 }
 
-void CtlProcess::setEnvironment(const QString &name, const QString &value) {
-    environment_.insert(name, value);
-}
-
-std::unique_ptr<QProcess> CtlProcess::start(const QStringList &arguments) {
+std::unique_ptr<QProcess> CtlTest::start(const QString &arguments, const QString &prelude) {
     auto process = std::make_unique<QProcess>();
     process->setProcessEnvironment(environment_);
-    process->start(QStringLiteral(TIDEBROOKCTL), arguments);
+    QStringList call =
+        QStringList(QStringLiteral(TIDEBROOKCTL)) + QProcess::splitCommand(arguments);
+    if (!prelude.isNull())
+        call = QStringList{u"/bin/sh"_s, u"-c"_s, prelude + u"; exec \"$0\" \"$@\""} + call;
+    process->start(call.first(), call.sliced(1));
     return process;
 }
 
-CtlRun CtlProcess::run(const QStringList &arguments) { return finish(*start(arguments)); }
-
-CtlRun CtlProcess::runBehind(const QString &prelude, const QStringList &arguments) {
-    QProcess process;
-    process.setProcessEnvironment(environment_);
-    process.start(QStringLiteral("/bin/sh"),
-                  QStringList{QStringLiteral("-c"), QString(prelude + u"; exec \"$0\" \"$@\""),
-                              QStringLiteral(TIDEBROOKCTL)} +
-                      arguments);
-    return finish(process);
-}
-
-CtlRun CtlProcess::finish(QProcess &process) {
-    process.waitForFinished(60'000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+CtlRun CtlTest::run(const QString &arguments, const QString &prelude) {
+    const auto process = start(arguments, prelude);
+    const bool isEnded = process->waitForFinished(60'000);
+    return {isEnded && process->exitStatus() == QProcess::NormalExit ? process->exitCode() : -1,
+            QString::fromUtf8(process->readAllStandardOutput()),
+            QString::fromUtf8(process->readAllStandardError())};
 }
 
 QString CtlTest::ok(const QString &arguments) {
@@ -62,7 +52,7 @@ void CtlTest::fails(const QString &arguments, const QString &words, int exitCode
 QList<int> CtlTest::together(const QStringList &calls) {
     std::vector<std::unique_ptr<QProcess>> processes;
     for (const QString &call : calls)
-        processes.push_back(ctl_.start(split(call)));
+        processes.push_back(start(call));
     QList<int> codes;
     for (const auto &process : processes) {
         process->waitForFinished(60'000);

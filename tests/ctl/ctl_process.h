@@ -1,55 +1,35 @@
 #pragma once
 
 #include "feed_server/feed_server.h"
-#include "support/text_printing.h"
+#include "support/test_device.h"
 
 #include <QProcess>
-#include <QStringList>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 
 namespace tidebrook {
 
 /// What a run of the command line ended with.
 struct CtlRun {
-    int exitCode;
+    int exitCode; // -1 when it crashed or went on
     QString out;
     QString err;
 
     QStringList lines() const { return out.split(u'\n', Qt::SkipEmptyParts); }
 };
 
-/// Runs the real command line on a device root of its own, which has an empty seed file.
-class CtlProcess {
-public:
-    CtlProcess();
-
-    QString root() const { return folder_.filePath(QStringLiteral("device")); }
-    QString filePath(const QString &name) const { return root() + u'/' + name; }
-    void setEnvironment(const QString &name, const QString &value);
-
-    CtlRun run(const QStringList &arguments);
-    /// Runs the command line in a shell behind `prelude`, such as a limit.
-    CtlRun runBehind(const QString &prelude, const QStringList &arguments);
-    /// Starts the command line; the caller ends it.
-    std::unique_ptr<QProcess> start(const QStringList &arguments);
-
-private:
-    CtlRun finish(QProcess &process);
-
-    QTemporaryDir folder_;
-    QProcessEnvironment environment_;
-};
-
-/// A device, a server of feeds, and the command line, whose arguments are divided by blanks unless
-/// they stand in double quotes.
+/// A device root with an empty seed file, a server of feeds, and the real command line, whose
+/// arguments are divided by blanks unless they stand in double quotes.
 class CtlTest : public testing::Test {
 protected:
-    CtlRun run(const QString &arguments) { return ctl_.run(split(arguments)); }
+    CtlTest();
+
+    QString filePath(const QString &name) const { return root_.path() + u'/' + name; }
+    /// Starts the command line, in a shell behind a prelude such as a limit if there is one.
+    std::unique_ptr<QProcess> start(const QString &arguments, const QString &prelude = {});
+    CtlRun run(const QString &arguments, const QString &prelude = {});
     /// Runs what is to succeed; what it printed.
     QString ok(const QString &arguments);
     /// Runs what is to fail with a message that contains `words`, and prints nothing.
@@ -58,10 +38,11 @@ protected:
     QList<int> together(const QStringList &calls);
     void expectSound() { EXPECT_EQ(ok(QStringLiteral("check")), QString()); }
     void waitFor(const std::function<bool()> &condition);
-    static QStringList split(const QString &arguments) { return QProcess::splitCommand(arguments); }
 
     FeedServer server_;
-    CtlProcess ctl_;
+    QTemporaryDir folder_;
+    const DeviceRoot root_{folder_.filePath(QStringLiteral("device"))};
+    QProcessEnvironment environment_ = QProcessEnvironment::systemEnvironment();
 };
 
 } // namespace tidebrook

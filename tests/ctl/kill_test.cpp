@@ -30,7 +30,7 @@ protected:
 
     /// Kills a command within `longest` microseconds. Whether it was still at work.
     bool killed(const QString &command, qint64 longest) {
-        const auto process = ctl_.start(split(command));
+        const auto process = start(command);
         EXPECT_TRUE(process->waitForStarted());
         QThread::usleep(
             static_cast<unsigned long>(std::uniform_int_distribution<qint64>(0, longest)(random_)));
@@ -81,7 +81,7 @@ TEST_F(KillTest, AnyMomentLeavesASoundStore) {
 
 TEST_F(KillTest, AFirstStartKilledAtAnyMomentIsMadeGoodByTheNext) {
     for (int round = 0; round < killCount(); ++round) {
-        const QString home = u"--home %1 "_s.arg(ctl_.filePath(u"fresh%1"_s.arg(round)));
+        const QString home = u"--home %1 "_s.arg(filePath(u"fresh%1"_s.arg(round)));
         killed(home + u"init", 25'000);
         EXPECT_EQ(ok(home + u"init"), u"3 categories, 8 channels\n");
         ok(home + u"check");

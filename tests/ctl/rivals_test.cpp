@@ -11,7 +11,7 @@ using RivalsTest = CtlTest;
 
 TEST_F(RivalsTest, FirstStartsAtTheSameTimeMakeOneDevice) {
     for (int round = 0; round < 3; ++round) {
-        const QString home = u"--home %1 "_s.arg(ctl_.filePath(u"fresh%1"_s.arg(round)));
+        const QString home = u"--home %1 "_s.arg(filePath(u"fresh%1"_s.arg(round)));
         EXPECT_EQ(together(QStringList(8, home + u"init")), QList<int>(8, 0));
         EXPECT_EQ(ok(home + u"init"), u"3 categories, 8 channels\n");
         EXPECT_EQ(ok(home + u"check"), u"");
@@ -61,7 +61,7 @@ TEST_F(RivalsTest, ChannelsThatChangeWhileTheirFeedIsOnItsWayStayWhole) {
     for (const QString &update : {u"update"_s, u"update B --pauses"_s}) {
         server_.clearRequests();
         server_.setDelay(std::chrono::milliseconds(700));
-        const auto process = ctl_.start(split(update));
+        const auto process = start(update);
         const bool isFirst = update == u"update";
         waitFor([&] { return server_.requests().size() == (isFirst ? 3 : 1); });
         ok(isFirst ? u"delete gone"_s : u"delete \"new name\""_s);

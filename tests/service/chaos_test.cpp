@@ -68,7 +68,7 @@ private:
             kills_ += process->exitStatus() == QProcess::CrashExit ? 1 : 0;
             (&process == &requester_ ? dones_ : updates_) += isDone ? 1 : 0;
         }
-        process = ctl_.start(split(command));
+        process = start(command);
         process->waitForStarted();
     }
 

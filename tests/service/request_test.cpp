@@ -183,7 +183,7 @@ TEST_F(RequestTest, OfSeveralThatWaitTheNewestIsAnswered) {
         const QString name = u"ch%1"_s.arg(i);
         server_.trickle(u'/' + name, i == 5 ? smallFeed : "<not-rss/>", 20ms);
         addChannel(name);
-        requesters.push_back(ctl_.start(split(u"request C %1 --timeout 4"_s.arg(name))));
+        requesters.push_back(start(u"request C %1 --timeout 4"_s.arg(name)));
         waitForRequests(i);
     }
     for (const auto &requester : requesters) {
@@ -209,7 +209,7 @@ TEST_F(RequestTest, AServerThatNeverAnswersKeepsNobodyElseWaiting) {
 TEST_F(RequestTest, ADownloaderThatIsKilledIsToldByTheTimeOutAndStartedAnew) {
     addChannel(u"a"_s);
     server_.hang(u"/a"_s);
-    const auto requester = ctl_.start(split(u"request C a --timeout 3"_s));
+    const auto requester = start(u"request C a --timeout 3"_s);
     waitForRequests(1);
     EXPECT_EQ(end(SIGKILL), -1);
     requester->waitForFinished(20'000);

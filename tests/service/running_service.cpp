@@ -11,9 +11,9 @@ using namespace std::chrono_literals;
 
 RunningService::RunningService() {
     // The second, direct download of a feed goes to the server too.
-    ctl_.setEnvironment(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
+    environment_.insert(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
     qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
-    ctl_.run({u"init"_s});
+    run(u"init"_s);
 }
 
 RunningService::~RunningService() {
@@ -48,7 +48,7 @@ RefreshJob RunningService::addChannel(const QString &name, const QByteArray &fee
 }
 
 QString RunningService::counts(const QString &channel) {
-    for (const QString &line : ctl_.run({u"channels"_s}).lines()) {
+    for (const QString &line : run(u"channels"_s).lines()) {
         if (line.section(u'\t', 1, 1) == channel)
             return line.section(u'\t', 0, 0);
     }

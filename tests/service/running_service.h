@@ -11,6 +11,7 @@ protected:
     RunningService();
     ~RunningService() override;
 
+    using CtlTest::start;
     /// Starts the service in the foreground and waits until it is ready.
     void start();
     /// Ends it by a signal and tells its exit status; -1 when that took too long or it crashed.
@@ -21,8 +22,6 @@ protected:
     RefreshJob addChannel(const QString &name, const QByteArray &feed = {});
     QString counts(const QString &channel);
     void waitForRequests(qsizetype count);
-
-    const DeviceRoot root_{ctl_.root()};
 
 private:
     std::unique_ptr<QProcess> process_;
