@@ -1,6 +1,5 @@
 #include "feed/article_ingestion.h"
 #include "feed/pub_date.h"
-#include "platform/clock.h"
 #include "support/open_store.h"
 
 #include <gtest/gtest.h>
@@ -107,24 +106,6 @@ TEST_F(IngestionTest, ATitleThatShowsNothingHidesNoOtherArticle) {
     record.guid = u"2"_s;
     EXPECT_TRUE(insert(record));
     EXPECT_EQ(device_.titles(u"ch"_s), (QStringList{u"DEFAULT"_s, u"other"_s}));
-}
-
-TEST_F(IngestionTest, AnArticleLivesForFiveDaysWhateverItsDateAndPruningIsOfItsOwnChannel) {
-    const QDateTime stored({2026, 6, 10}, {12, 0}, Qt::UTC);
-    {
-        const FixedClock clock(stored);
-        EXPECT_TRUE(insert(item(u"old"_s, u"1"_s)));
-        EXPECT_TRUE(insert(item(u"old"_s, u"of another"_s), u"other"_s));
-    }
-    {
-        const FixedClock clock(stored.addDays(5));
-        EXPECT_TRUE(insert(item(u"old"_s, u"1"_s)));
-        EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"old"_s));
-    }
-    const FixedClock clock(stored.addDays(5).addSecs(1));
-    EXPECT_TRUE(insert(item(u"new"_s, u"2"_s)));
-    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"new"_s));
-    EXPECT_EQ(device_.titles(u"other"_s), QStringList(u"old"_s));
 }
 
 } // namespace

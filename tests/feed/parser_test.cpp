@@ -13,11 +13,11 @@ using Result = RssParser::Result;
 
 class ParserTest : public OpenStore {
 protected:
-    Result parse(const QByteArray &channelContent) {
-        return parseDocument("<rss><channel>" + channelContent + "</channel></rss>");
+    Result parse(const QByteArray &channelContent, const QString &channel = u"ch"_s) {
+        return parseDocument("<rss><channel>" + channelContent + "</channel></rss>", channel);
     }
 
-    Result parseDocument(const QByteArray &text) {
+    Result parseDocument(const QByteArray &text, const QString &channel = u"ch"_s) {
         const auto document = XmlDocument::parse(text);
         if (!document) {
             ADD_FAILURE() << "not well-formed";
@@ -25,14 +25,10 @@ protected:
         }
         Result result = Result::Unreadable;
         store().changeAtOnce([&](SqlCommand &command) {
-            RssParser parser(command, u"ch"_s, u"C"_s);
-            result = parser.parse(document->root());
-            header_ = parser.header();
+            result = RssParser(command, channel, u"C"_s).parse(document->root());
         });
         return result;
     }
-
-    ChannelHeaderRecord header_;
 };
 
 TEST_F(ParserTest, ItemsAreStoredWithTheirOwnTexts) {
@@ -81,15 +77,23 @@ TEST_F(ParserTest, WithinADayTheNewestIsFirst) {
     EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status).first(109), unread);
 }
 
-TEST_F(ParserTest, ARefreshTakesOutWhatIsTooOld) {
+TEST_F(ParserTest, ARefreshTakesOutWhatItsOwnChannelHasHadForFiveDays) {
     const QDateTime stored({2026, 6, 10}, {12, 0}, Qt::UTC);
+    const QByteArray item =
+        "<item><title>old</title><guid>1</guid><pubDate>9 Jun 2006</pubDate></item>";
     {
         const FixedClock clock(stored);
-        parse("<item><title>old</title><guid>1</guid></item>");
+        parse(item);
+        parse(QByteArray(item).replace(">1<", ">2<"), u"other"_s);
     }
-    const FixedClock clock(stored.addDays(6));
-    EXPECT_EQ(parse("<title>Feed</title>"), Result::Done);
-    EXPECT_EQ(device_.titles(u"ch"_s), QStringList());
+    const auto refreshedAt = [&](const QDateTime &time) {
+        const FixedClock clock(time);
+        EXPECT_EQ(parse("<title>Feed</title>"), Result::Done);
+        return device_.titles(u"ch"_s);
+    };
+    EXPECT_EQ(refreshedAt(stored.addDays(5)), QStringList(u"old"_s));
+    EXPECT_EQ(refreshedAt(stored.addDays(5).addSecs(1)), QStringList());
+    EXPECT_EQ(device_.titles(u"other"_s), QStringList(u"old"_s));
 }
 
 TEST_F(ParserTest, TextsAreKeptUpToTheirCapacities) {
@@ -128,17 +132,6 @@ TEST_F(ParserTest, TheFirstChildOfTheRootIsTheChannelAndWithoutAnythingInItUnrea
     for (const auto &[text, result] : cases)
         EXPECT_EQ(parseDocument(text), result) << text.constData();
     EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"t"_s));
-}
-
-TEST_F(ParserTest, OnlyWhatFollowsTheLastItemIsLeftOfTheChannel) {
-    parse("<title>Feed</title><image><url>u</url><title>i</title></image>");
-    EXPECT_EQ(header_.title, u"Feed");
-    EXPECT_EQ(header_.imageUrl, u"u");
-    EXPECT_EQ(header_.imageTitle, u"i");
-    EXPECT_EQ(header_.link, u"DEFAULT");
-    parse("<title>Feed</title><item><guid>1</guid></item><link>http://l/</link>");
-    EXPECT_EQ(header_.title, u"");
-    EXPECT_EQ(header_.link, u"http://l/");
 }
 
 } // namespace
