@@ -36,7 +36,6 @@ TEST(DeviceFiles, WhatKilledWritersLeftIsRemovedByTheNextAndNothingElse) {
         EXPECT_TRUE(replaceFile(path, "new", readers));
         EXPECT_EQ(entries(folder.path()).size(), own.size() + 1) << "one is at work";
         writer->kill();
-        writer->wait();
         EXPECT_TRUE(replaceFile(path, "newer", readers));
         const QStringList left = entries(folder.path());
         EXPECT_EQ(QSet(left.begin(), left.end()), QSet(own.begin(), own.end()));
@@ -61,7 +60,6 @@ TEST(DeviceFiles, WhatAKilledFirstStartLeftIsRemovedByTheNextAndNothingElse) {
     EXPECT_TRUE(root.provision(furnish));
     EXPECT_EQ(entries(folder.path()).size(), 4) << "one is at work";
     builder->kill();
-    builder->wait();
     EXPECT_TRUE(root.provision(furnish));
     EXPECT_EQ(entries(folder.path()),
               (QStringList{u"device"_s, u"device.new-aBcDeF"_s, u"device.new-design"_s}));

@@ -3,6 +3,7 @@
 #include "platform/wait_any.h"
 #include "support/device_folders.h"
 #include "support/forked_process.h"
+#include "support/test_device.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -148,16 +149,11 @@ TEST_F(NamedMutexTest, AFileLeftByACrashedOrInterruptedMachineIsBegunAnew) {
     {
         NamedMutex mutex(device_, u"mutex");
         ASSERT_TRUE(mutex.lock(0ms));
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        leftLocked = file.readAll();
+        leftLocked = contentOf(path());
     }
     for (const QByteArray &content :
          {leftLocked, leftLocked.left(10), QByteArray(leftLocked.size(), '\xFF'), QByteArray()}) {
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(content);
-        file.close();
+        ASSERT_TRUE(writeFile(path(), content));
         EXPECT_EQ(tryElsewhere(0ms), 0) << content.left(12).toHex().constData();
     }
 }

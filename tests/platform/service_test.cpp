@@ -33,7 +33,6 @@ TEST_F(ServiceTest, ALockIsHeldByOneLivingProcessWhichItTells) {
     EXPECT_EQ(ProcessLock::holder(path), other->id());
     EXPECT_FALSE(ProcessLock(path).isHeld());
     other->kill();
-    other->wait();
     EXPECT_EQ(ProcessLock::holder(path), std::nullopt);
     EXPECT_TRUE(ProcessLock(path).isHeld());
     EXPECT_FALSE(ProcessLock(device_.path() + u"/no/such/folder").isHeld());

@@ -33,17 +33,6 @@ TEST(Shell, ALinkIsOpenedAsItIsMeantAndTellsAComposerNothingMore) {
         EXPECT_FALSE(openLink(link)) << link.toUtf8().constData();
 }
 
-TEST(Text, CutsNeverHalveASurrogatePair) {
-    const QString emoji = u"ab😀😀"_s;
-    EXPECT_EQ(cutText(emoji, 3), u"ab");
-    EXPECT_EQ(cutText(emoji, 4), u"ab😀");
-}
-
-TEST(Text, TrimmingKeepsTheFirstCharacter) {
-    EXPECT_EQ(TrimTrailingBlanks(u"  name  "), u"  name");
-    EXPECT_EQ(TrimTrailingBlanks(u"   "), u" ");
-}
-
 TEST(Text, WhatShowsNothingIsBlankedAndWhatIsSeenStays) {
     const std::tuple<QString, QString> cases[] = {
         {u"a\tb\u0007c\u0085d"_s, u"a b c d"_s},

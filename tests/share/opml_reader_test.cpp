@@ -68,7 +68,6 @@ protected:
     FeedServer server_;
     TestDevice device_;
     const QString file_ = device_.root.filePath(u"list.opml");
-    const QString downloaded_ = device_.root.filePath(u"\\Temp\\TmpOpml.opml");
 };
 
 TEST_F(OpmlReaderTest, ReadsWhatAListOffers) {
@@ -98,13 +97,10 @@ TEST_F(OpmlReaderTest, ReadsWhatAListOffers) {
         {"<?xml version=\"1.0\" encoding=\"windows-1251\"?>" + list(leaf("\xCD\xEE\xE2")),
          u"Нов=u|-"_s},
         {"\xFF\xFE" + utf16(QString::fromUtf8(list(leaf("é")))), u"é=u|-"_s},
-        {list(""), u"-"_s},
-        {list(leaf("a") + leaf("a")), u"a=u|a=u|-"_s},
         // refused as a whole
         {list(leaf("a") + "<outline text='n' xmlUrl='u'/>"), u"1003"_s},
         {list(leaf("a") + "<outline type='rss' xmlUrl='u'/>"), u"1003"_s},
         {"<OPML><body/></OPML>", u"1003"_s},
-        {"<opml><head/></opml>", u"1003"_s},
         {"<rss><channel/></rss>", u"1003"_s},
         {"", u"1002"_s},
         {list(leaf("a")).chopped(1), u"1002"_s},
@@ -161,16 +157,14 @@ TEST_F(OpmlReaderTest, AListIsDownloadedIntoItsPlaceOrTheFailureTold) {
     const auto readUrl = [&](QStringView path) {
         return read(AddMode::ListFromUrl, u"http://localhost" + path, {.bodyBytes = 100'000});
     };
+    const QString downloaded = device_.root.filePath(u"\\Temp\\TmpOpml.opml");
     EXPECT_EQ(readUrl(u"/packed"), u"1=u|-");
     EXPECT_EQ(readUrl(u"/moved"), u"1=u|2=u|-");
-    QFile file(downloaded_);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), numbered(2));
+    EXPECT_EQ(contentOf(downloaded), numbered(2));
     EXPECT_EQ(readUrl(u"/reset"), u"1009");
     EXPECT_EQ(readUrl(u"/endless"), u"1009");
     EXPECT_EQ(read(AddMode::ListFromUrl, u"http://"_s), u"1007");
-    file.seek(0);
-    EXPECT_EQ(file.readAll(), numbered(2)) << "what is not whole does not take its place";
+    EXPECT_EQ(contentOf(downloaded), numbered(2)) << "what is not whole does not take its place";
     EXPECT_EQ(readUrl(u"/page"), u"1002");
     QDir(device_.root.filePath(u"\\Temp")).removeRecursively();
     EXPECT_EQ(readUrl(u"/list"), u"1004");

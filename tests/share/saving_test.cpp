@@ -20,11 +20,6 @@ class SavingTest : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
 
-    static QByteArray content(const QString &path) {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("none");
-    }
-
     /// What the reader makes of the exported file.
     QStringList listed() {
         OpmlReader reader(device_.root, *device_.registry);
@@ -64,7 +59,7 @@ TEST_F(SavingTest, AnExportedCategoryIsReadBackWhole) {
     EXPECT_EQ(read, expected);
 
     ASSERT_TRUE(exportOpml(*device_.store, u"Other"_s, u"o"_s, file_));
-    EXPECT_EQ(content(file_).simplified().replace("> <", "><"),
+    EXPECT_EQ(contentOf(file_).simplified().replace("> <", "><"),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?><opml version=\"2.0\">"
               "<head><title>Other</title></head><body><outline text=\"Other\">"
               "<outline text=\"o\" type=\"link\" url=\"http://o/\"/>"
@@ -77,7 +72,7 @@ TEST_F(SavingTest, AnExportedCategoryIsReadBackWhole) {
             device_.store->InsertChannel({u"C"_s, u"n%1"_s.arg(i), u"http://x/%1"_s.arg(i)});
     });
     ASSERT_TRUE(exportOpml(*device_.store, u"C"_s, {}, file_));
-    EXPECT_EQ(content(file_).count("type=\"link\""), 600) << "more than a screen can show";
+    EXPECT_EQ(contentOf(file_).count("type=\"link\""), 600) << "more than a screen can show";
 }
 
 TEST_F(SavingTest, AnExportThatFailsLeavesTheOldFileWhole) {
@@ -94,7 +89,7 @@ TEST_F(SavingTest, AnExportThatFailsLeavesTheOldFileWhole) {
     }
     device_.store->ReleaseSession();
     EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
-    EXPECT_EQ(content(file_), "old");
+    EXPECT_EQ(contentOf(file_), "old");
 }
 
 TEST_F(SavingTest, APageIsTheArticleAsItIsAndZerosBehindIt) {
@@ -106,18 +101,18 @@ TEST_F(SavingTest, APageIsTheArticleAsItIsAndZerosBehindIt) {
                             "content=\"text/html; charset=UTF-8\">\n";
     ASSERT_TRUE(save(SaveKind::Link, title));
     const auto padded = [](QByteArray page) { return page.append(65'536 - page.size(), '\0'); };
-    EXPECT_EQ(content(file_),
+    EXPECT_EQ(contentOf(file_),
               padded(head + "</head>\n<body><a href=\"http://x/?a&b\">A <b> & 'c'</a>\n"
                             "</body>\n</html>"));
     ASSERT_TRUE(save(SaveKind::Article, title));
-    EXPECT_EQ(content(file_),
+    EXPECT_EQ(contentOf(file_),
               padded(head + "<title>A <b> & 'c'</title>\n</head>\n<body><h4><a href =\""
                             "http://x/?a&b\">A <b> & 'c'</a></h4>\n<p><p>É</p></p>\n<br><br>"
                             "<a href=\"http://x/?a&b\">more</a>\n</body>\n</html>"));
     ASSERT_TRUE(save(SaveKind::Article, u"long"_s));
     const QByteArray cut = QString(1322, u'€').toUtf8(); // 3,966 of 3,967 bytes
-    EXPECT_TRUE(content(file_).contains(QByteArray("<p>" + cut + "</p>\n")));
-    EXPECT_EQ(content(file_).size(), 65'536);
+    EXPECT_TRUE(contentOf(file_).contains(QByteArray("<p>" + cut + "</p>\n")));
+    EXPECT_EQ(contentOf(file_).size(), 65'536);
     EXPECT_EQ(device_.counts(u"C"_s, u"ch"_s), u"2/2") << "saving is not reading";
 }
 
@@ -133,7 +128,7 @@ TEST_F(SavingTest, WhatCannotBeSavedLeavesTheOldFileWhole) {
         EXPECT_FALSE(save(SaveKind::Link, u"kept"_s));
     }
     EXPECT_EQ(device_.store->error(), 1004u);
-    EXPECT_EQ(content(file_), "old");
+    EXPECT_EQ(contentOf(file_), "old");
     // What is no plain file is left alone.
     const QString fifo = device_.root.filePath(u"fifo");
     ASSERT_EQ(mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);

@@ -44,13 +44,6 @@ TEST_F(ArticleTest, AnyTitleIsFoundByWhatTheListShows) {
     }
 }
 
-TEST_F(ArticleTest, AnArticleThatIsNotThereIsReadAsNothing) {
-    device_.addChannel(u"C"_s, u"ch"_s, {u"one"_s});
-    const ArticleDetail found = detail(u"ch"_s, u"two"_s);
-    EXPECT_TRUE(found.itemLink.isEmpty() && found.description.isEmpty());
-    EXPECT_EQ(device_.counts(u"C"_s, u"ch"_s), u"1/1");
-}
-
 TEST_F(ArticleTest, ThreadsShareOneStoreAndMarkingAChannelChangesItsCountsAlone) {
     device_.addChannel(u"C"_s, u"a"_s, {u"1"_s, u"2"_s});
     device_.addChannel(u"C"_s, u"b"_s, {u"1"_s, u"2"_s, u"3"_s});

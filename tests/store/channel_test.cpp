@@ -67,16 +67,6 @@ TEST_F(ChannelTest, ALinkWithAQuoteNeverBecomesSql) {
     EXPECT_EQ(link(u"C"_s, u"victim"_s), u"http://example.org/feed");
 }
 
-TEST_F(ChannelTest, RenamingOntoATakenNameFailsWithTheArticlesRenamed) {
-    device_.addChannel(u"C"_s, u"old"_s, {u"a"_s});
-    device_.addChannel(u"C"_s, u"taken"_s, {u"b"_s});
-    EXPECT_FALSE(store().RenameChannel(u"old"_s, u"taken"_s));
-    EXPECT_EQ(store().error(), 1001u);
-    EXPECT_EQ(device_.channelNames(u"C"_s), (QStringList{u"old"_s, u"taken"_s}));
-    EXPECT_EQ(device_.titles(u"taken"_s).size(), 2);
-    EXPECT_EQ(device_.titles(u"old"_s), QStringList());
-}
-
 TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
     store().changeAtOnce([](SqlCommand &command) {
         for (int i = 0; i < 700; ++i) {

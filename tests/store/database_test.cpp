@@ -54,8 +54,7 @@ QByteArray foreignDatabase() {
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"other.db"_s);
     SqliteDatabase::open(path, {.create = true})->run("CREATE TABLE T (A)");
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contentOf(path);
 }
 
 TEST(Database, AFileThatIsNoneOfOursIsToldWithWhatToDoAndLeftAsItIs) {
@@ -76,9 +75,7 @@ TEST(Database, AFileThatIsNoneOfOursIsToldWithWhatToDoAndLeftAsItIs) {
         EXPECT_TRUE(told.startsWith(u"database: cannot be opened: ")) << told.toStdString();
         EXPECT_TRUE(told.contains(u"move it away")) << told.toStdString();
         device.restart();
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_TRUE(file.readAll() == content);
+        EXPECT_TRUE(contentOf(path) == content);
     }
 }
 

@@ -22,10 +22,7 @@ public:
 
     /// What it was called with so far: for each call a line with the number of its arguments, and
     /// these.
-    QByteArray calls() const {
-        QFile file(folder_.filePath(QStringLiteral("calls")));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray calls() const { return contentOf(folder_.filePath(QStringLiteral("calls"))); }
     /// From now on it does nothing and fails.
     void refuse() { writeFile(folder_.filePath(QStringLiteral("refuses")), {}); }
     /// From now on there is no such program.

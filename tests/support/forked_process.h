@@ -29,17 +29,17 @@ public:
         alarm(60); // whatever goes wrong, it does not stay
         _exit(work());
     }
-    ~ForkedProcess() {
-        if (id_ > 0) {
-            kill();
-            wait();
-        }
-    }
+    ~ForkedProcess() { kill(); }
     ForkedProcess(const ForkedProcess &) = delete;
     ForkedProcess &operator=(const ForkedProcess &) = delete;
 
     pid_t id() const { return id_; }
-    void kill() { ::kill(id_, SIGKILL); }
+    void kill() {
+        if (id_ <= 0) // which would be more than one process
+            return;
+        ::kill(id_, SIGKILL);
+        wait();
+    }
     /// Its exit code; -1 when a signal ended it.
     int wait() {
         int status = 0;
@@ -74,7 +74,6 @@ public:
         eventfd_t count = 0;
         return wait() && eventfd_read(count_.number(), &count) == 0 ? count : 0;
     }
-    int descriptor() const { return count_.number(); }
 
 private:
     const Descriptor count_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};

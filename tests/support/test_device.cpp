@@ -15,6 +15,11 @@ bool writeFile(const QString &path, const QByteArray &content) {
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
+QByteArray contentOf(const QString &path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 TestDevice::TestDevice(const QString &seed) : root(folder_.filePath(QStringLiteral("device"))) {
     QDir().mkpath(root.path());
     root.makeFolders();

@@ -56,5 +56,7 @@ public:
 /// A text as it stands in a UTF-16LE file.
 QByteArray utf16(const QString &text);
 bool writeFile(const QString &path, const QByteArray &content);
+/// Null for what cannot be read.
+QByteArray contentOf(const QString &path);
 
 } // namespace tidebrook
