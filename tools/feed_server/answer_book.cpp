@@ -9,14 +9,7 @@
 
 namespace tidebrook {
 
-namespace {
-
-constexpr int largestGeneratedFeed = 1'000'000;
-
-} // namespace
-
 QByteArray Answer::head() const {
-    constexpr int unchanged = 304;
     QByteArray text = "HTTP/1.1 " + QByteArray::number(status) + " Status\r\n";
     const auto add = [&text](const QByteArray &name, const QByteArray &value) {
         if (!value.isEmpty())
@@ -26,7 +19,7 @@ QByteArray Answer::head() const {
         add(name, value);
     add("ETag", etag);
     add("Last-Modified", lastModified);
-    if (status != unchanged) {
+    if (status != 304) {
         add("Content-Type", contentType);
         add("Content-Length", QByteArray::number(body.size()));
     }
@@ -78,8 +71,7 @@ std::optional<Answer> AnswerBook::generated(const QString &path) {
     bool isSeed = false;
     const int items = parts.value(2).toInt(&isCount);
     const quint32 seed = parts.value(3).toUInt(&isSeed);
-    if (parts.size() != 4 || parts[1] != u"generated" || !isCount || !isSeed || items < 0 ||
-        items > largestGeneratedFeed)
+    if (parts.size() != 4 || parts[1] != u"generated" || !isCount || !isSeed || items < 0)
         return std::nullopt;
     QByteArray &feed = generatedFeeds_[path];
     if (feed.isEmpty())

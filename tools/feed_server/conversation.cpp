@@ -111,23 +111,21 @@ void FeedServer::converse(int socket) {
 
 bool FeedServer::readRequest(int socket, QByteArray &rest, Request &request) {
     request = {};
-    std::array<char, 4096> buffer;
-    const bool hasBegun = !rest.isEmpty() || waitFor(socket, POLLIN);
     request.arrived = std::chrono::steady_clock::now();
-    while (hasBegun && !rest.contains("\r\n\r\n")) {
+    std::array<char, 4096> buffer;
+    while (!rest.contains("\r\n\r\n")) {
         const ssize_t size = recv(socket, buffer.data(), buffer.size(), 0);
         if (size <= 0)
             return false;
+        if (rest.isEmpty())
+            request.arrived = std::chrono::steady_clock::now();
         bytesReceived_ += size;
         rest.append(buffer.data(), size);
     }
     const qsizetype end = rest.indexOf("\r\n\r\n");
-    if (end < 0)
-        return false;
     const QList<QByteArray> lines = rest.first(end).split('\n');
     rest.remove(0, end + 4);
-    const QList<QByteArray> words = lines.constFirst().split(' ');
-    request.path = words.value(1);
+    request.path = lines.constFirst().split(' ').value(1);
     for (const QByteArray &line : lines.sliced(1)) {
         const qsizetype colon = line.indexOf(':');
         request.headers.append({line.first(qMax(colon, 0LL)), line.sliced(colon + 1).trimmed()});

@@ -9,34 +9,30 @@
 #include <csignal>
 #include <cstdio>
 
-using tidebrook::FeedServer;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 void describe(QCommandLineParser &parser) {
-    parser.setApplicationDescription(QStringLiteral(
-        "Serves feeds on 127.0.0.1 until it is ended or its parent process ends:\n"
-        "the files of a directory at /, and made-up feeds at /generated/ITEMS/SEED."));
-    parser.addOptions({
-        {QStringLiteral("directory"), QStringLiteral("Serve the files below DIR."),
-         QStringLiteral("DIR")},
-        {QStringLiteral("delay"), QStringLiteral("Wait MS milliseconds before every answer."),
-         QStringLiteral("MS"), QStringLiteral("0")},
-        {QStringLiteral("validators"),
-         QStringLiteral("Send ETags, and answer 304 to clients that have the newest.")},
-    });
+    parser.setApplicationDescription(
+        u"Serves feeds on 127.0.0.1 until it is ended or its parent process ends:\n"
+        "the files of a directory at /, and made-up feeds at /generated/ITEMS/SEED."_s);
+    parser.addOptions(
+        {{u"directory"_s, u"Serve the files below DIR."_s, u"DIR"_s},
+         {u"delay"_s, u"Wait MS milliseconds before every answer."_s, u"MS"_s, u"0"_s},
+         {u"validators"_s, u"Send ETags, and answer 304 to clients that have the newest."_s}});
     parser.addHelpOption();
 }
 
 int serve(const QCommandLineParser &parser) {
-    FeedServer server;
-    if (parser.isSet(QStringLiteral("directory")))
-        server.serveDirectory(parser.value(QStringLiteral("directory")));
-    server.setValidators(parser.isSet(QStringLiteral("validators")));
-    server.setDelay(std::chrono::milliseconds(parser.value(QStringLiteral("delay")).toInt()));
+    tidebrook::FeedServer server;
+    if (parser.isSet(u"directory"_s))
+        server.serveDirectory(parser.value(u"directory"_s));
+    server.setValidators(parser.isSet(u"validators"_s));
+    server.setDelay(std::chrono::milliseconds(parser.value(u"delay"_s).toInt()));
     std::printf("listening on http://127.0.0.1:%d\n", server.port());
     std::fflush(stdout);
-    return pause();
+    return pause(); // until a signal ends the process
 }
 
 } // namespace
