@@ -58,14 +58,9 @@ TEST_F(AutomaticTest, ARoundThatIsDueIsRunOnceWhateverIsRestarted) {
 }
 
 TEST_F(AutomaticTest, ARoundThatIsCutOffGoesOnWhereItWas) {
-    bool isFirst = true;
+    set(u"UpdateMode"_s, 1);
+    qint64 due = 0; // the first time, there has been no round yet
     for (const int signal : {SIGTERM, SIGKILL, SIGTERM}) {
-        // The first time, there has been no round yet.
-        const qint64 due = isFirst ? 0 : QDateTime::currentSecsSinceEpoch() - 1800;
-        if (!isFirst)
-            set(u"LastAutoUpdate"_s, due);
-        isFirst = false;
-        set(u"UpdateMode"_s, 1);
         server_.hang(u"/ch3"_s);
         server_.clearRequests();
         start();
@@ -79,6 +74,8 @@ TEST_F(AutomaticTest, ARoundThatIsCutOffGoesOnWhereItWas) {
         EXPECT_EQ(ok(u"channels"_s).count(u"3/3"_s), 6);
         EXPECT_EQ(end(SIGTERM), 0);
         QFile::remove(root_.filePath(u"UpdateState.db"));
+        due = QDateTime::currentSecsSinceEpoch() - 1800;
+        set(u"LastAutoUpdate"_s, due);
         expectSound();
     }
 }

@@ -6,7 +6,6 @@
 #include <QThread>
 
 #include <csignal>
-#include <iostream>
 #include <random>
 
 namespace tidebrook {
@@ -32,25 +31,21 @@ protected:
     }
 
     void live() {
-        keepGoing(requester_, u"request C ch%1 --timeout 5"_s.arg(random(channelCount)));
-        keepGoing(updater_, u"update --jobs 2"_s);
+        keepGoing(requester_, requests_, u"request C ch%1 --timeout 5"_s.arg(random(channelCount)));
+        keepGoing(updater_, updates_, u"update --jobs 2"_s);
         QThread::msleep(static_cast<unsigned long>(random(60)));
-        if (random(3) == 0)
-            killOne();
-    }
-
-    void killOne() {
-        const std::optional<pid_t> service = runningService(root_);
-        const int victim = random(3);
-        if (victim < 2)
-            (victim == 0 ? requester_ : updater_)->kill();
-        else if (service)
+        const int victim = random(9);
+        if (victim == 0)
+            requester_->kill();
+        else if (victim == 1)
+            updater_->kill();
+        else if (const auto service = runningService(root_); victim == 2 && service)
             serviceKills_ += kill(*service, SIGKILL) == 0 ? 1 : 0;
     }
 
     int random(int limit) { return std::uniform_int_distribution(0, limit - 1)(random_); }
 
-    int dones_ = 0;
+    int requests_ = 0; // done
     int updates_ = 0;
     int kills_ = 0;
     int serviceKills_ = 0;
@@ -59,15 +54,13 @@ protected:
 
 private:
     // Starts it, again when it has ended.
-    void keepGoing(std::unique_ptr<QProcess> &process, const QString &command) {
+    void keepGoing(std::unique_ptr<QProcess> &process, int &dones, const QString &command) {
         if (process && !process->waitForFinished(0) && process->state() != QProcess::NotRunning)
             return;
-        if (process) {
-            const bool isDone =
-                process->exitStatus() == QProcess::NormalExit && process->exitCode() == 0;
-            kills_ += process->exitStatus() == QProcess::CrashExit ? 1 : 0;
-            (&process == &requester_ ? dones_ : updates_) += isDone ? 1 : 0;
-        }
+        if (process && process->exitStatus() == QProcess::CrashExit)
+            ++kills_;
+        else if (process && process->exitCode() == 0)
+            ++dones;
         process = start(command);
         process->waitForStarted();
     }
@@ -81,23 +74,16 @@ TEST_F(ChaosTest, NothingIsLostOrStuckWhoeverIsKilled) {
     publish(0);
     QElapsedTimer timer;
     timer.start();
-    qint64 soundAt = 0;
     for (int round = 1; timer.elapsed() < chaosSeconds() * 1000; ++round) {
         publish(round);
         for (int i = 0; i < 20; ++i)
             live();
-        if (timer.elapsed() - soundAt > 30'000) {
-            expectSound();
-            soundAt = timer.elapsed();
-        }
     }
     for (const auto &process : {requester_.get(), updater_.get()}) {
         process->kill();
         process->waitForFinished();
     }
-    std::cout << dones_ << " requests done, " << updates_ << " updates done, " << kills_
-              << " commands and " << serviceKills_ << " services killed\n";
-    EXPECT_GT(dones_, 0);
+    EXPECT_GT(requests_, 0);
     EXPECT_GT(updates_, 0);
     EXPECT_GT(kills_, 0);
     EXPECT_GT(serviceKills_, 0);
