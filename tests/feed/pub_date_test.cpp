@@ -22,10 +22,8 @@ TEST(PubDate, SortsByTime) {
         {u"Fri Mar 07 10:15:00 GMT 2008"_s, u"2008-03-07"_s},
         {u"2008-03-07T10:15:00Z"_s, u"2026-11-05"_s},
         {u"Fri, 07 MAR 2008"_s, u"2008-11-07"_s},
-        {u"Fri, 07 March 2008"_s, u"2008-11-07"_s},
         {u""_s, u"2026-11-05"_s},
         {u"DEFAULT"_s, u""_s},
-        {u"DEFAULT date"_s, u""_s},
     };
     for (const auto &[text, normal] : cases)
         EXPECT_EQ(normalisePubDate(text), normal) << text.toStdString();

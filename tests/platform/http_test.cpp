@@ -14,13 +14,11 @@ namespace tidebrook {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-using std::chrono::milliseconds;
+using namespace std::chrono_literals;
 
 // The time limits are only for servers that use them up: a busy machine is not to fail the rest.
-const HttpLimits smallLimits{milliseconds(20'000), milliseconds(20'000), milliseconds(20'000),
-                             100'000};
-const HttpLimits hastyLimits{milliseconds(300), milliseconds(300), milliseconds(300), 100'000};
+const HttpLimits smallLimits{20s, 20s, 20s, 100'000};
+const HttpLimits hastyLimits{300ms, 300ms, 300ms, 100'000};
 
 class HttpTest : public testing::Test {
 protected:

@@ -175,36 +175,28 @@ TEST_F(AutoRoundTest, AFailingFeedIsTriedLessAndLessOften) {
 
 TEST_F(AutoRoundTest, ServersThatAskForItAreLeftAlone) {
     struct Case {
-        const char *what;
         QByteArray retryAfter;
         double firstTry; // hours, in half-hourly rounds
         int status;
         bool isForHost = false;
     };
     const Case cases[] = {
-        {"seconds", "7200", 2, 429, true},
-        {"a date", "Thu, 11 Jun 2099 00:00:00 GMT", 168, 503}, // a week at most
-        {"longer than the back-off", "36000", 10, 503},
-        {"shorter than the back-off", "1", 1, 503},
-        {"nonsense", "soon", 1, 503},
-        {"nothing", {}, 1, 429, true},
+        {"7200", 2, 429, true}, {"Thu, 11 Jun 2099 00:00:00 GMT", 168, 503}, // a week at most
+        {"36000", 10, 503}, // longer than the back-off
+        {"1", 1, 503},          {"soon", 1, 503},
+        {"", 1, 429, true},
     };
     addFeed(u"f"_s);
     addFeed(u"g"_s, 1);
     for (const Case &test : cases) {
-        SCOPED_TRACE(test.what);
+        SCOPED_TRACE(test.retryAfter.toStdString());
         QFile::remove(device_.root.filePath(u"UpdateState.db"));
-        const FeedServer::Headers wish{{"Retry-After", test.retryAfter}};
-        server_.answerStatus(u"/f"_s, test.status, {},
-                             wish.first(test.retryAfter.isNull() ? 0 : 1));
+        server_.answerStatus(u"/f"_s, test.status, {}, {{"Retry-After", test.retryAfter}});
         EXPECT_EQ(runRound(0).tried, test.isForHost ? 1 : 2);
         EXPECT_EQ(server_.requests().size(), test.isForHost ? 1 : 2);
         server_.serve(u"/f"_s, generatedFeed(1, 2));
-        const double step = test.firstTry > 100 ? 12 : 0.5;
-        double hour = step;
-        while (hour < 200 && runRound(hour).leftAlone > 0)
-            hour += step;
-        EXPECT_EQ(hour, test.firstTry);
+        EXPECT_GT(runRound(test.firstTry - 0.5).leftAlone, 0);
+        EXPECT_EQ(runRound(test.firstTry).leftAlone, 0);
     }
 }
 
