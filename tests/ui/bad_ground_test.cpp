@@ -4,36 +4,15 @@
 #include "ui/kit/progress_line.h"
 #include "ui/reading_test.h"
 
-#include <QFile>
-
-#include <semaphore>
-
 namespace tidebrook {
 namespace {
 
 const Hand add = choosing({u"New Category"_s});
 
-/// Types a name for the category that is selected.
-Hand naming(const QString &before, const QString &name) {
-    return [before, name](User &user) {
-        user.press(Qt::Key_F2);
-        ASSERT_TRUE(user.seesEditor(before));
-        user.type(name);
-        ASSERT_TRUE(user.seesEditor(name));
-    };
+Hand naming(const QString &name) {
+    return [name](User &user) { typeName(user, u"Science"_s, name); };
 }
-
-void rename(User &user) {
-    naming(u"Science"_s, u"Sport"_s)(user);
-    user.press(Qt::Key_Return);
-    ASSERT_TRUE(user.seesNoEditor());
-}
-
-void remove(User &user) {
-    user.press(Qt::Key_Delete);
-    ASSERT_TRUE(user.seesBox(deleteCategory));
-    user.tap(u"Yes"_s);
-}
+void rename(User &user) { renameCategory(user, u"Science"_s, u"Sport"_s); }
 
 /// A database file that another program is busy writing to, for as long as this lives.
 struct WriteLock {
@@ -62,8 +41,7 @@ TEST_F(BadGround, AFileThatOthersAreBusyWithIsWaitedFor) {
         QString name = u"Science"_s;
         for (const QString &file : {registry, database}) {
             auto lock = std::make_unique<WriteLock>(file);
-            naming(name, name + u'+')(user);
-            user.press(Qt::Key_Return);
+            renameCategory(user, name, name + u'+');
             name += u'+';
             EXPECT_TRUE(user.sees([&] { return user.list()->findRow(name) >= 0; }));
             EXPECT_TRUE(user.sees([&] { return user.stack().progressLine().isAtWork(); }));
@@ -82,9 +60,9 @@ TEST_F(BadGround, AFileThatOthersAreBusyWithIsWaitedFor) {
 TEST_F(BadGround, WhatCannotBeStoredIsToldOnceAndNothingIsLost) {
     // The locked file, or none where the disk is full.
     const std::pair<QString, QList<Hand>> grounds[]{
-        {registry, {add, rename, remove}},
-        {database, {rename, remove}},
-        {{}, {add, rename, remove}},
+        {registry, {add, rename, removeCategory}},
+        {database, {rename, removeCategory}},
+        {{}, {add, rename, removeCategory}},
     };
     runOnScience([&](User &user) {
         for (const auto &[file, hands] : grounds) {
@@ -112,23 +90,6 @@ TEST_F(BadGround, WhatCannotBeStoredIsToldOnceAndNothingIsLost) {
     EXPECT_EQ(device.counts(u"Science"_s, u"Moon"_s), u"3/5");
 }
 
-TEST_F(BadGround, ADamagedRegistryIsToldAndLeftAsItIs) {
-    device.store.reset();
-    device.registry.reset();
-    const QByteArray garbage(8192, 'x');
-    ASSERT_TRUE(writeFile(registry, garbage));
-    session = std::make_unique<Session>(device.root);
-    EXPECT_TRUE(session->run([&](User &user) {
-        expectBox(user, fileProblem);
-        add(user);
-        expectBox(user, fileProblem);
-        EXPECT_EQ(user.rows(), QStringList()) << "no row is shown that is not stored";
-    }));
-    QFile file(registry);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), garbage);
-}
-
 struct Closing {
     const char *what;
     Hand act;
@@ -136,8 +97,8 @@ struct Closing {
 };
 const QStringList renamed{u"News"_s, u"Travel"_s, u"Sport"_s};
 const Closing closings[]{
-    {"a name is being typed", naming(u"Science"_s, u"Sport"_s), renamed},
-    {"a taken name is being typed", naming(u"Science"_s, u"News"_s), seeded},
+    {"a name is being typed", naming(u"Sport"_s), renamed},
+    {"a taken name is being typed", naming(u"News"_s), seeded},
     {"a new category is being named",
      [](User &user) {
          add(user);
@@ -146,12 +107,7 @@ const Closing closings[]{
      },
      seeded + QStringList{u"Sport"_s}},
     {"a renaming is under way", rename, renamed},
-    {"a question is asked",
-     [](User &user) {
-         user.press(Qt::Key_Delete);
-         ASSERT_TRUE(user.seesBox(deleteCategory));
-     },
-     seeded},
+    {"a question is asked", askToDelete, seeded},
     {"the menu is open", choosing({u"Font Size"_s}), seeded},
     {"the help lies over the channels",
      [](User &user) {
@@ -167,10 +123,9 @@ class EachClosing : public BadGround, public testing::WithParamInterface<Closing
 
 TEST_P(EachClosing, LosesNothing) {
     SCOPED_TRACE(GetParam().what);
-    std::counting_semaphore<> gate(0);
     runOnScience([&](User &user) {
         // Whatever is to be stored has not even begun when the screens end.
-        user.look([&] { session->state().changes.tell([&] { gate.acquire(); }); });
+        closeGate(user, &AppState::changes);
         GetParam().act(user);
         user.closeWindow();
         EXPECT_TRUE(user.sees([&user] { return user.stack().top() == nullptr; }));
@@ -180,32 +135,6 @@ TEST_P(EachClosing, LosesNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(ClosedWindow, EachClosing, testing::ValuesIn(closings));
-
-TEST_F(BadGround, AWindowOfAnySizeCanBeWorkedIn) {
-    for (const QSize &size : {QSize(100, 100), QSize(4000, 3000), QSize(300, 300)}) {
-        SCOPED_TRACE(size.width());
-        const auto work = [&](User &user) {
-            const auto isInSight = [&user] {
-                const QRect row = user.list()->visualRect(user.list()->currentIndex());
-                return row.isValid() && user.list()->viewport()->rect().intersects(row);
-            };
-            user.press(Qt::Key_End);
-            EXPECT_TRUE(user.seesSelected(2) && user.sees(isInSight));
-            // Turned and turned again while the channels come.
-            user.press(Qt::Key_Up);
-            user.press(Qt::Key_Return);
-            const QSize turned = size + QSize(0, 50);
-            for (const QSize &next : {turned, size, turned})
-                user.resize(next);
-            EXPECT_TRUE(user.seesLines(scienceLines));
-            EXPECT_TRUE(user.sees([&] {
-                return user.stack().top()->size() == turned && isInSight() &&
-                       user.list()->columnWidth() == size.width() - 2;
-            }));
-        };
-        run(work, size);
-    }
-}
 
 } // namespace
 } // namespace tidebrook

@@ -48,9 +48,7 @@ TEST_F(ListRoomTest, RowsMakeRoomForTheScrollBarWhereThereIsOne) {
                 });
             };
             EXPECT_TRUE(isRight(rows + 1, true));
-            user.press(Qt::Key_Delete);
-            ASSERT_TRUE(user.seesBox(deleteCategory));
-            user.tap(u"Yes"_s);
+            removeCategory(user);
             EXPECT_TRUE(isRight(rows, false));
             user.resize({user.stack().height(), user.stack().width()});
             EXPECT_TRUE(isRight(rows, rows == 6));
@@ -101,7 +99,8 @@ TEST_F(ListRoomTest, ScrollsAndKeepsWhatIsSelectedInSight) {
         EXPECT_TRUE(user.sees([&] { return bottom() == lowest; }));
 
         user.press(Qt::Key_End);
-        for (const QSize &turned : {QSize(320, 240), QSize(240, 320)}) {
+        for (const QSize &turned :
+             {QSize(320, 240), QSize(100, 100), QSize(4000, 3000), QSize(240, 320)}) {
             user.resize(turned);
             EXPECT_TRUE(user.sees(
                 [&] { return user.stack().top()->size() == turned && isSelectedInSight(); }));

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <semaphore>
+
 namespace tidebrook {
 
 using namespace Qt::StringLiterals;
@@ -19,6 +21,28 @@ inline const QStringList scienceLines{u"Moon: 3/5"_s, u"Odd: 4/4"_s, u"Star: 0/0
 inline const QString databaseProblem = u"Encountering Problem when Accessing Database"_s;
 inline const QString fileProblem = u"Encountering Problem when Accessing Crucial File"_s;
 inline const QString deleteCategory = u"Are you sure you want to delete this category?"_s;
+
+/// Types another name for the selected category.
+inline void typeName(User &user, const QString &before, const QString &name) {
+    user.press(Qt::Key_F2);
+    ASSERT_TRUE(user.seesEditor(before));
+    user.type(name);
+    ASSERT_TRUE(user.seesEditor(name));
+}
+inline void renameCategory(User &user, const QString &before, const QString &name) {
+    typeName(user, before, name);
+    user.press(Qt::Key_Return);
+    ASSERT_TRUE(user.seesNoEditor());
+}
+/// Has the selected category deleted, but for the answer.
+inline void askToDelete(User &user) {
+    user.press(Qt::Key_Delete);
+    ASSERT_TRUE(user.seesBox(deleteCategory));
+}
+inline void removeCategory(User &user) {
+    askToDelete(user);
+    user.tap(u"Yes"_s);
+}
 
 /// A device with Planet in News, Comet in Travel, and in Science Moon, whose articles are partly
 /// read, Odd, whose titles are, and Star.
@@ -46,6 +70,10 @@ protected:
         };
         EXPECT_TRUE(session->run(begin));
         EXPECT_LT(session->longestBlocked(), 500ms);
+    }
+    /// Has a queue of the session do nothing more until the gate is opened.
+    void closeGate(User &user, WorkQueue AppState::*queue) {
+        user.look([&] { (session->state().*queue).tell([this] { gate.acquire(); }); });
     }
     /// From the categories to the first channel's articles (2) or the first article (3).
     static void go(User &user, int screen, int category = 1) {
@@ -79,6 +107,7 @@ protected:
     TestDevice device{u"Planet\thttp://example.org/a\tNews\n"
                       u"Star\thttp://example.org/b\tScience\n"
                       u"Comet\thttp://example.org/c\tTravel\n"_s};
+    std::counting_semaphore<> gate{0};
     std::unique_ptr<Session> session;
 };
 

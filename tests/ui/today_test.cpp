@@ -1,14 +1,7 @@
-#include "app/device_opening.h"
-#include "app/instance.h"
+#include "app/running_reader.h"
 #include "platform/named_event.h"
-#include "platform/service.h"
 #include "ui/kit/layer.h"
 #include "ui/reading_test.h"
-
-#include <QApplication>
-
-#include <semaphore>
-#include <thread>
 
 namespace tidebrook {
 namespace {
@@ -30,12 +23,6 @@ protected:
         }
         ASSERT_TRUE(user.seesCaption(u"All Categories"_s)) << "nothing leads there again";
         user.press(Qt::Key_Home);
-    }
-    static Hand going(int screen, const Hand &further) {
-        return [=](User &user) {
-            go(user, screen);
-            further(user);
-        };
     }
 };
 
@@ -67,17 +54,10 @@ TEST_F(TodayTest, AStartThatBringsTheReaderForwardLeadsToTheTappedHeadlineWherev
         {"a window that is hidden", 0, hide},
         {"a window that is minimised", 1, minimise},
     };
-    SingleInstance single(device.root);
-    single.claim(10s);
-    DeviceOpening opening(device.root);
-    Instance instance(opening, single);
-    ScreenStack *window = nullptr;
-    for (QWidget *widget : QApplication::topLevelWidgets())
-        window = window != nullptr ? window : qobject_cast<ScreenStack *>(widget);
-    User user(*window);
-    const auto visit = [&](const auto &place) {
+    const auto visit = [&](User &user, const auto &place) {
         SCOPED_TRACE(place.what);
-        going(place.screen, place.go)(user);
+        go(user, place.screen);
+        place.go(user);
         ASSERT_TRUE(user.seesQuiet());
         {
             NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
@@ -93,17 +73,13 @@ TEST_F(TodayTest, AStartThatBringsTheReaderForwardLeadsToTheTappedHeadlineWherev
         EXPECT_TRUE(user.seesPage(u"Sun"_s) && user.seesQuiet());
         goBack(user);
     };
-    std::thread hands([&] {
+    EXPECT_TRUE(runReader(device.root, [&](User &user) {
         EXPECT_TRUE(user.seesRows(seeded) && user.seesQuiet());
         for (const auto &place : places) {
             if (!HasFatalFailure())
-                visit(place);
+                visit(user, place);
         }
-        user.closeWindow();
-    });
-    EXPECT_TRUE(instance.InitInstance());
-    hands.join();
-    EXPECT_TRUE(stopService(device.root, 10s));
+    }));
     EXPECT_EQ(device.counts(u"Travel"_s, u"Sun"_s), u"2/3");
 }
 
@@ -119,9 +95,8 @@ TEST_F(TodayTest, AHeadlineThatHasGoneEndsInAListAndOneThatIsToldLateWaitsForWha
         leave();
         user.leaveAndReturn();
         EXPECT_TRUE(user.seesQuiet() && user.seesCaption(u"All Categories"_s));
-        std::binary_semaphore gate(0);
         for (const int key : {Qt::Key_Delete, Qt::Key_Return}) {
-            user.look([&] { session->state().settings.tell([&gate] { gate.acquire(); }); });
+            closeGate(user, &AppState::settings);
             tapHeadline(tapped, u"Gone"_s, u"b"_s);
             user.leaveAndReturn();
             user.press(key);
