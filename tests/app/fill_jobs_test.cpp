@@ -19,8 +19,8 @@ using namespace std::chrono_literals;
 
 constexpr int patience = 20'000; // ms
 
-/// Two screens and the fills that they launch, each of which stands still before its one row, and
-/// again behind it, until it is let on.
+/// Two screens and the fills that they launch, each of which stands still before it looks for a
+/// stop, until it is let on.
 class Screens {
 public:
     Screens() {
@@ -28,46 +28,27 @@ public:
         QObject::connect(&fills, &FillJobs::done, &screen_, [this] { --running; });
     }
     ~Screens() {
-        for (HeldFill &fill : held_) {
-            fill.row.release();
+        for (HeldFill &fill : held_)
             fill.end.release();
-        }
         fills.finish();
     }
     Screens(const Screens &) = delete;
     Screens &operator=(const Screens &) = delete;
 
-    bool launch(QObject &receiver) {
-        ++launches_;
-        HeldFill &held = held_.at(launches_);
-        const std::string name = std::to_string(launches_);
-        return fills.launch(
-            &receiver,
-            {.collect =
-                 [&held](FillStop &stop) {
-                     held.row.acquire();
-                     held.isStopped = stop.isRequested();
-                     held.isBehindRow = true;
-                     held.end.acquire();
-                 },
-             .show = [this, &held, name] { seen += held.isStopped ? "(" + name + ")" : name; },
-             .again = [this] { seen += 'A'; }});
+    /// L and l launch for the one screen and the other, N for the one a fill that does not look
+    /// any more. S asks for a stop, and a digit has that fill end. False when nothing is launched.
+    bool play(char event) {
+        if (event == 'S')
+            fills.requestStop();
+        else if (event < 'A')
+            end(held_.at(static_cast<std::size_t>(event - '0')));
+        else
+            return launch(event == 'l' ? other_ : screen_, event != 'N');
+        return true;
     }
-    bool launch() { return launch(screen_); }
-
-    /// L and l launch for the one screen and the other, S asks for a stop, < has fill 1 look
-    /// before its row, and a digit has that fill end.
     void play(const std::string &events) {
-        for (const char event : events) {
-            if (event == 'L' || event == 'l')
-                EXPECT_TRUE(launch(event == 'L' ? screen_ : other_));
-            else if (event == 'S')
-                fills.requestStop();
-            else if (event == '<')
-                lookBeforeRow(held_[1]);
-            else
-                end(held_.at(static_cast<std::size_t>(event - '0')));
-        }
+        for (const char event : events)
+            EXPECT_TRUE(play(event));
         QCoreApplication::processEvents();
     }
 
@@ -81,20 +62,26 @@ public:
 
 private:
     struct HeldFill {
-        std::binary_semaphore row{0};
         std::binary_semaphore end{0};
-        std::atomic<bool> isBehindRow = false;
         bool isStopped = false;
     };
 
-    static void lookBeforeRow(HeldFill &fill) {
-        fill.row.release();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return fill.isBehindRow.load(); }, patience));
+    bool launch(QObject &receiver, bool isLooking) {
+        HeldFill &held = held_.at(++launches_);
+        const std::string name = std::to_string(launches_);
+        return fills.launch(
+            &receiver,
+            {.collect =
+                 [&held, isLooking](FillStop &stop) {
+                     held.end.acquire();
+                     held.isStopped = isLooking && stop.isRequested();
+                 },
+             .show = [this, &held, name] { seen += held.isStopped ? "(" + name + ")" : name; },
+             .again = [this] { seen += 'A'; }});
     }
     void end(HeldFill &fill) {
-        fill.row.release();
-        fill.end.release();
         const int before = running;
+        fill.end.release();
         ASSERT_TRUE(QTest::qWaitFor([&] { return running < before; }, patience));
     }
 
@@ -105,29 +92,28 @@ private:
 };
 
 TEST(FillJobsTest, LaunchesCountDownStopsCountUpAndTheNewestRowsAreSeen) {
-    struct Case {
+    const struct {
         const char *events;
         int fillStop;
         const char *seen;
+    } cases[]{
+        {"L1", -1, "1"},          // a fill to its end leaves the counter
+        {"LS1", 0, "1"},          // one stop only balances the launch
+        {"LSS1", 0, "(1)"},       // the second one stops the fill, which counts down
+        {"L1SL2", -1, "12"},      // a stop that comes too late stops nothing
+        {"LL12", -2, "2"},        // of two at once the newer one is seen
+        {"LL21", -2, "2"},        // in whichever order they end
+        {"Ll12", -2, "12"},       // but one for each screen
+        {"LLSSS12", 0, "2"},      // a stop takes the first that looks
+        {"SL", 0, "A"},           // no fill will see this stop: it is balanced
+        {"SSSL", 2, "A"},         // one each time that the screen asks
+        {"SLL2", -1, "A2"},       // and then it is filled
+        {"LSSL1", 0, "A"},        // refused while one runs, and asked for after it
+        {"NSSL1", 0, "A"},        // also when that one did not look any more
+        {"LLSSSL1L24", -1, "4"},  // what was refused was launched meanwhile
+        {"LlSSSL1l24", -1, "4A"}, // or only another screen's was
     };
-    const std::array cases{
-        Case{"L1", -1, "1"},          // a fill to its end leaves the counter
-        Case{"LS1", 0, "1"},          // one stop only balances the launch
-        Case{"LSS1", 0, "(1)"},       // the second one stops the fill, which counts down
-        Case{"L1SL2", -1, "12"},      // a stop that comes too late stops nothing
-        Case{"LL12", -2, "2"},        // of two at once the newer one is seen
-        Case{"LL21", -2, "2"},        // in whichever order they end
-        Case{"Ll12", -2, "12"},       // but one for each screen
-        Case{"LLSSS12", 0, "2"},      // a stop takes the first that looks
-        Case{"SL", 0, "A"},           // no fill will see this stop: it is balanced
-        Case{"SSSL", 2, "A"},         // one each time that the screen asks
-        Case{"SLL2", -1, "A2"},       // and then it is filled
-        Case{"LSSL1", 0, "A"},        // refused while one runs, and asked for after it
-        Case{"L<SSL1", 0, "A"},       // also when that one did not look any more
-        Case{"LLSSSL1L24", -1, "4"},  // what was refused was launched meanwhile
-        Case{"LlSSSL1l24", -1, "4A"}, // or only another screen's was
-    };
-    for (const Case &expected : cases) {
+    for (const auto &expected : cases) {
         SCOPED_TRACE(expected.events);
         Screens screens;
         screens.play(expected.events);
@@ -178,7 +164,7 @@ TEST(FillJobsTest, NothingIsLaunchedStoppedOrBalancedWhileAnotherProcessHasTheMu
         const auto holder = startMutexHolder(screens.device.root);
         QElapsedTimer timer;
         timer.start();
-        EXPECT_FALSE(screens.launch());
+        EXPECT_FALSE(screens.play('L'));
         EXPECT_GE(timer.restart(), 2000);
         screens.fills.requestStop();
         EXPECT_GE(timer.elapsed(), 1000);
