@@ -15,8 +15,8 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
-#include <algorithm>
 #include <csignal>
 #include <random>
 
@@ -69,34 +69,20 @@ public:
 
     /// Whether it ends by itself when it gets a signal, as it does once it is under way.
     bool heedsSignals() const {
-        const auto caught = status(u"status"_s, "SigCgt:").toULongLong(nullptr, 16);
-        return (caught >> (SIGTERM - 1) & 1U) != 0;
+        QFile file(u"/proc/%1/status"_s.arg(id()));
+        const QByteArray status = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        const QByteArray field = "SigCgt:\t";
+        const auto caught = status.mid(status.indexOf(field) + field.size(), 16);
+        return (caught.toULongLong(nullptr, 16) >> (SIGTERM - 1) & 1U) != 0;
     }
     /// Has it stand still: nothing of it does anything after this.
     void hold() const {
         signal(SIGSTOP);
-        const auto stands = [this] {
-            const QDir tasks(u"/proc/%1/task"_s.arg(id()));
-            const QStringList names = tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-            return std::all_of(names.begin(), names.end(), [this](const QString &name) {
-                return status(u"task/"_s + name + u"/status", "State:").startsWith('T');
-            });
-        };
-        ASSERT_TRUE(QTest::qWaitFor(stands, patience));
+        siginfo_t stop;
+        ASSERT_EQ(waitid(P_PID, static_cast<id_t>(id()), &stop, WSTOPPED | WEXITED | WNOWAIT), 0);
     }
 
 private:
-    QByteArray status(const QString &name, const char *field) const {
-        QFile file(u"/proc/%1/"_s.arg(id()) + name);
-        if (file.open(QIODevice::ReadOnly)) {
-            for (const QByteArray &line : file.readAll().split('\n')) {
-                if (line.startsWith(field))
-                    return line.mid(static_cast<qsizetype>(qstrlen(field))).trimmed();
-            }
-        }
-        return {};
-    }
-
     QProcess process_;
 };
 
