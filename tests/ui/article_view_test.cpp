@@ -7,7 +7,6 @@
 #include <QFile>
 
 #include <cstdlib>
-#include <semaphore>
 
 namespace tidebrook {
 namespace {
@@ -41,6 +40,10 @@ TEST(ArticlePage, HasWhatTheFeedSentAndNothingOfWhatItDidNot) {
 }
 
 TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
+    const auto isListOf = [](User &user, int points, const QString &entry) {
+        return user.entries(u"Font Size"_s).contains(entry) &&
+               user.sees([&] { return user.list()->font().pointSize() == points; });
+    };
     run([&](User &user) {
         go(user, 2);
         user.press(Qt::Key_Down);
@@ -61,25 +64,19 @@ TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
         for (const QString &caption : {u"Moon"_s, u"Science"_s, u"All Categories"_s}) {
             user.press(Qt::Key_Escape);
             ASSERT_TRUE(user.seesCaption(caption) && user.seesQuiet());
-            EXPECT_TRUE(user.sees([&user] { return user.list()->font().pointSize() == 13; }));
-            EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Big"_s));
+            EXPECT_TRUE(isListOf(user, 13, u"+Big"_s));
             EXPECT_TRUE(caption != u"Science" || user.lines().contains(u"Moon: 2/5"_s));
         }
     });
-    run([](User &user) {
-        EXPECT_TRUE(user.sees([&user] { return user.list()->font().pointSize() == 13; }));
-        EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Big"_s)) << "after a restart";
-    });
+    run([&](User &user) { EXPECT_TRUE(isListOf(user, 13, u"+Big"_s)) << "after a restart"; });
     session = std::make_unique<Session>(device.root);
-    std::binary_semaphore gate(0);
-    session->state().settings.tell([&gate] { gate.acquire(); });
+    session->state().settings.tell([this] { gate.acquire(); });
     EXPECT_TRUE(session->run([&](User &user) {
         ASSERT_TRUE(user.sees([&] { return user.list() && user.list()->rowCount() == 3; }));
         user.choose({u"Font Size"_s, u"Small"_s}); // before the stored one was read
         gate.release();
         EXPECT_TRUE(user.seesQuiet());
-        EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Small"_s));
-        EXPECT_TRUE(user.sees([&user] { return user.list()->font().pointSize() == 9; }));
+        EXPECT_TRUE(isListOf(user, 9, u"+Small"_s));
     }));
     EXPECT_EQ(setting(u"FontSize"), 9U);
     EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 6U);

@@ -16,12 +16,10 @@ bool seesListAlone(User &user) {
 }
 
 TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
-    const QString news = u"News"_s;
-    const QString travel = u"Travel"_s;
     const std::pair<Hand, QString> steps[]{
-        {pressing(Qt::Key_Right), travel}, {pressing(Qt::Key_Right), news},
-        {pressing(Qt::Key_Left), travel},  {tapping(u"Next"_s), news},
-        {tapping(u"Previous"_s), travel},
+        {pressing(Qt::Key_Right), u"Travel"_s}, {pressing(Qt::Key_Right), u"News"_s},
+        {pressing(Qt::Key_Left), u"Travel"_s},  {tapping(u"Next"_s), u"News"_s},
+        {tapping(u"Previous"_s), u"Travel"_s},
     };
     run([&](User &user) {
         go(user, 1);
@@ -31,9 +29,8 @@ TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
             EXPECT_TRUE(user.seesCaption(category) && user.seesRows(device.channelNames(category)));
             EXPECT_TRUE(user.seesQuiet() && user.seesSelected(0));
         }
-        for (const Hand &open :
-             {pressing(Qt::Key_F4), tapping(u"Science"_s), tapping(u"Science"_s)}) {
-            open(user);
+        for (int i = 0; i < 2; ++i) {
+            user.press(Qt::Key_F4);
             ASSERT_TRUE(user.seesChoices());
             user.press(Qt::Key_Home);
             user.press(Qt::Key_Down);
@@ -98,13 +95,6 @@ TEST_F(ChannelListTest, ARefreshWaitsBehindABoxAndTakesNoTapAway) {
         const auto refresh = [&] {
             qobject_cast<Dialog *>(user.stack().top())->post(CommandRefreshChannels);
         };
-        const auto touch = [&](auto click) {
-            user.act([&user, click] {
-                const QRect row = user.list()->visualRect(user.list()->model()->index(1, 0));
-                click(user.list()->viewport(), Qt::LeftButton, Qt::KeyboardModifiers(),
-                      row.center(), -1);
-            });
-        };
         user.press(Qt::Key_F4);
         ASSERT_TRUE(user.seesChoices());
         device.store->DeleteChannel(u"Star"_s);
@@ -116,10 +106,14 @@ TEST_F(ChannelListTest, ARefreshWaitsBehindABoxAndTakesNoTapAway) {
         user.press(Qt::Key_Escape);
         ASSERT_TRUE(seesListAlone(user) && user.seesLines(scienceLines.first(2)));
 
-        touch([](auto... way) { QTest::mousePress(way...); });
-        user.look(refresh);
+        QPoint middle;
+        user.look([&] {
+            middle = user.list()->visualRect(user.list()->model()->index(1, 0)).center();
+            QTest::mousePress(user.list()->viewport(), Qt::LeftButton, {}, middle);
+            refresh();
+        });
         ASSERT_TRUE(user.seesQuiet() && user.seesSelected(0));
-        touch([](auto... way) { QTest::mouseRelease(way...); });
+        user.act([&] { QTest::mouseRelease(user.list()->viewport(), Qt::LeftButton, {}, middle); });
         EXPECT_TRUE(user.seesCaption(u"Odd"_s));
     });
 }
@@ -144,8 +138,7 @@ TEST_F(ChannelListTest, WhatIsDoneWhileListsFillIsDoneToTheListThatComes) {
         for (int i = 0; i < 9; ++i)
             user.press(i < 5 ? Qt::Key_Left : Qt::Key_Right);
         held.unlock();
-        EXPECT_TRUE(user.seesCaption(u"Sun"_s) && user.seesQuiet());
-        EXPECT_EQ(user.rows(), device.titles(u"Sun"_s, SortMode::UnreadOnly));
+        EXPECT_TRUE(user.seesCaption(u"Sun"_s) && user.seesRows(titles) && user.seesQuiet());
     });
 }
 
