@@ -138,7 +138,8 @@ TEST_F(ChannelListTest, WhatIsDoneWhileListsFillIsDoneToTheListThatComes) {
         for (int i = 0; i < 9; ++i)
             user.press(i < 5 ? Qt::Key_Left : Qt::Key_Right);
         held.unlock();
-        EXPECT_TRUE(user.seesCaption(u"Sun"_s) && user.seesRows(titles) && user.seesQuiet());
+        EXPECT_TRUE(user.seesCaption(u"Sun"_s) && user.seesQuiet());
+        EXPECT_EQ(user.rows(), device.titles(u"Sun"_s, SortMode::UnreadOnly));
     });
 }
 
