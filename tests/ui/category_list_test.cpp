@@ -4,10 +4,7 @@
 namespace tidebrook {
 namespace {
 
-class CategoryListTest : public ReadingTest {
-protected:
-    QStringList stored() const { return storedCategories(device.root); }
-};
+using CategoryListTest = ReadingTest;
 
 TEST_F(CategoryListTest, EveryWayLeadsToItsScreenAndEveryWayBackLeadsBack) {
     const struct {
@@ -68,7 +65,7 @@ TEST_F(CategoryListTest, NewCategoriesGetNamesOfTheirOwn) {
         all = seeded + names + QStringList{u"Sport"_s};
         EXPECT_TRUE(user.seesRows(all));
     });
-    EXPECT_EQ(stored(), all);
+    EXPECT_EQ(storedCategories(device.root), all);
 }
 
 TEST_F(CategoryListTest, ANameIsTheOneThatWasMeantAndTheChannelsKeepTheirCategory) {
@@ -107,7 +104,7 @@ TEST_F(CategoryListTest, ANameIsTheOneThatWasMeantAndTheChannelsKeepTheirCategor
                 all.append(name);
             }
             EXPECT_TRUE(user.seesRows(all) && user.seesQuiet());
-            EXPECT_EQ(stored(), all);
+            EXPECT_EQ(storedCategories(device.root), all);
             user.tapRow(name.isNull() ? 1 : 2);
             EXPECT_TRUE(user.seesRows(channels));
             user.press(Qt::Key_Escape);
@@ -149,7 +146,7 @@ TEST_F(CategoryListTest, ADeletedCategoryIsGoneWithItsChannelsAndOnlyAfterAYes) 
         user.tapBelowRows();
         EXPECT_TRUE(user.seesSelected(0) && user.seesCaption(u"All Categories"_s));
     });
-    EXPECT_EQ(stored(), left);
+    EXPECT_EQ(storedCategories(device.root), left);
     EXPECT_EQ(device.channelNames(u"Science"_s) + device.titles(u"Moon"_s), QStringList());
     EXPECT_EQ(device.channelNames(u"News"_s), QStringList(u"Planet"_s));
     EXPECT_EQ(automatic(), QStringList(u"Planet http://example.org/feed News"_s));
@@ -180,7 +177,8 @@ TEST_F(CategoryListTest, WhatIsDoneQuicklyIsDoneToTheRowThatIsMeant) {
         user.press(Qt::Key_Return);
         EXPECT_TRUE(user.seesRows({u"News"_s, u"Travel"_s, u"New Category"_s, u"Maths"_s}));
     });
-    EXPECT_EQ(stored(), QStringList({u"News"_s, u"Travel"_s, u"New Category"_s, u"Maths"_s}));
+    EXPECT_EQ(storedCategories(device.root),
+              QStringList({u"News"_s, u"Travel"_s, u"New Category"_s, u"Maths"_s}));
     EXPECT_EQ(device.channelNames(u"Maths"_s), QStringList({u"Moon"_s, u"Odd"_s, u"Star"_s}));
 }
 
@@ -198,7 +196,7 @@ TEST_F(CategoryListTest, WhatIsDeletedGoesAtOnceWhateverIsAtWork) {
         user.press(Qt::Key_Return);
         EXPECT_TRUE(user.seesRows({u"News"_s}) && user.seesQuiet() && user.seesNoBox());
     });
-    EXPECT_EQ(stored(), QStringList{u"News"_s});
+    EXPECT_EQ(storedCategories(device.root), QStringList{u"News"_s});
     EXPECT_EQ(checkStore(device.root, *device.registry), QStringList()) << "with all channels";
 }
 
