@@ -3,15 +3,11 @@
 #include "support/blocked_time.h"
 #include "ui/category_list_screen.h"
 #include "ui/kit/dialog.h"
-#include "ui/kit/header_bar.h"
 #include "ui/kit/layer.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/message_box.h"
 #include "ui/kit/progress_line.h"
 #include "ui/kit/text_page.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QFile>
@@ -37,30 +33,12 @@ namespace {
 constexpr auto patience = 30s; // which only a test that fails needs
 constexpr auto lookAgainAfter = 2ms;
 
-template <class Kind> Kind *onTop(const ScreenStack &stack) {
-    return qobject_cast<Kind *>(stack.top());
-}
-
-template <class Part> Part *partOfTop(const ScreenStack &stack) {
-    return stack.top() != nullptr ? stack.top()->findChild<Part *>() : nullptr;
-}
-
 QMenu *openMenu() { return qobject_cast<QMenu *>(QApplication::activePopupWidget()); }
 
 QWidget *keyTarget(ScreenStack &stack) {
-    if (QWidget *popup = QApplication::activePopupWidget())
-        return popup;
-    QWidget *focus = stack.focusWidget();
+    QWidget *popup = QApplication::activePopupWidget();
+    QWidget *focus = popup != nullptr ? popup : stack.focusWidget();
     return focus != nullptr ? focus : &stack;
-}
-
-QAbstractButton *findButton(const QWidget &widget, const QString &text) {
-    for (auto *button : widget.findChildren<QAbstractButton *>()) {
-        QString shown = button->text().isEmpty() ? button->accessibleName() : button->text();
-        if (button->isVisible() && shown.remove(u'&') == text)
-            return button;
-    }
-    return nullptr;
 }
 
 QPoint middleOf(const ListView &list, int row) {
@@ -73,12 +51,10 @@ QString checkText(bool isChecked, const QString &text) {
 
 /// For how long programs have waited for want of memory so far, as the system counts it; 0 where it
 /// does not. No program can help that.
-std::chrono::milliseconds memoryStalls() {
+std::chrono::microseconds memoryStalls() {
     QFile file(u"/proc/pressure/memory"_s);
-    const QByteArray line = file.open(QIODevice::ReadOnly) ? file.readLine() : QByteArray();
-    const qsizetype at = line.indexOf("total=");
-    return std::chrono::milliseconds(at < 0 ? 0
-                                            : line.sliced(at + 6).trimmed().toLongLong() / 1000);
+    file.open(QIODevice::ReadOnly);
+    return std::chrono::microseconds(file.readLine().split('=').last().trimmed().toLongLong());
 }
 
 /// Null for what is no control of a user.
@@ -163,9 +139,7 @@ void User::tapRow(int row) {
 void User::tapBelowRows() {
     act([this] {
         QWidget *area = list()->viewport();
-        const QPoint place(area->width() / 2, area->height() - 2);
-        ASSERT_FALSE(list()->indexAt(place).isValid());
-        QTest::mouseClick(area, Qt::LeftButton, {}, place);
+        QTest::mouseClick(area, Qt::LeftButton, {}, {area->width() / 2, area->height() - 2});
     });
 }
 
@@ -195,22 +169,23 @@ void User::turnWheel(int steps) {
 
 void User::tap(const QString &buttonText) {
     act([this, buttonText] {
-        QAbstractButton *button = findButton(*stack_.top(), buttonText);
-        ASSERT_NE(button, nullptr) << "there is no " << buttonText.toStdString();
-        QTest::mouseClick(button, Qt::LeftButton);
+        for (auto *button : stack_.top()->findChildren<QAbstractButton *>()) {
+            QString shown = button->text().isEmpty() ? button->accessibleName() : button->text();
+            if (button->isVisible() && shown.remove(u'&') == buttonText)
+                return QTest::mouseClick(button, Qt::LeftButton);
+        }
+        ADD_FAILURE() << "there is no " << buttonText.toStdString();
     });
 }
 
 void User::tapLink(const QString &text) {
     act([this, text] {
-        auto *page = partOfTop<TextPage>(stack_);
-        ASSERT_NE(page, nullptr);
+        auto *page = stack_.top()->findChild<TextPage *>();
         QTextCursor place = page->document()->find(text);
         ASSERT_FALSE(place.isNull()) << "there is no " << text.toStdString();
         place.setPosition(place.selectionStart());
-        page->setTextCursor(place);
-        page->ensureCursorVisible();
-        const QPoint inside = page->cursorRect(place).center() + QPoint(4, 0);
+        page->setTextCursor(place); // which brings it into sight
+        const QPoint inside = page->cursorRect().center() + QPoint(4, 0);
         QTest::mouseClick(page->viewport(), Qt::LeftButton, {}, inside);
     });
 }
@@ -245,6 +220,13 @@ ListView *User::list() const {
     return nullptr;
 }
 
+QStringList User::headingNow() const {
+    const auto *dialog = qobject_cast<Dialog *>(stack_.top());
+    if (dialog != nullptr && dialog->headerBar() != nullptr)
+        return {dialog->headerBar()->caption()};
+    return {stack_.top() != nullptr ? stack_.top()->accessibleDescription() : QString()};
+}
+
 QStringList User::rowsNow() const { return list() != nullptr ? list()->rowTexts() : QStringList(); }
 
 QStringList User::linesNow() const {
@@ -258,7 +240,7 @@ QStringList User::linesNow() const {
 }
 
 QStringList User::controlsNow() const {
-    const auto *dialog = onTop<Dialog>(stack_);
+    const auto *dialog = qobject_cast<Dialog *>(stack_.top());
     if (dialog == nullptr)
         return {};
     if (!dialog->form().isEnabled())
@@ -286,56 +268,8 @@ QStringList User::entries(const QString &within) {
     return texts;
 }
 
-bool User::seesSelected(int row) {
-    return sees([this, row] { return list() != nullptr && SelectedRow(list()) == row; });
-}
-
-bool User::seesEditor(const QString &text) {
-    return sees([this, text] {
-        const QLineEdit *editor = list() != nullptr ? list()->labelEditor() : nullptr;
-        return editor != nullptr && editor->text() == text;
-    });
-}
-
-bool User::seesNoEditor() {
-    return sees([this] { return list() == nullptr || !list()->isEditingLabel(); });
-}
-
-bool User::seesBox(const QString &text) {
-    return sees([this, text] {
-        const auto *box = onTop<MessageBox>(stack_);
-        return box != nullptr && box->accessibleDescription() == text;
-    });
-}
-
-bool User::seesNoBox() {
-    return sees([this] { return onTop<MessageBox>(stack_) == nullptr; });
-}
-
-bool User::seesPopup() {
-    return sees([] { return QApplication::activePopupWidget() != nullptr; });
-}
-
-bool User::seesCaption(const QString &caption) {
-    return sees([this, caption] {
-        const auto *dialog = onTop<Dialog>(stack_);
-        const HeaderBar *header = dialog != nullptr ? dialog->headerBar() : nullptr;
-        return header != nullptr && header->caption() == caption;
-    });
-}
-
-bool User::seesChoices() {
-    return sees([this] {
-        const auto *header = partOfTop<HeaderBar>(stack_);
-        return header != nullptr && header->areChoicesVisible();
-    });
-}
-
 bool User::seesPage(const QString &text) {
-    return sees([this, text] {
-        const auto *page = partOfTop<TextPage>(stack_);
-        return page != nullptr && page->toPlainText().contains(text);
-    });
+    return seesPart<TextPage>([&](auto &page) { return page.toPlainText().contains(text); });
 }
 
 bool User::seesQuiet() {
@@ -343,7 +277,7 @@ bool User::seesQuiet() {
     int quiet = 0;
     return sees([&] {
         quiet = stack_.progressLine().isAtWork() ? 0 : quiet + 1;
-        return quiet == looks;
+        return quiet == looks || stack_.isClosing();
     });
 }
 
@@ -364,10 +298,7 @@ bool Session::run(const std::function<void(User &)> &user) {
     bool isUserDone = false;
     std::thread hands([&] {
         user(someone);
-        bool isClosing = false;
-        someone.look([&] { isClosing = stack_.isClosing(); });
-        if (!isClosing)
-            someone.seesQuiet(); // what was asked last is not overtaken
+        someone.seesQuiet(); // what was asked last is not overtaken
         someone.closeWindow();
         someone.act([&] { isUserDone = true; });
     });
@@ -375,8 +306,8 @@ bool Session::run(const std::function<void(User &)> &user) {
         BlockedTime blocked;
         const auto stalledBefore = memoryStalls();
         OpenCategoryList(*state_);
-        longestBlocked_ = std::chrono::ceil<std::chrono::milliseconds>(blocked.longest()) -
-                          (memoryStalls() - stalledBefore);
+        longestBlocked_ = std::chrono::ceil<std::chrono::milliseconds>(
+            blocked.longest() - (memoryStalls() - stalledBefore));
     }
     while (!isUserDone) // who has left the screens may still want to look
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -385,25 +316,8 @@ bool Session::run(const std::function<void(User &)> &user) {
     return stack_.top() == nullptr;
 }
 
-Hand pressing(int key, Qt::KeyboardModifiers modifiers) {
-    return [key, modifiers](User &user) { user.press(key, modifiers); };
-}
-
-Hand tapping(const QString &button) {
-    return [button](User &user) { user.tap(button); };
-}
-
-Hand choosing(const QStringList &path) {
-    return [path](User &user) { user.choose(path); };
-}
-
 void expectBox(User &user, const QString &text) {
-    const bool isSeen = user.seesBox(text);
-    QString seen;
-    user.look([&] {
-        seen = user.stack().top() ? user.stack().top()->accessibleDescription() : QString();
-    });
-    ASSERT_TRUE(isSeen) << text.toStdString() << ", but " << seen.toStdString();
+    ASSERT_TRUE(user.seesBox(text)) << text.toStdString();
     user.press(Qt::Key_Return);
     ASSERT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
 }

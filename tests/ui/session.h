@@ -2,18 +2,18 @@
 
 #include "app/base/app_state.h"
 #include "platform/mailbox.h"
+#include "ui/kit/header_bar.h"
+#include "ui/kit/list_view.h"
+#include "ui/kit/message_box.h"
 #include "ui/kit/screen_stack.h"
 
-#include <QSize>
-#include <QStringList>
+#include <QApplication>
 
 #include <chrono>
 #include <functional>
 #include <memory>
 
 namespace tidebrook {
-
-class ListView;
 
 /// A user before the screens. What it does is done to the real widgets, on the thread that they
 /// belong to, while the user itself is on another one: so it can go on however deep the dialogs
@@ -28,6 +28,11 @@ public:
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void type(const QString &text);
     void paste(const QString &text);
+    /// Puts a text in the place of all that is in the edit.
+    void replace(const QString &text) {
+        press(Qt::Key_A, Qt::ControlModifier);
+        paste(text);
+    }
     void tapRow(int row);
     void tapBelowRows();
     /// Touches a row with a finger, and moves that so many pixels down (or up) before lifting it.
@@ -60,18 +65,36 @@ public:
 
     /// The list that is to be seen, also with a box over it; nullptr without one.
     ListView *list() const;
-    bool seesSelected(int row);
-    bool seesEditor(const QString &text);
-    bool seesNoEditor();
+    bool seesSelected(int row) {
+        return sees([this, row] { return SelectedRow(list()) == row; });
+    }
+    /// An edit with this text.
+    bool seesEditor(const QString &text) {
+        return seesPart<QLineEdit>([&](auto &edit) { return edit.text() == text; });
+    }
+    bool seesNoEditor() {
+        return sees([this] { return list() == nullptr || !list()->isEditingLabel(); });
+    }
     /// A message box with this text.
-    bool seesBox(const QString &text);
-    bool seesNoBox();
+    bool seesBox(const QString &text) { return seesSame(&User::headingNow, {text}); }
+    bool seesNoBox() {
+        return sees([this] { return qobject_cast<MessageBox *>(stack_.top()) == nullptr; });
+    }
     /// A menu, or the entries of a drop-down list.
-    bool seesPopup();
+    bool seesPopup() {
+        return sees([] { return QApplication::activePopupWidget() != nullptr; });
+    }
     /// A header with this caption.
-    bool seesCaption(const QString &caption);
+    bool seesCaption(const QString &caption) { return seesSame(&User::headingNow, {caption}); }
+    /// A part of this kind of what is on top, of which this is true.
+    template <class Part> bool seesPart(const std::function<bool(const Part &)> &isRight) {
+        return sees([&] {
+            const auto *part = stack_.top() ? stack_.top()->findChild<Part *>() : nullptr;
+            return part != nullptr && part->isVisible() && isRight(*part);
+        });
+    }
     /// The header's list of all that can be chosen.
-    bool seesChoices();
+    bool seesChoices() { return seesPart<HeaderBar>(&HeaderBar::areChoicesVisible); }
     /// A page, with this text in it.
     bool seesPage(const QString &text);
     QStringList rows() { return seen(&User::rowsNow); }
@@ -86,13 +109,14 @@ public:
     /// The entries of the menu, or of one within it; "-" stands before those that cannot be
     /// chosen, "+" before checked ones. The menu is closed again.
     QStringList entries(const QString &within = {});
-    /// Nothing is at work any more.
+    /// Nothing is at work any more, or the window is closing.
     bool seesQuiet();
 
     ScreenStack &stack() const { return stack_; }
 
 private:
     using Texts = QStringList (User::*)() const;
+    QStringList headingNow() const;
     QStringList rowsNow() const;
     QStringList linesNow() const;
     QStringList controlsNow() const;
@@ -111,7 +135,6 @@ public:
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    ScreenStack &stack() { return stack_; }
     AppState &state() { return *state_; }
 
     /// Opens the category list and has the user work. Whatever is open when the user is done is
@@ -130,9 +153,15 @@ private:
 
 /// What a user does, to be kept in tables.
 using Hand = std::function<void(User &)>;
-Hand pressing(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-Hand tapping(const QString &button);
-Hand choosing(const QStringList &path);
+inline Hand pressing(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    return [=](User &user) { user.press(key, modifiers); };
+}
+inline Hand tapping(const QString &button) {
+    return [=](User &user) { user.tap(button); };
+}
+inline Hand choosing(const QStringList &path) {
+    return [=](User &user) { user.choose(path); };
+}
 
 /// Sees this box, answers it with Enter, and sees no other.
 void expectBox(User &user, const QString &text);
