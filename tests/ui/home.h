@@ -22,16 +22,13 @@ public:
             if (!entry.endsWith(u'/'))
                 writeFile(filePath(entry), content);
         }
-        writeFile(folder_.filePath(QStringLiteral("user-dirs.dirs")),
+        QDir(path()).mkdir(QStringLiteral(".config"));
+        writeFile(path() + QStringLiteral("/.config/user-dirs.dirs"),
                   QStringLiteral("XDG_DOCUMENTS_DIR=\"$HOME/%1\"\n").arg(documents).toUtf8());
-        qputenv("HOME", folder_.path().toLocal8Bit());
-        qputenv("XDG_CONFIG_HOME", folder_.path().toLocal8Bit());
+        qputenv("HOME", path().toLocal8Bit());
+        qunsetenv("XDG_CONFIG_HOME"); // which is in the home then
     }
-    ~Home() {
-        qputenv("HOME", home_);
-        configuration_.isNull() ? qunsetenv("XDG_CONFIG_HOME")
-                                : qputenv("XDG_CONFIG_HOME", configuration_);
-    }
+    ~Home() { qputenv("HOME", home_); }
     Home(const Home &) = delete;
     Home &operator=(const Home &) = delete;
 
@@ -48,7 +45,6 @@ public:
 
 private:
     const QByteArray home_ = qgetenv("HOME");
-    const QByteArray configuration_ = qgetenv("XDG_CONFIG_HOME");
     const QTemporaryDir folder_;
     const QString documents_;
 };

@@ -2,9 +2,7 @@
 // platform.
 
 #include "ui/home.h"
-#include "ui/kit/dialog.h"
 #include "ui/kit/file_dialog.h"
-#include "ui/kit/header_bar.h"
 #include "ui/kit/touch_style.h"
 #include "ui/session.h"
 
@@ -65,9 +63,8 @@ QWidgetList popups() {
     popups.removeIf([](const QWidget *widget) {
         return !widget->isVisible() || widget->windowType() != Qt::Popup;
     });
-    std::partition(popups.begin(), popups.end(), [](const QWidget *widget) {
-        return widget != QApplication::activePopupWidget();
-    });
+    std::ranges::sort(popups, {},
+                      [](auto *popup) { return popup == QApplication::activePopupWidget(); });
     return popups;
 }
 
@@ -78,28 +75,16 @@ bool savePicture(ScreenStack &stack, const QString &path) {
     return picture.save(path);
 }
 
-/// The text of the box, or the caption of the screen, that is on top.
-QString heading(const ScreenStack &stack) {
-    const auto *dialog = qobject_cast<Dialog *>(stack.top());
-    if (dialog == nullptr)
-        return stack.top()->accessibleDescription();
-    return dialog->headerBar() != nullptr ? dialog->headerBar()->caption() : QString();
-}
-
-/// What the user does, what is to be seen then, and the name of its picture, if one is taken.
+/// What the user does, what box or caption is to be seen then, the name of its picture, if one is
+/// taken, and how often the user goes back afterwards.
 struct Step {
     Hand act;
     QString heading;
     QString picture = {};
-    int popups = 0;
+    int back = 0;
+    int popups = 0; ///< that are to be seen
 };
 
-Hand keys(const QList<int> &keys) {
-    return [keys](User &user) {
-        for (const int key : keys)
-            user.press(key);
-    };
-}
 Hand tappingRows(const QList<int> &rows) {
     return [rows](User &user) {
         for (const int row : rows)
@@ -114,7 +99,6 @@ Hand choosingFile(QString (*choose)(ScreenStack &, const FileRequest &)) {
         });
     };
 }
-const Hand back = pressing(Qt::Key_Escape);
 const Hand enter = pressing(Qt::Key_Return);
 const QString categories = u"All Categories"_s;
 const QString channels = u"Technology"_s;
@@ -123,74 +107,58 @@ const QString file = u"Export Category"_s;
 const QString program = u"Tidebrook"_s;
 
 const Step steps[]{
-    {keys({}), categories, u"categories"_s},
-    {pressing(Qt::Key_F10), categories, u"menu"_s, 1},
-    {back, categories},
-    {choosing({u"Font Size"_s}), categories, u"font-sizes"_s, 2},
-    {keys({Qt::Key_Escape, Qt::Key_Escape}), categories},
-    {keys({Qt::Key_Down, Qt::Key_F2}), categories, u"label-edit"_s},
-    {[](User &user) {
-         user.type(u"News"_s);
-         user.press(Qt::Key_Return);
-     },
-     u"The name is exist!"_s, u"warning"_s},
-    {enter, categories},
-    {pressing(Qt::Key_Delete), u"Are you sure you want to delete this category?"_s, u"question"_s},
-    {back, categories},
+    {pressing(Qt::Key_Home), categories, u"categories"_s},
+    {pressing(Qt::Key_F10), categories, u"menu"_s, 1, 1},
+    {choosing({u"Font Size"_s}), categories, u"font-sizes"_s, 2, 2},
+    {pressing(Qt::Key_Down), categories},
+    {pressing(Qt::Key_F2), categories, u"label-edit"_s},
+    {[](User &user) { user.type(u"News"_s); }, categories},
+    {enter, u"The name is exist!"_s, u"warning"_s, 1},
+    {pressing(Qt::Key_Delete), u"Are you sure you want to delete this category?"_s, u"question"_s,
+     1},
 
     {choosing({u"Setting"_s}), u"Today Setting"_s, u"settings-today"_s},
     {pressing(Qt::Key_Tab, Qt::ControlModifier), u"Auto Update"_s, u"settings-update"_s},
     {tapping(u"Update Interval"_s), u"Auto Update"_s},
-    {pressing(Qt::Key_F4), u"Auto Update"_s, u"settings-intervals"_s, 1},
-    {back, u"Auto Update"_s},
-    {back, categories},
-    {pressing(Qt::Key_F1), program, u"help"_s},
-    {back, categories},
-    {choosing({u"About"_s}), u"About"_s, u"about"_s},
-    {back, categories},
+    {pressing(Qt::Key_F4), u"Auto Update"_s, u"settings-intervals"_s, 2, 1},
+    {pressing(Qt::Key_F1), program, u"help"_s, 1},
+    {choosing({u"About"_s}), u"About"_s, u"about"_s, 1},
     {choosingFile(chooseFileToOpen), file},
-    {pressing(Qt::Key_Down), file, u"file-open"_s},
-    {back, categories},
+    {pressing(Qt::Key_Down), file, u"file-open"_s, 1},
     {choosingFile(chooseFileToSave), file, u"file-save"_s},
-    {enter, u"News.opml is there already. Replace it?"_s, u"file-replace"_s},
-    {back, file},
-    {back, categories},
+    {enter, u"News.opml is there already. Replace it?"_s, u"file-replace"_s, 2},
 
     {tappingRows({1}), channels, u"channels"_s},
-    {choosing({u"Properties"_s}), program, u"properties"_s},
-    {back, channels},
+    {choosing({u"Properties"_s}), program, u"properties"_s, 1},
     {choosing({u"New Channel"_s}), program, u"wizard-address"_s},
     {tapping(u"Import from a file"_s), program},
     {enter, u"New Channel"_s},
     {tappingRows({5}), program},
     {tappingRows({0, 2, 1, 1}), program, u"wizard-channels"_s},
-    {enter, program, u"wizard-category"_s},
-    {back, program},
-    {back, program},
-    {back, channels},
+    {enter, program, u"wizard-category"_s, 3},
 
     {tappingRows({1}), articles, u"articles"_s},
     {enter, program, u"article"_s},
     {choosing({u"Font Size"_s, u"Big"_s}), program, u"article-big"_s},
     {tapping(u"Article List"_s), articles, u"articles-big"_s},
     {choosing({u"Font Size"_s, u"Small"_s}), articles},
-    {choosing({u"Show Unread Only"_s}), articles, u"articles-unread"_s},
-    {back, channels},
-    {pressing(Qt::Key_F4), channels, u"choices"_s},
+    {choosing({u"Show Unread Only"_s}), articles, u"articles-unread"_s, 1},
+    {pressing(Qt::Key_F4), channels, u"choices"_s, 1},
 };
 
 /// Whether what is to be seen came, and its picture was taken.
 bool take(User &user, const Step &step, const QString &path) {
     step.act(user);
-    QString seen;
-    bool isRight = user.seesQuiet() && user.sees([&] {
-        seen = heading(user.stack());
-        return seen == step.heading && popups().size() == step.popups;
-    });
+    bool isRight = user.seesQuiet() && user.seesCaption(step.heading) &&
+                   user.sees([&] { return popups().size() == step.popups; });
     if (!step.picture.isNull())
         user.look([&] { isRight = savePicture(user.stack(), path) && isRight; });
     if (!isRight)
-        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(path), qUtf8Printable(seen));
+        std::fprintf(stderr, "%s\n", qUtf8Printable(path));
+    for (int i = 0; i < step.back; ++i) {
+        user.press(Qt::Key_Escape);
+        isRight = user.seesQuiet() && isRight;
+    }
     return isRight;
 }
 
@@ -220,7 +188,6 @@ bool photographAll(const QDir &folder, bool isDark) {
         isRight = std::ranges::all_of(steps, [&](const Step &step) {
             return take(user, step, folder.filePath(step.picture + ending));
         });
-        user.press(Qt::Key_Escape);
     });
     return isRight;
 }
