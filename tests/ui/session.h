@@ -9,6 +9,7 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -86,11 +87,13 @@ public:
     }
     /// A header with this caption.
     bool seesCaption(const QString &caption) { return seesSame(&User::headingNow, {caption}); }
-    /// A part of this kind of what is on top, of which this is true.
+    /// Any part of this kind, of what is on top, of which this is true.
     template <class Part> bool seesPart(const std::function<bool(const Part &)> &isRight) {
         return sees([&] {
-            const auto *part = stack_.top() ? stack_.top()->findChild<Part *>() : nullptr;
-            return part != nullptr && part->isVisible() && isRight(*part);
+            const auto parts =
+                stack_.top() ? stack_.top()->findChildren<Part *>() : QList<Part *>();
+            return std::ranges::any_of(
+                parts, [&](auto *part) { return part->isVisible() && isRight(*part); });
         });
     }
     /// The header's list of all that can be chosen.

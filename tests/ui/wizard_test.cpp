@@ -53,7 +53,7 @@ TEST_F(WizardTest, AFeedIsAddedUnderTheTitleThatItHas) {
             ASSERT_TRUE(user.seesControls(categoryPage));
             user.tap(u"Finish"_s);
             ASSERT_TRUE(user.seesPart<ListView>(
-                [&](auto &list) { return list.findRow(feed.second) >= 0; }));
+                [&](auto &rows) { return rows.findRow(feed.second) >= 0; }));
             EXPECT_TRUE(
                 channels(u"Science"_s).contains(feed.second + u" http://localhost"_s + path));
         }
