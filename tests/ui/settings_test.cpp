@@ -1,20 +1,15 @@
-#include "support/test_device.h"
 #include "ui/kit/form.h"
 #include "ui/kit/layer.h"
-#include "ui/session.h"
+#include "ui/reading_test.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QStackedWidget>
 
-#include <gtest/gtest.h>
-
 #include <semaphore>
 
 namespace tidebrook {
 namespace {
-
-using namespace Qt::StringLiterals;
 
 using Values = QList<qint64>; // in the order of their names; -1 as a DWORD is 0xFFFFFFFF
 
@@ -27,26 +22,25 @@ struct Page {
     QList<QStringView> names;
 };
 const Page today{u"Today Setting"_s, testTodayKey, {u"Enabled", u"TodayTimer"}};
-const Page automatic{u"Auto Update"_s,
-                     programKey,
-                     {u"UpdateMode", u"UpdateInterval", u"UpdateTime", u"ACTOPTION", u"NoRoaming"}};
+const Page updates{u"Auto Update"_s,
+                   programKey,
+                   {u"UpdateMode", u"UpdateInterval", u"UpdateTime", u"ACTOPTION", u"NoRoaming"}};
 
-Values stored(const DeviceRoot &device, const Page &page) {
-    Registry registry(device);
-    Values values;
-    for (const QStringView name : page.names) {
-        const auto value = registry.read(page.key, name);
-        values.append(value ? static_cast<qint32>(std::get<quint32>(*value)) : missing);
+class SettingsTest : public ReadingTest {
+protected:
+    Values stored(const Page &page) {
+        Values values;
+        for (const QStringView name : page.names) {
+            const auto value = device.registry->read(page.key, name);
+            values.append(value ? static_cast<qint32>(std::get<quint32>(*value)) : missing);
+        }
+        return values;
     }
-    return values;
-}
-
-void store(TestDevice &device, const Page &page, const Values &values) {
-    for (qsizetype i = 0; i < values.size(); ++i) {
-        if (values[i] != missing)
+    void store(const Page &page, const Values &values) {
+        for (qsizetype i = 0; i < values.size(); ++i)
             device.registry->write(page.key, page.names[i], static_cast<quint32>(values[i]));
     }
-}
+};
 
 QString choice(const QWidget *control) {
     if (const auto *button = qobject_cast<const QAbstractButton *>(control))
@@ -78,10 +72,9 @@ QString shown(User &user) {
 
 /// Opens the settings at their first page, or goes on to the second.
 void open(User &user, const Page &page) {
-    ASSERT_TRUE(user.seesCaption(u"All Categories"_s));
     user.choose({u"Setting"_s});
     ASSERT_TRUE(user.seesCaption(today.title) && user.seesQuiet());
-    if (&page == &automatic)
+    if (&page == &updates)
         user.press(Qt::Key_Tab, Qt::ControlModifier);
     ASSERT_TRUE(user.seesCaption(page.title) && user.seesQuiet());
 }
@@ -104,32 +97,30 @@ struct Case {
 };
 // clang-format off
 const Case cases[]{
+    {today, {}, u"- [0]"_s, {enable}, u"x 0"_s, {1, -1}},
     {today, {1, 2}, u"x Fast"_s, {enable}, u"- [Fast]"_s, {0, 2}},
     {today, {5, 0}, u"- [Slow]"_s, {}, u"- [Slow]"_s, {0, 0}},
     {today, {1, 9}, u"x -"_s, {}, u"x -"_s, {1, -1}},
-    {today, {missing, missing}, u"- [0]"_s, {enable}, u"x 0"_s, {1, -1}},
 
-    {automatic, {0, 1, 0, 0, 0}, u"x - - [0h] [30 minutes] [-] [-]"_s,
+    {updates, {}, u"- - - 0 0 - -"_s, {}, u"- - - 0 0 - -"_s, {2, 0, -1, 0, 0}},
+    {updates, {0, 1, 0, 0, 0}, u"x - - [0h] [30 minutes] [-] [-]"_s,
      {u"Update Interval"_s, u"Down"_s, u"Down"_s}, u"- x - [0h] 2 hours - -"_s, {1, 3, 0, 0, 0}},
-    {automatic, {1, 6, 23, 1, 1}, u"- x - [23h] 16 hours x x"_s,
+    {updates, {1, 6, 23, 1, 1}, u"- x - [23h] 16 hours x x"_s,
      {never}, u"x - - [23h] [16 hours] [x] [x]"_s, {0, 6, 23, 1, 1}},
-    {automatic, {2, 3, 15, 0, 1}, u"- - x 15h [2 hours] - x"_s,
+    {updates, {2, 3, 15, 0, 1}, u"- - x 15h [2 hours] - x"_s,
      {u"Only update when ActiveSync available"_s, u"Never update when roaming"_s,
       u"Update Time"_s, u"Down"_s}, u"- - x 16h [2 hours] x -"_s, {2, 3, 16, 1, 0}},
-    {automatic, {7, 3, 15, 2, 0}, u"- - - 15h [2 hours] x -"_s,
+    {updates, {7, 3, 15, 2, 0}, u"- - - 15h [2 hours] x -"_s,
      {}, u"- - - 15h [2 hours] x -"_s, {2, 3, 15, 1, 0}},
-    {automatic, {1, 0, 99, 0, 0}, u"- x - [-1h] - - -"_s,
+    {updates, {1, 0, 99, 0, 0}, u"- x - [-1h] - - -"_s,
      {}, u"- x - [-1h] - - -"_s, {1, 0, -1, 0, 0}},
-    {automatic, Values(5, missing), u"- - - 0 0 - -"_s, {}, u"- - - 0 0 - -"_s, {2, 0, -1, 0, 0}},
 };
 // clang-format on
 
-TEST(Settings, AreShownChangedAndStored) {
+TEST_F(SettingsTest, AreShownChangedAndStored) {
     for (const Case &one : cases) {
-        TestDevice device;
-        store(device, one.page, one.before);
-        Session session(device.root);
-        EXPECT_TRUE(session.run([&](User &user) {
+        store(one.page, one.before);
+        run([&](User &user) {
             SCOPED_TRACE(one.shown.toStdString());
             open(user, one.page);
             EXPECT_EQ(shown(user), one.shown);
@@ -139,57 +130,50 @@ TEST(Settings, AreShownChangedAndStored) {
             EXPECT_EQ(shown(user), one.shownThen) << "turned";
             user.tap(u"Done"_s);
             EXPECT_TRUE(user.seesCaption(u"All Categories"_s));
-        }));
-        EXPECT_EQ(stored(device.root, one.page), one.after) << one.shown.toStdString();
+        });
+        EXPECT_EQ(stored(one.page), one.after) << one.shown.toStdString();
     }
 }
 
-TEST(Settings, StayAsTheyWereUnlessDone) {
+TEST_F(SettingsTest, StayAsTheyWereUnlessDone) {
     for (const Hand &leave :
          {tapping(u"Cancel"_s), pressing(Qt::Key_Escape), Hand(&User::closeWindow)}) {
-        TestDevice device;
-        store(device, today, {1, 2});
-        store(device, automatic, {1, 6, 23, 1, 1});
-        Session session(device.root);
-        EXPECT_TRUE(session.run([&](User &user) {
-            open(user, automatic);
+        store(today, {1, 2});
+        store(updates, {1, 6, 23, 1, 1});
+        run([&](User &user) {
+            open(user, updates);
             press(user, {never});
             leave(user);
-        }));
-        EXPECT_EQ(stored(device.root, today), Values({1, 2}));
-        EXPECT_EQ(stored(device.root, automatic), Values({1, 6, 23, 1, 1}));
+        });
+        EXPECT_EQ(stored(today), Values({1, 2}));
+        EXPECT_EQ(stored(updates), Values({1, 6, 23, 1, 1}));
     }
 }
 
-TEST(Settings, OfAPageThatWasNotSeenAreLeftAloneAndOfBothAreStoredTogether) {
-    TestDevice device;
-    store(device, today, {0, 1});
-    Session session(device.root);
-    EXPECT_TRUE(session.run([&](User &user) {
+TEST_F(SettingsTest, OfAPageThatWasNotSeenAreLeftAloneAndOfBothAreStoredTogether) {
+    store(today, {0, 1});
+    run([&](User &user) {
         open(user, today);
         press(user, {enable, u"Done"_s});
         EXPECT_TRUE(user.seesCaption(u"All Categories"_s) && user.seesQuiet());
-        EXPECT_EQ(stored(device.root, today), Values({1, 1}));
-        EXPECT_EQ(stored(device.root, automatic), Values(5, missing));
+        EXPECT_EQ(stored(today), Values({1, 1}));
+        EXPECT_EQ(stored(updates), Values(5, missing));
         open(user, today);
         press(user, {enable});
         user.press(Qt::Key_Tab, Qt::ControlModifier);
-        ASSERT_TRUE(user.seesCaption(automatic.title) && user.seesQuiet());
+        ASSERT_TRUE(user.seesCaption(updates.title) && user.seesQuiet());
         press(user, {never, u"Done"_s});
         EXPECT_TRUE(user.seesCaption(u"All Categories"_s));
-    }));
-    EXPECT_EQ(stored(device.root, today), Values({0, 1}));
-    EXPECT_EQ(stored(device.root, automatic), Values({0, 0, -1, 0, 0}));
+    });
+    EXPECT_EQ(stored(today), Values({0, 1}));
+    EXPECT_EQ(stored(updates), Values({0, 0, -1, 0, 0}));
 }
 
-TEST(Settings, AreNotOverwrittenBeforeTheyWereRead) {
-    TestDevice device;
-    store(device, today, {1, 2});
+TEST_F(SettingsTest, AreNotOverwrittenBeforeTheyWereRead) {
+    store(today, {1, 2});
     std::binary_semaphore gate(0);
-    Session session(device.root);
-    EXPECT_TRUE(session.run([&](User &user) {
-        ASSERT_TRUE(user.seesQuiet());
-        user.look([&] { session.state().settings.tell([&gate] { gate.acquire(); }); });
+    run([&](User &user) {
+        user.look([&] { session->state().settings.tell([&gate] { gate.acquire(); }); });
         user.choose({u"Setting"_s});
         ASSERT_TRUE(user.seesCaption(today.title));
         EXPECT_EQ(shown(user), u"[-] [0]");
@@ -197,8 +181,8 @@ TEST(Settings, AreNotOverwrittenBeforeTheyWereRead) {
         user.tap(u"Done"_s);
         EXPECT_TRUE(user.seesCaption(u"All Categories"_s));
         gate.release();
-    }));
-    EXPECT_EQ(stored(device.root, today), Values({1, 2}));
+    });
+    EXPECT_EQ(stored(today), Values({1, 2}));
 }
 
 } // namespace
