@@ -209,12 +209,10 @@ TEST(SaveFile, RefusesAPathThatIsTooLongAndStays) {
 
 TEST(FileName, OfAnythingIsThatOfAFileInSight) {
     const std::pair<QString, QString> cases[]{
-        {u"Food/drink"_s, u"Food drink"_s},
-        {u" \ta\nb\u2028c"_s + QChar(u'\0') + u"d\n", u"a b c d"_s},
+        {u" \ta/b\u2028c"_s + QChar(u'\0') + u"d\n", u"a b c d"_s},
         {u"..hidden.opml"_s, u"hidden.opml"_s},
         {u".."_s, u""_s},
         {u"News.Opml"_s, u"News.Opml"_s},
-        {QString(300, u'x'), QString(243, u'x')},
         {smile.repeated(255), smile.repeated(60)},
         {u"x"_s + smile.repeated(255) + u".opml", u"x"_s + smile.repeated(60) + u".opml"},
     };

@@ -8,13 +8,9 @@ namespace tidebrook {
 
 /// A device as for reading, a server that stands for every host at its plain port, and a home.
 class SharingTest : public ReadingTest {
-public:
-    SharingTest(const SharingTest &) = delete;
-    SharingTest &operator=(const SharingTest &) = delete;
-
 protected:
-    SharingTest() { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server.port())); }
-    ~SharingTest() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
+    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server.port())); }
+    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
 
     /// Shows the channels of Science to the user.
     void runInScience(const Hand &user) {
@@ -34,7 +30,6 @@ protected:
         }
         return channels;
     }
-    QString path(const QString &name) const { return home.filePath(name); }
 
     FeedServer server;
     const Home home;

@@ -99,7 +99,7 @@ TEST_F(WizardTest, AnAddressIsRefusedOrTakenForAFeedThatIsOutOfReach) {
 
 TEST_F(WizardTest, AListIsOfferedAndWhatIsTickedIsAdded) {
     server.serve(u"/my.opml"_s, list);
-    ASSERT_TRUE(writeFile(path(u"my.opml"_s), list));
+    ASSERT_TRUE(writeFile(home.filePath(u"my.opml"_s), list));
     for (const bool isFile : {false, true}) {
         SCOPED_TRACE(isFile);
         runInScience([&](User &user) {
@@ -182,9 +182,10 @@ TEST_F(WizardTest, IsReadyToBeTypedInAndLeavesTheRowWhenItIsCancelled) {
 }
 
 TEST_F(WizardTest, AListThatCannotBeReadIsToldAndLeadsBack) {
-    ASSERT_TRUE(writeFile(path(u"a.opml"_s), "<opml><body>"));
-    ASSERT_TRUE(writeFile(path(u"b.opml"_s), "<opml><body><outline url='u'/></body></opml>"));
-    ASSERT_TRUE(writeFile(path(u"c.opml"_s), "<opml><body/></opml>"));
+    ASSERT_TRUE(writeFile(home.filePath(u"a.opml"_s), "<opml><body>"));
+    ASSERT_TRUE(
+        writeFile(home.filePath(u"b.opml"_s), "<opml><body><outline url='u'/></body></opml>"));
+    ASSERT_TRUE(writeFile(home.filePath(u"c.opml"_s), "<opml><body/></opml>"));
     runInScience([&](User &user) {
         openWizard(user);
         user.tap(u"Import from a file"_s);
