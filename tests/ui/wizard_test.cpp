@@ -166,7 +166,7 @@ TEST_F(WizardTest, IsReadyToBeTypedInAndLeavesTheRowWhenItIsCancelled) {
             user.press(Qt::Key_Down);
             openWizard(user);
             for (int i = 0; i < 2; ++i) {
-                user.press(Qt::Key_A, Qt::ControlModifier);
+                user.press(Qt::Key_Home);
                 user.tap(u"Input from URL"_s);
                 EXPECT_TRUE(user.seesPart<QLineEdit>([](auto &line) {
                     return line.hasFocus() && !line.isReadOnly() && !line.hasSelectedText() &&
