@@ -1,5 +1,4 @@
 #include "ui/home.h"
-#include "ui/kit/dialog.h"
 #include "ui/kit/file_dialog.h"
 #include "ui/kit/file_name.h"
 #include "ui/session.h"

@@ -1,11 +1,9 @@
 #include "platform/sqlite_database.h"
 #include "store/error_codes.h"
 #include "support/fake_opener.h"
-#include "ui/kit/layer.h"
 #include "ui/sharing_test.h"
 
 #include <QDir>
-#include <QLineEdit>
 
 namespace tidebrook {
 namespace {

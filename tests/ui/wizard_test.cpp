@@ -1,4 +1,3 @@
-#include "ui/kit/dialog.h"
 #include "ui/sharing_test.h"
 
 #include <QLineEdit>
