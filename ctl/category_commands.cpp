@@ -64,7 +64,7 @@ int runCategories(Device &device, const Arguments &) {
 QString ensureCategory(Device &device, const QString &name) {
     if (device.categories().contains(name))
         return name;
-    const QString stored = categoryName(name);
+    QString stored = categoryName(name);
     if (stored.isEmpty()) {
         fail(nameNeeded);
         return {};

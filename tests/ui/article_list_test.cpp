@@ -1,5 +1,6 @@
 #include "platform/sqlite_database.h"
 #include "res/commands.h"
+#include "support/full_disk.h"
 #include "ui/kit/dialog.h"
 #include "ui/kit/progress_line.h"
 #include "ui/reading_test.h"
@@ -66,6 +67,7 @@ TEST_F(ArticleListTest, ABusyDatabaseIsWaitedForOrTold) {
         };
         const auto doWhileBusy = [&](const Hand &hand) {
             const SqliteTransaction writing(*other);
+            ASSERT_TRUE(writing.isOpen());
             hand(user);
             EXPECT_TRUE(user.sees([&] { return user.stack().progressLine().isAtWork(); }));
         };
@@ -83,13 +85,19 @@ TEST_F(ArticleListTest, ABusyDatabaseIsWaitedForOrTold) {
         user.press(Qt::Key_Down);
         {
             const SqliteTransaction writing(*other);
+            ASSERT_TRUE(writing.isOpen());
             markRead(user);
-            EXPECT_TRUE(seesUnread(4) && user.seesNoBox()) << "the list shows what came of it";
+            expectBox(user, databaseProblem);
+            EXPECT_TRUE(seesUnread(4));
             open(user);
             expectBox(user, databaseProblem);
         }
         goBack();
         EXPECT_TRUE(seesUnread(4));
+        const FullDisk disk;
+        user.choose({u"Sort by"_s, u"Status"_s});
+        user.press(Qt::Key_Escape);
+        expectBox(user, fileProblem);
     });
     EXPECT_EQ(device.counts(u"Science"_s, u"Moon"_s), u"4/5");
 }

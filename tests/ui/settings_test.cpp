@@ -6,7 +6,6 @@
 #include <QComboBox>
 #include <QStackedWidget>
 
-#include <semaphore>
 
 namespace tidebrook {
 namespace {
@@ -171,9 +170,8 @@ TEST_F(SettingsTest, OfAPageThatWasNotSeenAreLeftAloneAndOfBothAreStoredTogether
 
 TEST_F(SettingsTest, AreNotOverwrittenBeforeTheyWereRead) {
     store(today, {1, 2});
-    std::binary_semaphore gate(0);
     run([&](User &user) {
-        user.look([&] { session->state().settings.tell([&gate] { gate.acquire(); }); });
+        closeGate(user, &AppState::settings);
         user.choose({u"Setting"_s});
         ASSERT_TRUE(user.seesCaption(today.title));
         EXPECT_EQ(shown(user), u"[-] [0]");
