@@ -57,10 +57,16 @@ bool FileProcedure::initialise(Dialog &dialog) {
         dialog.control<QLabel>(id)->setWordWrap(false);
     dialog.control<QLabel>(filterId)->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     prepareList();
-    reader_ = std::make_unique<FolderReader>(request_.pattern, dialog.stack().progressLine());
-    QObject::connect(reader_.get(), &FolderReader::changed, &dialog, [this] { refresh(); });
+    reader_ = &FolderReader::of(dialog.stack());
+    reader_->setPattern(request_.pattern);
+    QObject::connect(reader_, &FolderReader::changed, &dialog, [this] { refresh(); });
     goTo(firstFolder());
     return true;
+}
+
+FileProcedure::~FileProcedure() {
+    if (reader_ != nullptr)
+        reader_->rest();
 }
 
 void FileProcedure::prepareList() {

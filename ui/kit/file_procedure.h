@@ -6,8 +6,6 @@
 
 #include <QList>
 
-#include <memory>
-
 namespace tidebrook {
 
 class ListView;
@@ -19,6 +17,7 @@ public:
     /// The request outlives it.
     FileProcedure(const FileRequest &request, int menuBarId)
         : request_(request), menuBarId_(menuBarId) {}
+    ~FileProcedure() override;
 
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
@@ -63,7 +62,7 @@ private:
     QString path_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
-    std::unique_ptr<FolderReader> reader_;
+    FolderReader *reader_ = nullptr;
     QList<FolderEntry> entries_; // as the list shows them
     QString wanted_;             // to be selected as soon as it is found
 };

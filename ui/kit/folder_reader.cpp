@@ -1,6 +1,7 @@
 #include "ui/kit/folder_reader.h"
 
 #include "ui/kit/progress_line.h"
+#include "ui/kit/screen_stack.h"
 
 #include <QCollator>
 
@@ -23,11 +24,15 @@ QCollator peopleOrder() {
 
 } // namespace
 
-FolderReader::FolderReader(const QString &pattern, ProgressLine &progress) : progress_(progress) {
+FolderReader &FolderReader::of(ScreenStack &stack) {
+    auto *reader = stack.findChild<FolderReader *>({}, Qt::FindDirectChildrenOnly);
+    return reader != nullptr ? *reader : *new FolderReader(stack);
+}
+
+FolderReader::FolderReader(ScreenStack &stack) : QObject(&stack), progress_(stack.progressLine()) {
     model_.setIconProvider(&icons_);
     model_.setOption(QFileSystemModel::DontUseCustomDirectoryIcons);
     model_.setFilter(QDir::AllDirs | QDir::Files | QDir::NoDotAndDotDot);
-    model_.setNameFilters({pattern});
     model_.setNameFilterDisables(false);
     later_.setSingleShot(true);
     connect(&later_, &QTimer::timeout, this, &FolderReader::changed);
@@ -39,8 +44,6 @@ FolderReader::FolderReader(const QString &pattern, ProgressLine &progress) : pro
     connect(&model_, &QFileSystemModel::directoryLoaded, this, &FolderReader::noteLoaded);
 }
 
-FolderReader::~FolderReader() { setReading(false); }
-
 void FolderReader::read(const QString &folder) {
     if (folder == folder_)
         return; // the model would not tell that it was read
@@ -49,6 +52,12 @@ void FolderReader::read(const QString &folder) {
     model_.setRootPath(folder);
     if (model_.rootPath() != folder) // it has just gone
         noteLoaded(folder);
+}
+
+void FolderReader::rest() {
+    folder_.clear();
+    model_.setRootPath({});
+    setReading(false);
 }
 
 void FolderReader::noteLoaded(const QString &folder) {

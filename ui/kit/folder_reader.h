@@ -7,6 +7,7 @@
 namespace tidebrook {
 
 class ProgressLine;
+class ScreenStack;
 
 /// What stands in a folder.
 struct FolderEntry {
@@ -22,14 +23,18 @@ class FolderReader : public QObject {
     Q_OBJECT
 
 public:
-    /// Of files it reads those that the pattern has, in whatever case. The progress line, which
-    /// outlives it, is at work while it reads.
-    FolderReader(const QString &pattern, ProgressLine &progress);
-    /// Ends the thread, as soon as that is done with the entry that it is at.
-    ~FolderReader() override;
+    /// The one of a stack, which owns it. It stays when its dialog ends, because its own end blocks
+    /// for what the system takes to stop watching folders (seconds on a busy machine), and for what
+    /// its thread takes for the entry that it is at.
+    static FolderReader &of(ScreenStack &stack);
 
-    /// Begins to read a folder, by its absolute path, in place of the one before.
+    /// Of files it reads those that the pattern has, in whatever case.
+    void setPattern(const QString &pattern) { model_.setNameFilters({pattern}); }
+    /// Begins to read a folder, by its absolute path, in place of the one before. The stack's
+    /// progress line is at work while it reads.
     void read(const QString &folder);
+    /// Reads and watches nothing any more.
+    void rest();
     const QString &folder() const { return folder_; }
     bool isReading() const { return isReading_; }
 
@@ -43,6 +48,7 @@ Q_SIGNALS:
     void changed();
 
 private:
+    explicit FolderReader(ScreenStack &stack);
     void noteLoaded(const QString &folder);
     void setReading(bool isReading);
 
