@@ -1,5 +1,6 @@
 #include "app/running_reader.h"
 #include "platform/named_event.h"
+#include "support/fake_opener.h"
 #include "ui/kit/layer.h"
 #include "ui/reading_test.h"
 
@@ -73,6 +74,8 @@ TEST_F(TodayTest, AStartThatBringsTheReaderForwardLeadsToTheTappedHeadlineWherev
         EXPECT_TRUE(user.seesPage(u"Sun"_s) && user.seesQuiet());
         goBack(user);
     };
+    FakeOpener opener;
+    opener.remove(); // a message is refused at once
     EXPECT_TRUE(runReader(device.root, [&](User &user) {
         EXPECT_TRUE(user.seesRows(seeded) && user.seesQuiet());
         for (const auto &place : places) {
