@@ -21,8 +21,9 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-const QString seed = u"a\thttp://a\tNews\nb\thttp://b\tTechnology\nc\thttp://c\tScience\n"
-                     "d\thttp://d\tFood and drink\ne\thttp://e\tTravel\nf\thttp://f\tSport\n"_s;
+const QString seed =
+    u"a\thttp://a\tNews\nSmall Machines\thttp://b\tTechnology\nc\thttp://c\tScience\n"
+    "d\thttp://d\tFood and drink\ne\thttp://e\tTravel\nf\thttp://f\tSport\n"_s;
 
 const QByteArray list = R"(<opml version="2.0"><body>
     <outline text="Night Trains" type="rss" xmlUrl="http://example.org/trains"/>
@@ -37,11 +38,13 @@ const QList<TestArticle> exampleArticles{
          "receives three stations, <i>one of them well</i>, and runs for a week on a coin cell.</p>"
          "<h3>What is in it</h3><ul><li>a coil, wound by hand</li><li>two transistors</li>"
          "<li>patience</li></ul><blockquote>Make it small, and then make it smaller.</blockquote>"
-         "<p>The <a href=\"http://example.org/plans\">plans</a> are free.</p>"_s},
-    {.title = u"Why pocket computers had keys"_s},
+         "<p>The <a href=\"http://example.org/plans\">plans</a> are free.</p>"_s,
+     .date = u"2026-11-20"_s},
+    {.title = u"Why pocket computers had keys"_s, .date = u"2026-11-19"_s},
     {.title =
-         u"Letters: your smallest workshop, and how you keep it tidy when somebody is at the door"_s},
-    {.title = u"Soldering by candlelight"_s},
+         u"Letters: your smallest workshop, and how you keep it tidy when somebody is at the door"_s,
+     .date = u"2026-11-18"_s},
+    {.title = u"Soldering by candlelight"_s, .date = u"2026-11-17"_s},
 };
 
 QPalette darkPalette() {
@@ -168,9 +171,10 @@ bool photographAll(const QDir &folder, bool isDark) {
                      u"Channels 10.opml"_s, u"News.opml"_s},
                     list, u"Documents"_s);
     TestDevice device(seed);
-    for (const QStringView name :
-         {u"UpdateInterval", u"UpdateMode", u"UpdateTime", u"ACTOPTION", u"NoRoaming"})
+    for (const QStringView name : {u"UpdateInterval", u"UpdateMode"})
         device.registry->write(programKey, name, 1U);
+    for (const QStringView name : {u"UpdateTime", u"ACTOPTION", u"NoRoaming"})
+        device.registry->write(programKey, name, 0U);
     for (const QStringView name : {u"Enabled", u"TodayTimer"})
         device.registry->write(testTodayKey, name, 1U);
     device.store->Open();
