@@ -96,8 +96,10 @@ TEST_F(TodayTest, AHeadlineThatHasGoneEndsInAListAndOneThatIsToldLateWaitsForWha
             goBack(user);
         };
         leave();
+        tapHeadline(tapped, u"Sun"_s, u""_s);
         user.leaveAndReturn();
         EXPECT_TRUE(user.seesQuiet() && user.seesCaption(u"All Categories"_s));
+        EXPECT_FALSE(tapped.test()) << "a headline without a title is nowhere";
         for (const int key : {Qt::Key_Delete, Qt::Key_Return}) {
             closeGate(user, &AppState::settings);
             tapHeadline(tapped, u"Gone"_s, u"b"_s);
