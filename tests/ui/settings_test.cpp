@@ -6,7 +6,6 @@
 #include <QComboBox>
 #include <QStackedWidget>
 
-
 namespace tidebrook {
 namespace {
 
