@@ -24,10 +24,10 @@ protected:
 
 struct Change {
     bool isAutoUpdated = false;
-    QString name = {};    ///< what is typed; null where it is left alone
-    QString address = {}; ///< the same
     bool isMoved = false; ///< to News
     bool isTicked = false;
+    QString name = {};     ///< what is typed; null where it is left alone
+    QString address = {};  ///< the same
     QString channel = odd; ///< afterwards
     QStringList automatic = {};
 };
@@ -41,15 +41,15 @@ const Change changes[] = {
     {.isAutoUpdated = true, .automatic = {line}},
     {.isTicked = true, .automatic = {line}},
     {.isAutoUpdated = true, .isTicked = true},
-    {.name = u"Luna's"_s,
-     .address = u"ftp://New/"_s,
-     .isMoved = true,
+    {.isMoved = true,
      .isTicked = true,
+     .name = u"Luna's"_s,
+     .address = u"ftp://New/"_s,
      .channel = u"Luna's ftp://New/"_s,
      .automatic = {u"Luna's "_s + link + u" News"}}, // with the old address
     {.isAutoUpdated = true, .name = u"Luna"_s, .channel = luna, .automatic = {luna + u" Science"}},
-    {.name = u"Luna  "_s, .isTicked = true, .channel = luna, .automatic = {luna + u" Science"}},
-    {.isAutoUpdated = true, .name = u"Planet"_s, .isTicked = true}, // which is taken
+    {.isTicked = true, .name = u"Luna  "_s, .channel = luna, .automatic = {luna + u" Science"}},
+    {.isAutoUpdated = true, .isTicked = true, .name = u"Planet"_s}, // which is taken
     {.name = u""_s, .address = u""_s, .channel = u" "_s},
     {.name = longName + u'n',
      .address = longLink + u'l',
