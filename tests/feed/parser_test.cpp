@@ -97,7 +97,7 @@ TEST_F(ParserTest, ARefreshTakesOutWhatItsOwnChannelHasHadForFiveDays) {
 }
 
 TEST_F(ParserTest, TextsAreKeptUpToTheirCapacities) {
-    const auto itemOf = [](QByteArray guid, const QByteArray &title) {
+    const auto itemOf = [](const QByteArray &guid, const QByteArray &title) {
         return QByteArray("<item><guid>" + guid.leftJustified(600, 'g') + "</guid><title>" +
                           title.leftJustified(300, 't') + "</title><link>" + QByteArray(600, 'l') +
                           "</link><description>" + QByteArray(3100, 'd') +

@@ -99,23 +99,23 @@ TEST_F(HandingOutTest, AFailureThatIsToldLeavesItsCodeAndAllElseAsItWas) {
     const Fault none("SELECT 1", "SELECT 1"); // no such folder, or no program
     const struct {
         const char *what;
-        int screen;
         Fault fault;
         Hand act;
-        QString told = databaseProblem;
+        int screen;
         quint32 code = DatabaseFailed;
+        QString told = databaseProblem;
     } cases[]{
-        {"channels", 1, lost("RSSCHRecord"), pressing(Qt::Key_Right)},
-        {"properties", 1, lost("RSSCHRecord"), choosing({u"Properties"_s})},
-        {"articles", 2, lost("RSSRecord"), pressing(Qt::Key_Right)},
-        {"a page", 2, lost("RSSRecord"), pressing(Qt::Key_Return)},
-        {"a deleted channel", 1, refused("DELETE"), remove},
-        {"a new channel", 1, refused("INSERT"), add},
-        {"an export", 1, none, saving(u"Export Channel"_s, u"Moon"_s, u"/proc/x"_s), fileProblem,
-         FileNotWritten},
-        {"saving", 3, none, saving(u"Save Link"_s, u"a"_s, u"/proc/x"_s), fileProblem,
-         FileNotWritten},
-        {"sending", 3, none, choosing({u"Send Link via SMS"_s}), unidentified, NothingKnown},
+        {"channels", lost("RSSCHRecord"), pressing(Qt::Key_Right), 1},
+        {"properties", lost("RSSCHRecord"), choosing({u"Properties"_s}), 1},
+        {"articles", lost("RSSRecord"), pressing(Qt::Key_Right), 2},
+        {"a page", lost("RSSRecord"), pressing(Qt::Key_Return), 2},
+        {"a deleted channel", refused("DELETE"), remove, 1},
+        {"a new channel", refused("INSERT"), add, 1},
+        {"an export", none, saving(u"Export Channel"_s, u"Moon"_s, u"/proc/x"_s), 1, FileNotWritten,
+         fileProblem},
+        {"saving", none, saving(u"Save Link"_s, u"a"_s, u"/proc/x"_s), 3, FileNotWritten,
+         fileProblem},
+        {"sending", none, choosing({u"Send Link via SMS"_s}), 3, NothingKnown, unidentified},
     };
     FakeOpener opener;
     opener.refuse();
