@@ -1,6 +1,6 @@
 #include "bench/page_cache.h"
 
-#include "platform/descriptor.h"
+#include "platform/base/descriptor.h"
 
 #include <QFile>
 

@@ -1,5 +1,5 @@
-#include "app/reader.h"
 #include "bench/first_paint.h"
+#include "reader/reader.h"
 
 #include <QCoreApplication>
 

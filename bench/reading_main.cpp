@@ -2,10 +2,10 @@
 
 #include "bench/screen_cases.h"
 #include "bench/screen_driver.h"
+#include "kit/layer.h"
+#include "kit/list_view.h"
+#include "kit/page/text_page.h"
 #include "res/commands.h"
-#include "ui/kit/layer.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/text_page.h"
 
 #include <QApplication>
 #include <QScrollBar>

@@ -1,5 +1,5 @@
 #include "bench/measured_region.h"
-#include "platform/clock.h"
+#include "platform/base/clock.h"
 #include "update/auto_list.h"
 #include "update/auto_round.h"
 

@@ -1,11 +1,11 @@
 #include "bench/screen_driver.h"
 
 #include "bench/series.h"
+#include "kit/dialog.h"
+#include "kit/list_view.h"
+#include "kit/progress_line.h"
+#include "kit/touch_style.h"
 #include "ui/category_list_screen.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/progress_line.h"
-#include "ui/kit/touch_style.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>

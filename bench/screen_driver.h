@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "platform/mailbox.h"
-#include "ui/kit/screen_stack.h"
+#include "app/app_state.h"
+#include "kit/screen_stack.h"
+#include "platform/sync/mailbox.h"
 
 #include <QObject>
 #include <QSize>

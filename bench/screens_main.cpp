@@ -1,8 +1,8 @@
 // What the screens cost the thread that shows them.
 
 #include "bench/screen_driver.h"
+#include "kit/list_view.h"
 #include "res/commands.h"
-#include "ui/kit/list_view.h"
 
 #include <QScrollBar>
 

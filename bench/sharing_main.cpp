@@ -2,11 +2,11 @@
 
 #include "bench/screen_driver.h"
 #include "bench/sharing_cases.h"
+#include "kit/files/file_name.h"
+#include "kit/layer.h"
+#include "kit/list_view.h"
+#include "kit/progress_line.h"
 #include "res/commands.h"
-#include "ui/kit/file_name.h"
-#include "ui/kit/layer.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/progress_line.h"
 
 #include <QAbstractButton>
 #include <QApplication>

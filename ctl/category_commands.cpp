@@ -1,6 +1,6 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "res/default_channels.h"
 #include "res/strings.h"
 #include "store/category_changes.h"

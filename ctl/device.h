@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/file_lock.h"
-#include "platform/registry.h"
+#include "platform/base/device_root.h"
+#include "platform/sql/registry.h"
+#include "platform/sync/file_lock.h"
 #include "store/category_list.h"
 #include "store/feed_store.h"
 

@@ -1,6 +1,6 @@
 #include "ctl/output.h"
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "res/strings.h"
 
 #include <unistd.h>

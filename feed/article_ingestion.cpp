@@ -1,7 +1,7 @@
 #include "feed/article_ingestion.h"
 
 #include "feed/pub_date.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "store/escape_sql.h"
 
 #include <QStringBuilder>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "feed/feed_records.h"
-#include "platform/sql.h"
+#include "platform/sql/sql.h"
 #include "store/article_record.h"
 
 #include <QString>

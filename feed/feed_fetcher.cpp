@@ -1,9 +1,9 @@
 #include "feed/feed_fetcher.h"
 
 #include "feed/rss_parser.h"
-#include "platform/pause.h"
-#include "platform/replace_file.h"
-#include "platform/xml_encoding.h"
+#include "platform/base/replace_file.h"
+#include "platform/sync/pause.h"
+#include "platform/xml/xml_encoding.h"
 #include "store/settings_store.h"
 
 namespace tidebrook {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/http.h"
-#include "platform/registry.h"
-#include "platform/sql.h"
-#include "platform/xml_document.h"
+#include "platform/base/device_root.h"
+#include "platform/http/http.h"
+#include "platform/sql/registry.h"
+#include "platform/sql/sql.h"
+#include "platform/xml/xml_document.h"
 #include "store/error_codes.h"
 
 #include <QString>

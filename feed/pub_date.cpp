@@ -1,7 +1,7 @@
 #include "feed/pub_date.h"
 
 #include "feed/feed_records.h"
-#include "platform/clock.h"
+#include "platform/base/clock.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,8 @@
 
 #include "feed/article_ingestion.h"
 #include "feed/feed_records.h"
-#include "platform/sql.h"
-#include "platform/xml_document.h"
+#include "platform/sql/sql.h"
+#include "platform/xml/xml_document.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
 #include "service/detach.h"
 
-#include "platform/plain_file.h"
+#include "platform/base/plain_file.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

@@ -1,9 +1,9 @@
 #include "service/downloader.h"
 
-#include "platform/clock.h"
-#include "platform/service.h"
-#include "platform/spare_memory.h"
-#include "platform/wait_any.h"
+#include "platform/base/clock.h"
+#include "platform/base/spare_memory.h"
+#include "platform/desktop/service.h"
+#include "platform/sync/wait_any.h"
 
 #include <algorithm>
 #include <system_error>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/file_identity.h"
-#include "platform/named_event.h"
-#include "platform/registry.h"
-#include "platform/stop_signal.h"
+#include "platform/base/device_root.h"
+#include "platform/base/file_identity.h"
+#include "platform/sql/registry.h"
+#include "platform/sync/named_event.h"
+#include "platform/sync/stop_signal.h"
 #include "service/request_server.h"
 #include "service/service_log.h"
 #include "service/wake_signal.h"

@@ -1,5 +1,5 @@
-#include "platform/process_lock.h"
-#include "platform/service.h"
+#include "platform/desktop/service.h"
+#include "platform/sync/process_lock.h"
 #include "res/strings.h"
 #include "service/detach.h"
 #include "service/downloader.h"

@@ -1,6 +1,6 @@
 #include "service/request_server.h"
 
-#include "platform/spare_memory.h"
+#include "platform/base/spare_memory.h"
 #include "store/error_codes.h"
 #include "store/update_state.h"
 #include "update/channel_update.h"

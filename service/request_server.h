@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/registry.h"
-#include "platform/stop_signal.h"
+#include "platform/base/device_root.h"
+#include "platform/sql/registry.h"
+#include "platform/sync/stop_signal.h"
 #include "service/service_log.h"
 #include "update/refresh.h"
 #include "update/request_file.h"

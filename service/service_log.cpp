@@ -1,7 +1,7 @@
 #include "service/service_log.h"
 
-#include "platform/clock.h"
-#include "platform/text.h"
+#include "platform/base/clock.h"
+#include "platform/base/text.h"
 #include "res/strings.h"
 
 #include <sys/stat.h>

@@ -1,8 +1,8 @@
 #include "share/article_sharing.h"
 
-#include "platform/replace_file.h"
-#include "platform/shell.h"
-#include "platform/text.h"
+#include "platform/base/replace_file.h"
+#include "platform/base/text.h"
+#include "platform/desktop/shell.h"
 #include "store/error_codes.h"
 
 namespace tidebrook {

@@ -1,6 +1,6 @@
 #include "share/download_failure.h"
 
-#include "platform/stop_signal.h"
+#include "platform/sync/stop_signal.h"
 #include "store/error_codes.h"
 
 namespace tidebrook {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/http.h"
+#include "platform/http/http.h"
 
 #include <QtGlobal>
 

@@ -1,6 +1,6 @@
 #include "share/feed_probe.h"
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "share/download_failure.h"
 #include "store/settings_store.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/http.h"
-#include "platform/registry.h"
+#include "platform/http/http.h"
+#include "platform/sql/registry.h"
 
 #include <QString>
 

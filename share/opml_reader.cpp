@@ -1,8 +1,8 @@
 #include "share/opml_reader.h"
 
-#include "platform/plain_file.h"
-#include "platform/replace_file.h"
-#include "platform/text.h"
+#include "platform/base/plain_file.h"
+#include "platform/base/replace_file.h"
+#include "platform/base/text.h"
 #include "share/download_failure.h"
 #include "store/error_codes.h"
 #include "store/settings_store.h"

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/http.h"
-#include "platform/registry.h"
-#include "platform/xml_document.h"
+#include "platform/base/device_root.h"
+#include "platform/http/http.h"
+#include "platform/sql/registry.h"
+#include "platform/xml/xml_document.h"
 #include "share/add_mode.h"
 
 #include <QByteArray>

@@ -1,7 +1,7 @@
 #include "share/opml_writer.h"
 
-#include "platform/replace_file.h"
-#include "platform/text.h"
+#include "platform/base/replace_file.h"
+#include "platform/base/text.h"
 
 #include <QList>
 #include <QXmlStreamWriter>

@@ -1,6 +1,6 @@
 #include "store/category_list.h"
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "store/escape_sql.h"
 
 namespace tidebrook {

@@ -1,6 +1,6 @@
 #include "store/escape_sql.h"
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace tidebrook {
 

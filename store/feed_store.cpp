@@ -1,7 +1,7 @@
 #include "store/feed_store.h"
 
-#include "platform/file_lock.h"
-#include "platform/plain_file.h"
+#include "platform/base/plain_file.h"
+#include "platform/sync/file_lock.h"
 #include "store/error_codes.h"
 #include "store/seeding.h"
 #include "store/tables.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/registry.h"
-#include "platform/sql.h"
+#include "platform/base/device_root.h"
+#include "platform/sql/registry.h"
+#include "platform/sql/sql.h"
 #include "store/escape_sql.h"
 #include "store/rows.h"
 #include "store/settings_store.h"

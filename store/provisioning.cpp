@@ -1,6 +1,6 @@
 #include "store/provisioning.h"
 
-#include "platform/replace_file.h"
+#include "platform/base/replace_file.h"
 #include "store/settings_store.h"
 
 #include <array>

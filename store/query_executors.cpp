@@ -1,6 +1,6 @@
 #include "store/feed_store.h"
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 #include <algorithm>
 #include <cstring>

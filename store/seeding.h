@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/device_root.h"
+#include "platform/base/device_root.h"
 #include "store/category_list.h"
 
 #include <QList>

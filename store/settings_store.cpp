@@ -1,6 +1,6 @@
 #include "store/settings_store.h"
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace tidebrook {
 

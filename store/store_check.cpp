@@ -1,8 +1,8 @@
 #include "store/store_check.h"
 
-#include "platform/plain_file.h"
-#include "platform/sqlite_database.h"
-#include "platform/text.h"
+#include "platform/base/plain_file.h"
+#include "platform/base/text.h"
+#include "platform/sql/sqlite_database.h"
 #include "store/settings_store.h"
 #include "store/tables.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sqlite_database.h"
+#include "platform/sql/sqlite_database.h"
 
 namespace tidebrook {
 

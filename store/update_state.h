@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/http.h"
-#include "platform/sqlite_database.h"
+#include "platform/base/device_root.h"
+#include "platform/http/http.h"
+#include "platform/sql/sqlite_database.h"
 
 #include <QDateTime>
 #include <QHash>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/base/app_state.h"
+#include "app/app_state.h"
+#include "kit/dialog_procedure.h"
 #include "share/article_sharing.h"
-#include "ui/kit/dialog_procedure.h"
 
 #include <functional>
 #include <optional>

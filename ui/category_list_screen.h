@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "app/base/data_jobs.h"
-#include "ui/kit/dialog_procedure.h"
+#include "app/app_state.h"
+#include "app/data_jobs.h"
+#include "kit/dialog_procedure.h"
 
 #include <QStringList>
 

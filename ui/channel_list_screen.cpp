@@ -1,7 +1,10 @@
 #include "ui/channel_list_screen.h"
 
-#include "app/base/messages.h"
-#include "app/base/today_taps.h"
+#include "app/messages.h"
+#include "app/today_taps.h"
+#include "kit/dialog.h"
+#include "kit/list_view.h"
+#include "kit/screen_stack.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "share/dialogs/channel_properties.h"
@@ -9,9 +12,6 @@
 #include "share/dialogs/opml_export.h"
 #include "store/escape_sql.h"
 #include "ui/article_list_screen.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/screen_stack.h"
 #include "ui/row_painter.h"
 #include "ui/update_commands.h"
 

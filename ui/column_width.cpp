@@ -1,6 +1,6 @@
 #include "ui/column_width.h"
 
-#include "ui/kit/screen_shape.h"
+#include "kit/screen_shape.h"
 
 #include <QStyle>
 #include <QWidget>

@@ -1,10 +1,10 @@
 #include "ui/row_painter.h"
 
-#include "app/base/app_state.h"
-#include "platform/text.h"
+#include "app/app_state.h"
+#include "kit/icon.h"
+#include "kit/list_view.h"
+#include "platform/base/text.h"
 #include "store/escape_sql.h"
-#include "ui/kit/icon.h"
-#include "ui/kit/list_view.h"
 
 #include <QFontMetrics>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/kit/row_delegate.h"
+#include "kit/row_delegate.h"
 
 #include <QList>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "ui/kit/dialog_procedure.h"
-#include "ui/kit/list_rows.h"
+#include "app/app_state.h"
+#include "kit/dialog_procedure.h"
+#include "kit/list_rows.h"
 
 #include <QList>
 

@@ -1,9 +1,9 @@
 #include "ui/update_commands.h"
 
-#include "app/base/messages.h"
+#include "app/messages.h"
+#include "kit/dialog.h"
+#include "kit/menu_bar.h"
 #include "res/strings.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/menu_bar.h"
 
 namespace tidebrook {
 

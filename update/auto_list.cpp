@@ -1,9 +1,9 @@
 #include "update/auto_list.h"
 
-#include "platform/descriptor.h"
-#include "platform/plain_file.h"
-#include "platform/replace_file.h"
-#include "platform/text.h"
+#include "platform/base/descriptor.h"
+#include "platform/base/plain_file.h"
+#include "platform/base/replace_file.h"
+#include "platform/base/text.h"
 #include "store/escape_sql.h"
 #include "update/channel_file.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/device_root.h"
+#include "platform/base/device_root.h"
 #include "store/feed_store.h"
 #include "update/refresh_job.h"
 

@@ -1,8 +1,8 @@
 #include "update/auto_round.h"
 
 #include "feed/article_ingestion.h"
-#include "platform/http_queue.h"
-#include "platform/stop_signal.h"
+#include "platform/http/http_queue.h"
+#include "platform/sync/stop_signal.h"
 #include "update/auto_list.h"
 #include "update/update_history.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/registry.h"
+#include "platform/sql/registry.h"
 
 #include <QDateTime>
 

@@ -1,7 +1,7 @@
 #include "update/channel_file.h"
 
-#include "platform/plain_file.h"
-#include "platform/text.h"
+#include "platform/base/plain_file.h"
+#include "platform/base/text.h"
 #include "store/escape_sql.h"
 
 #include <QStringDecoder>

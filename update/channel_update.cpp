@@ -1,6 +1,6 @@
 #include "update/channel_update.h"
 
-#include "platform/pause.h"
+#include "platform/sync/pause.h"
 
 namespace tidebrook {
 

@@ -1,10 +1,10 @@
 #include "update/download_request.h"
 
-#include "platform/descriptor.h"
-#include "platform/pause.h"
-#include "platform/plain_file.h"
-#include "platform/replace_file.h"
-#include "platform/wait_any.h"
+#include "platform/base/descriptor.h"
+#include "platform/base/plain_file.h"
+#include "platform/base/replace_file.h"
+#include "platform/sync/pause.h"
+#include "platform/sync/wait_any.h"
 #include "update/channel_file.h"
 #include "update/request_file.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/named_event.h"
+#include "platform/base/device_root.h"
+#include "platform/sync/named_event.h"
 #include "update/refresh_job.h"
 #include "update/request_file.h"
 

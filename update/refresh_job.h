@@ -1,9 +1,9 @@
 #pragma once
 
 #include "feed/feed_fetcher.h"
-#include "platform/device_root.h"
-#include "platform/http.h"
-#include "platform/registry.h"
+#include "platform/base/device_root.h"
+#include "platform/http/http.h"
+#include "platform/sql/registry.h"
 #include "store/feed_store.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "update/request_file.h"
 
-#include "platform/named_event.h"
+#include "platform/sync/named_event.h"
 #include "store/settings_store.h"
 #include "update/channel_file.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/named_mutex.h"
-#include "platform/registry.h"
+#include "platform/base/device_root.h"
+#include "platform/sql/registry.h"
+#include "platform/sync/named_mutex.h"
 #include "update/refresh_job.h"
 
 #include <QString>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/descriptor.h"
-#include "platform/stop_signal.h"
+#include "platform/base/descriptor.h"
+#include "platform/sync/stop_signal.h"
 
 namespace tidebrook {
 

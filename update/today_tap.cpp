@@ -1,6 +1,6 @@
 #include "update/today_tap.h"
 
-#include "platform/named_event.h"
+#include "platform/sync/named_event.h"
 #include "store/escape_sql.h"
 #include "store/settings_store.h"
 

@@ -1,6 +1,6 @@
 #include "update/update_history.h"
 
-#include "platform/clock.h"
+#include "platform/base/clock.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "update/update_run.h"
 
-#include "platform/pause.h"
-#include "platform/service.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/desktop/service.h"
+#include "platform/sync/pause.h"
 #include "store/error_codes.h"
 #include "store/escape_sql.h"
 

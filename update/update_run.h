@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/device_root.h"
-#include "platform/registry.h"
+#include "platform/base/device_root.h"
+#include "platform/sql/registry.h"
 #include "store/feed_store.h"
 #include "update/download_request.h"
 #include "update/run_interrupt.h"

@@ -1,6 +1,6 @@
 #include "update/update_settings.h"
 
-#include "platform/named_event.h"
+#include "platform/sync/named_event.h"
 
 namespace tidebrook {
 

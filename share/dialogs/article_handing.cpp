@@ -1,12 +1,12 @@
 #include "share/dialogs/article_handing.h"
 
-#include "app/base/messages.h"
-#include "app/base/text_screens.h"
+#include "app/messages.h"
+#include "app/text_screens.h"
+#include "kit/files/file_dialog.h"
+#include "kit/screen_stack.h"
 #include "res/strings.h"
 #include "share/dialogs/told_errand.h"
 #include "store/escape_sql.h"
-#include "ui/kit/file_dialog.h"
-#include "ui/kit/screen_stack.h"
 
 namespace tidebrook {
 

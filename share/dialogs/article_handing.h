@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/base/app_state.h"
+#include "app/app_state.h"
 #include "share/article_sharing.h"
 
 #include <QString>

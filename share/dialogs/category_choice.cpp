@@ -1,7 +1,7 @@
 #include "share/dialogs/category_choice.h"
 
-#include "app/base/data_jobs.h"
-#include "app/base/messages.h"
+#include "app/data_jobs.h"
+#include "app/messages.h"
 #include "res/strings.h"
 
 #include <QComboBox>

@@ -1,11 +1,11 @@
 #include "share/dialogs/category_page.h"
 
-#include "platform/text.h"
+#include "kit/dialog.h"
+#include "platform/base/text.h"
 #include "res/commands.h"
 #include "share/dialogs/category_choice.h"
 #include "share/feed_probe.h"
 #include "store/escape_sql.h"
-#include "ui/kit/dialog.h"
 
 #include <QComboBox>
 

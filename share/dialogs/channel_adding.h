@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "app/base/data_jobs.h"
+#include "app/app_state.h"
+#include "app/data_jobs.h"
 
 #include <QList>
 

@@ -1,11 +1,11 @@
 #include "share/dialogs/channel_choice_page.h"
 
-#include "app/base/messages.h"
+#include "app/messages.h"
+#include "kit/dialog.h"
+#include "kit/list_view.h"
+#include "kit/screen_stack.h"
 #include "res/commands.h"
 #include "share/dialogs/category_page.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/screen_stack.h"
 
 #include <QAbstractButton>
 

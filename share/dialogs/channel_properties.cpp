@@ -1,13 +1,13 @@
 #include "share/dialogs/channel_properties.h"
 
-#include "app/base/messages.h"
-#include "platform/text.h"
+#include "app/messages.h"
+#include "kit/dialog.h"
+#include "platform/base/text.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "share/dialogs/category_choice.h"
 #include "share/dialogs/form_dialog.h"
 #include "store/escape_sql.h"
-#include "ui/kit/dialog.h"
 #include "update/auto_list.h"
 
 #include <QAbstractButton>

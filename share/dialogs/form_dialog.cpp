@@ -1,9 +1,9 @@
 #include "share/dialogs/form_dialog.h"
 
-#include "app/base/messages.h"
-#include "app/base/text_screens.h"
+#include "app/messages.h"
+#include "app/text_screens.h"
+#include "kit/dialog.h"
 #include "res/strings.h"
-#include "ui/kit/dialog.h"
 
 #include <QKeyEvent>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "ui/kit/dialog_procedure.h"
-#include "ui/kit/waiting.h"
+#include "app/app_state.h"
+#include "kit/dialog_procedure.h"
+#include "kit/waiting.h"
 
 #include <memory>
 #include <optional>

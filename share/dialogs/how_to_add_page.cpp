@@ -1,15 +1,15 @@
 #include "share/dialogs/how_to_add_page.h"
 
-#include "app/base/messages.h"
-#include "app/base/text_screens.h"
-#include "platform/text.h"
+#include "app/messages.h"
+#include "app/text_screens.h"
+#include "kit/dialog.h"
+#include "kit/files/file_dialog.h"
+#include "platform/base/text.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "share/dialogs/category_page.h"
 #include "share/dialogs/channel_choice_page.h"
 #include "share/feed_probe.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/file_dialog.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>

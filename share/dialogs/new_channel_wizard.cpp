@@ -1,8 +1,8 @@
 #include "share/dialogs/new_channel_wizard.h"
 
+#include "kit/dialog.h"
 #include "res/commands.h"
 #include "share/dialogs/how_to_add_page.h"
-#include "ui/kit/dialog.h"
 
 namespace tidebrook {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/base/data_jobs.h"
+#include "app/data_jobs.h"
 
 namespace tidebrook {
 

@@ -1,8 +1,8 @@
 #include "share/dialogs/told_errand.h"
 
-#include "app/base/messages.h"
+#include "app/messages.h"
+#include "kit/screen_stack.h"
 #include "res/strings.h"
-#include "ui/kit/screen_stack.h"
 
 namespace tidebrook {
 

@@ -1,4 +1,4 @@
-#include "app/base/fill_jobs.h"
+#include "app/fill_jobs.h"
 #include "support/forked_process.h"
 #include "support/no_threads.h"
 #include "support/test_device.h"

@@ -1,5 +1,5 @@
 #include "app/running_reader.h"
-#include "platform/file_lock.h"
+#include "platform/sync/file_lock.h"
 #include "ui/reading_test.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/device_opening.h"
-#include "app/instance.h"
-#include "platform/service.h"
+#include "platform/desktop/service.h"
+#include "reader/device_opening.h"
+#include "reader/instance.h"
 #include "ui/session.h"
 
 #include <QApplication>

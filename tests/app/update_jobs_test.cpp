@@ -1,7 +1,7 @@
-#include "app/base/update_jobs.h"
-#include "platform/process_lock.h"
-#include "platform/service.h"
-#include "platform/wait_any.h"
+#include "app/update_jobs.h"
+#include "platform/desktop/service.h"
+#include "platform/sync/process_lock.h"
+#include "platform/sync/wait_any.h"
 #include "support/no_threads.h"
 #include "support/test_device.h"
 

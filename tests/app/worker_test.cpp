@@ -1,5 +1,5 @@
-#include "app/base/errands.h"
-#include "app/base/work_queue.h"
+#include "app/errands.h"
+#include "app/work_queue.h"
 #include "support/no_threads.h"
 
 #include <QTest>

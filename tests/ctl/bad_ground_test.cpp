@@ -1,8 +1,8 @@
 #include "ctl/ctl_process.h"
 #include "feed_server/generated_feed.h"
-#include "platform/file_lock.h"
-#include "platform/registry.h"
-#include "platform/sqlite_database.h"
+#include "platform/sql/registry.h"
+#include "platform/sql/sqlite_database.h"
+#include "platform/sync/file_lock.h"
 #include "store/settings_store.h"
 
 #include <QDir>

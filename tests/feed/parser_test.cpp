@@ -1,6 +1,6 @@
 #include "feed/pub_date.h"
 #include "feed/rss_parser.h"
-#include "platform/clock.h"
+#include "platform/base/clock.h"
 #include "support/open_store.h"
 
 #include <gtest/gtest.h>

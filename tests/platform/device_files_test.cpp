@@ -1,5 +1,5 @@
-#include "platform/registry.h"
-#include "platform/replace_file.h"
+#include "platform/base/replace_file.h"
+#include "platform/sql/registry.h"
 #include "support/forked_process.h"
 #include "support/test_device.h"
 

@@ -1,4 +1,4 @@
-#include "platform/registry.h"
+#include "platform/sql/registry.h"
 #include "support/device_folders.h"
 
 #include <QStringList>

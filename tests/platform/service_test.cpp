@@ -1,5 +1,5 @@
-#include "platform/process_lock.h"
-#include "platform/service.h"
+#include "platform/desktop/service.h"
+#include "platform/sync/process_lock.h"
 #include "support/device_folders.h"
 #include "support/forked_process.h"
 

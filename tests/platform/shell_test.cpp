@@ -1,5 +1,5 @@
-#include "platform/shell.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/desktop/shell.h"
 #include "support/fake_opener.h"
 #include "support/text_printing.h"
 

@@ -1,5 +1,5 @@
-#include "platform/single_instance.h"
-#include "platform/wait_any.h"
+#include "platform/desktop/single_instance.h"
+#include "platform/sync/wait_any.h"
 #include "support/device_folders.h"
 #include "support/forked_process.h"
 

@@ -1,4 +1,4 @@
-#include "platform/sql.h"
+#include "platform/sql/sql.h"
 #include "support/text_printing.h"
 
 #include <QTemporaryDir>

@@ -1,4 +1,4 @@
-#include "platform/xml_document.h"
+#include "platform/xml/xml_document.h"
 #include "support/text_printing.h"
 
 #include <QList>

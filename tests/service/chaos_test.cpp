@@ -1,5 +1,5 @@
 #include "feed_server/generated_feed.h"
-#include "platform/service.h"
+#include "platform/desktop/service.h"
 #include "service/running_service.h"
 
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
 #include "service/running_service.h"
 
-#include "platform/service.h"
+#include "platform/desktop/service.h"
 
 #include <csignal>
 

@@ -1,5 +1,5 @@
 #include "feed_server/feed_server.h"
-#include "platform/stop_signal.h"
+#include "platform/sync/stop_signal.h"
 #include "share/feed_probe.h"
 #include "support/test_device.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/descriptor.h"
+#include "platform/base/descriptor.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>

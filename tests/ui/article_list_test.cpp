@@ -1,8 +1,8 @@
-#include "platform/sqlite_database.h"
+#include "kit/dialog.h"
+#include "kit/progress_line.h"
+#include "platform/sql/sqlite_database.h"
 #include "res/commands.h"
 #include "support/full_disk.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/progress_line.h"
 #include "ui/reading_test.h"
 
 #include <QPixmap>

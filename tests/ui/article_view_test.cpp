@@ -1,7 +1,7 @@
+#include "kit/layer.h"
+#include "kit/page/text_page.h"
 #include "support/fake_opener.h"
 #include "ui/article_page.h"
-#include "ui/kit/layer.h"
-#include "ui/kit/text_page.h"
 #include "ui/reading_test.h"
 
 #include <QFile>

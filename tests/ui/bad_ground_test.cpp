@@ -1,7 +1,7 @@
-#include "platform/sqlite_database.h"
+#include "kit/layer.h"
+#include "kit/progress_line.h"
+#include "platform/sql/sqlite_database.h"
 #include "support/full_disk.h"
-#include "ui/kit/layer.h"
-#include "ui/kit/progress_line.h"
 #include "ui/reading_test.h"
 
 namespace tidebrook {

@@ -1,4 +1,4 @@
-#include "ui/kit/layer.h"
+#include "kit/layer.h"
 #include "ui/reading_test.h"
 
 namespace tidebrook {

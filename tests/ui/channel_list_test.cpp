@@ -1,7 +1,7 @@
-#include "app/base/messages.h"
+#include "app/messages.h"
+#include "kit/dialog.h"
 #include "res/commands.h"
 #include "res/strings.h"
-#include "ui/kit/dialog.h"
 #include "ui/reading_test.h"
 
 #include <QTest>

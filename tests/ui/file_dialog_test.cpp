@@ -1,6 +1,6 @@
+#include "kit/files/file_dialog.h"
+#include "kit/files/file_name.h"
 #include "ui/home.h"
-#include "ui/kit/file_dialog.h"
-#include "ui/kit/file_name.h"
 #include "ui/session.h"
 
 #include <gtest/gtest.h>

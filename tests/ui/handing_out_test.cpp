@@ -1,4 +1,4 @@
-#include "platform/sqlite_database.h"
+#include "platform/sql/sqlite_database.h"
 #include "store/error_codes.h"
 #include "support/fake_opener.h"
 #include "ui/sharing_test.h"

@@ -1,5 +1,5 @@
+#include "kit/form.h"
 #include "res/strings.h"
-#include "ui/kit/form.h"
 #include "ui/reading_test.h"
 
 #include <QAbstractButton>

@@ -1,4 +1,4 @@
-#include "ui/kit/touch_style.h"
+#include "kit/touch_style.h"
 
 #include <QApplication>
 

@@ -1,4 +1,4 @@
-#include "ui/kit/text_page.h"
+#include "kit/page/text_page.h"
 
 #include <QFile>
 #include <QPixmap>

@@ -1,11 +1,11 @@
 #include "feed_server/generated_feed.h"
-#include "platform/service.h"
+#include "kit/layer.h"
+#include "kit/list_view.h"
+#include "kit/menu_bar.h"
+#include "kit/progress_line.h"
+#include "platform/desktop/service.h"
 #include "res/commands.h"
 #include "service/running_service.h"
-#include "ui/kit/layer.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/menu_bar.h"
-#include "ui/kit/progress_line.h"
 #include "ui/session.h"
 
 #include <QElapsedTimer>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "kit/list_view.h"
 #include "store/seeding.h"
 #include "store/store_check.h"
 #include "support/test_device.h"
-#include "ui/kit/list_view.h"
 #include "ui/session.h"
 #include "update/auto_list.h"
 

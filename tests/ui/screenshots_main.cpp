@@ -1,9 +1,9 @@
 // Pictures of every screen and dialog, light and dark, on a device whose screen is that of the
 // platform.
 
+#include "kit/files/file_dialog.h"
+#include "kit/touch_style.h"
 #include "ui/home.h"
-#include "ui/kit/file_dialog.h"
-#include "ui/kit/touch_style.h"
 #include "ui/session.h"
 
 #include <QApplication>

@@ -1,11 +1,11 @@
 #include "ui/session.h"
 
+#include "kit/dialog.h"
+#include "kit/layer.h"
+#include "kit/page/text_page.h"
+#include "kit/progress_line.h"
 #include "support/blocked_time.h"
 #include "ui/category_list_screen.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/layer.h"
-#include "ui/kit/progress_line.h"
-#include "ui/kit/text_page.h"
 
 #include <QAbstractButton>
 #include <QClipboard>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "platform/mailbox.h"
-#include "ui/kit/header_bar.h"
-#include "ui/kit/list_view.h"
-#include "ui/kit/message_box.h"
-#include "ui/kit/screen_stack.h"
+#include "app/app_state.h"
+#include "kit/header_bar.h"
+#include "kit/list_view.h"
+#include "kit/message_box.h"
+#include "kit/screen_stack.h"
+#include "platform/sync/mailbox.h"
 
 #include <QApplication>
 

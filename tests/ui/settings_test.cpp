@@ -1,5 +1,5 @@
-#include "ui/kit/form.h"
-#include "ui/kit/layer.h"
+#include "kit/form.h"
+#include "kit/layer.h"
 #include "ui/reading_test.h"
 
 #include <QAbstractButton>

@@ -1,7 +1,7 @@
 #include "app/running_reader.h"
-#include "platform/named_event.h"
+#include "kit/layer.h"
+#include "platform/sync/named_event.h"
 #include "support/fake_opener.h"
-#include "ui/kit/layer.h"
 #include "ui/reading_test.h"
 
 namespace tidebrook {

@@ -1,4 +1,4 @@
-#include "platform/named_event.h"
+#include "platform/sync/named_event.h"
 #include "support/full_disk.h"
 #include "support/test_device.h"
 #include "update/update_settings.h"

@@ -1,7 +1,7 @@
 #include "update/dialogs/auto_update_page.h"
 
+#include "kit/form.h"
 #include "res/strings.h"
-#include "ui/kit/form.h"
 #include "update/dialogs/page_values.h"
 
 #include <QAbstractButton>

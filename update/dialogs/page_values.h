@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "app/base/messages.h"
+#include "app/app_state.h"
+#include "app/messages.h"
+#include "kit/form.h"
+#include "kit/screen_stack.h"
 #include "res/strings.h"
-#include "ui/kit/form.h"
-#include "ui/kit/screen_stack.h"
 
 #include <QStringList>
 

@@ -1,8 +1,8 @@
 #include "update/dialogs/settings_sheet.h"
 
-#include "app/base/text_screens.h"
-#include "ui/kit/dialog.h"
-#include "ui/kit/property_sheet.h"
+#include "app/text_screens.h"
+#include "kit/dialog.h"
+#include "kit/property_sheet.h"
 #include "update/dialogs/auto_update_page.h"
 #include "update/dialogs/today_page.h"
 

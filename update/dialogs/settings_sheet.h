@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/base/app_state.h"
+#include "app/app_state.h"
 
 namespace tidebrook {
 

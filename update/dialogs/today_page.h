@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/base/app_state.h"
-#include "ui/kit/property_sheet.h"
+#include "app/app_state.h"
+#include "kit/property_sheet.h"
 #include "update/update_settings.h"
 
 class QAbstractButton;

@@ -1,0 +1,39 @@
+#include "app/app_state.h"
+
+#include "app/messages.h"
+#include "kit/list_view.h"
+#include "kit/progress_line.h"
+#include "kit/screen_stack.h"
+
+namespace tidebrook {
+
+namespace {
+
+template <class Worker> void showOn(ProgressLine &line, const Worker &worker) {
+    QObject::connect(&worker, &Worker::begun, &line, &ProgressLine::begin);
+    QObject::connect(&worker, &Worker::done, &line, &ProgressLine::finish);
+}
+
+} // namespace
+
+AppState::AppState(DeviceParts &parts, ScreenStack &screenStack)
+    : device(parts), stack(screenStack), fills(parts.dbMutex), updates(parts) {
+    showOn(stack.progressLine(), changes);
+    showOn(stack.progressLine(), settings);
+    showOn(stack.progressLine(), errands);
+    showOn(stack.progressLine(), fills);
+    showOn(stack.progressLine(), updates);
+    QObject::connect(&updates, &UpdateJobs::stepped, &stack.progressLine(),
+                     &ProgressLine::setSteps);
+    QObject::connect(&updates, &UpdateJobs::failed, &stack, [this] { ShowError(*this, 0); });
+}
+
+void AppState::finish() {
+    updates.finish();
+    fills.finish();
+    errands.finish();
+    settings.finish();
+    changes.finish();
+}
+
+} // namespace tidebrook

@@ -1,0 +1,111 @@
+#include "app/fill_jobs.h"
+
+#include <QTimer>
+
+#include <system_error>
+#include <utility>
+
+namespace tidebrook {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto jobPatience = 2000ms;
+constexpr auto screenPatience = 1000ms;
+constexpr auto retryPause = 100ms;
+
+} // namespace
+
+FillJobs::FillJobs(NamedMutex &dbMutex) : dbMutex_(dbMutex) {}
+
+FillJobs::~FillJobs() { finish(); }
+
+bool FillJobs::launch(QObject *receiver, Fill fill) {
+    if (isFinished_)
+        return false;
+    outdate(receiver);
+    if (fillStop_ >= 1) {
+        refuse(receiver, std::move(fill));
+        return true;
+    }
+    // A mutex that is not there at all keeps nobody from filling.
+    if (dbMutex_.isOpen() && !count(-1, jobPatience))
+        return false;
+    auto job = std::make_shared<Job>(Job{std::move(fill), receiver, false, {}});
+    try {
+        job->thread = std::thread(&FillJobs::run, this, job);
+    } catch (const std::system_error &) {
+        count(1, jobPatience);
+        return false;
+    }
+    jobs_.push_back(job);
+    if (refusedReceiver_ == receiver)
+        refused_ = nullptr; // this is what it was owed
+    Q_EMIT begun();
+    return true;
+}
+
+void FillJobs::refuse(QObject *receiver, Fill fill) {
+    refused_ = std::move(fill.again);
+    refusedReceiver_ = receiver;
+    offerAgain();
+}
+
+// What the receiver asked for before, it does not want any more.
+void FillJobs::outdate(const QObject *receiver) {
+    for (const std::shared_ptr<Job> &job : jobs_)
+        job->isOutdated = job->isOutdated || job->receiver == receiver;
+}
+
+void FillJobs::requestStop() { count(1, screenPatience); }
+
+bool FillJobs::count(int change, std::chrono::milliseconds patience) {
+    if (!dbMutex_.lock(patience))
+        return false;
+    fillStop_ += change;
+    dbMutex_.unlock();
+    return true;
+}
+
+void FillJobs::run(const std::shared_ptr<Job> &job) {
+    FillStop stop(fillStop_, isFinished_);
+    job->fill.collect(stop);
+    if (stop.isCounted())
+        count(-1, jobPatience);
+    mailbox_.post([this, job] { end(job); });
+}
+
+void FillJobs::end(const std::shared_ptr<Job> &job) {
+    if (std::erase(jobs_, job) == 0)
+        return; // `finish` has waited for it
+    job->thread.join();
+    Q_EMIT done();
+    if (!job->isOutdated && !job->receiver.isNull())
+        job->fill.show();
+    offerAgain();
+}
+
+// The stop that had a fill refused is one that no fill will see any more. Balanced as one would
+// have, it no longer keeps the screen blank.
+void FillJobs::offerAgain() {
+    if (!refused_ || isFinished_ || !jobs_.empty())
+        return;
+    if (fillStop_ >= 1 && !count(-1, 0ms)) {
+        QTimer::singleShot(retryPause, this, &FillJobs::offerAgain);
+        return;
+    }
+    const auto again = std::exchange(refused_, nullptr);
+    if (!refusedReceiver_.isNull())
+        again();
+}
+
+void FillJobs::finish() {
+    isFinished_ = true;
+    for (const std::shared_ptr<Job> &job : std::exchange(jobs_, {})) {
+        job->thread.join();
+        Q_EMIT done();
+    }
+}
+
+} // namespace tidebrook

@@ -1,3 +1,0 @@
-#include "app/reader.h"
-
-int main(int argc, char **argv) { return tidebrook::runReader(argc, argv); }

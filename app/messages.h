@@ -1,0 +1,25 @@
+#pragma once
+
+#include "app/app_state.h"
+
+namespace tidebrook {
+
+/// Shows a warning, both texts by their ids in the string table, until the user has read it.
+void ShowMessage(AppState &state, int captionId, int textId);
+
+/// Shows an error until the user has read it. A `textId` of 0 stands for the message of the code
+/// that the registry's "ERRORNO" holds, which stays there; the call then returns before the box is
+/// shown, because reading it may wait.
+void ShowError(AppState &state, int textId);
+
+/// Records, as "ERRORNO", the code of a problem that a text of the string table tells, and gives
+/// the text's id back. For 0 and for other texts nothing is recorded. On any thread; it may wait.
+int recordProblem(DeviceParts &device, int textId);
+
+/// Shows a problem, and records its code soon.
+void tellProblem(AppState &state, int textId);
+
+/// Asks a question. True for Yes.
+bool askUser(AppState &state, int captionId, int textId);
+
+} // namespace tidebrook

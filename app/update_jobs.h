@@ -1,0 +1,78 @@
+#pragma once
+
+#include "app/device_parts.h"
+#include "platform/sync/mailbox.h"
+#include "update/run_interrupt.h"
+#include "update/update_run.h"
+
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace tidebrook {
+
+/// The updates that the user asks for and waits for, one at a time, each on a thread of its own.
+/// While one runs, a key or a button that is pressed, or a finger put on any widget, is the input
+/// that ends the wait for a channel. What comes of it is told on the user-interface thread. Used
+/// by that thread alone.
+class UpdateJobs : public QObject {
+    Q_OBJECT
+
+public:
+    /// The device's parts outlive it, and its store is there until this has finished.
+    explicit UpdateJobs(DeviceParts &device);
+    /// As `finish`.
+    ~UpdateJobs() override;
+
+    // As `UpdateRun` does it. False, and nothing is told, when one runs already, this has finished,
+    // or there is no thread to be had.
+    bool startUpdateChannel(const QString &category, const QString &channel);
+    bool startUpdateCategory(const QString &category);
+
+    /// From the start until `done`.
+    bool isUpdating() const { return isUpdating_; }
+
+    /// How long each answer is waited for, of what is started from now on: 60 seconds unless told.
+    void setAnswerTimeout(std::chrono::milliseconds timeout) { answerTimeout_ = timeout; }
+
+    /// Stops what runs and waits for its end. Nothing is started any more, and nothing told of
+    /// what ran but `done`.
+    void finish();
+
+Q_SIGNALS:
+    /// An update was started, or is done. As many of the one as of the other.
+    void begun();
+    void done();
+
+    /// As `UpdateObserver` tells it.
+    void stepped(int index, int count);
+    void channelUpdated(const QString &category, const QString &channel);
+    void channelCounted(const QString &category, const QString &channel, int unread, int total);
+
+    /// Told after `done`; the code is in the registry's "ERRORNO".
+    void failed();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    using Work = std::function<bool(UpdateRun &)>;
+
+    bool start(const Work &work);
+    void run(const Work &work, std::chrono::milliseconds answerTimeout);
+    void tell(std::function<void()> call);
+    void end();
+
+    DeviceParts &device_;
+    Mailbox mailbox_; // of the user-interface thread
+    RunInterrupt interrupt_;
+    std::chrono::milliseconds answerTimeout_ = usualAnswerTimeout;
+    std::thread thread_;
+    bool isUpdating_ = false;
+    bool isFinished_ = false;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,152 @@
+#include "kit/files/file_dialog.h"
+
+#include "kit/dialog.h"
+#include "kit/files/file_name.h"
+#include "kit/files/file_procedure.h"
+#include "kit/message_box.h"
+#include "kit/screen_stack.h"
+#include "platform/base/text.h"
+#include "res/strings.h"
+
+#include <QFileInfo>
+#include <QLineEdit>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int openTemplateId = 154;
+constexpr int saveTemplateId = 156;
+constexpr int openMenuBarId = 412;
+constexpr int saveMenuBarId = 413;
+constexpr int nameId = 1036;
+
+constexpr int nameInBoxUnits = 120; // a box breaks no word, however long
+
+class OpenProcedure : public FileProcedure {
+public:
+    explicit OpenProcedure(const FileRequest &request) : FileProcedure(request, openMenuBarId) {}
+
+protected:
+    void take(const QString &name) override {
+        const QString path = pathIn(folder(), name);
+        if (isWithinLimit(path))
+            choose(path);
+    }
+    void confirm() override { takeRow(); }
+};
+
+class SaveProcedure : public FileProcedure {
+public:
+    explicit SaveProcedure(const FileRequest &request)
+        : FileProcedure(request, saveMenuBarId), ending_(request.pattern.sliced(1)) {}
+
+    bool initialise(Dialog &dialog) override;
+
+protected:
+    void take(const QString &name) override;
+    void confirm() override;
+
+private:
+    void save(const QString &typed);
+    bool mayReplace(const QString &path) const;
+    /// Why nothing can be written there; null when something can.
+    QString faultOf(const QString &typed, const QString &path) const;
+    void propose(const QString &name);
+    /// The name that was asked for, as far as there is room for it.
+    QString proposal() const;
+    /// A text of the string table, with a name or path in it that a box has room for.
+    QString textWith(int stringId, const QString &name) const;
+
+    const QString ending_;
+    QLineEdit *name_ = nullptr;
+};
+
+bool SaveProcedure::initialise(Dialog &dialog) {
+    name_ = dialog.control<QLineEdit>(nameId);
+    if (name_ == nullptr || !FileProcedure::initialise(dialog))
+        return false;
+    name_->setAccessibleName(resourceString(fileNameString));
+    propose(proposal());
+    return true;
+}
+
+QString SaveProcedure::proposal() const {
+    return possibleFileName(request().name, ending_, request().pathLimit);
+}
+
+void SaveProcedure::propose(const QString &name) {
+    name_->setText(name);
+    name_->selectAll();
+}
+
+void SaveProcedure::take(const QString &name) {
+    propose(name);
+    name_->setFocus();
+}
+
+void SaveProcedure::confirm() {
+    const QString text = withoutControls(name_->text()).trimmed();
+    const QString typed = pathMeant(text, folder());
+    if (text.isEmpty()) {
+        refuse(resourceString(noFileNameString));
+    } else if (QFileInfo(typed).isDir()) {
+        goTo(typed);
+        propose(proposal());
+    } else if (text.endsWith(u'/')) {
+        refuse(textWith(noFolderString, typed));
+    } else {
+        save(typed);
+    }
+}
+
+void SaveProcedure::save(const QString &typed) {
+    const QString path = withEnding(typed, ending_);
+    const QString fault = faultOf(typed, path);
+    if (!fault.isEmpty())
+        refuse(fault);
+    else if (isWithinLimit(path) && (!QFileInfo::exists(path) || mayReplace(path)))
+        choose(path);
+}
+
+bool SaveProcedure::mayReplace(const QString &path) const {
+    return MessageBox::ask(dialog().stack(), MessageBox::Kind::Question, request().title,
+                           textWith(replaceFileString, QFileInfo(path).fileName()));
+}
+
+QString SaveProcedure::faultOf(const QString &typed, const QString &path) const {
+    const QFileInfo target(path);
+    if (!QFileInfo(target.path()).isDir())
+        return textWith(noFolderString, target.path());
+    if (isNameTooLong(target.fileName()))
+        return resourceString(longFileNameString);
+    for (const QFileInfo &place : {QFileInfo(typed), target}) {
+        if (place.exists() && !place.isFile())
+            return textWith(noFileString, place.fileName());
+    }
+    return {};
+}
+
+QString SaveProcedure::textWith(int stringId, const QString &name) const {
+    const ScreenStack &stack = dialog().stack();
+    return resourceString(stringId).arg(
+        stack.fontMetrics().elidedText(name, Qt::ElideMiddle, stack.units().width(nameInBoxUnits)));
+}
+
+QString run(int templateId, ScreenStack &stack, FileProcedure &procedure) {
+    return RunDialog(templateId, stack, procedure) == 1 ? procedure.path() : QString();
+}
+
+} // namespace
+
+QString chooseFileToOpen(ScreenStack &stack, const FileRequest &request) {
+    OpenProcedure procedure(request);
+    return run(openTemplateId, stack, procedure);
+}
+
+QString chooseFileToSave(ScreenStack &stack, const FileRequest &request) {
+    SaveProcedure procedure(request);
+    return run(saveTemplateId, stack, procedure);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,199 @@
+#include "kit/files/file_procedure.h"
+
+#include "kit/dialog.h"
+#include "kit/files/file_name.h"
+#include "kit/list_view.h"
+#include "kit/message_box.h"
+#include "kit/screen_stack.h"
+#include "res/commands.h"
+#include "res/strings.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <utility>
+
+namespace tidebrook {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int folderId = 1034;
+constexpr int filterId = 1035;
+constexpr int filesId = 1037;
+
+enum RowImage : int { ImageAbove, ImageFolder, ImageFile };
+
+bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+QString firstFolder() {
+    const QString documents = documentsFolder();
+    return nearestFolder(QFileInfo(documents).isDir() ? documents : QDir::homePath());
+}
+
+QString shownFolder(const QString &folder) {
+    const QString documents = documentsFolder();
+    QString name = QFileInfo(documents).fileName();
+    if (folder == documents)
+        return name;
+    const QString inside = pathFromDocuments(folder);
+    return inside == folder ? folder : pathIn(name, inside);
+}
+
+} // namespace
+
+bool FileProcedure::initialise(Dialog &dialog) {
+    dialog_ = &dialog;
+    list_ = dialog.control<ListView>(filesId);
+    if (list_ == nullptr || !dialog.makeMenuBar(menuBarId_))
+        return false;
+    dialog.makeHeaderBar(request_.title);
+    for (const int id : {folderId, filterId})
+        dialog.control<QLabel>(id)->setWordWrap(false);
+    dialog.control<QLabel>(filterId)->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+    prepareList();
+    reader_ = &FolderReader::of(dialog.stack());
+    reader_->setPattern(request_.pattern);
+    QObject::connect(reader_, &FolderReader::changed, &dialog, [this] { refresh(); });
+    goTo(firstFolder());
+    return true;
+}
+
+FileProcedure::~FileProcedure() {
+    if (reader_ != nullptr)
+        reader_->rest();
+}
+
+void FileProcedure::prepareList() {
+    list_->setImages({"folder-up", "folder", "file"});
+    list_->setAccessibleName(resourceString(filesString));
+    QObject::connect(list_, &ListView::tapped, dialog_, [this](int row) {
+        if (row >= 0)
+            dialog_->choose(CommandTakeFile);
+    });
+    QObject::connect(list_, &ListView::keyPressed, dialog_, [this](int key, bool &isTaken) {
+        isTaken = isEnter(key) || key == Qt::Key_Backspace;
+        if (isTaken)
+            dialog_->choose(isEnter(key) ? CommandTakeFile : CommandFolderAbove);
+    });
+}
+
+void FileProcedure::close() { dialog_->end(0); }
+
+void FileProcedure::helpRequested() {
+    if (request_.help)
+        request_.help();
+}
+
+std::optional<int> FileProcedure::backCommand() const { return CommandCancel; }
+
+std::optional<int> FileProcedure::commandOfKey(const QKeyEvent &event) const {
+    if (event.key() == Qt::Key_Up && event.modifiers() == Qt::AltModifier)
+        return CommandFolderAbove;
+    if (isEnter(event.key()))
+        return CommandOk;
+    return std::nullopt;
+}
+
+void FileProcedure::command(int id) {
+    if (id == CommandOk)
+        confirm();
+    else if (id == CommandCancel)
+        dialog_->end(0);
+    else if (id == CommandTakeFile)
+        takeRow();
+    else if (id == CommandFolderAbove)
+        goAbove();
+}
+
+void FileProcedure::takeRow() {
+    const int row = SelectedRow(list_);
+    if (row < 0)
+        return;
+    const ListRow content = list_->row(row);
+    if (content.image == ImageAbove)
+        goAbove();
+    else if (content.image == ImageFolder)
+        goTo(pathIn(folder(), content.text));
+    else
+        take(content.text);
+}
+
+void FileProcedure::goAbove() {
+    const QFileInfo here(folder());
+    if (!here.isRoot())
+        goTo(here.path(), here.fileName());
+}
+
+void FileProcedure::goTo(const QString &folder, const QString &selected) {
+    wanted_ = selected;
+    list_->setRows({});
+    reader_->read(nearestFolder(folder));
+    showPlace();
+    fill(reader_->entries());
+}
+
+void FileProcedure::refresh() {
+    const bool isGone = !reader_->isReading() && !QFileInfo(folder()).isDir();
+    if (isGone)
+        goTo(folder());
+    else if (QList<FolderEntry> entries = reader_->entries(); entries != entries_)
+        fill(std::move(entries));
+}
+
+// What is selected stays so, and what is in sight does, also where rows come and go above it.
+void FileProcedure::fill(QList<FolderEntry> entries) {
+    const int before = SelectedRow(list_);
+    const QString selected = before > 0 || wanted_.isEmpty() ? list_->rowText(before) : wanted_;
+    const int place = list_->verticalScrollBar()->value();
+    entries_ = std::move(entries);
+    QList<ListRow> rows;
+    rows.reserve(entries_.size() + 1);
+    if (!QFileInfo(folder()).isRoot())
+        rows.append({u".."_s, resourceString(folderAboveString), ImageAbove});
+    for (const FolderEntry &entry : std::as_const(entries_))
+        rows.append({entry.name, {}, entry.isFolder ? ImageFolder : ImageFile});
+    list_->setRows(std::move(rows));
+    const int found = list_->findRow(selected);
+    list_->selectRow(std::max(found, 0));
+    if (found >= 0 && selected != wanted_) {
+        list_->doItemsLayout();
+        list_->verticalScrollBar()->setValue(place);
+    }
+    if (found >= 0)
+        wanted_.clear();
+}
+
+void FileProcedure::showPlace() {
+    const auto show = [this](int id, const QString &text) {
+        auto *label = dialog_->control<QLabel>(id);
+        label->setText(
+            label->fontMetrics().elidedText(text, Qt::ElideMiddle, label->contentsRect().width()));
+        label->setAccessibleName(text);
+    };
+    show(folderId, shownFolder(folder()));
+    show(filterId, request_.filterName);
+}
+
+bool FileProcedure::isWithinLimit(const QString &path) const {
+    const bool isWithin = pathFromDocuments(path).size() <= request_.pathLimit;
+    if (!isWithin)
+        refuse(resourceString(fileProblemString));
+    return isWithin;
+}
+
+void FileProcedure::choose(const QString &path) {
+    path_ = path;
+    dialog_->end(1);
+}
+
+void FileProcedure::refuse(const QString &text) const {
+    MessageBox::ask(dialog_->stack(), MessageBox::Kind::Error, resourceString(errorString), text);
+}
+
+} // namespace tidebrook

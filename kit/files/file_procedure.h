@@ -1,0 +1,70 @@
+#pragma once
+
+#include "kit/dialog_procedure.h"
+#include "kit/files/file_dialog.h"
+#include "kit/files/folder_reader.h"
+
+#include <QList>
+
+namespace tidebrook {
+
+class ListView;
+
+/// What the dialogs for files have in common: the user goes through the folders. It ends with 1
+/// when `path` is what was chosen, and with 0 when nothing was.
+class FileProcedure : public DialogProcedure {
+public:
+    /// The request outlives it.
+    FileProcedure(const FileRequest &request, int menuBarId)
+        : request_(request), menuBarId_(menuBarId) {}
+    ~FileProcedure() override;
+
+    bool initialise(Dialog &dialog) override;
+    void command(int id) override;
+    void sized() override { showPlace(); }
+    void close() override;
+    void helpRequested() override;
+    std::optional<int> backCommand() const override;
+    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
+
+    const QString &path() const { return path_; }
+
+protected:
+    /// A file's row was tapped, or Enter was pressed on it.
+    virtual void take(const QString &name) = 0;
+    /// The right soft key, or Enter anywhere else.
+    virtual void confirm() = 0;
+
+    /// Does with the selected row what a tap on it does.
+    void takeRow();
+    /// Shows a folder or, if it is not there, the nearest above it, with this entry selected.
+    void goTo(const QString &folder, const QString &selected = {});
+    /// Whether a path is not too long; where it is, the user is told so.
+    bool isWithinLimit(const QString &path) const;
+    /// Ends the dialog with a path.
+    void choose(const QString &path);
+    /// Tells why something cannot be done, and stays.
+    void refuse(const QString &text) const;
+
+    const FileRequest &request() const { return request_; }
+    Dialog &dialog() const { return *dialog_; }
+    const QString &folder() const { return reader_->folder(); }
+
+private:
+    void prepareList();
+    void goAbove();
+    void refresh();
+    void fill(QList<FolderEntry> entries);
+    void showPlace();
+
+    const FileRequest &request_;
+    const int menuBarId_;
+    QString path_;
+    Dialog *dialog_ = nullptr;
+    ListView *list_ = nullptr;
+    FolderReader *reader_ = nullptr;
+    QList<FolderEntry> entries_; // as the list shows them
+    QString wanted_;             // to be selected as soon as it is found
+};
+
+} // namespace tidebrook

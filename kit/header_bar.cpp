@@ -1,0 +1,202 @@
+#include "kit/header_bar.h"
+
+#include "kit/icon.h"
+#include "kit/list_view.h"
+#include "res/commands.h"
+#include "res/strings.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int iconUnits = 24;
+constexpr int marginUnits = 6;
+constexpr int keyUnits = 41;
+
+// The bar paints the caption, which is seen through the key.
+class CaptionKey : public QToolButton {
+public:
+    using QToolButton::QToolButton;
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        if (!isDown())
+            return;
+        QColor shade = palette().color(QPalette::Highlight);
+        shade.setAlphaF(0.3F);
+        QPainter(this).fillRect(rect(), shade);
+    }
+};
+
+} // namespace
+
+HeaderBar::HeaderBar(QWidget *dialog) : QWidget(dialog), units_(dialog->size()) {
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Window);
+}
+
+void HeaderBar::setCaption(const QString &caption) {
+    caption_ = caption;
+    setAccessibleName(caption);
+    if (captionKey_ != nullptr)
+        captionKey_->setAccessibleName(caption);
+    update();
+}
+
+void HeaderBar::setSteppable() {
+    captionKey_ = new CaptionKey(this);
+    previous_ = new QToolButton(this);
+    next_ = new QToolButton(this);
+    prepareKey(*captionKey_, caption_, CommandShowChoices);
+    prepareKey(*previous_, resourceString(previousString), CommandPrevious);
+    prepareKey(*next_, resourceString(nextString), CommandNext);
+    choices_ = new ListView(parentWidget());
+    choices_->hide();
+    choices_->setFrameShape(QFrame::Box);
+    connect(choices_, &ListView::tapped, this, &HeaderBar::takeChoice);
+    connect(choices_, &ListView::keyPressed, this, [this](int key, bool &isTaken) {
+        const bool isBack = key == Qt::Key_Escape || key == Qt::Key_Back;
+        const bool isEnter = key == Qt::Key_Return || key == Qt::Key_Enter;
+        isTaken = isBack || isEnter || key == Qt::Key_Delete; // which is meant for what lies below
+        if (isBack)
+            Q_EMIT chosen(CommandHideChoices);
+        else if (isEnter)
+            takeChoice(SelectedRow(choices_));
+    });
+    arrange();
+}
+
+void HeaderBar::takeChoice(int row) {
+    if (row >= 0)
+        Q_EMIT choiceTaken(row);
+    else
+        Q_EMIT chosen(CommandHideChoices);
+}
+
+void HeaderBar::prepareKey(QToolButton &key, const QString &name, int command) {
+    key.setAutoRaise(true);
+    key.setFocusPolicy(Qt::NoFocus);
+    key.setAccessibleName(name);
+    connect(&key, &QToolButton::clicked, this, [this, command] { Q_EMIT chosen(command); });
+    key.show();
+}
+
+void HeaderBar::setChoices(const QStringList &names, int current) {
+    QList<ListRow> rows;
+    rows.reserve(names.size());
+    for (const QString &name : names)
+        rows.append({name});
+    choices_->setRows(rows);
+    choices_->selectRow(current);
+}
+
+bool HeaderBar::isBesideChoices(const QObject *watched) const {
+    const auto *target = qobject_cast<const QWidget *>(watched);
+    return target != nullptr && parentWidget()->isAncestorOf(target) && target != captionKey_ &&
+           target != choices_ && !choices_->isAncestorOf(target);
+}
+
+bool HeaderBar::eventFilter(QObject *watched, QEvent *event) {
+    if (!isBesideChoices(watched))
+        return false;
+    const bool isPress = event->type() == QEvent::MouseButtonPress;
+    if (!isPress && event->type() != QEvent::MouseButtonRelease)
+        return false;
+    if (!isPress)
+        Q_EMIT chosen(CommandHideChoices);
+    return true;
+}
+
+void HeaderBar::showChoices() {
+    arrange();
+    qApp->installEventFilter(this);
+    choices_->show();
+    choices_->raise();
+    choices_->setFocus();
+}
+
+void HeaderBar::hideChoices() {
+    qApp->removeEventFilter(this);
+    choices_->hide();
+}
+
+bool HeaderBar::areChoicesVisible() const { return choices_ != nullptr && choices_->isVisible(); }
+
+void HeaderBar::setUnits(const DialogUnits &units) {
+    units_ = units;
+    arrange();
+}
+
+void HeaderBar::arrange() {
+    if (choices_ == nullptr)
+        return;
+    const int keyWidth = units_.width(keyUnits);
+    next_->setGeometry(mirrored({width() - keyWidth, 0, keyWidth, height()}));
+    previous_->setGeometry(mirrored({width() - 2 * keyWidth, 0, keyWidth, height()}));
+    captionKey_->setGeometry(mirrored({0, 0, width() - 2 * keyWidth, height()}));
+    captionKey_->lower();
+    const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
+    const int side = std::min(iconSize.width(), iconSize.height());
+    for (QToolButton *key : {previous_, next_}) {
+        key->setIconSize(QSize(side, side));
+        key->setIcon(icon(key == next_ ? "next" : "previous", key->iconSize(), palette()));
+    }
+    choices_->setUnits(units_);
+    const int frame = 2 * choices_->frameWidth();
+    const int room = parentWidget()->height() - height() - units_.height(menuBarUnits);
+    const int needed = choices_->rowCount() * choices_->rowHeight() + frame;
+    choices_->setGeometry(0, height(), width(), std::min(room, needed));
+}
+
+// Where a place lies when the text runs from right to left.
+QRect HeaderBar::mirrored(const QRect &place) const {
+    return QStyle::visualRect(layoutDirection(), rect(), place);
+}
+
+QRect HeaderBar::captionPlace() const {
+    const int margin = units_.width(marginUnits);
+    const int start = units_.width(iconUnits) + 2 * margin;
+    const int end =
+        captionKey_ != nullptr ? captionKey_->width() - units_.width(iconUnits) : width() - margin;
+    return {start, 0, std::max(0, end - start), height()};
+}
+
+void HeaderBar::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    const QSize iconSize(units_.width(iconUnits), std::min(units_.height(iconUnits), height() - 2));
+    const int middle = (height() - iconSize.height()) / 2;
+    const QRect mark(QPoint(units_.width(marginUnits), middle), iconSize);
+    painter.drawPixmap(mirrored(mark).topLeft(), icon("header", iconSize, palette()));
+
+    QFont bold = font();
+    bold.setBold(true);
+    painter.setFont(bold);
+    painter.setPen(palette().color(QPalette::WindowText));
+    const QRect place = captionPlace();
+    const QString shown = QFontMetrics(bold).elidedText(caption_, Qt::ElideRight, place.width());
+    painter.drawText(mirrored(place), Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
+                     shown);
+    if (captionKey_ != nullptr)
+        painter.drawPixmap(mirrored({QPoint(place.right(), middle), iconSize}).topLeft(),
+                           icon("choices", iconSize, palette()));
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(0, height() - 1, width(), height() - 1);
+}
+
+void HeaderBar::resizeEvent(QResizeEvent *) { arrange(); }
+
+void HeaderBar::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::PaletteChange)
+        arrange(); // the keys' icons have the colours of the text
+    QWidget::changeEvent(event);
+}
+
+} // namespace tidebrook

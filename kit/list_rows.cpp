@@ -1,0 +1,55 @@
+#include "kit/list_rows.h"
+
+#include <utility>
+
+namespace tidebrook {
+
+int ListRows::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+QVariant ListRows::data(const QModelIndex &index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const ListRow &row = rows_[index.row()];
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return row.text;
+    case Qt::AccessibleTextRole:
+        return row.detail.isEmpty() ? row.text : QString(row.text + u", " + row.detail);
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags ListRows::flags(const QModelIndex &index) const {
+    Qt::ItemFlags flags = QAbstractListModel::flags(index) | Qt::ItemNeverHasChildren;
+    flags.setFlag(Qt::ItemIsEditable, isEditable_ && index.isValid());
+    return flags;
+}
+
+void ListRows::replace(QList<ListRow> rows) {
+    beginResetModel();
+    rows_ = std::move(rows);
+    endResetModel();
+}
+
+void ListRows::insert(int row, const ListRow &content) {
+    beginInsertRows({}, row, row);
+    rows_.insert(row, content);
+    endInsertRows();
+}
+
+void ListRows::remove(int row) {
+    beginRemoveRows({}, row, row);
+    rows_.removeAt(row);
+    endRemoveRows();
+}
+
+void ListRows::change(int row, const ListRow &content) {
+    rows_[row] = content;
+    Q_EMIT dataChanged(index(row), index(row));
+}
+
+} // namespace tidebrook

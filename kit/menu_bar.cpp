@@ -1,0 +1,80 @@
+#include "kit/menu_bar.h"
+
+#include "kit/screen_menu.h"
+#include "res/strings.h"
+
+#include <QPainter>
+#include <QPushButton>
+
+namespace tidebrook {
+
+MenuBar::MenuBar(const MenuBarResource &resource, QWidget *parent)
+    : QWidget(parent), resource_(resource), left_(makeKey(resource.left)),
+      right_(makeKey(resource.right)) {
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Button);
+}
+
+QPushButton *MenuBar::makeKey(const SoftKey &key) {
+    auto *button = new QPushButton(resourceString(key.textId), this);
+    button->setFlat(true);
+    // The keys are pressed by finger or by keys of their own; Tab stays among the controls.
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setVisible(key.textId != 0);
+    connect(button, &QPushButton::clicked, this, [this, &key] {
+        if (key.menuId != 0)
+            openMenuOf(key);
+        else
+            Q_EMIT chosen(key.command);
+    });
+    return button;
+}
+
+void MenuBar::enable(int command, bool isEnabled) {
+    if (isEnabled)
+        disabled_.remove(command);
+    else
+        disabled_.insert(command);
+    if (menu_ != nullptr)
+        menu_->enable(command, isEnabled);
+    if (resource_.left.command == command)
+        left_->setEnabled(isEnabled);
+    if (resource_.right.command == command)
+        right_->setEnabled(isEnabled);
+}
+
+void MenuBar::openMenu() {
+    if (resource_.right.menuId != 0)
+        openMenuOf(resource_.right);
+    else if (resource_.left.menuId != 0)
+        openMenuOf(resource_.left);
+}
+
+void MenuBar::openMenuOf(const SoftKey &key) {
+    // Made anew, because one that was open before keeps the sizes of that time.
+    delete menu_;
+    menu_ = new ScreenMenu(menuEntries(key.menuId), this);
+    connect(menu_, &ScreenMenu::chosen, this, &MenuBar::chosen);
+    for (const int command : std::as_const(disabled_))
+        menu_->enable(command, false);
+    Q_EMIT menuAboutToOpen(*menu_);
+    menu_->ensurePolished();
+    const QSize size = menu_->sizeHint();
+    const int x = &key == &resource_.right ? width() - size.width() : 0;
+    menu_->popup(mapToGlobal(QPoint(x, -size.height())));
+}
+
+void MenuBar::resizeEvent(QResizeEvent *) {
+    const int half = width() / 2;
+    left_->setGeometry(0, 0, half, height());
+    right_->setGeometry(half, 0, width() - half, height());
+}
+
+void MenuBar::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(0, 0, width(), 0);
+    painter.drawLine(width() / 2, height() / 4, width() / 2, height() * 3 / 4);
+}
+
+} // namespace tidebrook

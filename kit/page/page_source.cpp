@@ -1,0 +1,224 @@
+#include "kit/page/page_source.h"
+
+#include <QHash>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
+
+namespace tidebrook {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+enum class Fate {
+    Leave,      // the element goes, what it holds stays
+    LeaveWhole, // what it holds goes too
+    Keep,       // stays with its attributes
+    Break,      // becomes a plain line, as the parts of tables do
+    Rename,     // stays under another name
+};
+
+struct Element {
+    Fate fate = Fate::Leave;
+    QString name;
+};
+
+QHash<QString, Element> makeElements() {
+    QHash<QString, Element> elements;
+    for (const QString &name :
+         u"a b strong i em cite var dfn big small u s strike del sub sup tt code kbd samp font "
+         u"span "
+         "p div center h1 h2 h3 h4 h5 h6 ul ol li dl dt dd blockquote hr br pre"_s.split(u' '))
+        elements.insert(name, {Fate::Keep, name});
+    for (const QString &name : u"table caption thead tbody tfoot tr td th form fieldset legend "
+                               "option"_s.split(u' '))
+        elements.insert(name, {Fate::Break, u"div"_s});
+    for (const QString &name : u"body section article header footer main aside nav figure "
+                               "figcaption address"_s.split(u' '))
+        elements.insert(name, {Fate::Rename, u"div"_s});
+    for (const QString &name : u"script style title"_s.split(u' '))
+        elements.insert(name, {Fate::LeaveWhole, name});
+    elements.insert(u"ins"_s, {Fate::Rename, u"u"_s});
+    elements.insert(u"menu"_s, {Fate::Rename, u"ul"_s});
+    return elements;
+}
+
+Element elementFor(QStringView name) {
+    static const QHash<QString, Element> elements = makeElements();
+    return elements.value(name.toString().toLower());
+}
+
+bool isKeptAttribute(const QString &name) {
+    static const QStringList kept = u"href name id color size style align dir type"_s.split(u' ');
+    return kept.contains(name);
+}
+
+// Sizes all in points, of which the innermost holds: a document mixes other ones up. Levels are
+// those of HTML's font element, where 3 is that of the body.
+QString sizeStyle(int level) {
+    static constexpr std::array<qreal, 7> points{6.3, 7.2, 9, 10.8, 13.5, 18, 21.6};
+    return u"font-size:%1pt;"_s.arg(points.at(static_cast<size_t>(std::clamp(level, 1, 7) - 1)));
+}
+
+QString sizeStyleOf(const QString &element) {
+    static const QHash<QString, int> levels{{u"h1"_s, 6},  {u"h2"_s, 5},   {u"h3"_s, 4},
+                                            {u"h4"_s, 3},  {u"h5"_s, 2},   {u"h6"_s, 1},
+                                            {u"big"_s, 4}, {u"small"_s, 2}};
+    const auto level = levels.constFind(element);
+    return level == levels.cend() ? QString() : sizeStyle(*level);
+}
+
+QString sizeStyleFrom(const QString &sizeAttribute) {
+    const QString size = sizeAttribute.trimmed();
+    const bool isRelative = size.startsWith(u'+') || size.startsWith(u'-');
+    bool isNumber = false;
+    const int level = size.toInt(&isNumber);
+    return isNumber ? sizeStyle(std::clamp(level, -9, 9) + (isRelative ? 3 : 0)) : QString();
+}
+
+QString inPoints(QString style) {
+    static const QRegularExpression other(
+        u"(font-size\\s*:\\s*)(\\d{0,5}\\.?\\d{1,5})\\s*(px|r?em|%)"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    for (auto match = other.match(style); match.hasMatch(); match = other.match(style)) {
+        const QString unit = match.captured(3).toLower();
+        const qreal points = unit == u"px" ? 0.75 : unit == u"%" ? 0.09 : 9;
+        style.replace(match.capturedStart(), match.capturedLength(),
+                      QString(match.captured(1) +
+                              QString::number(points * match.captured(2).toDouble(), 'f', 2) +
+                              u"pt"_s));
+    }
+    return style;
+}
+
+class Defuser {
+public:
+    explicit Defuser(const QString &html) : html_(html) {}
+
+    QString run() {
+        while (at_ < html_.size()) {
+            const qsizetype next = indexOrEnd(u"<", at_);
+            result_ += html_.mid(at_, next - at_);
+            at_ = next;
+            if (at_ < html_.size())
+                takeMarkup();
+        }
+        return result_;
+    }
+
+private:
+    qsizetype indexOrEnd(QStringView text, qsizetype from) const {
+        const qsizetype found = html_.indexOf(text, from, Qt::CaseInsensitive);
+        return found < 0 ? html_.size() : found;
+    }
+    bool isAt(QStringView text) const { return html_.mid(at_).startsWith(text); }
+    void skipSpaces() {
+        while (at_ < html_.size() && html_[at_].isSpace())
+            at_ += 1;
+    }
+    QStringView takeUntil(QStringView ends) {
+        const qsizetype from = at_;
+        while (at_ < html_.size() && !html_[at_].isSpace() && !ends.contains(html_[at_]))
+            at_ += 1;
+        return html_.mid(from, at_ - from);
+    }
+
+    void takeMarkup() {
+        if (isAt(u"<!--") && html_.indexOf(u"-->", at_ + 2) >= 0) {
+            at_ = html_.indexOf(u"-->", at_ + 2) + 3;
+        } else if (isAt(u"<!") || isAt(u"<?")) {
+            at_ = indexOrEnd(u">", at_) + 1;
+        } else {
+            const qsizetype name = isAt(u"</") ? at_ + 2 : at_ + 1;
+            if (name < html_.size() && html_[name].isLetter())
+                takeTag(name);
+            else
+                result_ += u"&lt;"_s;
+            at_ = std::max(at_, name);
+        }
+    }
+
+    void takeTag(qsizetype nameAt) {
+        const bool isEnd = nameAt == at_ + 2;
+        at_ = nameAt;
+        const QStringView name = takeUntil(u"/>");
+        const Element element = elementFor(name);
+        QString style = sizeStyleOf(element.name);
+        const QString attributes = takeAttributes(style);
+        if (element.fate == Fate::LeaveWhole && !isEnd)
+            skipContents(name);
+        if (element.fate == Fate::Leave || element.fate == Fate::LeaveWhole)
+            return;
+        result_ += isEnd ? u"</"_s : u"<"_s;
+        result_ += element.name;
+        if (!isEnd && element.fate != Fate::Break)
+            result_ += attributes + (style.isEmpty() ? style : u" style=\"%1\""_s.arg(style));
+        result_ += u'>';
+    }
+
+    // One that is never closed keeps its contents, lest the rest of the page goes with it.
+    void skipContents(QStringView name) {
+        const qsizetype end = indexOrEnd(QString(u"</"_s + name), at_);
+        if (end < html_.size())
+            at_ = indexOrEnd(u">", end) + 1;
+    }
+
+    // What they say about the style comes last in that.
+    QString takeAttributes(QString &style) {
+        QString attributes;
+        QStringList seen;
+        while (at_ < html_.size() && html_[at_] != u'>') {
+            const QString name = takeUntil(u"=/>").toString().toLower();
+            skipSpaces();
+            const bool hasValue = at_ < html_.size() && html_[at_] == u'=';
+            const QString value = hasValue ? takeValue() : QString();
+            if (!hasValue && isAt(u"/"))
+                at_ += 1;
+            if (!isKeptAttribute(name) || seen.contains(name))
+                continue;
+            seen.append(name);
+            if (name == u"style")
+                style += inPoints(value);
+            else if (name == u"size")
+                style.prepend(sizeStyleFrom(value));
+            else
+                attributes += attribute(name, value);
+        }
+        at_ += 1;
+        return attributes;
+    }
+
+    static QString attribute(const QString &name, const QString &value) {
+        return u" %1=\"%2%3\""_s.arg(name, name == u"href" ? QString(linkMark) : QString(), value);
+    }
+
+    // Behind the equals sign; without quotes that would end it.
+    QString takeValue() {
+        at_ += 1;
+        skipSpaces();
+        QStringView value;
+        if (isAt(u"\"") || isAt(u"'")) {
+            const QStringView quote = html_.mid(at_, 1);
+            at_ += 1;
+            const qsizetype close = html_.indexOf(quote, at_);
+            const qsizetype end = close < 0 ? indexOrEnd(u">", at_) : close;
+            value = html_.mid(at_, end - at_);
+            at_ = close < 0 ? end : end + 1;
+        } else {
+            value = takeUntil(u">");
+        }
+        return value.toString().replace(u'"', u"&quot;"_s);
+    }
+
+    QStringView html_;
+    qsizetype at_ = 0;
+    QString result_;
+};
+
+} // namespace
+
+QString defusedHtml(const QString &html) { return Defuser(html).run(); }
+
+} // namespace tidebrook

@@ -1,0 +1,140 @@
+#include "kit/page/text_page.h"
+
+#include "kit/page/page_document.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QAction>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QScroller>
+#include <QTextDocumentFragment>
+
+#include <algorithm>
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+bool isKeyOfPages(const QKeyEvent &event) {
+    if ((event.modifiers() & Qt::AltModifier) != 0)
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Select:
+        return true;
+    default:
+        return event.matches(QKeySequence::Copy) || event.matches(QKeySequence::SelectAll);
+    }
+}
+
+} // namespace
+
+TextPage::TextPage(QWidget *parent) : QTextBrowser(parent) {
+    setDocument(new PageDocument(this));
+    setOpenLinks(false);
+    setFrameShape(QFrame::NoFrame);
+    setUndoRedoEnabled(false);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    connect(this, &QTextBrowser::anchorClicked, this, &TextPage::follow);
+    connect(this, &QTextBrowser::sourceChanged, this, &TextPage::left);
+}
+
+void TextPage::setPage(const QString &html) {
+    html_ = html;
+    QScroller::scroller(viewport())->stop(); // a finger moved the page before
+    build();
+    verticalScrollBar()->setValue(0);
+}
+
+void TextPage::setZoom(int level) {
+    const int zoom = std::clamp(level, 2, 4);
+    if (std::exchange(zoom_, zoom) != zoom)
+        buildKeepingPlace();
+}
+
+QVariant TextPage::loadResource(int, const QUrl &) { return {}; }
+
+void TextPage::keyPressEvent(QKeyEvent *event) {
+    if (isKeyOfPages(*event))
+        QTextBrowser::keyPressEvent(event);
+    else
+        event->ignore();
+}
+
+void TextPage::changeEvent(QEvent *event) {
+    QTextBrowser::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
+        buildKeepingPlace();
+}
+
+// The menu would copy what the document has for a target.
+void TextPage::contextMenuEvent(QContextMenuEvent *event) {
+    const QPoint inDocument = event->pos() + QPoint(0, verticalScrollBar()->value());
+    QMenu *menu = createStandardContextMenu(inDocument);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (auto *copyLink = menu->findChild<QAction *>(QStringLiteral("link-copy"))) {
+        const qsizetype link = QUrl(anchorAt(event->pos())).path().toLongLong();
+        copyLink->disconnect();
+        connect(copyLink, &QAction::triggered, this,
+                [target = links_.value(link)] { QGuiApplication::clipboard()->setText(target); });
+    }
+    menu->popup(event->globalPos());
+}
+
+// As plain text: the rest is of use on this page only.
+QMimeData *TextPage::createMimeDataFromSelection() const {
+    auto *copied = new QMimeData;
+    copied->setText(textCursor().selection().toPlainText());
+    return copied;
+}
+
+void TextPage::build() {
+    const qreal points = 5 + 2 * zoom_;
+    PageLook look{font(), points / 9, palette().color(QPalette::Base),
+                  palette().color(QPalette::Link)};
+    look.body.setPointSizeF(points);
+    links_ = showPage(*document(), html_, look);
+    setTextCursor(QTextCursor(document())); // no link has the focus
+}
+
+void TextPage::buildKeepingPlace() {
+    if (!html_.isEmpty())
+        keepPlace([this] { build(); });
+}
+
+void TextPage::resizeEvent(QResizeEvent *event) {
+    keepPlace([this, event] { QTextBrowser::resizeEvent(event); });
+}
+
+void TextPage::keepPlace(const std::function<void()> &change) {
+    const bool isAtTop = verticalScrollBar()->value() == 0;
+    const int position = cursorForPosition({0, 0}).position();
+    change();
+    if (isAtTop)
+        return verticalScrollBar()->setValue(0);
+    document()->documentLayout()->documentSize(); // lays it all out, so that its end can be reached
+    QTextCursor place(document());
+    place.setPosition(std::min(position, document()->characterCount() - 1));
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(place).top());
+}
+
+void TextPage::follow(const QUrl &link) {
+    Q_EMIT linkTapped(links_.value(link.path().toLongLong()));
+}
+
+} // namespace tidebrook

@@ -1,0 +1,126 @@
+#include "kit/row_delegate.h"
+
+#include "kit/icon.h"
+#include "kit/label_editor.h"
+#include "kit/list_view.h"
+#include "kit/wrapping_buttons.h"
+
+#include <QPainter>
+#include <QStyle>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr int gap = 4; // pixels between an image, the label and the row's end
+
+struct RowColours {
+    QPalette::ColorRole background;
+    QPalette::ColorRole text;
+};
+
+// A selection that keys do not reach stays visible, but does not catch the eye.
+RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
+    if (!(option.state & QStyle::State_Selected))
+        return {QPalette::Base, QPalette::Text};
+    return listHasFocus ? RowColours{QPalette::Highlight, QPalette::HighlightedText}
+                        : RowColours{QPalette::Button, QPalette::ButtonText};
+}
+
+} // namespace
+
+RowDelegate::RowDelegate(ListView &list) : QStyledItemDelegate(&list), list_(list) {}
+
+QSize RowDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const {
+    return {list_.columnWidth(), list_.rowHeight()};
+}
+
+// Mirrored where the text runs from right to left.
+QRect RowDelegate::labelRect(const QStyleOptionViewItem &option) const {
+    const QRect row = option.rect;
+    const bool hasImage = list_.isCheckable() || list_.image(0) != nullptr;
+    const int start = 2 * gap + (hasImage ? list_.imageSize().width() : 0);
+    return QStyle::visualRect(option.direction, row, row.adjusted(start, 0, -gap, 0));
+}
+
+QRect RowDelegate::imageRect(const QStyleOptionViewItem &option) const {
+    const QSize size = list_.imageSize();
+    const QRect place(option.rect.left() + gap,
+                      option.rect.top() + (option.rect.height() - size.height()) / 2, size.width(),
+                      size.height());
+    return QStyle::visualRect(option.direction, option.rect, place);
+}
+
+void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                        const QModelIndex &index) const {
+    const RowColours colours = coloursOf(option, list_.hasFocus());
+    painter->fillRect(option.rect, option.palette.brush(colours.background));
+    painter->setPen(option.palette.color(QPalette::Button));
+    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+
+    const ListRow row = list_.row(index.row());
+    if (list_.isCheckable())
+        paintCheckMark(*painter, option, row.isChecked);
+    else if (const char *name = list_.image(row.image))
+        painter->drawPixmap(imageRect(option).topLeft(),
+                            icon(name, list_.imageSize(), option.palette));
+    painter->setPen(option.palette.color(colours.text));
+    painter->setFont(option.font);
+    paintTexts(*painter, option, row);
+}
+
+void RowDelegate::paintCheckMark(QPainter &painter, const QStyleOptionViewItem &option,
+                                 bool isChecked) const {
+    QStyleOptionViewItem mark(option);
+    const QStyle &style = *list_.style();
+    mark.rect = QStyle::alignedRect(option.direction, Qt::AlignCenter,
+                                    {style.pixelMetric(QStyle::PM_IndicatorWidth),
+                                     style.pixelMetric(QStyle::PM_IndicatorHeight)},
+                                    imageRect(option));
+    mark.state.setFlag(isChecked ? QStyle::State_On : QStyle::State_Off);
+    style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &mark, &painter, &list_);
+    paintBoxOutline(painter, mark.rect, option.palette);
+}
+
+void RowDelegate::paintTexts(QPainter &painter, const QStyleOptionViewItem &option,
+                             const ListRow &row) const {
+    QRect place = labelRect(option);
+    if (!row.detail.isEmpty()) {
+        painter.drawText(place, Qt::AlignTrailing | Qt::AlignBottom | Qt::TextSingleLine,
+                         row.detail);
+        const int taken = option.fontMetrics.horizontalAdvance(row.detail) + gap;
+        place = QStyle::visualRect(option.direction, place, place.adjusted(0, 0, -taken, 0));
+    }
+    const QString text =
+        option.fontMetrics.elidedText(row.text, Qt::ElideRight, place.width(), Qt::TextSingleLine);
+    painter.drawText(place, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine, text);
+}
+
+QWidget *RowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                   const QModelIndex &index) const {
+    auto *editor = new LabelEditor(list_.labelLimit(), parent);
+    editor->setFont(list_.font());
+    list_.takeEditor(editor, index.row());
+    return editor;
+}
+
+void RowDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const {
+    auto *edit = static_cast<LabelEditor *>(editor);
+    // Data that changes while it is being edited must not take away what was typed.
+    if (edit->isModified())
+        return;
+    edit->setText(index.data(Qt::EditRole).toString());
+    edit->selectAll();
+}
+
+void RowDelegate::setModelData(QWidget *editor, QAbstractItemModel *,
+                               const QModelIndex &index) const {
+    list_.takeLabel(index, static_cast<LabelEditor *>(editor)->text());
+}
+
+void RowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                                       const QModelIndex &) const {
+    editor->setGeometry(labelRect(option));
+}
+
+} // namespace tidebrook

@@ -1,0 +1,66 @@
+#include "platform/base/plain_file.h"
+
+#include "platform/base/descriptor.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr mode_t ownerOnly = 0600;
+
+} // namespace
+
+FileKind fileKindAt(const QString &path, Links links) {
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status {};
+    if (lstat(name.constData(), &status) != 0)
+        return errno == ENOENT ? FileKind::Missing : FileKind::Other;
+    const bool isKnown = links == Links::Refused || stat(name.constData(), &status) == 0;
+    return isKnown && S_ISREG(status.st_mode) ? FileKind::Plain : FileKind::Other;
+}
+
+int openPlainFile(const QString &path, int flags, Links links) {
+    const int careful = O_CLOEXEC | O_NONBLOCK | (links == Links::Refused ? O_NOFOLLOW : 0);
+    const int descriptor = open(QFile::encodeName(path).constData(), flags | careful, ownerOnly);
+    struct stat status {};
+    if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)))
+        return descriptor;
+    close(descriptor);
+    errno = EINVAL;
+    return -1;
+}
+
+std::optional<QByteArray> readPlainFile(const QString &path, qint64 limit, Links links) {
+    const int descriptor = openPlainFile(path, O_RDONLY, links);
+    QFile file;
+    if (descriptor < 0 ||
+        !file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle))
+        return std::nullopt;
+    const QByteArray bytes = file.size() <= limit ? file.readAll() : QByteArray();
+    // One that grows meanwhile is over the limit, too.
+    const bool isWhole = file.error() == QFile::NoError && file.size() <= limit;
+    return isWhole && bytes.size() <= limit ? std::optional(bytes) : std::nullopt;
+}
+
+bool makeOwnFolder(const QString &path) {
+    QDir().mkdir(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return QFileInfo(path).isDir();
+}
+
+bool syncFolder(const QString &path) {
+    const Descriptor folder(
+        open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems cannot do it, and say so.
+    return folder.isOpen() && (fsync(folder.number()) == 0 || errno == EINVAL);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,71 @@
+#include "platform/base/replace_file.h"
+
+#include "platform/base/aside.h"
+#include "platform/base/plain_file.h"
+
+#include <QFileInfo>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace tidebrook {
+
+namespace {
+
+// In a folder of the user's nothing may be taken for ours that is not.
+QString asidePrefix(const QString &path, Readers readers) {
+    return readers == Readers::Owner ? QString(path + u'.')
+                                     : QFileInfo(path).path() + u"/.tidebrook-";
+}
+
+mode_t modeFor(const QString &path, Readers readers) {
+    struct stat there {};
+    if (readers == Readers::Owner)
+        return 0600;
+    const bool isThere = stat(QFile::encodeName(path).constData(), &there) == 0;
+    return isThere ? there.st_mode & 0777U : 0666;
+}
+
+} // namespace
+
+FileReplacement::FileReplacement(const QString &path, Readers readers) : path_(path) {
+    if (fileKindAt(path) == FileKind::Other)
+        return;
+    const QString prefix = asidePrefix(path, readers);
+    removeLeftAside(prefix, hasMadeUpEnding);
+    const mode_t mode = modeFor(path, readers);
+    const Aside aside = makeFileAside(prefix, mode);
+    asidePath_ = aside.path;
+    if (aside.descriptor >= 0)
+        file_.open(aside.descriptor, QIODevice::ReadWrite | QIODevice::Unbuffered,
+                   QFile::AutoCloseHandle);
+    if (fileKindAt(path) == FileKind::Plain) // whose readers the umask has no say in
+        fchmod(aside.descriptor, mode);
+}
+
+FileReplacement::~FileReplacement() {
+    if (!asidePath_.isEmpty())
+        QFile::remove(asidePath_);
+}
+
+bool FileReplacement::commit() {
+    const bool isInPlace = file_.isOpen() && file_.error() == QFile::NoError &&
+                           fsync(file_.handle()) == 0 && fileKindAt(path_) != FileKind::Other &&
+                           std::rename(QFile::encodeName(asidePath_).constData(),
+                                       QFile::encodeName(path_).constData()) == 0;
+    if (!isInPlace)
+        return false;
+    asidePath_.clear();
+    syncFolder(QFileInfo(path_).path()); // what is in place is not to be told to have failed
+    return true;
+}
+
+bool replaceFile(const QString &path, const QByteArray &content, Readers readers) {
+    FileReplacement replacement(path, readers);
+    return replacement.file().isOpen() && replacement.file().write(content) == content.size() &&
+           replacement.commit();
+}
+
+} // namespace tidebrook

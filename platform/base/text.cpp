@@ -1,0 +1,93 @@
+#include "platform/base/text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tidebrook {
+
+namespace {
+
+bool isHidden(QChar c) {
+    struct Range {
+        char16_t first;
+        char16_t last;
+    };
+    // Of the characters that format, some in Arabic and Syriac are seen.
+    static constexpr std::array<Range, 8> ranges{{{0x00AD, 0x00AD},
+                                                  {0x034F, 0x034F},
+                                                  {0x061C, 0x061C},
+                                                  {0x180E, 0x180E},
+                                                  {0x200B, 0x200F},
+                                                  {0x2028, 0x202E},
+                                                  {0x2060, 0x206F},
+                                                  {0xFEFF, 0xFEFF}}};
+    return c.category() == QChar::Other_Control ||
+           std::any_of(ranges.begin(), ranges.end(), [c](const Range &range) {
+               return c.unicode() >= range.first && c.unicode() <= range.last;
+           });
+}
+
+bool isJoinerInEmoji(QStringView text, qsizetype at) {
+    constexpr char16_t joiner = 0x200D;
+    constexpr char16_t emojiStyle = 0xFE0F;
+    if (text[at] != joiner || at == 0 || at + 1 == text.size())
+        return false;
+    const QChar before = text[at - 1];
+    const QChar after = text[at + 1];
+    return (before.isLowSurrogate() || before == emojiStyle ||
+            before.category() == QChar::Symbol_Other) &&
+           (after.isHighSurrogate() || after.category() == QChar::Symbol_Other);
+}
+
+// Tags and their like have pairs of their own, which all are seen by nobody.
+bool isHiddenPair(QStringView text, qsizetype at) {
+    constexpr char16_t firstOfPair = 0xDB40;
+    return text[at] == firstOfPair || (at > 0 && text[at - 1] == firstOfPair);
+}
+
+} // namespace
+
+QStringView cutText(QStringView text, qsizetype capacity) {
+    if (text.size() <= capacity)
+        return text;
+    if (capacity > 0 && text[capacity - 1].isHighSurrogate() && text[capacity].isLowSurrogate())
+        --capacity;
+    return text.first(capacity);
+}
+
+QByteArrayView cutUtf8(QByteArrayView text, qsizetype capacity) {
+    if (text.size() <= capacity)
+        return text;
+    constexpr int longestRest = 3; // bytes of a character behind its first; more is no UTF-8
+    const auto isRest = [&](qsizetype at) { return (text[at] & 0xC0) == 0x80; };
+    qsizetype end = capacity;
+    while (end > 0 && capacity - end < longestRest && isRest(end))
+        --end;
+    return text.first(isRest(end) ? capacity : end);
+}
+
+QStringView TrimTrailingBlanks(QStringView text) {
+    while (text.size() > 1 && (text.back() == u' ' || text.back() == u'\0'))
+        text.chop(1);
+    return text;
+}
+
+QString withoutControls(QString text) {
+    for (QChar &c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = u' ';
+    }
+    return text;
+}
+
+QString withoutHidden(QString text, QStringView kept) {
+    const QString whole = text;
+    for (qsizetype i = 0; i < whole.size(); ++i) {
+        if ((isHidden(whole[i]) || isHiddenPair(whole, i)) && !isJoinerInEmoji(whole, i) &&
+            !kept.contains(whole[i]))
+            text[i] = u' ';
+    }
+    return text;
+}
+
+} // namespace tidebrook

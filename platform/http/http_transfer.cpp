@@ -1,0 +1,280 @@
+#include "platform/http/http_transfer.h"
+
+#include "platform/sync/stop_signal.h"
+
+namespace tidebrook {
+
+namespace {
+
+constexpr char webSchemes[] = "http,https";
+constexpr long receiveBuffer = 128 * 1024; // bytes; fewer and larger pieces cost less
+constexpr qsizetype validatorLimit = 1024; // bytes; servers send far shorter ones
+constexpr int notModified = 304;
+constexpr qint64 headerLimit = 1024 * 1024; // bytes of all headers and trailers of a transfer
+
+QByteArray charsetOf(const QByteArray &contentType) {
+    const QList<QByteArray> parts = contentType.split(';');
+    for (const QByteArray &part : parts) {
+        const QByteArray parameter = part.trimmed();
+        if (parameter.first(qMin(parameter.size(), qsizetype(8))).toLower() == "charset=")
+            return parameter.sliced(8).replace('"', "").replace('\'', "").trimmed();
+    }
+    return {};
+}
+
+// A longer one would only be sent back for nothing.
+QByteArray keptValidator(const QByteArray &value) {
+    return value.size() <= validatorLimit ? value : QByteArray();
+}
+
+} // namespace
+
+CurlUrl parseUrl(const QString &text) {
+    if (!isCurlReady())
+        return nullptr;
+    CurlUrl url(curl().curl_url());
+    const QByteArray utf8 = text.trimmed().toUtf8();
+    const CURLUcode code =
+        curl().curl_url_set(url.get(), CURLUPART_URL, utf8.constData(), CURLU_URLENCODE);
+    return code == CURLUE_OK ? std::move(url) : nullptr;
+}
+
+QByteArray partOf(const CurlUrl &url, CURLUPart part) {
+    char *value = nullptr;
+    if (!url || curl().curl_url_get(url.get(), part, &value, 0) != CURLUE_OK)
+        return {};
+    QByteArray copy(value);
+    curl().curl_free(value);
+    return copy;
+}
+
+bool hasWebScheme(const CurlUrl &url) {
+    const QByteArray scheme = url ? partOf(url, CURLUPART_SCHEME).toLower() : QByteArray();
+    return scheme == "http" || scheme == "https";
+}
+
+CurlList headerList(std::initializer_list<QByteArray> headers) {
+    CurlList list;
+    for (const QByteArray &header : headers) {
+        if (!header.isEmpty())
+            list.reset(curl().curl_slist_append(list.release(), header.constData()));
+    }
+    return list;
+}
+
+CurlMulti newMulti() { return CurlMulti(isCurlReady() ? curl().curl_multi_init() : nullptr); }
+
+HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
+    : easy_(isCurlReady() ? curl().curl_easy_init() : nullptr), sink_(std::move(sink)),
+      bodyLeft_(bodyLimit), headersLeft_(headerLimit), wireLeft_(2 * (headerLimit + bodyLimit)) {
+    if (!easy_)
+        return;
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_QUICK_EXIT, 1L); // a time limit does not wait for a slow name server
+    set(CURLOPT_FOLLOWLOCATION, 1L);
+    set(CURLOPT_MAXREDIRS, redirectLimit);
+    set(CURLOPT_PROTOCOLS_STR, webSchemes);
+    set(CURLOPT_REDIR_PROTOCOLS_STR, webSchemes);
+    set(CURLOPT_BUFFERSIZE, receiveBuffer);
+    set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_WRITEFUNCTION, &HttpTransfer::receive);
+    set(CURLOPT_HEADERDATA, this);
+    set(CURLOPT_HEADERFUNCTION, &HttpTransfer::receiveHeader);
+    // The body of a redirect, the frames of chunks and what unpacks to nothing go past the two
+    // above: they are counted where the library tells of all that comes, which cannot end it.
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    set(CURLOPT_DEBUGDATA, this);
+    set(CURLOPT_DEBUGFUNCTION, &HttpTransfer::countWire);
+    set(CURLOPT_VERBOSE, 1L);
+    set(CURLOPT_XFERINFODATA, this);
+    set(CURLOPT_XFERINFOFUNCTION, &HttpTransfer::checkWire);
+    set(CURLOPT_NOPROGRESS, 0L);
+}
+
+HttpTransfer::~HttpTransfer() {
+    if (easy_)
+        curl().curl_easy_cleanup(easy_);
+}
+
+void HttpTransfer::setTimeLimits(const HttpLimits &limits, std::chrono::milliseconds whole) {
+    set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connect.count()));
+    set(CURLOPT_TIMEOUT_MS, static_cast<long>(whole.count()));
+}
+
+void HttpTransfer::setHeaders(CurlList headers) {
+    headers_ = std::move(headers);
+    set(CURLOPT_HTTPHEADER, headers_.get());
+}
+
+CURLcode HttpTransfer::perform(const StopSignal *stop) {
+    if (!easy_)
+        return CURLE_FAILED_INIT;
+    if (!stop)
+        return curl().curl_easy_perform(easy_);
+    const CurlMulti multi = newMulti();
+    if (!multi || curl().curl_multi_add_handle(multi.get(), easy_) != CURLM_OK)
+        return CURLE_FAILED_INIT;
+    curl_waitfd stopped{stop->descriptor(), CURL_WAIT_POLLIN, 0};
+    CURLcode result = CURLE_ABORTED_BY_CALLBACK;
+    while (!stop->isRaised()) {
+        int running = 0;
+        if (curl().curl_multi_perform(multi.get(), &running) != CURLM_OK)
+            break;
+        int left = 0;
+        const CURLMsg *message = curl().curl_multi_info_read(multi.get(), &left);
+        if (message) {
+            result = message->data.result;
+            break;
+        }
+        curl().curl_multi_poll(multi.get(), &stopped, 1, longestPoll, nullptr);
+    }
+    curl().curl_multi_remove_handle(multi.get(), easy_);
+    return result;
+}
+
+QByteArray HttpTransfer::header(const char *name) const {
+    curl_header *found = nullptr;
+    if (!easy_ || curl().curl_easy_header(easy_, name, 0, CURLH_HEADER, -1, &found) != CURLHE_OK)
+        return {};
+    return QByteArray(found->value);
+}
+
+qint64 HttpTransfer::number(CURLINFO info) const {
+    curl_off_t number = 0;
+    if (easy_)
+        curl().curl_easy_getinfo(easy_, info, &number);
+    return qint64{number};
+}
+
+long HttpTransfer::status() const {
+    long status = 0;
+    if (easy_)
+        curl().curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
+    return status;
+}
+
+QString HttpTransfer::redirect() const {
+    const char *address = nullptr;
+    if (easy_)
+        curl().curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &address);
+    return QString::fromUtf8(address);
+}
+
+size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
+    auto *transfer = static_cast<HttpTransfer *>(self);
+    transfer->bodyLeft_ -= static_cast<qint64>(size);
+    const bool isTaken =
+        transfer->bodyLeft_ >= 0 && transfer->sink_(data, static_cast<qint64>(size));
+    return isTaken ? size : 0;
+}
+
+size_t HttpTransfer::receiveHeader(char *line, size_t, size_t size, void *self) {
+    auto *transfer = static_cast<HttpTransfer *>(self);
+    transfer->headersLeft_ -= static_cast<qint64>(size);
+    const bool isTaken =
+        transfer->headersLeft_ >= 0 &&
+        transfer->isTakenPacking(QByteArray(line, static_cast<qsizetype>(size)).toLower());
+    return isTaken ? size : 0;
+}
+
+// The library unpacks whatever it can, and up to five times over: into how much is only known at
+// the end. The other methods it has use more memory by far.
+bool HttpTransfer::isTakenPacking(const QByteArray &header) {
+    if (header.startsWith("http/"))
+        packingCount_ = 0;
+    if (!header.startsWith("content-encoding:") && !header.startsWith("transfer-encoding:"))
+        return true;
+    for (const QByteArray &method : header.sliced(header.indexOf(':') + 1).split(',')) {
+        const QByteArray name = method.trimmed();
+        if (name == "br" || name == "zstd")
+            return false;
+        packingCount_ += name == "gzip" || name == "x-gzip" || name == "deflate" ? 1 : 0;
+    }
+    // Text becomes far smaller than that, and blocks that unpack to nothing take their time.
+    if (packingCount_ > 0)
+        wireLeft_ = qMin(wireLeft_, headerLimit + bodyLeft_ / 3);
+    return packingCount_ <= 1;
+}
+
+int HttpTransfer::countWire(CURL *, curl_infotype type, char *, size_t size, void *self) {
+    if (type == CURLINFO_DATA_IN)
+        static_cast<HttpTransfer *>(self)->wireLeft_ -= static_cast<qint64>(size);
+    return 0;
+}
+
+int HttpTransfer::checkWire(void *self, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    return static_cast<HttpTransfer *>(self)->wireLeft_ < 0 ? 1 : 0;
+}
+
+HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
+    if (!isCurlReady())
+        return HttpProgress::NotStarted;
+    switch (code) {
+    case CURLE_OK:
+        return HttpProgress::Complete;
+    case CURLE_URL_MALFORMAT:
+        return HttpProgress::NotOpened;
+    case CURLE_OPERATION_TIMEDOUT:
+        return transfer.number(CURLINFO_CONNECT_TIME_T) > 0 ? HttpProgress::Incomplete
+                                                            : HttpProgress::NotSent;
+    case CURLE_ABORTED_BY_CALLBACK:
+        return HttpProgress::Incomplete;
+    // These may come behind a redirect, which is an answer, but not the one that was asked for.
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_TOO_MANY_REDIRECTS:
+    case CURLE_UNSUPPORTED_PROTOCOL:
+        return HttpProgress::NotSent;
+    default:
+        return transfer.status() != 0 ? HttpProgress::Incomplete : HttpProgress::NotSent;
+    }
+}
+
+HttpGet::HttpGet(const HttpRequest &request, const HttpLimits &limits)
+    : limits_(limits), transfer_([this](const char *data, qint64 size) { return keep(data, size); },
+                                 limits.bodyBytes),
+      isConditional_(!request.validators.isEmpty()) {
+    const CurlUrl parsed = parseUrl(request.url);
+    isOpened_ = transfer_.handle() && hasWebScheme(parsed);
+    if (!isOpened_) {
+        answer_.detail = QStringLiteral("not an address of the web");
+        return;
+    }
+    const auto headerOf = [](const QByteArray &name, const QByteArray &value) {
+        return value.isEmpty() ? QByteArray() : QByteArray(name + ": " + value);
+    };
+    transfer_.setHeaders(
+        headerList({"Content-Type: text/xml", headerOf("If-None-Match", request.validators.etag),
+                    headerOf("If-Modified-Since", request.validators.lastModified)}));
+    transfer_.set(CURLOPT_URL, partOf(parsed, CURLUPART_URL).constData());
+    transfer_.set(CURLOPT_USERAGENT, "Tidebrook/" TIDEBROOK_VERSION);
+    transfer_.set(CURLOPT_ACCEPT_ENCODING, "gzip");
+    transfer_.setTimeLimits(limits, limits.requestObject);
+}
+
+bool HttpGet::keep(const char *data, qint64 size) {
+    if (answer_.body.isEmpty())
+        answer_.body.reserve(
+            qBound(0LL, transfer_.number(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T), limits_.bodyBytes));
+    answer_.body.append(data, size);
+    return true;
+}
+
+HttpAnswer HttpGet::takeAnswer(CURLcode code) {
+    answer_.progress = progressOf(code, transfer_);
+    answer_.status = static_cast<int>(transfer_.status());
+    answer_.retryAfter = std::chrono::seconds(transfer_.number(CURLINFO_RETRY_AFTER));
+    if (answer_.progress != HttpProgress::Complete) {
+        answer_.detail = isCurlReady() ? QString::fromUtf8(curl().curl_easy_strerror(code))
+                                       : QStringLiteral("libcurl is missing");
+        return std::move(answer_);
+    }
+    answer_.isUnchanged = isConditional_ && answer_.status == notModified;
+    answer_.charset = charsetOf(transfer_.header("Content-Type"));
+    answer_.validators = {keptValidator(transfer_.header("ETag")),
+                          keptValidator(transfer_.header("Last-Modified"))};
+    return std::move(answer_);
+}
+
+} // namespace tidebrook

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "platform/base/device_root.h"
+#include "platform/sql/sqlite_database.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <variant>
+
+namespace tidebrook {
+
+/// A typed value: a 32-bit unsigned number (DWORD) or a text.
+using RegistryValue = std::variant<quint32, QString>;
+
+/// The device's registry: keys by path (`Software\Tamrel\Feedlark`), each with named, typed
+/// values in the order in which they were first written. Names are case-sensitive.
+///
+/// Several processes and threads may use it at once; each call is atomic, and sees what others
+/// wrote before it. A written value is never half there, and `flush` makes it outlive a power
+/// cut. With a registry file that is damaged or not to be had every read finds nothing and every
+/// write returns false.
+class Registry {
+public:
+    /// Opens the registry of the device, making its file when it is missing. Where there is no
+    /// device none is made.
+    explicit Registry(const DeviceRoot &device);
+    ~Registry();
+    Registry(const Registry &) = delete;
+    Registry &operator=(const Registry &) = delete;
+
+    /// False when the file cannot be opened; `error` then says why. Every other call tries that
+    /// anew, too.
+    bool isOpen();
+    QString error() const { return error_; }
+
+    std::optional<RegistryValue> read(QStringView key, QStringView name);
+    bool write(QStringView key, QStringView name, const RegistryValue &value);
+    /// Writes a value where there is none; one that is there stays. False when it failed.
+    bool create(QStringView key, QStringView name, const RegistryValue &value);
+    /// True when there was such a value and it is gone.
+    bool remove(QStringView key, QStringView name);
+
+    struct NamedValue {
+        QString name;
+        RegistryValue value;
+    };
+    /// All values of a key; nothing when they could not be read.
+    std::optional<QList<NamedValue>> values(QStringView key);
+
+    bool flush();
+
+    /// What is damaged in the registry's file, a line each; none when it is sound.
+    QStringList faults();
+
+    /// Holds the registry for this thread and process alone, so that several calls are one
+    /// change: `commit` writes all of it, and without that none of it is written.
+    class Batch {
+    public:
+        explicit Batch(Registry &registry);
+        /// False when the registry could not be had within its time: then nothing may be written.
+        bool isOpen() const { return transaction_ && transaction_->isOpen(); }
+        bool commit();
+
+    private:
+        std::unique_lock<std::recursive_mutex> lock_;
+        std::unique_ptr<SqliteTransaction> transaction_;
+    };
+
+private:
+    bool open();
+    bool insert(QStringView key, QStringView name, const RegistryValue &value,
+                const QByteArray &onConflict);
+
+    const DeviceRoot device_;
+    std::recursive_mutex mutex_; // guards what follows
+    std::unique_ptr<SqliteDatabase> database_;
+    QString error_;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,262 @@
+#include "platform/sql/sqlite_database.h"
+
+#include "platform/base/descriptor.h"
+#include "platform/base/plain_file.h"
+
+#include <QFile>
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace tidebrook {
+
+namespace {
+
+// Far more than the distinct statements of the system; a bound all the same, since shapes come
+// from text.
+constexpr qsizetype idleStatementLimit = 64;
+
+constexpr char blanks[] = " \t\r\n";
+
+constexpr QStringView journalEndings[]{u"-wal", u"-shm", u"-journal"};
+
+bool isOneStatement(const char *tail) { return tail[std::strspn(tail, blanks)] == '\0'; }
+
+} // namespace
+
+SqliteStatement::SqliteStatement(SqliteDatabase &database, sqlite3_stmt *statement,
+                                 const QByteArray &text)
+    : database_(&database), statement_(statement), text_(text) {}
+
+SqliteStatement::SqliteStatement(SqliteStatement &&other) noexcept
+    : database_(other.database_), statement_(std::exchange(other.statement_, nullptr)),
+      text_(std::move(other.text_)) {}
+
+SqliteStatement &SqliteStatement::operator=(SqliteStatement &&other) noexcept {
+    std::swap(database_, other.database_);
+    std::swap(statement_, other.statement_);
+    text_.swap(other.text_);
+    return *this;
+}
+
+SqliteStatement::~SqliteStatement() {
+    if (statement_)
+        database_->giveBack(text_, statement_);
+}
+
+void SqliteStatement::bind(int position, const QByteArray &utf8) {
+    sqlite3_bind_text64(statement_, position, utf8.constData(),
+                        static_cast<sqlite3_uint64>(utf8.size()), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+void SqliteStatement::bind(int position, qint64 number) {
+    sqlite3_bind_int64(statement_, position, number);
+}
+
+SqliteStep SqliteStatement::step() {
+    const int code = sqlite3_step(statement_);
+    switch (code & 0xFF) {
+    case SQLITE_ROW:
+        return SqliteStep::Row;
+    case SQLITE_DONE:
+        return SqliteStep::Done;
+    case SQLITE_CONSTRAINT:
+        return SqliteStep::IntegrityViolation;
+    default:
+        return SqliteStep::Failed;
+    }
+}
+
+int SqliteStatement::columnCount() const { return sqlite3_column_count(statement_); }
+
+QByteArray SqliteStatement::declaredType(int column) const {
+    return QByteArray(sqlite3_column_decltype(statement_, column));
+}
+
+QString SqliteStatement::text(int column) const {
+    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement_, column));
+    return QString::fromUtf8(text, sqlite3_column_bytes(statement_, column));
+}
+
+qint64 SqliteStatement::integer(int column) const {
+    return sqlite3_column_int64(statement_, column);
+}
+
+std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const Options &options,
+                                                     QString *error) {
+    if (!isUsablePlace(path)) {
+        if (error)
+            *error = QStringLiteral("it is no plain file");
+        return nullptr;
+    }
+    // It is made without being opened: closing it again would give up the locks of others here.
+    if (options.create)
+        mknod(QFile::encodeName(path).constData(), S_IFREG | 0600, 0);
+    sqlite3 *handle = nullptr;
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
+                      (options.create ? SQLITE_OPEN_CREATE : 0);
+    const int code = sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, flags, nullptr);
+    std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(handle));
+    if (code == SQLITE_OK && database->configure(options))
+        return database;
+    if (error)
+        *error = sqlite3_errcode(handle) == SQLITE_OK ? QStringLiteral("the file is empty")
+                                                      : database->lastError();
+    return nullptr;
+}
+
+SqliteDatabase::~SqliteDatabase() {
+    for (sqlite3_stmt *statement : std::as_const(idle_))
+        sqlite3_finalize(statement);
+    sqlite3_close(handle_);
+}
+
+bool SqliteDatabase::configure(const Options &options) {
+    sqlite3_busy_timeout(handle_, options.busyTimeout);
+    // A file of somebody else's making must not bring code along in its schema.
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    if (!options.create && !hasSchema())
+        return false;
+    // A file that may only be read keeps the journal mode that it has.
+    run("PRAGMA journal_mode = WAL");
+    return run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
+                                       : "PRAGMA synchronous = NORMAL") == SqliteStep::Done;
+}
+
+// SQLite opens a file lazily: reading the schema is what tells a damaged one, or an empty one,
+// before anything writes to it.
+bool SqliteDatabase::hasSchema() {
+    SqliteStatement query = prepare("SELECT count(*) FROM sqlite_master");
+    return query && query.step() == SqliteStep::Row && query.integer(0) > 0;
+}
+
+SqliteStatement SqliteDatabase::prepare(const QByteArray &utf8) {
+    if (sqlite3_stmt *idle = idle_.take(utf8))
+        return SqliteStatement(*this, idle, utf8);
+    sqlite3_stmt *statement = nullptr;
+    const char *tail = nullptr;
+    const int size = static_cast<int>(utf8.size()) + 1;
+    const int code = sqlite3_prepare_v3(handle_, utf8.constData(), size, SQLITE_PREPARE_PERSISTENT,
+                                        &statement, &tail);
+    if (code == SQLITE_OK && statement && isOneStatement(tail))
+        return SqliteStatement(*this, statement, utf8);
+    sqlite3_finalize(statement);
+    return {};
+}
+
+SqliteStep SqliteDatabase::run(const QByteArray &utf8) {
+    SqliteStatement statement = prepare(utf8);
+    return statement ? statement.step() : SqliteStep::Failed;
+}
+
+void SqliteDatabase::giveBack(const QByteArray &text, sqlite3_stmt *statement) {
+    sqlite3_reset(statement);
+    if (idle_.size() >= idleStatementLimit || idle_.contains(text)) {
+        sqlite3_finalize(statement);
+        return;
+    }
+    sqlite3_clear_bindings(statement);
+    idle_.insert(text, statement);
+}
+
+bool SqliteDatabase::inTransaction() const { return sqlite3_get_autocommit(handle_) == 0; }
+
+bool SqliteDatabase::flush() {
+    // What was committed is in the journal. A checkpoint would sync it too, but gives up while
+    // another connection is at one.
+    sqlite3_file *journal = nullptr;
+    const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &journal);
+    if (code != SQLITE_OK)
+        return false;
+    const bool isThere = journal && journal->pMethods;
+    return !isThere || journal->pMethods->xSync(journal, SQLITE_SYNC_NORMAL) == SQLITE_OK;
+}
+
+QString SqliteDatabase::lastError() const { return QString::fromUtf8(sqlite3_errmsg(handle_)); }
+
+bool SqliteDatabase::isUsablePlace(const QString &path) {
+    return fileKindAt(path, Links::Followed) != FileKind::Other &&
+           std::none_of(
+               std::begin(journalEndings), std::end(journalEndings),
+               [&](QStringView ending) { return fileKindAt(path + ending) == FileKind::Other; });
+}
+
+bool SqliteDatabase::settle(const QString &path) {
+    {
+        const std::unique_ptr<SqliteDatabase> database = open(path, {});
+        const bool isWhole = database && sqlite3_wal_checkpoint_v2(database->handle_, nullptr,
+                                                                   SQLITE_CHECKPOINT_TRUNCATE,
+                                                                   nullptr, nullptr) == SQLITE_OK;
+        if (!isWhole)
+            return false;
+    }
+    const bool isAlone =
+        std::all_of(std::begin(journalEndings), std::end(journalEndings), [&](QStringView ending) {
+            return fileKindAt(path + ending) == FileKind::Missing;
+        });
+    const Descriptor file(openPlainFile(path, O_RDONLY));
+    return isAlone && file.isOpen() && fsync(file.number()) == 0;
+}
+
+bool SqliteDatabase::remove(const QString &path) {
+    if (!isUsablePlace(path) || fileKindAt(path) == FileKind::Other)
+        return false;
+    for (const QStringView ending : journalEndings)
+        QFile::remove(path + ending);
+    return QFile::remove(path) || fileKindAt(path) == FileKind::Missing;
+}
+
+bool SqliteDatabase::isDamaged(const QString &path) {
+    if (!isUsablePlace(path))
+        return false;
+    sqlite3 *handle = nullptr;
+    sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
+    SqliteDatabase database(handle);
+    SqliteStatement check = database.prepare("PRAGMA integrity_check");
+    const bool isChecked = check && check.step() == SqliteStep::Row;
+    const int code = sqlite3_errcode(handle) & 0xFF;
+    return isChecked ? check.text(0) != u"ok" : code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
+QStringList SqliteDatabase::faults() {
+    QStringList found;
+    SqliteStatement check = prepare("PRAGMA integrity_check");
+    SqliteStep step = check ? check.step() : SqliteStep::Failed;
+    for (; step == SqliteStep::Row; step = check.step()) {
+        if (check.text(0) != u"ok")
+            found.append(check.text(0));
+    }
+    if (step != SqliteStep::Done)
+        found.append(lastError());
+    return found;
+}
+
+SqliteTransaction::SqliteTransaction(SqliteDatabase &database)
+    : database_(database), isOuter_(!database.inTransaction()),
+      isOpen_(!isOuter_ || database.run("BEGIN IMMEDIATE") == SqliteStep::Done) {}
+
+SqliteTransaction::~SqliteTransaction() {
+    if (isOuter_ && isOpen_ && database_.inTransaction())
+        database_.run("ROLLBACK");
+}
+
+bool SqliteTransaction::commit() {
+    if (!isOpen_)
+        return false;
+    if (!isOuter_)
+        return true;
+    isOpen_ = false;
+    if (database_.run("COMMIT") == SqliteStep::Done)
+        return true;
+    if (database_.inTransaction())
+        database_.run("ROLLBACK");
+    return false;
+}
+
+} // namespace tidebrook

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/base/descriptor.h"
+
+#include <atomic>
+#include <chrono>
+
+namespace tidebrook {
+
+/// Tells any number of threads of this process to end. Once raised it stays so. Thread-safe.
+class StopSignal {
+public:
+    StopSignal();
+
+    /// May be called in a signal handler.
+    void raise();
+    bool isRaised() const { return isRaised_; }
+
+    /// Waits until it is raised, and no longer than `timeout`. True when it is raised.
+    bool wait(std::chrono::milliseconds timeout) const;
+
+    /// For waiting together with other descriptors: readable once it is raised. Never read it.
+    /// Negative when the process has no descriptor left; then nobody who waits is woken, but
+    /// `isRaised` still tells.
+    int descriptor() const { return wakeUp_.number(); }
+
+private:
+    static_assert(std::atomic<bool>::is_always_lock_free);
+    std::atomic<bool> isRaised_ = false;
+    const Descriptor wakeUp_;
+};
+
+} // namespace tidebrook

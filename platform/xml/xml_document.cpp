@@ -1,0 +1,335 @@
+#include "platform/xml/xml_document.h"
+
+#include "platform/base/text.h"
+#include "platform/xml/html_entities.h"
+#include "platform/xml/xml_encoding.h"
+
+#include <QByteArrayMatcher>
+
+#define XML_DTD // for the declarations of what limits the growth by entities
+#include <expat.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <unordered_map>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr std::size_t depthLimit = 1000;
+constexpr qsizetype nodeLimit = 1'000'000;
+constexpr qsizetype attributeLimit = 1'000'000;
+constexpr qsizetype elementAttributeLimit = 1000;
+constexpr std::size_t nameLimit = 10'000;
+constexpr qsizetype nameSizeLimit = 1000;             // bytes
+constexpr qsizetype textLimit = 48 * 1024 * 1024;     // bytes, attributes' values included
+constexpr qsizetype tokenLimit = 1024 * 1024;         // bytes that the parser keeps for later
+constexpr float growthLimit = 4;                      // by entities, in all
+constexpr unsigned long long freeGrowth = 256 * 1024; // bytes that may come of them all the same
+constexpr std::uint32_t textName = 0;                 // "#text" is the first name of every document
+
+bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+struct ParserFree {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+};
+using Parser = std::unique_ptr<XML_ParserStruct, ParserFree>;
+
+} // namespace
+
+/// Builds a document from the parser's events. An event that breaks a limit stops the parser.
+class XmlBuilder {
+public:
+    XmlBuilder(QByteArrayView bytes, QByteArrayView charset)
+        : bytes_(bytes), charset_(charset), parser_(XML_ParserCreate("UTF-8")) {
+        document_.names_.push_back("#text");
+        document_.text_ = QByteArray(bytes.size(), Qt::Uninitialized);
+    }
+
+    std::optional<XmlDocument> build() {
+        if (!parser_)
+            return std::nullopt;
+        XML_SetUserData(parser_.get(), this);
+        listen();
+        XML_SetBillionLaughsAttackProtectionMaximumAmplification(parser_.get(), growthLimit);
+        XML_SetBillionLaughsAttackProtectionActivationThreshold(parser_.get(), freeGrowth);
+        if (!parseAll())
+            return std::nullopt;
+        document_.text_.truncate(textEnd_);
+        return std::move(document_);
+    }
+
+private:
+    struct OpenElement {
+        std::uint32_t node;
+        std::uint32_t lastChild = 0;
+    };
+
+    void listen() {
+        XML_Parser parser = parser_.get();
+        XML_SetElementHandler(
+            parser,
+            [](void *self, const char *name, const char **attributes) {
+                static_cast<XmlBuilder *>(self)->beginElement(name, attributes);
+            },
+            [](void *self, const char *) { static_cast<XmlBuilder *>(self)->endElement(); });
+        XML_SetCharacterDataHandler(parser, [](void *self, const char *text, int size) {
+            static_cast<XmlBuilder *>(self)->addText(QByteArrayView(text, size));
+        });
+        // A comment, an instruction or the edge of a CDATA section ends a run of text.
+        XML_SetCommentHandler(
+            parser, [](void *self, const char *) { static_cast<XmlBuilder *>(self)->endText(); });
+        XML_SetProcessingInstructionHandler(parser, [](void *self, const char *, const char *) {
+            static_cast<XmlBuilder *>(self)->endText();
+        });
+        XML_SetCdataSectionHandler(
+            parser, [](void *self) { static_cast<XmlBuilder *>(self)->endText(); },
+            [](void *self) { static_cast<XmlBuilder *>(self)->endText(); });
+        XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_UNLESS_STANDALONE);
+        XML_SetExternalEntityRefHandler(parser, [](XML_Parser asking, const char *context,
+                                                   const char *, const char *, const char *) {
+            auto *self = static_cast<XmlBuilder *>(XML_GetUserData(asking));
+            return context || self->declareEntities(asking) ? 1 : 0;
+        });
+        XML_SetSkippedEntityHandler(parser, [](void *self, const char *name, int isParameter) {
+            if (!isParameter)
+                static_cast<XmlBuilder *>(self)->addText(QByteArray('&' + QByteArray(name) + ';'));
+        });
+    }
+
+    // In pieces, since the parser keeps names and declarations before it tells of what they are in.
+    bool parseAll() {
+        XmlUtf8Reader reader(bytes_, charset_);
+        qint64 fed = 0;
+        bool isLast = false;
+        while (!isLast) {
+            const std::optional<QByteArrayView> piece = reader.next();
+            if (!piece)
+                return false;
+            isLast = piece->isEmpty();
+            const bool isPrologTooLong = fed > XmlUtf8Reader::pieceSize && document_.nodes_.empty();
+            if (isPrologTooLong ||
+                XML_Parse(parser_.get(), piece->data(), static_cast<int>(piece->size()), isLast) !=
+                    XML_STATUS_OK)
+                return false;
+            fed += piece->size();
+            if (!isLast && fed - XML_GetCurrentByteIndex(parser_.get()) > tokenLimit)
+                return false;
+        }
+        return true;
+    }
+
+    // Answers for every external DTD, whose address nobody asks.
+    bool declareEntities(XML_Parser asking) {
+        const Parser parser(XML_ExternalEntityParserCreate(asking, nullptr, "UTF-8"));
+        const QByteArray declarations = htmlEntityDeclarations() + otherDeclarations();
+        return parser && XML_Parse(parser.get(), declarations.constData(),
+                                   static_cast<int>(declarations.size()), 1) == XML_STATUS_OK;
+    }
+
+    // The parser drops what nobody has declared from attributes without a word, so that every
+    // entity that is used is declared to be what is written. The first declaration is the one that
+    // holds: the document's own, then HTML's.
+    QByteArray otherDeclarations() const {
+        XmlUtf8Reader reader(bytes_, charset_);
+        std::set<QByteArray> names;
+        QByteArray text;
+        std::optional<QByteArrayView> piece = reader.next();
+        for (; piece && !piece->isEmpty() && names.size() < nameLimit; piece = reader.next()) {
+            text = text.last(qMin(text.size(), nameSizeLimit)) + *piece;
+            static const QByteArrayMatcher begin("&");
+            for (qsizetype at = begin.indexIn(text); at >= 0; at = begin.indexIn(text, at + 1)) {
+                const QByteArrayView name = asciiName(QByteArrayView(text).sliced(at + 1));
+                if (!name.isEmpty() && text.size() > at + 1 + name.size() &&
+                    text[at + 1 + name.size()] == ';')
+                    names.insert(name.toByteArray());
+            }
+        }
+        QByteArray declarations;
+        for (const QByteArray &name : names)
+            declarations += "<!ENTITY " + name + " '&#38;#38;" + name + ";'>";
+        return declarations;
+    }
+
+    static QByteArrayView asciiName(QByteArrayView text) {
+        const auto isLetter = [](char c) {
+            return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+        };
+        const auto isInName = [&](char c) {
+            return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+        };
+        qsizetype size = 0;
+        while (size < qMin(text.size(), nameSizeLimit) &&
+               (size == 0 ? isLetter(text[0]) : isInName(text[size])))
+            ++size;
+        return text.first(size);
+    }
+
+    // The parser may still tell of what it has begun to tell of; nothing of it is wanted.
+    void stop() {
+        isStopped_ = true;
+        XML_StopParser(parser_.get(), XML_FALSE);
+    }
+
+    std::uint32_t nameIndex(const char *name) {
+        const auto found = nameIndices_.find(std::string_view(name));
+        if (found != nameIndices_.end())
+            return found->second;
+        const auto index = static_cast<std::uint32_t>(document_.names_.size());
+        const QByteArray &stored = document_.names_.emplace_back(name);
+        if (index >= nameLimit || stored.size() > nameSizeLimit)
+            stop();
+        nameIndices_.emplace(
+            std::string_view(stored.constData(), static_cast<std::size_t>(stored.size())), index);
+        return index;
+    }
+
+    std::uint32_t addNode(std::uint32_t name) {
+        const auto index = static_cast<std::uint32_t>(document_.nodes_.size());
+        XmlDocument::Node node{name};
+        node.textBegin = textEnd_;
+        document_.nodes_.append(node);
+        if (!open_.empty()) {
+            OpenElement &parent = open_.back();
+            if (parent.lastChild)
+                document_.nodes_[parent.lastChild].nextSibling = index;
+            ++document_.nodes_[parent.node].childCount;
+            parent.lastChild = index;
+        }
+        return index;
+    }
+
+    void beginElement(const char *name, const char **attributes) {
+        endText();
+        if (isStopped_)
+            return;
+        if (open_.size() >= depthLimit || document_.nodes_.size() >= nodeLimit) {
+            stop();
+            return;
+        }
+        const std::uint32_t index = addNode(nameIndex(name));
+        const qsizetype first = document_.attributes_.size();
+        for (; *attributes && !isStopped_; attributes += 2)
+            addAttribute(attributes[0], attributes[1]);
+        const qsizetype count = document_.attributes_.size() - first;
+        if (count > elementAttributeLimit)
+            stop();
+        XmlDocument::Node &node = document_.nodes_[index];
+        node.attributes = static_cast<std::uint32_t>(first);
+        node.attributeCount = static_cast<std::uint32_t>(count);
+        open_.push_back({index});
+    }
+
+    void addAttribute(const char *name, const char *value) {
+        const auto begin = static_cast<std::uint32_t>(document_.values_.size());
+        document_.values_.append(value);
+        const auto end = static_cast<std::uint32_t>(document_.values_.size());
+        document_.attributes_.append({nameIndex(name), begin, end});
+        if (document_.attributes_.size() > attributeLimit || isTextTooLong(0))
+            stop();
+    }
+
+    bool isTextTooLong(qsizetype more) const {
+        return textEnd_ + document_.values_.size() + more > textLimit;
+    }
+
+    void endElement() {
+        endText();
+        if (isStopped_)
+            return;
+        document_.nodes_[open_.back().node].textEnd = textEnd_;
+        open_.pop_back();
+    }
+
+    void addText(QByteArrayView text) {
+        if (isTextTooLong(text.size())) {
+            stop();
+            return;
+        }
+        // There is room for the text of every document but one that grows by its encoding or its
+        // entities.
+        if (text.size() > document_.text_.size() - qsizetype{textEnd_})
+            document_.text_.resize(2 * document_.text_.size() + text.size());
+        std::memcpy(textData() + textEnd_, text.data(), static_cast<std::size_t>(text.size()));
+        textEnd_ += static_cast<std::uint32_t>(text.size());
+    }
+
+    // Nobody shares the text while it is being built, so this never copies it.
+    char *textData() { return document_.text_.data(); }
+
+    void endText() {
+        if (isStopped_)
+            return;
+        const char *text = textData();
+        if (std::all_of(text + textBegin_, text + textEnd_, isSpace)) {
+            textEnd_ = textBegin_;
+            return;
+        }
+        if (document_.nodes_.size() >= nodeLimit) {
+            stop();
+            return;
+        }
+        const std::uint32_t index = addNode(textName);
+        document_.nodes_[index].textBegin = textBegin_;
+        document_.nodes_[index].textEnd = textEnd_;
+        textBegin_ = textEnd_;
+    }
+
+    const QByteArrayView bytes_;
+    const QByteArrayView charset_;
+    const Parser parser_;
+    XmlDocument document_;
+    std::unordered_map<std::string_view, std::uint32_t> nameIndices_; // views of names_' bytes
+    std::vector<OpenElement> open_;
+    bool isStopped_ = false;
+    std::uint32_t textBegin_ = 0; // where the run of text being read began
+    std::uint32_t textEnd_ = 0;   // how much of the text is filled
+};
+
+std::string_view XmlNode::name() const {
+    const QByteArray &name = document_->names_[document_->nodes_[index_].name];
+    return {name.constData(), static_cast<std::size_t>(name.size())};
+}
+
+int XmlNode::childCount() const { return static_cast<int>(document_->nodes_[index_].childCount); }
+
+XmlNode XmlNode::firstChild() const {
+    return childCount() > 0 ? XmlNode(document_, index_ + 1) : XmlNode();
+}
+
+XmlNode XmlNode::nextSibling() const {
+    const std::uint32_t sibling = document_->nodes_[index_].nextSibling;
+    return sibling ? XmlNode(document_, sibling) : XmlNode();
+}
+
+QString XmlNode::text(qsizetype capacity) const {
+    const XmlDocument::Node &node = document_->nodes_[index_];
+    const QByteArrayView text = QByteArrayView(document_->text_)
+                                    .sliced(node.textBegin, node.textEnd - node.textBegin)
+                                    .trimmed();
+    // A unit comes from three bytes at most.
+    const QString decoded = QString::fromUtf8(cutUtf8(text, 3 * (capacity + 1)));
+    return cutText(decoded, capacity).toString();
+}
+
+QString XmlNode::attribute(std::string_view name) const {
+    const XmlDocument::Node &node = document_->nodes_[index_];
+    for (std::uint32_t i = node.attributes; i < node.attributes + node.attributeCount; ++i) {
+        const XmlDocument::Attribute &attribute = document_->attributes_[i];
+        if (document_->names_[attribute.name] ==
+            QByteArrayView(name.data(), static_cast<qsizetype>(name.size())))
+            return QString::fromUtf8(
+                QByteArrayView(document_->values_)
+                    .sliced(attribute.valueBegin, attribute.valueEnd - attribute.valueBegin));
+    }
+    return {};
+}
+
+std::optional<XmlDocument> XmlDocument::parse(QByteArrayView bytes, QByteArrayView charset) {
+    return XmlBuilder(bytes, charset).build();
+}
+
+} // namespace tidebrook

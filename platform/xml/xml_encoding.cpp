@@ -1,0 +1,120 @@
+#include "platform/xml/xml_encoding.h"
+
+#include <array>
+#include <cerrno>
+#include <string_view>
+
+namespace tidebrook {
+
+namespace {
+
+struct Encoding {
+    QByteArray name;
+    qsizetype markSize = 0;     // bytes of the byte-order mark
+    bool isOnlyAssumed = false; // by the transport; the document itself says nothing
+};
+
+std::optional<Encoding> encodingOfMark(QByteArrayView bytes) {
+    using namespace std::string_view_literals;
+    struct Mark {
+        std::string_view bytes;
+        const char *encoding;
+        qsizetype size;
+    };
+    // The marks of UTF-32 begin like those of UTF-16, so they come first. The last two are no
+    // marks, but "<?" in UTF-16.
+    static constexpr std::array<Mark, 7> marks{{{"\xFF\xFE\0\0"sv, "UTF-32LE", 4},
+                                                {"\0\0\xFE\xFF"sv, "UTF-32BE", 4},
+                                                {"\xEF\xBB\xBF"sv, "UTF-8", 3},
+                                                {"\xFF\xFE"sv, "UTF-16LE", 2},
+                                                {"\xFE\xFF"sv, "UTF-16BE", 2},
+                                                {"<\0?\0"sv, "UTF-16LE", 0},
+                                                {"\0<\0?"sv, "UTF-16BE", 0}}};
+    for (const Mark &mark : marks) {
+        if (bytes.startsWith(
+                QByteArrayView(mark.bytes.data(), static_cast<qsizetype>(mark.bytes.size()))))
+            return Encoding{mark.encoding, mark.size};
+    }
+    return std::nullopt;
+}
+
+// The encoding that the XML declaration names, empty without one.
+QByteArray declaredEncoding(QByteArrayView bytes) {
+    if (!bytes.startsWith("<?xml"))
+        return {};
+    const qsizetype end = bytes.indexOf("?>");
+    const QByteArray declaration = bytes.first(end < 0 ? 0 : end).toByteArray();
+    qsizetype at = declaration.indexOf("encoding");
+    if (at < 0)
+        return {};
+    at += qsizetype(sizeof "encoding") - 1;
+    while (at < declaration.size() && QByteArrayView(" \t\r\n=").contains(declaration[at]))
+        ++at;
+    if (at >= declaration.size() || (declaration[at] != '"' && declaration[at] != '\''))
+        return {};
+    const qsizetype close = declaration.indexOf(declaration[at], at + 1);
+    return close < 0 ? QByteArray() : declaration.mid(at + 1, close - at - 1);
+}
+
+bool isUtf8(const QByteArray &name) {
+    const QByteArray lower = name.toLower();
+    return lower == "utf-8" || lower == "utf8" || lower == "us-ascii" || lower == "ascii";
+}
+
+Encoding encodingOf(QByteArrayView bytes, QByteArrayView charset) {
+    if (const std::optional<Encoding> marked = encodingOfMark(bytes))
+        return *marked;
+    const QByteArray declared = declaredEncoding(bytes);
+    if (!declared.isEmpty())
+        return {declared, 0};
+    return {charset.isEmpty() ? QByteArray("UTF-8") : charset.toByteArray(), 0, true};
+}
+
+// iconv takes options behind slashes ("UTF-8//IGNORE"), which no document may choose.
+bool isPlainName(const QByteArray &name) { return !name.isEmpty() && !name.contains('/'); }
+
+iconv_t converterFrom(const QByteArray &encoding) {
+    const iconv_t converter =
+        isPlainName(encoding) ? iconv_open("UTF-8", encoding.constData()) : nullptr;
+    // Its answer for an unknown name is the pointer -1.
+    return reinterpret_cast<qintptr>(converter) == -1 ? nullptr : converter;
+}
+
+} // namespace
+
+XmlUtf8Reader::XmlUtf8Reader(QByteArrayView bytes, QByteArrayView charset) {
+    const Encoding encoding = encodingOf(bytes, charset);
+    left_ = bytes.sliced(encoding.markSize);
+    if (isUtf8(encoding.name))
+        return;
+    converter_.reset(converterFrom(encoding.name));
+    isKnown_ = converter_ || encoding.isOnlyAssumed;
+    if (converter_)
+        piece_ = QByteArray(pieceSize, Qt::Uninitialized);
+}
+
+std::optional<QByteArrayView> XmlUtf8Reader::next() {
+    if (!isKnown_)
+        return std::nullopt;
+    if (!converter_) {
+        const QByteArrayView piece = left_.first(qMin(left_.size(), pieceSize));
+        left_ = left_.sliced(piece.size());
+        return piece;
+    }
+    auto *in = const_cast<char *>(left_.data()); // iconv only reads what it points to
+    auto left = static_cast<size_t>(left_.size());
+    char *out = piece_.data();
+    auto room = static_cast<size_t>(pieceSize);
+    if (iconv(converter_.get(), &in, &left, &out, &room) == static_cast<size_t>(-1) &&
+        errno != E2BIG)
+        return std::nullopt;
+    left_ = left_.last(static_cast<qsizetype>(left));
+    return QByteArrayView(piece_.constData(), out - piece_.constData());
+}
+
+bool isEmptyText(QByteArrayView bytes) {
+    const std::optional<Encoding> marked = encodingOfMark(bytes);
+    return bytes.size() == (marked ? marked->markSize : 0);
+}
+
+} // namespace tidebrook

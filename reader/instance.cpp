@@ -1,0 +1,164 @@
+#include "reader/instance.h"
+
+#include "app/messages.h"
+#include "app/today_taps.h"
+#include "kit/icon.h"
+#include "kit/progress_line.h"
+#include "platform/desktop/service.h"
+#include "res/strings.h"
+#include "ui/category_list_screen.h"
+
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <atomic>
+#include <csignal>
+#include <system_error>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr QSize deskWindow(480, 640);
+constexpr int iconSize = 128;
+constexpr int windowIconDelay = 300; // ms
+constexpr int unseenPatience = 40;   // ms until the window is shown without a screen in it
+
+std::atomic<StopSignal *> signalled = nullptr;
+
+void raiseStop(int) {
+    if (StopSignal *stop = signalled)
+        stop->raise();
+}
+
+void watchSignals(StopSignal &stop) {
+    signalled = &stop;
+    struct sigaction action {};
+    action.sa_handler = raiseStop;
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        sigaction(number, &action, nullptr);
+}
+
+} // namespace
+
+Instance::Instance(DeviceOpening &opening, SingleInstance &single)
+    : opening_(opening), single_(single) {
+    stack_.setWindowTitle(resourceString(programNameString));
+    watchOthers();
+}
+
+Instance::~Instance() { signalled = nullptr; }
+
+void Instance::watchOthers() {
+    if (single_.requestDescriptor() >= 0) {
+        auto *requests =
+            new QSocketNotifier(single_.requestDescriptor(), QSocketNotifier::Read, this);
+        connect(requests, &QSocketNotifier::activated, this, [this, requests] {
+            if (stack_.isClosing() || stop_.isRaised())
+                requests->setEnabled(false); // whoever asks is to run itself
+            else
+                comeForward();
+        });
+    }
+    watchSignals(stop_);
+    if (stop_.descriptor() >= 0) {
+        auto *stops = new QSocketNotifier(stop_.descriptor(), QSocketNotifier::Read, this);
+        connect(stops, &QSocketNotifier::activated, this, [this, stops] {
+            stops->setEnabled(false);
+            stack_.close();
+        });
+    }
+}
+
+void Instance::comeForward() {
+    if (const auto token = single_.takeRequest()) {
+        qputenv("XDG_ACTIVATION_TOKEN", token->toUtf8());
+        showWindow();
+        stack_.bringForward();
+        if (state_) // or else the first screen looks
+            lookForTodayTap(*state_);
+    }
+}
+
+bool Instance::InitInstance() {
+    const int messageId = awaitDevice();
+    if (stack_.isClosing()) {
+        device_->close();
+        return false;
+    }
+    activateDownloader();
+    showWindow();
+    runScreens(messageId);
+    closeDown();
+    return true;
+}
+
+// Usually that is done by now, and the window appears with its first screen in it. Where it takes
+// longer, the window is there and alive meanwhile.
+int Instance::awaitDevice() {
+    WorkQueue waiting;
+    QEventLoop loop;
+    DeviceOpening::Opened opened;
+    stack_.progressLine().begin();
+    QTimer::singleShot(unseenPatience, &loop, [this] { showWindow(); });
+    const bool isWaiting = waiting.ask(
+        &loop, [this] { return opening_.take(); },
+        [&](DeviceOpening::Opened result) {
+            opened = std::move(result);
+            loop.quit();
+        });
+    if (isWaiting)
+        loop.exec();
+    else
+        opened = opening_.take();
+    stack_.progressLine().finish();
+    device_ = std::move(opened.device);
+    return opened.messageId;
+}
+
+void Instance::activateDownloader() {
+    try {
+        activation_ = std::thread([root = opening_.root] { activateService(root); });
+    } catch (const std::system_error &) {
+        return; // updates will then find nobody, and say so
+    }
+}
+
+void Instance::showWindow() {
+    if (stack_.isVisible() || stack_.isClosing())
+        return;
+    const QSize room = stack_.screen()->availableSize();
+    if (room.width() > deskWindow.width() && room.height() > deskWindow.height()) {
+        stack_.resize(deskWindow);
+        stack_.show();
+    } else {
+        stack_.showMaximized();
+    }
+}
+
+void Instance::runScreens(int messageId) {
+    state_.emplace(*device_, stack_);
+    // Drawing it takes as long as all that the first screen shows, which comes first.
+    QTimer::singleShot(windowIconDelay, &stack_, [this] {
+        stack_.setWindowIcon(icon("tidebrook", QSize(iconSize, iconSize), stack_.palette()));
+    });
+    if (messageId != 0)
+        QTimer::singleShot(0, &stack_, [this, messageId] { ShowError(*state_, messageId); });
+    OpenCategoryList(*state_);
+}
+
+// The window goes first; what changes data is waited for; then the database closes.
+void Instance::closeDown() {
+    stack_.close();
+    state_->finish();
+    if (activation_.joinable())
+        activation_.join();
+    device_->close();
+    state_.reset();
+    device_.reset();
+}
+
+} // namespace tidebrook

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/app_state.h"
+#include "kit/screen_stack.h"
+#include "platform/desktop/single_instance.h"
+#include "platform/sync/stop_signal.h"
+#include "reader/device_opening.h"
+
+#include <QObject>
+
+#include <memory>
+#include <optional>
+#include <thread>
+
+namespace tidebrook {
+
+/// The running reader: what is brought up before the first screen, and taken down behind the last
+/// one. There is one in a program.
+class Instance : public QObject {
+    Q_OBJECT
+
+public:
+    /// Both outlive it.
+    Instance(DeviceOpening &opening, SingleInstance &single);
+    ~Instance() override;
+
+    /// Brings everything up, shows the screens until the user leaves them, and takes everything
+    /// down. False when the window was closed before a screen was seen.
+    bool InitInstance();
+
+private:
+    void watchOthers();
+    void comeForward();
+    void showWindow();
+    int awaitDevice();
+    void activateDownloader();
+    void runScreens(int messageId);
+    void closeDown();
+
+    DeviceOpening &opening_;
+    SingleInstance &single_;
+    ScreenStack stack_;
+    StopSignal stop_;                     // the system asks the program to end
+    std::unique_ptr<DeviceParts> device_; // ends after all who use it
+    std::optional<AppState> state_;
+    std::thread activation_;
+};
+
+} // namespace tidebrook

@@ -1,0 +1,3 @@
+#include "reader/reader.h"
+
+int main(int argc, char **argv) { return tidebrook::runReader(argc, argv); }

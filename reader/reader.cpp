@@ -1,0 +1,121 @@
+#include "reader/reader.h"
+
+#include "kit/touch_style.h"
+#include "platform/desktop/single_instance.h"
+#include "reader/instance.h"
+#include "res/default_channels.h"
+#include "res/strings.h"
+#include "store/provisioning.h"
+
+#include <QApplication>
+#include <QScreen>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <mutex>
+#include <optional>
+
+namespace tidebrook {
+
+namespace {
+
+constexpr std::chrono::seconds forwardPatience(15);
+
+void prepareApplication() {
+    QApplication::setApplicationName(QStringLiteral("tidebrook"));
+    QApplication::setApplicationDisplayName(resourceString(programNameString));
+    QApplication::setApplicationVersion(QStringLiteral(TIDEBROOK_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("tidebrook"));
+    // The end of the screens is told by the category list, in nested loops, and by nothing else.
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+void makeDevice(const DeviceRoot &device) {
+    // What cannot be made is told by the screens, which then find no device.
+    if (device.isDevice() || provisionDevice(device, defaultChannelsFile(),
+                                             todayItemKey(resourceString(todayItemNameString))))
+        device.makeFolders();
+}
+
+/// A start of the reader, up to the making of its window.
+class Start {
+public:
+    /// False when another reader of the device runs: this start is over.
+    bool claim();
+    /// Makes the application. Where there is no display the program ends in here, without a word.
+    void makeApplication(std::optional<QApplication> &application, int &argc, char **argv);
+    bool isRunningElsewhere() const { return SingleInstance::isRunning(device_); }
+
+    std::optional<SingleInstance> single;
+    std::optional<DeviceOpening> opening; ///< none when another reader runs
+
+private:
+    static void take(QtMsgType type, const QMessageLogContext &context, const QString &text);
+    static void go();
+
+    static inline Start *current = nullptr;
+
+    const DeviceRoot device_ = DeviceRoot::standard();
+    QtMessageHandler handler_ = nullptr;
+    std::mutex mutex_; // guards this: a plugin may have threads
+    QByteArray said_;  // by Qt, before the display was there
+};
+
+bool Start::claim() {
+    if (!single)
+        single.emplace(device_);
+    const SingleInstance::Claim claim = single->claim(forwardPatience);
+    if (claim == SingleInstance::Claim::NoAnswer)
+        std::fputs("tidebrook: it runs already, but does not answer\n", stderr);
+    return claim == SingleInstance::Claim::Mine || claim == SingleInstance::Claim::Failed;
+}
+
+void Start::makeApplication(std::optional<QApplication> &application, int &argc, char **argv) {
+    current = this;
+    handler_ = qInstallMessageHandler(take);
+    qAddPreRoutine(go);
+    application.emplace(argc, argv);
+}
+
+// Qt says why there is no display, and aborts.
+void Start::take(QtMsgType type, const QMessageLogContext &context, const QString &text) {
+    if (type == QtFatalMsg)
+        ::_exit(0);
+    const std::lock_guard guard(current->mutex_);
+    current->said_ += qFormatLogMessage(type, context, text).toLocal8Bit() + '\n';
+}
+
+// The display is there now. What is left of making the application takes its time, while the
+// device opens.
+void Start::go() {
+    if (QGuiApplication::screens().isEmpty())
+        ::_exit(0);
+    qInstallMessageHandler(current->handler_);
+    {
+        const std::lock_guard guard(current->mutex_);
+        std::fputs(current->said_.constData(), stderr);
+    }
+    makeDevice(current->device_);
+    if (current->claim())
+        current->opening.emplace(current->device_);
+}
+
+} // namespace
+
+int runReader(int argc, char **argv) {
+    Start start;
+    if (start.isRunningElsewhere() && !start.claim())
+        return 0;
+    prepareApplication();
+    std::optional<QApplication> application;
+    start.makeApplication(application, argc, argv);
+    if (!start.opening)
+        return 0;
+    installTouchStyle(); // over that of the desktop, which is known now
+    Instance instance(*start.opening, *start.single);
+    instance.InitInstance();
+    return 0;
+}
+
+} // namespace tidebrook
