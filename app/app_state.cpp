@@ -20,7 +20,7 @@ AppState::AppState(DeviceParts &parts, ScreenStack &screenStack)
     : device(parts), stack(screenStack), fills(parts.dbMutex), updates(parts) {
     showOn(stack.progressLine(), changes);
     showOn(stack.progressLine(), settings);
-    showOn(stack.progressLine(), errands);
+    showOn(stack.progressLine(), blockingTasks);
     showOn(stack.progressLine(), fills);
     showOn(stack.progressLine(), updates);
     QObject::connect(&updates, &UpdateJobs::stepped, &stack.progressLine(),
@@ -31,7 +31,7 @@ AppState::AppState(DeviceParts &parts, ScreenStack &screenStack)
 void AppState::finish() {
     updates.finish();
     fills.finish();
-    errands.finish();
+    blockingTasks.finish();
     settings.finish();
     changes.finish();
 }

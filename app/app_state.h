@@ -1,7 +1,7 @@
 #pragma once
 
+#include "app/blocking_tasks.h"
 #include "app/device_parts.h"
-#include "app/errands.h"
 #include "app/fill_jobs.h"
 #include "app/update_jobs.h"
 #include "app/work_queue.h"
@@ -41,7 +41,7 @@ struct AppState {
     /// Reading and writing settings, which need not wait for that.
     WorkQueue settings;
     /// What waits for servers, and for files that the user has named.
-    Errands errands;
+    BlockingTasks blockingTasks;
     FillJobs fills;
     /// What the screens have asked the downloader for. One that fails is told to the user.
     UpdateJobs updates;

@@ -24,7 +24,7 @@ QString cut(const QString &name, qsizetype capacity) { return cutText(name, capa
 class Change {
 public:
     explicit Change(DeviceParts &device)
-        : channelsLock_(device.channelsLockPath(), DeviceParts::channelsPatience),
+        : channelsLock_(device.channelsLockPath(), DeviceParts::channelsTimeout),
           guard_(device.store->lock()), device_(device) {
         device.store->clearError();
     }

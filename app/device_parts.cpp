@@ -19,7 +19,7 @@ DeviceParts::DeviceParts(const DeviceRoot &deviceRoot)
 }
 
 int DeviceParts::open() {
-    const FileLock channelsLock(channelsLockPath(), channelsPatience);
+    const FileLock channelsLock(channelsLockPath(), channelsTimeout);
     const bool isRegistryReadable = registry.isOpen() && registry.values(programKey).has_value();
     quint32 categoryCount = 0;
     settings.RegReadDword(programKey, u"CategoryNumber", categoryCount);

@@ -48,7 +48,7 @@ public:
     /// The file to lock for a change of several steps, so that nobody sees it half done, and how
     /// long to wait for it: as long as for the database.
     QString channelsLockPath() const { return root.filePath(u"\\run\\channels.lock"); }
-    static constexpr std::chrono::seconds channelsPatience{5};
+    static constexpr std::chrono::seconds channelsTimeout{5};
 
 private:
     FileIdentities files() const;

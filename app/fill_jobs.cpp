@@ -60,8 +60,8 @@ void FillJobs::outdate(const QObject *receiver) {
 
 void FillJobs::requestStop() { count(1, screenPatience); }
 
-bool FillJobs::count(int change, std::chrono::milliseconds patience) {
-    if (!dbMutex_.lock(patience))
+bool FillJobs::count(int change, std::chrono::milliseconds timeout) {
+    if (!dbMutex_.lock(timeout))
         return false;
     fillStop_ += change;
     dbMutex_.unlock();

@@ -93,7 +93,7 @@ private:
     void outdate(const QObject *receiver);
     void run(const std::shared_ptr<Job> &job);
     void end(const std::shared_ptr<Job> &job);
-    bool count(int change, std::chrono::milliseconds patience);
+    bool count(int change, std::chrono::milliseconds timeout);
     void offerAgain();
 
     NamedMutex &dbMutex_;

@@ -16,7 +16,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr unsigned patience = 120; // seconds
+constexpr unsigned timeout = 120; // seconds
 
 double cpuTime() {
     timespec time{};
@@ -51,7 +51,7 @@ void tellAndEnd() {
 } // namespace
 
 FirstPaint::FirstPaint(int rows) : rows_(rows) {
-    alarm(patience);
+    alarm(timeout);
     QCoreApplication::instance()->installEventFilter(this);
 }
 

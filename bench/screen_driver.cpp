@@ -30,7 +30,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patience = 60s;
+constexpr auto timeout = 60s;
 constexpr auto quietOfSteps = 20ms; // several times what a window puts its painting off
 constexpr int wheelNotch = 120;
 
@@ -87,7 +87,7 @@ ScreenDriver::Cost ScreenDriver::answer(const Step &step) {
     const Cost begin = now();
     mailbox_.post([this, isThere = step.isThere] { isThere_ = isThere; });
     step.begin();
-    require(isPainted_.try_acquire_for(patience), step.name);
+    require(isPainted_.try_acquire_for(timeout), step.name);
     return between(begin, painted_);
 }
 

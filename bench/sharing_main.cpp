@@ -27,7 +27,7 @@ using namespace std::chrono_literals;
 using Cost = ScreenDriver::Cost;
 using Costs = ScreenDriver::Costs;
 
-constexpr auto patience = 60s;
+constexpr auto timeout = 60s;
 constexpr auto quiet = 20ms; // several times what a window puts its painting off
 
 struct Import {
@@ -37,7 +37,7 @@ struct Import {
 };
 
 void await(ScreenDriver &driver, const QString &what, const std::function<bool()> &isThere) {
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + timeout;
     for (bool isSo = false; !isSo; driver.look([&] { isSo = isThere(); })) {
         driver.require(std::chrono::steady_clock::now() < end, what);
         std::this_thread::sleep_for(2ms);

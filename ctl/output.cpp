@@ -52,11 +52,11 @@ QString messageWithCode(quint32 code) {
     return QStringLiteral("%1 (%2)").arg(errorMessage(code)).arg(code);
 }
 
-ProgressLine::ProgressLine() : isTerminal_(isatty(STDERR_FILENO) == 1) {}
+ConsoleProgress::ConsoleProgress() : isTerminal_(isatty(STDERR_FILENO) == 1) {}
 
-ProgressLine::~ProgressLine() { show({}); }
+ConsoleProgress::~ConsoleProgress() { show({}); }
 
-void ProgressLine::show(const QString &text) {
+void ConsoleProgress::show(const QString &text) {
     if (isTerminal_)
         write(stderr, u"\r\x1b[K" + cutText(withoutHidden(text), 70));
 }

@@ -31,12 +31,12 @@ int failUsage(const QString &message);
 QString messageWithCode(quint32 code);
 
 /// A line on standard error that each call writes over, while that is a terminal.
-class ProgressLine {
+class ConsoleProgress {
 public:
-    ProgressLine();
-    ~ProgressLine();
-    ProgressLine(const ProgressLine &) = delete;
-    ProgressLine &operator=(const ProgressLine &) = delete;
+    ConsoleProgress();
+    ~ConsoleProgress();
+    ConsoleProgress(const ConsoleProgress &) = delete;
+    ConsoleProgress &operator=(const ConsoleProgress &) = delete;
 
     void show(const QString &text);
 

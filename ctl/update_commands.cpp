@@ -101,7 +101,7 @@ int runUpdate(Device &device, const Arguments &arguments) {
     bool hasFailure = false;
     QList<RefreshResult> results;
     {
-        ProgressLine progress;
+        ConsoleProgress progress;
         UpdateStateStore states(device.root);
         int ended = 0;
         const Observer observer = [&](qsizetype index, const RefreshResult &result) {

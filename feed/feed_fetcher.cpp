@@ -16,13 +16,13 @@ constexpr int loadPause = 1000; // ms
 } // namespace
 
 FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits,
-                         const FetchManner &manner)
-    : device_(device), registry_(registry), limits_(limits), manner_(manner) {}
+                         const FetchOptions &options)
+    : device_(device), registry_(registry), limits_(limits), options_(options) {}
 
 void FeedFetcher::recordError(quint32 code) {
     error_ = code;
     toldError_ = code;
-    if (manner_.recordsErrors)
+    if (options_.recordsErrors)
         SetLastErrorCode(registry_, code);
 }
 
@@ -90,7 +90,7 @@ bool FeedFetcher::download(const QString &url) {
     if (!file.isOpen() || httpDownloadDirect(url, file, limits_) != HttpProgress::Complete ||
         !temp.commit())
         return fail(FeedNotDownloaded);
-    if (manner_.keepsPauses)
+    if (options_.keepsPauses)
         Pause(loadPause, limits_.stop);
     file.seek(0);
     document_ = XmlDocument::parse(file.readAll());

@@ -14,7 +14,7 @@
 namespace tidebrook {
 
 /// How a refresh goes about it, for whom it is.
-struct FetchManner {
+struct FetchOptions {
     bool keepsPauses = true;   ///< the fixed ones between its steps, as for the screens
     bool recordsErrors = true; ///< in the registry, for somebody who waits to be told
 };
@@ -27,7 +27,7 @@ struct FetchManner {
 class FeedFetcher {
 public:
     FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {},
-                const FetchManner &manner = {});
+                const FetchOptions &options = {});
 
     /// 0 while nothing has failed.
     quint32 error() const { return error_; }
@@ -73,7 +73,7 @@ private:
     const DeviceRoot device_;
     Registry &registry_;
     const HttpLimits limits_;
-    const FetchManner manner_;
+    const FetchOptions options_;
     quint32 error_ = 0;
     quint32 toldError_ = 0;
     std::optional<XmlDocument> document_;

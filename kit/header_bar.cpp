@@ -61,7 +61,7 @@ void HeaderBar::setSteppable() {
     choices_ = new ListView(parentWidget());
     choices_->hide();
     choices_->setFrameShape(QFrame::Box);
-    connect(choices_, &ListView::tapped, this, &HeaderBar::takeChoice);
+    connect(choices_, &ListView::tapped, this, &HeaderBar::handleChoice);
     connect(choices_, &ListView::keyPressed, this, [this](int key, bool &isTaken) {
         const bool isBack = key == Qt::Key_Escape || key == Qt::Key_Back;
         const bool isEnter = key == Qt::Key_Return || key == Qt::Key_Enter;
@@ -69,12 +69,12 @@ void HeaderBar::setSteppable() {
         if (isBack)
             Q_EMIT chosen(CommandHideChoices);
         else if (isEnter)
-            takeChoice(SelectedRow(choices_));
+            handleChoice(SelectedRow(choices_));
     });
     arrange();
 }
 
-void HeaderBar::takeChoice(int row) {
+void HeaderBar::handleChoice(int row) {
     if (row >= 0)
         Q_EMIT choiceTaken(row);
     else

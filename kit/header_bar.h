@@ -50,7 +50,7 @@ protected:
 
 private:
     void prepareKey(QToolButton &key, const QString &name, int command);
-    void takeChoice(int row);
+    void handleChoice(int row);
     bool isBesideChoices(const QObject *watched) const;
     void arrange();
     QRect captionPlace() const;

@@ -120,13 +120,13 @@ void ListView::editLabel(int row) {
     edit(rows_.index(row));
 }
 
-void ListView::takeEditor(QLineEdit *editor, int row) {
+void ListView::watchEditor(QLineEdit *editor, int row) {
     editor_ = editor;
     selectRow(row);
 }
 
 // The editor is still open here, and would take a dialog's getting the focus for its own end.
-void ListView::takeLabel(const QModelIndex &index, const QString &text) {
+void ListView::storeLabel(const QModelIndex &index, const QString &text) {
     edited_ = index;
     editedText_ = text;
     QMetaObject::invokeMethod(this, &ListView::tellEdited, Qt::QueuedConnection);

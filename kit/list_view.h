@@ -99,8 +99,8 @@ private:
     friend class RowDelegate;
     void arrangeRows();
     void moveByKey(QKeyEvent &event);
-    void takeEditor(QLineEdit *editor, int row);
-    void takeLabel(const QModelIndex &index, const QString &text);
+    void watchEditor(QLineEdit *editor, int row);
+    void storeLabel(const QModelIndex &index, const QString &text);
     void tellEdited();
 
     ListRows rows_;

@@ -7,9 +7,9 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int patience = 150; // ms; what is done before that needs no sign
-constexpr int frame = 40;     // ms
-constexpr int whole = 1000;   // per mille
+constexpr int delay = 150;  // ms; what is done before that needs no sign
+constexpr int frame = 40;   // ms
+constexpr int whole = 1000; // per mille
 constexpr int pace = 25;
 constexpr int length = 250;
 
@@ -22,7 +22,7 @@ ProgressLine::ProgressLine(QWidget *parent) : QWidget(parent) {
 
 void ProgressLine::begin() {
     if (++running_ == 1)
-        timer_.start(patience, this);
+        timer_.start(delay, this);
 }
 
 void ProgressLine::finish() {

@@ -100,7 +100,7 @@ QWidget *RowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &
                                    const QModelIndex &index) const {
     auto *editor = new LabelEditor(list_.labelLimit(), parent);
     editor->setFont(list_.font());
-    list_.takeEditor(editor, index.row());
+    list_.watchEditor(editor, index.row());
     return editor;
 }
 
@@ -115,7 +115,7 @@ void RowDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 
 void RowDelegate::setModelData(QWidget *editor, QAbstractItemModel *,
                                const QModelIndex &index) const {
-    list_.takeLabel(index, static_cast<LabelEditor *>(editor)->text());
+    list_.storeLabel(index, static_cast<LabelEditor *>(editor)->text());
 }
 
 void RowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,

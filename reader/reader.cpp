@@ -2,7 +2,7 @@
 
 #include "kit/touch_style.h"
 #include "platform/desktop/single_instance.h"
-#include "reader/instance.h"
+#include "reader/application.h"
 #include "res/default_channels.h"
 #include "res/strings.h"
 #include "store/provisioning.h"
@@ -20,7 +20,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr std::chrono::seconds forwardPatience(15);
+constexpr std::chrono::seconds forwardTimeout(15);
 
 void prepareApplication() {
     QApplication::setApplicationName(QStringLiteral("tidebrook"));
@@ -65,7 +65,7 @@ private:
 bool Start::claim() {
     if (!single)
         single.emplace(device_);
-    const SingleInstance::Claim claim = single->claim(forwardPatience);
+    const SingleInstance::Claim claim = single->claim(forwardTimeout);
     if (claim == SingleInstance::Claim::NoAnswer)
         std::fputs("tidebrook: it runs already, but does not answer\n", stderr);
     return claim == SingleInstance::Claim::Mine || claim == SingleInstance::Claim::Failed;
@@ -113,8 +113,8 @@ int runReader(int argc, char **argv) {
     if (!start.opening)
         return 0;
     installTouchStyle(); // over that of the desktop, which is known now
-    Instance instance(*start.opening, *start.single);
-    instance.InitInstance();
+    Application reader(*start.opening, *start.single);
+    reader.InitInstance();
     return 0;
 }
 

@@ -98,7 +98,7 @@ void Downloader::lookAfterRound() {
     const std::optional<AutoSchedule::Round> due = schedule_.dueRound(now, uptime());
     if (!due)
         return;
-    if (due->isBarred) {
+    if (due->isSkipped) {
         log_.info(QStringLiteral("automatic update left out: roaming, or not in the cradle"));
         schedule_.endRound(now);
         return;

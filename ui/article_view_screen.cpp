@@ -12,7 +12,7 @@
 #include "res/commands.h"
 #include "res/strings.h"
 #include "share/dialogs/article_handing.h"
-#include "share/dialogs/told_errand.h"
+#include "share/dialogs/reported_task.h"
 #include "store/escape_sql.h"
 #include "ui/article_page.h"
 
@@ -162,7 +162,8 @@ void ArticleViewScreen::openTarget(const QString &target) {
         ShowMessage(state_, warningString, wrongUrlString);
         return;
     }
-    startErrand(state_, [target] { return openLink(target) ? 0 : unidentifiedProblemString; });
+    startReportedTask(state_,
+                      [target] { return openLink(target) ? 0 : unidentifiedProblemString; });
 }
 
 void ArticleViewScreen::activated() { lookForTodayTap(state_); }

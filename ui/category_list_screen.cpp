@@ -62,8 +62,8 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
     list_->setLabelLimit(labelLimit);
     list_->setAccessibleName(resourceString(allCategoriesString));
     QObject::connect(list_, &ListView::keyPressed, &dialog,
-                     [this](int key, bool &isTaken) { takeKey(key, isTaken); });
-    QObject::connect(list_, &ListView::tapped, &dialog, [this](int row) { takeTap(row); });
+                     [this](int key, bool &isTaken) { handleKey(key, isTaken); });
+    QObject::connect(list_, &ListView::tapped, &dialog, [this](int row) { handleTap(row); });
     QObject::connect(list_, &ListView::labelEdited, &dialog,
                      [this](int row, const QString &text) { endLabelEdit(row, text); });
     QObject::connect(list_, &ListView::labelEditEnded, &dialog, [this] { catchUp(); });
@@ -256,7 +256,7 @@ void CategoryListScreen::tellFailedChange(int messageId) {
     owedMessage_ = messageId != 0 ? messageId : owedMessage_;
 }
 
-void CategoryListScreen::takeKey(int key, bool &isTaken) {
+void CategoryListScreen::handleKey(int key, bool &isTaken) {
     if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return;
     isTaken = true;
@@ -265,7 +265,7 @@ void CategoryListScreen::takeKey(int key, bool &isTaken) {
         openChannels();
 }
 
-void CategoryListScreen::takeTap(int row) {
+void CategoryListScreen::handleTap(int row) {
     state_.currentCategory = row;
     if (row < 0)
         list_->selectRow(0);

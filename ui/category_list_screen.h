@@ -40,8 +40,8 @@ private:
     void exportSelected();
     void endLabelEdit(int row, const QString &text);
     void deleteCategory();
-    void takeKey(int key, bool &isTaken);
-    void takeTap(int row);
+    void handleKey(int key, bool &isTaken);
+    void handleTap(int row);
     void openChannels();
     void tellFailedChange(int messageId);
     void openTapped();

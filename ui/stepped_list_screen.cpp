@@ -38,7 +38,7 @@ bool SteppedListScreen::initialise(Dialog &dialog) {
     list_->setItemDelegate(new RowPainter(state_, *list_));
     list_->setFont(state_.listFont);
     QObject::connect(list_, &ListView::keyPressed, &dialog,
-                     [this](int key, bool &isTaken) { takeKey(key, isTaken); });
+                     [this](int key, bool &isTaken) { handleKey(key, isTaken); });
     QObject::connect(list_, &ListView::tapped, &dialog, [this] {
         state_.fills.requestStop();
         openSelected();
@@ -46,7 +46,7 @@ bool SteppedListScreen::initialise(Dialog &dialog) {
     HeaderBar &bar = dialog.makeHeaderBar(QString());
     bar.setSteppable();
     QObject::connect(&bar, &HeaderBar::choiceTaken, &dialog,
-                     [this](int index) { takeChoice(index); });
+                     [this](int index) { handleChoice(index); });
     step(kind_.index);
     return true;
 }
@@ -126,14 +126,14 @@ void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
     if (isRead)
         showRows(name, std::move(*filling.rows));
     else
-        showUnread();
+        showReadFailure();
     if (filling.isStopped)
         refreshSoon(); // for the rest
     else if (isRead)
         filled();
 }
 
-void SteppedListScreen::showUnread() {
+void SteppedListScreen::showReadFailure() {
     list_->setRows({});
     shown_.reset();
     forgetTodayTap(state_); // it would open at any later time
@@ -192,13 +192,13 @@ void SteppedListScreen::hideChoices() {
     list_->setFocus();
 }
 
-void SteppedListScreen::takeChoice(int index) {
+void SteppedListScreen::handleChoice(int index) {
     state_.fills.requestStop();
     step(index);
     refreshSoon();
 }
 
-void SteppedListScreen::takeKey(int key, bool &isTaken) {
+void SteppedListScreen::handleKey(int key, bool &isTaken) {
     switch (key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:

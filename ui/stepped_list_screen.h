@@ -96,15 +96,15 @@ private:
     void refresh();
     void fill(const QString &name);
     void showFilling(const QString &name, Filling &filling);
-    void showUnread();
+    void showReadFailure();
     void showRows(const QString &name, QList<ListRow> rows);
     void replaceRows(QList<ListRow> rows);
     void selectPlace(const Place &place);
     void stepByCommand(int index);
     void toggleChoices();
     void hideChoices();
-    void takeChoice(int index);
-    void takeKey(int key, bool &isTaken);
+    void handleChoice(int index);
+    void handleKey(int key, bool &isTaken);
     void openSelected();
 
     AppState &state_;

@@ -19,10 +19,10 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int channelsAtOnce = 4;
-constexpr int patience = 3; // times in a row that a host may keep a round waiting for nothing
+constexpr int silenceLimit = 3; // times in a row that a host may keep a round waiting for nothing
 
 // Nobody waits for a round. What goes wrong in it must not be told to who waits for something else.
-constexpr FetchManner unattended{.keepsPauses = false, .recordsErrors = false};
+constexpr FetchOptions unattended{.keepsPauses = false, .recordsErrors = false};
 
 // Rounds are not to the second as far apart as they are meant to be.
 constexpr std::chrono::seconds tolerance = 1min;
@@ -137,12 +137,12 @@ bool Run::isTurnOf(const UpdateState &state) {
 std::optional<HttpValidators> Run::begin(Channel &channel) {
     const QString host = QUrl(channel.job.url).host();
     const QDateTime until = tiredHosts_.value(host);
-    if (!until.isValid() && silences_.value(host) < patience)
+    if (!until.isValid() && silences_.value(host) < silenceLimit)
         return validatorsOf(channel);
     ++result_.leftAlone;
     if (!until.isValid()) // the next round is soon enough to see whether it speaks again
         return std::nullopt;
-    noteWish(states_, channel.job, until);
+    noteRetryAfter(states_, channel.job, until);
     return std::nullopt;
 }
 
@@ -164,8 +164,8 @@ void Run::takeAnswer(Channel &channel, const HttpAnswer &answer) {
     silences = answer.progress == HttpProgress::Complete ? 0 : silences + 1;
     if (channel.job.url.isEmpty())
         return finish(channel, fetcher.fail(NothingKnown), answer);
-    if (isTired(answer))
-        tiredHosts_.insert(QUrl(channel.job.url).host(), wishOf(answer, round_.start));
+    if (isOverloaded(answer))
+        tiredHosts_.insert(QUrl(channel.job.url).host(), retryAfter(answer, round_.start));
     if (asksToBeLeftAlone(answer))
         return finish(channel, fetcher.fail(FeedNotDownloaded), answer);
     const FeedFetcher::Taken taken = fetcher.takeAnswer(answer);

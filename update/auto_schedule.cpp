@@ -149,7 +149,7 @@ std::optional<AutoSchedule::Round> AutoSchedule::dueRound(const QDateTime &now,
     const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
     const QDateTime latest =
         isDaily ? firstAfter(now.addDays(-1), settings.hour) : addTo(now, -*period);
-    return Round{last.isValid() ? qMax(*next_, latest) : latest, isDaily, settings.isBarred()};
+    return Round{last.isValid() ? qMax(*next_, latest) : latest, isDaily, settings.isSkipped()};
 }
 
 void AutoSchedule::endRound(const QDateTime &start) { store(start); }

@@ -24,7 +24,7 @@ struct AutoUpdateSettings {
     static AutoUpdateSettings read(Registry &registry);
 
     /// Whether a round that is due now must be left out.
-    bool isBarred() const { return (onlyCradled && !isCradled) || (neverRoaming && isRoaming); }
+    bool isSkipped() const { return (onlyCradled && !isCradled) || (neverRoaming && isRoaming); }
 };
 
 /// The time from one round to the next; nothing when there are no rounds.
@@ -45,7 +45,7 @@ public:
         /// Channels that were tried since then have had their turn in this round.
         QDateTime since;
         bool isDaily = false;
-        bool isBarred = false;
+        bool isSkipped = false;
     };
 
     /// The round that is due, if one is. Reads the settings anew. `uptime` counts on through

@@ -22,7 +22,7 @@ bool updateChannel(const RefreshTarget &target, const RefreshJob &job, RefreshRe
     target.store.clearError();
     Pause(fetcherPause, target.limits.stop);
     const RefreshResult refreshed = refreshChannel(
-        {target.device, target.registry, target.store, target.limits, FetchManner{}}, job);
+        {target.device, target.registry, target.store, target.limits, FetchOptions{}}, job);
     if (refreshed.error != 0)
         target.store.recordError(refreshed.error);
     if (result)

@@ -50,7 +50,7 @@ std::vector<std::jthread> startWorkers(qsizetype count, const std::function<void
 } // namespace
 
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job) {
-    FeedFetcher fetcher(target.device, target.registry, target.limits, target.manner);
+    FeedFetcher fetcher(target.device, target.registry, target.limits, target.options);
     return storeFetched(target, job, fetcher, fetcher.fetch(job.url, job.channelName));
 }
 

@@ -23,7 +23,7 @@ struct RefreshTarget {
     Registry &registry;
     FeedStore &store;
     HttpLimits limits = {};
-    FetchManner manner = {.keepsPauses = false};
+    FetchOptions options = {.keepsPauses = false};
 };
 
 } // namespace tidebrook

@@ -63,18 +63,18 @@ QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now) 
 }
 
 bool asksToBeLeftAlone(const HttpAnswer &answer) {
-    return isTired(answer) ||
+    return isOverloaded(answer) ||
            (answer.progress == HttpProgress::Complete && answer.status == unavailable);
 }
 
-bool isTired(const HttpAnswer &answer) {
+bool isOverloaded(const HttpAnswer &answer) {
     return answer.progress == HttpProgress::Complete && answer.status == tooManyRequests;
 }
 
-QDateTime wishOf(const HttpAnswer &answer, const QDateTime &now) {
+QDateTime retryAfter(const HttpAnswer &answer, const QDateTime &now) {
     if (asksToBeLeftAlone(answer) && answer.retryAfter > 0s)
         return after(now, std::min(answer.retryAfter, longestWish));
-    return isTired(answer) ? after(now, firstBackOff) : QDateTime();
+    return isOverloaded(answer) ? after(now, firstBackOff) : QDateTime();
 }
 
 void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result) {
@@ -89,7 +89,7 @@ void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const Refres
     states.change(job.channelName, [&](UpdateState &state) { noteAttempt(state, job, result); });
 }
 
-void noteWish(UpdateStateStore &states, const RefreshJob &job, const QDateTime &until) {
+void noteRetryAfter(UpdateStateStore &states, const RefreshJob &job, const QDateTime &until) {
     states.change(job.channelName, [&](UpdateState &state) {
         state = stateAt(state, job.url);
         state.leftAloneUntil = until;
@@ -102,7 +102,7 @@ void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &
         noteAttempt(state, job, result);
         state.lastTurn = start;
         state.wasUnchanged = answer.isUnchanged;
-        state.leftAloneUntil = wishOf(answer, start);
+        state.leftAloneUntil = retryAfter(answer, start);
         // A failure that left the channel uncounted is our database's, and not the feed's.
         if (result.error != 0 && result.isCounted)
             ++state.failures;

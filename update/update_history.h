@@ -18,12 +18,12 @@ UpdateState stateAt(const UpdateState &state, const QString &url);
 QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now);
 
 /// Until when a server that was asked at `now` wants to be left alone; invalid when it does not.
-QDateTime wishOf(const HttpAnswer &answer, const QDateTime &now);
+QDateTime retryAfter(const HttpAnswer &answer, const QDateTime &now);
 
 /// Whether a server answers that it has had too much, and not with the document.
 bool asksToBeLeftAlone(const HttpAnswer &answer);
 /// Whether it has had too much of this program, and not only of this feed.
-bool isTired(const HttpAnswer &answer);
+bool isOverloaded(const HttpAnswer &answer);
 
 /// Remembers how a refresh that a user has asked for ended. Whatever was held against the feed is
 /// forgotten.
@@ -34,7 +34,7 @@ void noteRequested(UpdateStateStore &states, const RefreshJob &job, const Refres
 void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
 
 /// Remembers that the feed's server has asked to be left alone, before the feed had its turn.
-void noteWish(UpdateStateStore &states, const RefreshJob &job, const QDateTime &until);
+void noteRetryAfter(UpdateStateStore &states, const RefreshJob &job, const QDateTime &until);
 
 /// Remembers how a channel's turn in the round that began at `start` ended.
 void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &start,

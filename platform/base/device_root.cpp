@@ -63,7 +63,7 @@ bool DeviceRoot::makeFolders() const {
                        [this](const QString &name) { return makeOwnFolder(path_ + u'/' + name); });
 }
 
-bool DeviceRoot::provision(const std::function<bool(const DeviceRoot &)> &furnish) const {
+bool DeviceRoot::provision(const std::function<bool(const DeviceRoot &)> &fill) const {
     const QString prefix = path_ + u".new-";
     removeLeftAside(prefix, isUnfinishedRoot);
     const QString parent = QFileInfo(path_).path();
@@ -74,7 +74,7 @@ bool DeviceRoot::provision(const std::function<bool(const DeviceRoot &)> &furnis
     if (!lock.isOpen())
         return false;
     const DeviceRoot built(aside.path);
-    const bool isBuilt = built.makeFolders() && furnish(built) && syncFolder(aside.path);
+    const bool isBuilt = built.makeFolders() && fill(built) && syncFolder(aside.path);
     // The rename fails where something is in place that is no empty folder: a device that somebody
     // else has made first serves as well.
     if (isBuilt && std::rename(QFile::encodeName(aside.path).constData(),

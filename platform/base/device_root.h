@@ -30,11 +30,11 @@ public:
     bool makeFolders() const;
 
     /// Makes a device where there is nothing yet, or an empty folder. It is built aside, filled by
-    /// `furnish` (which is given the root being built and returns whether it succeeded), and put in
+    /// `fill` (which is given the root being built and returns whether it succeeded), and put in
     /// place whole, so that nobody ever sees half a device. True when there is a device afterwards,
     /// also when somebody else made it meanwhile; after a failure nothing is left behind.
     /// What a killed process left of a device that it was building is removed.
-    bool provision(const std::function<bool(const DeviceRoot &)> &furnish) const;
+    bool provision(const std::function<bool(const DeviceRoot &)> &fill) const;
 
 private:
     QString path_;

@@ -17,7 +17,7 @@ namespace {
 
 // Runs in a process between this one and the program, which is nobody's child when that one ends.
 // Of a process with several threads only this thread has gone along, so nothing here takes memory.
-[[noreturn]] void watch(char *const *arguments, const timespec &patience) {
+[[noreturn]] void watch(char *const *arguments, const timespec &timeout) {
     setsid();
     sigset_t ended;
     sigset_t before;
@@ -31,7 +31,7 @@ namespace {
     }
     if (program <= 0)
         _exit(EXIT_FAILURE);
-    sigtimedwait(&ended, nullptr, &patience);
+    sigtimedwait(&ended, nullptr, &timeout);
     int status = 0;
     if (waitpid(program, &status, WNOHANG) == 0)
         _exit(EXIT_SUCCESS); // it goes on
@@ -46,7 +46,7 @@ timespec toTimespec(std::chrono::milliseconds time) {
 } // namespace
 
 bool startDetached(const QString &program, const QStringList &arguments,
-                   std::chrono::milliseconds patience) {
+                   std::chrono::milliseconds timeout) {
     const QString path = QStandardPaths::findExecutable(program);
     if (path.isEmpty())
         return false;
@@ -57,7 +57,7 @@ bool startDetached(const QString &program, const QStringList &arguments,
     for (QByteArray &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
-    const timespec limit = toTimespec(patience);
+    const timespec limit = toTimespec(timeout);
     const pid_t watcher = fork();
     if (watcher == 0)
         watch(pointers.data(), limit);

@@ -12,10 +12,10 @@ namespace tidebrook {
 namespace {
 
 // One that fails does so at once; one that is the program itself stays for as long as that does.
-constexpr std::chrono::seconds patience{3};
+constexpr std::chrono::seconds timeout{3};
 
 bool openByDesktop(const QString &address) {
-    return startDetached(QStringLiteral("xdg-open"), {address}, patience);
+    return startDetached(QStringLiteral("xdg-open"), {address}, timeout);
 }
 
 // Feeds leave out what a browser's address bar puts in.

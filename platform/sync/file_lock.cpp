@@ -23,10 +23,10 @@ bool lockWhole(int descriptor, int operation) {
     return result == 0;
 }
 
-bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> patience) {
-    if (!patience)
+bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> timeout) {
+    if (!timeout)
         return lockWhole(descriptor, LOCK_EX);
-    const auto end = std::chrono::steady_clock::now() + *patience;
+    const auto end = std::chrono::steady_clock::now() + *timeout;
     while (!lockWhole(descriptor, LOCK_EX | LOCK_NB)) {
         if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= end)
             return false;
@@ -37,9 +37,9 @@ bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> patienc
 
 } // namespace
 
-FileLock::FileLock(const QString &path, std::optional<std::chrono::milliseconds> patience)
+FileLock::FileLock(const QString &path, std::optional<std::chrono::milliseconds> timeout)
     : descriptor_(openPlainFile(path, O_RDWR | O_CREAT)),
-      isHeld_(descriptor_ >= 0 && lockInTime(descriptor_, patience)) {}
+      isHeld_(descriptor_ >= 0 && lockInTime(descriptor_, timeout)) {}
 
 FileLock::~FileLock() {
     if (descriptor_ >= 0)

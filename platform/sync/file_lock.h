@@ -11,9 +11,9 @@ namespace tidebrook {
 /// lock ends with its holder, however that ends, and the file stays.
 class FileLock {
 public:
-    /// Waits for the others, and, where there is a `patience`, not longer than that.
+    /// Waits for the others, and, where there is a `timeout`, not longer than that.
     explicit FileLock(const QString &path,
-                      std::optional<std::chrono::milliseconds> patience = std::nullopt);
+                      std::optional<std::chrono::milliseconds> timeout = std::nullopt);
     ~FileLock();
     FileLock(const FileLock &) = delete;
     FileLock &operator=(const FileLock &) = delete;

@@ -5,7 +5,7 @@
 #include "kit/files/file_dialog.h"
 #include "kit/screen_stack.h"
 #include "res/strings.h"
-#include "share/dialogs/told_errand.h"
+#include "share/dialogs/reported_task.h"
 #include "store/escape_sql.h"
 
 namespace tidebrook {
@@ -35,11 +35,11 @@ void saveArticle(AppState &state, const QString &channel, const QString &title, 
     };
     const QString path = chooseFile(state, title);
     if (!path.isNull())
-        startErrand(state, [save, path] { return save(path); });
+        startReportedTask(state, [save, path] { return save(path); });
 }
 
 void sendArticle(AppState &state, const QString &channel, const QString &title, SendKind kind) {
-    startErrand(state, [&store = *state.device.store, channel, title, kind] {
+    startReportedTask(state, [&store = *state.device.store, channel, title, kind] {
         return sendArticleLink(store, channel, title, kind) ? done : unidentifiedProblemString;
     });
 }

@@ -20,7 +20,7 @@ constexpr int categoriesId = 1017;
 
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels,
                            bool isProbed)
-    : FormDialog(adding.state, CommandWizardBack, CommandFinish), adding_(adding),
+    : FormProcedure(adding.state, CommandWizardBack, CommandFinish), adding_(adding),
       channels_(channels), isProbed_(isProbed) {}
 
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QString &url)

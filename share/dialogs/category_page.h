@@ -1,7 +1,7 @@
 #pragma once
 
 #include "share/dialogs/channel_adding.h"
-#include "share/dialogs/form_dialog.h"
+#include "share/dialogs/form_procedure.h"
 
 #include <QList>
 #include <QString>
@@ -14,7 +14,7 @@ namespace tidebrook {
 
 /// The wizard's last page: the category of what is added. It ends with the command that was given
 /// last.
-class CategoryPage : public FormDialog {
+class CategoryPage : public FormProcedure {
 public:
     /// Adds a feed, under the title that it gives itself ...
     CategoryPage(const ChannelAdding &adding, const QString &url);

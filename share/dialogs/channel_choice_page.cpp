@@ -24,8 +24,8 @@ constexpr int besideColumn = 15; // dialog units, for the scroll bar
 
 ChannelChoicePage::ChannelChoicePage(const ChannelAdding &adding, AddMode mode,
                                      const QString &source)
-    : FormDialog(adding.state, CommandWizardBack, CommandWizardNext), adding_(adding), mode_(mode),
-      source_(source) {}
+    : FormProcedure(adding.state, CommandWizardBack, CommandWizardNext), adding_(adding),
+      mode_(mode), source_(source) {}
 
 bool ChannelChoicePage::initialise(Dialog &dialog) {
     list_ = dialog.control<ListView>(listId);

@@ -2,7 +2,7 @@
 
 #include "share/add_mode.h"
 #include "share/dialogs/channel_adding.h"
-#include "share/dialogs/form_dialog.h"
+#include "share/dialogs/form_procedure.h"
 #include "share/opml_reader.h"
 
 #include <QList>
@@ -18,7 +18,7 @@ class ListView;
 
 /// The wizard's second page: which channels of a list are to be added. It ends with the command
 /// that was given last.
-class ChannelChoicePage : public FormDialog {
+class ChannelChoicePage : public FormProcedure {
 public:
     ChannelChoicePage(const ChannelAdding &adding, AddMode mode, const QString &source);
 

@@ -6,7 +6,7 @@
 #include "res/commands.h"
 #include "res/strings.h"
 #include "share/dialogs/category_choice.h"
-#include "share/dialogs/form_dialog.h"
+#include "share/dialogs/form_procedure.h"
 #include "store/escape_sql.h"
 #include "update/auto_list.h"
 
@@ -58,11 +58,11 @@ QString edited(const QLineEdit &edit, qsizetype limit, const QString &before) {
 } // namespace
 
 /// The dialog over a channel.
-class PropertiesDialog : public FormDialog {
+class PropertiesDialog : public FormProcedure {
 public:
     PropertiesDialog(AppState &state, const ChannelProperties &initial, QObject *receiver,
                      const JobEnd &applied)
-        : FormDialog(state, CommandCancelProperties, CommandPropertiesDone), initial_(initial),
+        : FormProcedure(state, CommandCancelProperties, CommandPropertiesDone), initial_(initial),
           receiver_(receiver), applied_(applied) {}
 
     bool initialise(Dialog &dialog) override;

@@ -38,7 +38,7 @@ QString lowerCased(QString url) {
 } // namespace
 
 HowToAddPage::HowToAddPage(const ChannelAdding &adding)
-    : FormDialog(adding.state, CommandCancelWizard, CommandWizardNext), adding_(adding) {}
+    : FormProcedure(adding.state, CommandCancelWizard, CommandWizardNext), adding_(adding) {}
 
 bool HowToAddPage::initialise(Dialog &dialog) {
     fromUrl_ = dialog.control<QAbstractButton>(fromUrlId);
@@ -81,7 +81,7 @@ void HowToAddPage::command(int id) {
     case CommandWizardNext:
         return fromUrl_->isChecked() ? goOnWithUrl() : goOnWithFile();
     case CommandWizardGoOn:
-        return takeType();
+        return handleType();
     case CommandCancelWizard:
         return leave(CommandCancelWizard);
     default:
@@ -103,7 +103,7 @@ void HowToAddPage::goOnWithUrl() {
 }
 
 // An address that does not tell may be that of a feed whose server is out of reach at present.
-void HowToAddPage::takeType() {
+void HowToAddPage::handleType() {
     if (type_ && type_->startsWith(QLatin1String("<opml")))
         openNext(AddMode::ListFromUrl, url_);
     else if (!type_ && url_.endsWith(QLatin1String("opml")))

@@ -2,7 +2,7 @@
 
 #include "share/add_mode.h"
 #include "share/dialogs/channel_adding.h"
-#include "share/dialogs/form_dialog.h"
+#include "share/dialogs/form_procedure.h"
 
 #include <QString>
 
@@ -16,7 +16,7 @@ namespace tidebrook {
 /// The wizard's first page: an address is typed in, or a file chosen. What an address leads to is
 /// looked at to know which page is next. It stays open while the user goes back to it, and ends
 /// with the command that was given last.
-class HowToAddPage : public FormDialog {
+class HowToAddPage : public FormProcedure {
 public:
     explicit HowToAddPage(const ChannelAdding &adding);
 
@@ -30,7 +30,7 @@ private:
     void dropSecondScheme();
     void goOnWithUrl();
     void goOnWithFile();
-    void takeType();
+    void handleType();
     void openNext(AddMode mode, const QString &source);
 
     const ChannelAdding adding_;

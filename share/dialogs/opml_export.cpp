@@ -4,7 +4,7 @@
 #include "app/text_screens.h"
 #include "kit/files/file_dialog.h"
 #include "res/strings.h"
-#include "share/dialogs/told_errand.h"
+#include "share/dialogs/reported_task.h"
 #include "share/opml_writer.h"
 #include "store/escape_sql.h"
 
@@ -33,7 +33,7 @@ void writeInTurn(AppState &state, const QString &category, const QString &channe
     const auto turn = std::make_shared<std::binary_semaphore>(0);
     if (!state.changes.tell([turn] { turn->release(); }))
         turn->release();
-    startErrand(state, [&store = *state.device.store, category, channel, path, turn] {
+    startReportedTask(state, [&store = *state.device.store, category, channel, path, turn] {
         turn->acquire();
         return exportOpml(store, category, channel, path) ? 0 : fileProblemString;
     });

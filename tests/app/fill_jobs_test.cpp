@@ -17,7 +17,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int patience = 20'000; // ms
+constexpr int timeout = 20'000; // ms
 
 /// Two screens and the fills that they launch, each of which stands still before it looks for a
 /// stop, until it is let on.
@@ -82,7 +82,7 @@ private:
     void end(HeldFill &fill) {
         const int before = running;
         fill.end.release();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return running < before; }, patience));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return running < before; }, timeout));
     }
 
     QObject screen_;
@@ -176,7 +176,7 @@ TEST(FillJobsTest, NothingIsLaunchedStoppedOrBalancedWhileAnotherProcessHasTheMu
         screens.play("L"); // refused, for a stop that cannot be balanced yet
         EXPECT_EQ(screens.seen, "");
     }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, timeout));
     EXPECT_EQ(screens.fills.fillStop(), 0);
 }
 

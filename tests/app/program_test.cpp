@@ -26,7 +26,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-constexpr int patience = 20'000; // ms
+constexpr int timeout = 20'000; // ms
 
 using Environment = QMap<QString, QString>;
 
@@ -62,7 +62,7 @@ public:
     /// Its exit status; -1 when it crashed or went on.
     int end(int number = 0) {
         signal(number);
-        const bool isEnded = process_.waitForFinished(patience);
+        const bool isEnded = process_.waitForFinished(timeout);
         return isEnded && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
     }
     QString words() { return QString::fromLocal8Bit(process_.readAllStandardError()); }
@@ -104,12 +104,12 @@ protected:
                 return holder() == reader.id() && reader.heedsSignals() && hasDatabase() &&
                        runningService(root_);
             },
-            patience));
+            timeout));
     }
 
     void expectRequest() const {
         NamedEvent request(root_, u"FEEDLARK", NamedEvent::Reset::Manual);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return request.test(); }, patience));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return request.test(); }, timeout));
     }
 
     /// Name, time and content of every file that holds data.

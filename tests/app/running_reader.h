@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/desktop/service.h"
+#include "reader/application.h"
 #include "reader/device_opening.h"
-#include "reader/instance.h"
 #include "ui/session.h"
 
 #include <QApplication>
@@ -19,7 +19,7 @@ inline bool runReader(const DeviceRoot &root, const Hand &user) {
     SingleInstance single(root);
     single.claim(std::chrono::seconds(10));
     DeviceOpening opening(root);
-    Instance instance(opening, single);
+    Application application(opening, single);
     ScreenStack *window = nullptr;
     for (QWidget *widget : QApplication::topLevelWidgets())
         window = window != nullptr ? window : qobject_cast<ScreenStack *>(widget);
@@ -28,7 +28,7 @@ inline bool runReader(const DeviceRoot &root, const Hand &user) {
         user(someone);
         someone.closeWindow();
     });
-    const bool isRun = instance.InitInstance();
+    const bool isRun = application.InitInstance();
     hands.join();
     EXPECT_TRUE(stopService(root, std::chrono::seconds(10)));
     return isRun;

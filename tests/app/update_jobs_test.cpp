@@ -19,7 +19,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-constexpr int patience = 20'000; // ms
+constexpr int timeout = 20'000; // ms
 
 /// Stands in the downloader's place and does with each request what a character of its script
 /// says: d is done and f fails with 1007; v deletes the channel b and x closes the database first,
@@ -155,7 +155,7 @@ TEST_F(UpdateJobsTest, WhatComesOfAnUpdateIsTold) {
             act(jobs_.isUpdating() ? downloader.last() : '\0');
             return !jobs_.isUpdating();
         };
-        ASSERT_TRUE(QTest::qWaitFor(isOver, patience));
+        ASSERT_TRUE(QTest::qWaitFor(isOver, timeout));
         EXPECT_EQ(seen_, expected.seen);
         EXPECT_EQ(parts_.settings.dword(programKey, u"ERRORNO"), expected.errorCode);
         EXPECT_EQ(downloader.requested(), expected.requested);

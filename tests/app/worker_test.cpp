@@ -1,4 +1,4 @@
-#include "app/errands.h"
+#include "app/blocking_tasks.h"
 #include "app/work_queue.h"
 #include "support/no_threads.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int patience = 20'000; // ms
+constexpr int timeout = 20'000; // ms
 
 TEST(WorkQueueTest, DoesAllInOrderAndTellsWhoIsStillThere) {
     WorkQueue queue;
@@ -37,7 +37,7 @@ TEST(WorkQueueTest, DoesAllInOrderAndTellsWhoIsStillThere) {
     gone.reset();
     for (const int number : expected)
         ASSERT_TRUE(ask(screen, number));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == expected.size(); }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == expected.size(); }, timeout));
     EXPECT_EQ(told, expected);
     ASSERT_TRUE(ask(screen, 100));
     queue.finish();
@@ -53,29 +53,30 @@ int waitForStop(const StopSignal &stop) { return stop.wait(20s) ? 1 : 2; }
 int answer(const StopSignal &) { return 3; }
 
 TEST(ErrandsTest, AreToldUnlessTheyAreCalledOffOrNobodyIsThere) {
-    Errands errands;
+    BlockingTasks blockingTasks;
     int running = 0;
-    QObject::connect(&errands, &Errands::begun, &errands, [&] { ++running; });
-    QObject::connect(&errands, &Errands::done, &errands, [&] { --running; });
+    QObject::connect(&blockingTasks, &BlockingTasks::begun, &blockingTasks, [&] { ++running; });
+    QObject::connect(&blockingTasks, &BlockingTasks::done, &blockingTasks, [&] { --running; });
     QList<int> told;
     const auto tell = [&told](int result) { told.append(result); };
     QObject receiver;
     auto gone = std::make_unique<QObject>();
-    const auto calledOff = errands.run(&receiver, waitForStop, tell);
+    const auto calledOff = blockingTasks.run(&receiver, waitForStop, tell);
     ASSERT_TRUE(calledOff);
     calledOff->raise();
-    ASSERT_TRUE(errands.run(gone.get(), answer, tell));
+    ASSERT_TRUE(blockingTasks.run(gone.get(), answer, tell));
     gone.reset();
-    ASSERT_TRUE(errands.run(&receiver, answer, tell));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return running == 0; }, patience));
+    ASSERT_TRUE(blockingTasks.run(&receiver, answer, tell));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return running == 0; }, timeout));
     EXPECT_EQ(told, QList<int>{3});
 
     std::atomic<int> ended = 0;
     const auto work = [&ended](const StopSignal &stop) { return ended += waitForStop(stop); };
-    ASSERT_TRUE(errands.run(&receiver, work, tell) && errands.run(&receiver, work, tell));
-    errands.finish();
+    ASSERT_TRUE(blockingTasks.run(&receiver, work, tell) &&
+                blockingTasks.run(&receiver, work, tell));
+    blockingTasks.finish();
     EXPECT_EQ(ended, 2) << "each is called off, and waited for";
-    EXPECT_FALSE(errands.run(&receiver, answer, tell));
+    EXPECT_FALSE(blockingTasks.run(&receiver, answer, tell));
     QCoreApplication::processEvents();
     EXPECT_EQ(told, QList<int>{3});
 }

@@ -56,11 +56,11 @@ TEST(DeviceFiles, WhatAKilledFirstStartLeftIsRemovedByTheNextAndNothingElse) {
             return true;
         });
     });
-    const auto furnish = [](const DeviceRoot &) { return true; };
-    EXPECT_TRUE(root.provision(furnish));
+    const auto fill = [](const DeviceRoot &) { return true; };
+    EXPECT_TRUE(root.provision(fill));
     EXPECT_EQ(entries(folder.path()).size(), 4) << "one is at work";
     builder->kill();
-    EXPECT_TRUE(root.provision(furnish));
+    EXPECT_TRUE(root.provision(fill));
     EXPECT_EQ(entries(folder.path()),
               (QStringList{u"device"_s, u"device.new-aBcDeF"_s, u"device.new-design"_s}));
     EXPECT_TRUE(QFileInfo::exists(folder.filePath(u"device.new-design/mine"_s)));

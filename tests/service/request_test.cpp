@@ -35,7 +35,7 @@ protected:
         ask(job);
         waitFor([this] { return !event().test(); });
     }
-    DownloadAnswer answer(std::chrono::seconds patience = 30s) { return answers_.wait(patience); }
+    DownloadAnswer answer(std::chrono::seconds timeout = 30s) { return answers_.wait(timeout); }
     DownloadAnswer request(const RefreshJob &job) {
         ask(job);
         return answer();

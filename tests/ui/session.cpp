@@ -30,7 +30,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patience = 30s; // which only a test that fails needs
+constexpr auto timeout = 30s; // which only a test that fails needs
 constexpr auto lookAgainAfter = 2ms;
 
 QMenu *openMenu() { return qobject_cast<QMenu *>(QApplication::activePopupWidget()); }
@@ -91,7 +91,7 @@ void User::look(const std::function<void()> &view) {
 }
 
 bool User::sees(const std::function<bool()> &condition) {
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + timeout;
     while (true) {
         bool isTrue = false;
         look([&] { isTrue = condition(); });

@@ -31,7 +31,7 @@ public:
             if (!due)
                 continue;
             schedule_->endRound(clock_);
-            if (!due->isBarred)
+            if (!due->isSkipped)
                 rounds.append(u"%1:%2"_s.arg(minute / 60, 2, 10, QChar(u'0'))
                                   .arg(minute % 60, 2, 10, QChar(u'0')));
         }

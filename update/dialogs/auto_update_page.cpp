@@ -41,7 +41,7 @@ void AutoUpdatePage::initialise(Form &form) {
                          [this, mode](bool checked) {
                              if (!checked)
                                  return;
-                             takeMode(mode);
+                             handleMode(mode);
                              if (mode == Interval)
                                  interval_->setFocus();
                              else if (mode == Time)
@@ -61,7 +61,7 @@ void AutoUpdatePage::show(const AutoUpdatePageValues &values) {
     if (values.mode) {
         if (QAbstractButton *chosen = modes_.value(*values.mode))
             chosen->setChecked(true);
-        takeMode(*values.mode);
+        handleMode(*values.mode);
     }
     if (values.interval) {
         interval_->addItems(resourceStrings(firstIntervalString, intervalCount));
@@ -77,7 +77,7 @@ void AutoUpdatePage::show(const AutoUpdatePageValues &values) {
         noRoaming_->setChecked(*values.noRoaming);
 }
 
-void AutoUpdatePage::takeMode(int mode) {
+void AutoUpdatePage::handleMode(int mode) {
     interval_->setEnabled(mode == Interval);
     time_->setEnabled(mode != Never && mode != Interval);
     needsCradle_->setEnabled(mode != Never);

@@ -22,7 +22,7 @@ public:
 
 private:
     void show(const AutoUpdatePageValues &values);
-    void takeMode(int mode);
+    void handleMode(int mode);
     int checkedMode() const;
 
     AppState &state_;

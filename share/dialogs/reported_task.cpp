@@ -1,4 +1,4 @@
-#include "share/dialogs/told_errand.h"
+#include "share/dialogs/reported_task.h"
 
 #include "app/messages.h"
 #include "kit/screen_stack.h"
@@ -6,12 +6,12 @@
 
 namespace tidebrook {
 
-void startErrand(AppState &state, const std::function<int()> &work) {
+void startReportedTask(AppState &state, const std::function<int()> &work) {
     const auto tell = [&state](int messageId) {
         if (messageId != 0)
             ShowError(state, messageId);
     };
-    if (!state.errands.run(
+    if (!state.blockingTasks.run(
             &state.stack,
             [work, &device = state.device](const StopSignal &) {
                 return recordProblem(device, work());

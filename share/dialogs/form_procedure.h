@@ -12,8 +12,8 @@ namespace tidebrook {
 class StopSignal;
 
 /// What the dialogs about channels have in common: a title over a line, two soft keys, of which one
-/// goes on and the other leads back, and errands, which end when the dialog is left.
-class FormDialog : public DialogProcedure {
+/// goes on and the other leads back, and blockingTasks, which end when the dialog is left.
+class FormProcedure : public DialogProcedure {
 public:
     void close() override { leave(0); }
     void helpRequested() override;
@@ -22,26 +22,26 @@ public:
     std::optional<int> commandOfKey(const QKeyEvent &event) const override;
 
 protected:
-    FormDialog(AppState &state, int backCommand, int nextCommand)
+    FormProcedure(AppState &state, int backCommand, int nextCommand)
         : state_(state), backCommand_(backCommand), nextCommand_(nextCommand) {}
-    ~FormDialog() override;
+    ~FormProcedure() override;
 
     AppState &state() const { return state_; }
     Dialog &dialog() const { return *dialog_; }
 
     bool prepare(Dialog &dialog, int menuBarId);
 
-    /// Waits for an errand, whose result `take` gets, unless the dialog is left before that. False,
+    /// Waits for a task, whose result `take` gets, unless the dialog is left before that. False,
     /// and nothing is begun, when it waits already, or there is no thread, which is told.
     template <class Work, class Take> bool await(Work work, Take take) {
         if (waiting_)
             return false;
         waiting_.emplace(*dialog_, nextCommand_);
-        errand_ = state_.errands.run(dialog_, std::move(work),
-                                     [this, take = std::move(take)](auto result) {
-                                         waiting_.reset();
-                                         take(std::move(result));
-                                     });
+        errand_ = state_.blockingTasks.run(dialog_, std::move(work),
+                                           [this, take = std::move(take)](auto result) {
+                                               waiting_.reset();
+                                               take(std::move(result));
+                                           });
         if (errand_ == nullptr)
             tellNoThread();
         return errand_ != nullptr;

@@ -16,17 +16,17 @@
 namespace tidebrook {
 
 /// Does what may wait long, for a server or a disk, and concerns nothing else that is at work:
-/// each errand on a thread of its own. What comes of it is told on the user-interface thread. Used
+/// each task on a thread of its own. What comes of it is told on the user-interface thread. Used
 /// by that thread alone.
-class Errands : public QObject {
+class BlockingTasks : public QObject {
     Q_OBJECT
 
 public:
     /// As `finish`.
-    ~Errands() override;
+    ~BlockingTasks() override;
 
     /// Does `work`, and hands what it gives back to `then`, unless `receiver` is gone by that
-    /// time. Work is values only: it must not touch a widget. What is given back calls the errand
+    /// time. Work is values only: it must not touch a widget. What is given back calls the task
     /// off when it is raised: nothing is told of it any more, and work that looks at the signal
     /// ends early. nullptr, and nothing is done, when this has finished or there is no thread to
     /// be had.
@@ -40,16 +40,16 @@ public:
             [result, then = std::move(then)] { then(std::move(*result)); });
     }
 
-    /// Calls off all errands and waits for their ends. Nothing is begun any more.
+    /// Calls off all tasks and waits for their ends. Nothing is begun any more.
     void finish();
 
 Q_SIGNALS:
-    /// An errand was begun, or is done. As many of the one as of the other.
+    /// An task was begun, or is done. As many of the one as of the other.
     void begun();
     void done();
 
 private:
-    struct Errand {
+    struct Task {
         std::function<void(const StopSignal &)> work;
         QPointer<QObject> receiver; // looked at on the user-interface thread alone
         std::function<void()> then;
@@ -60,10 +60,10 @@ private:
     std::shared_ptr<StopSignal> start(QObject *receiver,
                                       std::function<void(const StopSignal &)> work,
                                       std::function<void()> then);
-    void end(const std::shared_ptr<Errand> &errand);
+    void end(const std::shared_ptr<Task> &task);
 
     Mailbox mailbox_; // of the user-interface thread
-    std::vector<std::shared_ptr<Errand>> errands_;
+    std::vector<std::shared_ptr<Task>> tasks_;
     bool isFinished_ = false;
 };
 

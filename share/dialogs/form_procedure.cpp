@@ -1,4 +1,4 @@
-#include "share/dialogs/form_dialog.h"
+#include "share/dialogs/form_procedure.h"
 
 #include "app/messages.h"
 #include "app/text_screens.h"
@@ -9,30 +9,30 @@
 
 namespace tidebrook {
 
-FormDialog::~FormDialog() = default;
+FormProcedure::~FormProcedure() = default;
 
-bool FormDialog::prepare(Dialog &dialog, int menuBarId) {
+bool FormProcedure::prepare(Dialog &dialog, int menuBarId) {
     dialog_ = &dialog;
     dialog.makeTitleStrip(resourceString(programNameString));
     dialog.makeTitleLine();
     return dialog.makeMenuBar(menuBarId);
 }
 
-void FormDialog::helpRequested() { showHelp(state_); }
+void FormProcedure::helpRequested() { showHelp(state_); }
 
-std::optional<int> FormDialog::commandOfKey(const QKeyEvent &event) const {
+std::optional<int> FormProcedure::commandOfKey(const QKeyEvent &event) const {
     const bool isEnter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     return isEnter ? std::optional(nextCommand_) : std::nullopt;
 }
 
-void FormDialog::leave(int result) {
+void FormProcedure::leave(int result) {
     if (errand_ != nullptr)
         errand_->raise();
     waiting_.reset();
     dialog_->end(result);
 }
 
-void FormDialog::tellNoThread() {
+void FormProcedure::tellNoThread() {
     waiting_.reset();
     tellProblem(state_, memoryProblemString);
 }

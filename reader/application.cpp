@@ -1,4 +1,4 @@
-#include "reader/instance.h"
+#include "reader/application.h"
 
 #include "app/messages.h"
 #include "app/today_taps.h"
@@ -44,15 +44,15 @@ void watchSignals(StopSignal &stop) {
 
 } // namespace
 
-Instance::Instance(DeviceOpening &opening, SingleInstance &single)
+Application::Application(DeviceOpening &opening, SingleInstance &single)
     : opening_(opening), single_(single) {
     stack_.setWindowTitle(resourceString(programNameString));
     watchOthers();
 }
 
-Instance::~Instance() { signalled = nullptr; }
+Application::~Application() { signalled = nullptr; }
 
-void Instance::watchOthers() {
+void Application::watchOthers() {
     if (single_.requestDescriptor() >= 0) {
         auto *requests =
             new QSocketNotifier(single_.requestDescriptor(), QSocketNotifier::Read, this);
@@ -73,7 +73,7 @@ void Instance::watchOthers() {
     }
 }
 
-void Instance::comeForward() {
+void Application::comeForward() {
     if (const auto token = single_.takeRequest()) {
         qputenv("XDG_ACTIVATION_TOKEN", token->toUtf8());
         showWindow();
@@ -83,7 +83,7 @@ void Instance::comeForward() {
     }
 }
 
-bool Instance::InitInstance() {
+bool Application::InitInstance() {
     const int messageId = awaitDevice();
     if (stack_.isClosing()) {
         device_->close();
@@ -98,7 +98,7 @@ bool Instance::InitInstance() {
 
 // Usually that is done by now, and the window appears with its first screen in it. Where it takes
 // longer, the window is there and alive meanwhile.
-int Instance::awaitDevice() {
+int Application::awaitDevice() {
     WorkQueue waiting;
     QEventLoop loop;
     DeviceOpening::Opened opened;
@@ -119,7 +119,7 @@ int Instance::awaitDevice() {
     return opened.messageId;
 }
 
-void Instance::activateDownloader() {
+void Application::activateDownloader() {
     try {
         activation_ = std::thread([root = opening_.root] { activateService(root); });
     } catch (const std::system_error &) {
@@ -127,7 +127,7 @@ void Instance::activateDownloader() {
     }
 }
 
-void Instance::showWindow() {
+void Application::showWindow() {
     if (stack_.isVisible() || stack_.isClosing())
         return;
     const QSize room = stack_.screen()->availableSize();
@@ -139,7 +139,7 @@ void Instance::showWindow() {
     }
 }
 
-void Instance::runScreens(int messageId) {
+void Application::runScreens(int messageId) {
     state_.emplace(*device_, stack_);
     // Drawing it takes as long as all that the first screen shows, which comes first.
     QTimer::singleShot(windowIconDelay, &stack_, [this] {
@@ -151,7 +151,7 @@ void Instance::runScreens(int messageId) {
 }
 
 // The window goes first; what changes data is waited for; then the database closes.
-void Instance::closeDown() {
+void Application::closeDown() {
     stack_.close();
     state_->finish();
     if (activation_.joinable())

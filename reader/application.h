@@ -16,13 +16,13 @@ namespace tidebrook {
 
 /// The running reader: what is brought up before the first screen, and taken down behind the last
 /// one. There is one in a program.
-class Instance : public QObject {
+class Application : public QObject {
     Q_OBJECT
 
 public:
     /// Both outlive it.
-    Instance(DeviceOpening &opening, SingleInstance &single);
-    ~Instance() override;
+    Application(DeviceOpening &opening, SingleInstance &single);
+    ~Application() override;
 
     /// Brings everything up, shows the screens until the user leaves them, and takes everything
     /// down. False when the window was closed before a screen was seen.
