@@ -8,26 +8,19 @@
 #include "res/about.h"
 #include "res/commands.h"
 #include "res/icons.h"
+#include "res/ids.h"
 #include "res/strings.h"
 
 namespace tidebrook {
 
 namespace {
 
-constexpr int menuBarId = 411;
-
-constexpr int aboutTemplate = 130;
-constexpr int aboutLabel = 1030;
-
-constexpr int helpTemplate = 152;
-constexpr int helpPageId = 1033;
-
 // Something to read, and a soft key to go back.
 class TextScreen : public DialogProcedure {
 public:
     bool initialise(Dialog &dialog) override {
         dialog_ = &dialog;
-        return dialog.makeMenuBar(menuBarId) && showText(dialog);
+        return dialog.makeMenuBar(TextMenuBar) && showText(dialog);
     }
     void command(int id) override {
         if (id == CommandDone)
@@ -45,7 +38,7 @@ private:
 class AboutScreen : public TextScreen {
     bool showText(Dialog &dialog) override {
         dialog.makeHeaderBar(resourceString(aboutString));
-        QWidget *label = dialog.form().control(aboutLabel);
+        QWidget *label = dialog.form().control(AboutLabel);
         if (label != nullptr)
             setControlText(*label, aboutText());
         return true;
@@ -55,7 +48,7 @@ class AboutScreen : public TextScreen {
 class HelpScreen : public TextScreen {
     bool showText(Dialog &dialog) override {
         dialog.makeHeaderBar(resourceString(programNameString));
-        page_ = dialog.control<TextPage>(helpPageId);
+        page_ = dialog.control<TextPage>(HelpPageControl);
         if (page_ == nullptr)
             return false;
         page_->setPage(QString::fromUtf8(helpPage()));
@@ -79,12 +72,12 @@ class HelpScreen : public TextScreen {
 
 void showHelp(AppState &state) {
     HelpScreen screen;
-    RunDialog(helpTemplate, state.stack, screen);
+    RunDialog(HelpTemplate, state.stack, screen);
 }
 
 void showAbout(AppState &state) {
     AboutScreen screen;
-    RunDialog(aboutTemplate, state.stack, screen);
+    RunDialog(AboutTemplate, state.stack, screen);
 }
 
 } // namespace tidebrook

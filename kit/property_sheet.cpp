@@ -4,6 +4,7 @@
 #include "kit/header_bar.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
+#include "res/ids.h"
 
 #include <QKeyEvent>
 #include <QStackedWidget>
@@ -12,10 +13,6 @@
 namespace tidebrook {
 
 namespace {
-
-constexpr int menuBarId = 406;
-constexpr int tabsId = 1031;
-constexpr int pagesId = 1032;
 
 QString titleOf(const PropertyPage &page) {
     const DialogTemplate *dialog = dialogTemplate(page.templateId());
@@ -30,9 +27,9 @@ PropertySheet::PropertySheet(std::vector<std::unique_ptr<PropertyPage>> pages,
 
 bool PropertySheet::initialise(Dialog &dialog) {
     dialog_ = &dialog;
-    tabs_ = dialog.control<QTabBar>(tabsId);
-    area_ = dialog.control<QStackedWidget>(pagesId);
-    if (tabs_ == nullptr || area_ == nullptr || !dialog.makeMenuBar(menuBarId))
+    tabs_ = dialog.control<QTabBar>(SheetTabs);
+    area_ = dialog.control<QStackedWidget>(SheetPages);
+    if (tabs_ == nullptr || area_ == nullptr || !dialog.makeMenuBar(SettingsSheetMenuBar))
         return false;
     dialog.makeHeaderBar({});
     forms_.fill(nullptr, static_cast<qsizetype>(pages_.size()));

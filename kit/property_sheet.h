@@ -38,11 +38,8 @@ public:
 /// sheet with 1; "Cancel" ends it with 0.
 class PropertySheet : public DialogProcedure {
 public:
-    /// `help` is called when the user asks for help.
+    /// `help` is called when the user asks for help. To be run with `SettingsSheetTemplate`.
     PropertySheet(std::vector<std::unique_ptr<PropertyPage>> pages, std::function<void()> help);
-
-    /// The template of the sheet itself, for RunDialog.
-    static constexpr int templateId = 150;
 
     bool initialise(Dialog &dialog) override;
     void command(int id) override;

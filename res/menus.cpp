@@ -1,6 +1,7 @@
 #include "res/menus.h"
 
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 
 #include <algorithm>
@@ -83,21 +84,28 @@ constexpr SoftKey key(int commandId, int textId) { return {commandId, textId, 0}
 constexpr SoftKey menuKey(int menuId) { return {0, menuString, menuId}; }
 
 constexpr std::array menuBars{
-    MenuBarResource{401, key(CommandMainMenu, menuString), blankKey},
-    MenuBarResource{402, blankKey, menuKey(categoryMenuId)},
-    MenuBarResource{403, key(CommandBackToCategories, categoryListString), menuKey(channelMenuId)},
-    MenuBarResource{404, key(CommandBackToChannels, channelListString), menuKey(articleMenuId)},
-    MenuBarResource{405, key(CommandBackToArticles, articleListString), menuKey(viewMenuId)},
-    MenuBarResource{406, key(CommandDone, doneString), key(CommandCancelSettings, cancelString)},
-    MenuBarResource{407, key(CommandCancelWizard, cancelString),
+    MenuBarResource{MainMenuBar, key(CommandMainMenu, menuString), blankKey},
+    MenuBarResource{CategoryListMenuBar, blankKey, menuKey(categoryMenuId)},
+    MenuBarResource{ChannelListMenuBar, key(CommandBackToCategories, categoryListString),
+                    menuKey(channelMenuId)},
+    MenuBarResource{ArticleListMenuBar, key(CommandBackToChannels, channelListString),
+                    menuKey(articleMenuId)},
+    MenuBarResource{ArticleViewMenuBar, key(CommandBackToArticles, articleListString),
+                    menuKey(viewMenuId)},
+    MenuBarResource{SettingsSheetMenuBar, key(CommandDone, doneString),
+                    key(CommandCancelSettings, cancelString)},
+    MenuBarResource{HowToAddMenuBar, key(CommandCancelWizard, cancelString),
                     key(CommandWizardNext, nextString)},
-    MenuBarResource{408, key(CommandWizardBack, backString), key(CommandFinish, finishString)},
-    MenuBarResource{409, key(CommandWizardBack, backString), key(CommandWizardNext, nextString)},
-    MenuBarResource{410, key(CommandPropertiesDone, doneString),
+    MenuBarResource{CategoryChoiceMenuBar, key(CommandWizardBack, backString),
+                    key(CommandFinish, finishString)},
+    MenuBarResource{ChannelChoiceMenuBar, key(CommandWizardBack, backString),
+                    key(CommandWizardNext, nextString)},
+    MenuBarResource{PropertiesMenuBar, key(CommandPropertiesDone, doneString),
                     key(CommandCancelProperties, cancelString)},
-    MenuBarResource{411, key(CommandDone, doneString), blankKey}, // the help and the About box
-    MenuBarResource{412, key(CommandCancel, cancelString), key(CommandOk, openString)},
-    MenuBarResource{413, key(CommandCancel, cancelString), key(CommandOk, saveString)},
+    MenuBarResource{TextMenuBar, key(CommandDone, doneString),
+                    blankKey}, // the help and the About box
+    MenuBarResource{OpenFileMenuBar, key(CommandCancel, cancelString), key(CommandOk, openString)},
+    MenuBarResource{SaveFileMenuBar, key(CommandCancel, cancelString), key(CommandOk, saveString)},
 };
 
 } // namespace

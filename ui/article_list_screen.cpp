@@ -6,6 +6,7 @@
 #include "kit/list_view.h"
 #include "kit/screen_menu.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "store/escape_sql.h"
 #include "ui/article_view_screen.h"
@@ -52,7 +53,7 @@ std::optional<QList<ListRow>> collectArticles(FeedStore &store, const QString &c
 
 ArticleListScreen::ArticleListScreen(AppState &state)
     : SteppedListScreen(state, {.screen = ArticleScreen,
-                                .menuBarId = 404,
+                                .menuBarId = ArticleListMenuBar,
                                 .refreshCommand = CommandRefreshArticles,
                                 .backCommand = CommandBackToChannels,
                                 .updateCommand = CommandUpdateArticles,
@@ -160,7 +161,7 @@ void ArticleListScreen::openTapped() {
 
 void ArticleListScreen::openArticle() {
     ArticleViewScreen screen(state());
-    const int result = RunDialog(ArticleViewScreen::templateId, state().stack, screen);
+    const int result = RunDialog(ArticleViewTemplate, state().stack, screen);
     // Where unread articles come first, the next of them has come into the place of a read one.
     const bool isByDate = state().sortMode == SortMode::Date;
     if (state().fillChannel == name())

@@ -10,6 +10,7 @@
 #include "platform/base/text.h"
 #include "platform/desktop/shell.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/article_handing.h"
 #include "share/dialogs/reported_task.h"
@@ -23,8 +24,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int menuBarId = 405;
-constexpr int pageId = 1029;
 constexpr int linkLimit = 512;
 constexpr int zoomOfSmall = 2;
 
@@ -73,8 +72,8 @@ void ArticleViewScreen::build(DeviceParts &device, Building &building) {
 
 bool ArticleViewScreen::initialise(Dialog &dialog) {
     dialog_ = &dialog;
-    page_ = dialog.control<TextPage>(pageId);
-    if (page_ == nullptr || !dialog.makeMenuBar(menuBarId))
+    page_ = dialog.control<TextPage>(ArticlePageControl);
+    if (page_ == nullptr || !dialog.makeMenuBar(ArticleViewMenuBar))
         return false;
     QObject::connect(page_, &TextPage::linkTapped, &dialog,
                      [this](const QString &target) { openTarget(target); });

@@ -17,8 +17,6 @@ class ArticleViewScreen : public DialogProcedure {
 public:
     explicit ArticleViewScreen(AppState &state) : state_(state) {}
 
-    static constexpr int templateId = 136;
-
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void activated() override;

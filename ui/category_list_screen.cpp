@@ -13,6 +13,7 @@
 #include "kit/screen_stack.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/opml_export.h"
 #include "store/escape_sql.h"
@@ -29,9 +30,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int templateId = 132;
-constexpr int listId = 801;
-constexpr int menuBarId = 402;
 constexpr int labelLimit = 39;
 
 // Only the blanks at both ends go; what the database would drop from a name goes as well, so that
@@ -54,8 +52,8 @@ QString newName(const ListView &list) {
 
 bool CategoryListScreen::initialise(Dialog &dialog) {
     dialog_ = &dialog;
-    list_ = dialog.control<ListView>(listId);
-    if (list_ == nullptr || !dialog.makeMenuBar(menuBarId))
+    list_ = dialog.control<ListView>(CategoryListViewControl);
+    if (list_ == nullptr || !dialog.makeMenuBar(CategoryListMenuBar))
         return false;
     state_.lists[CategoryScreen] = list_;
     list_->setImages({"category"});
@@ -277,7 +275,7 @@ void CategoryListScreen::openChannels() {
     // What was added, renamed or deleted since they were read counts.
     state_.categories = list_->rowTexts();
     ChannelListScreen screen(state_);
-    if (RunDialog(ChannelListScreen::templateId, state_.stack, screen) == 1)
+    if (RunDialog(ListTemplate, state_.stack, screen) == 1)
         dialog_->post(CommandRefreshCategories);
 }
 
@@ -340,7 +338,7 @@ void CategoryListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, m
 
 int OpenCategoryList(AppState &state) {
     CategoryListScreen screen(state);
-    return RunDialog(templateId, state.stack, screen);
+    return RunDialog(CategoryListTemplate, state.stack, screen);
 }
 
 } // namespace tidebrook

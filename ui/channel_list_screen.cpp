@@ -6,6 +6,7 @@
 #include "kit/list_view.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/channel_properties.h"
 #include "share/dialogs/new_channel_wizard.h"
@@ -52,7 +53,7 @@ std::optional<QList<ListRow>> collectChannels(FeedStore &store, const QString &c
 
 ChannelListScreen::ChannelListScreen(AppState &state)
     : SteppedListScreen(state, {.screen = ChannelScreen,
-                                .menuBarId = 403,
+                                .menuBarId = ChannelListMenuBar,
                                 .refreshCommand = CommandRefreshChannels,
                                 .backCommand = CommandBackToCategories,
                                 .updateCommand = CommandUpdateChannel,
@@ -132,7 +133,7 @@ void ChannelListScreen::open(int row) {
 void ChannelListScreen::openArticles() {
     state().channels = list().rowTexts();
     ArticleListScreen screen(state());
-    if (RunDialog(ArticleListScreen::templateId, state().stack, screen) == 1)
+    if (RunDialog(ListTemplate, state().stack, screen) == 1)
         refreshSoon();
 }
 

@@ -10,6 +10,7 @@
 #include "kit/screen_stack.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "ui/column_width.h"
 #include "ui/row_painter.h"
@@ -22,15 +23,11 @@
 
 namespace tidebrook {
 
-namespace {
-
-constexpr int listId = 802;
-
-} // namespace
+namespace {} // namespace
 
 bool SteppedListScreen::initialise(Dialog &dialog) {
     dialog_ = &dialog;
-    list_ = dialog.control<ListView>(listId);
+    list_ = dialog.control<ListView>(ListViewControl);
     if (list_ == nullptr || !dialog.makeMenuBar(kind_.menuBarId))
         return false;
     state_.lists[kind_.screen] = list_;

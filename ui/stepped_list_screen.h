@@ -20,8 +20,6 @@ class ListView;
 /// next one, round and round, and drops down all of them to choose from.
 class SteppedListScreen : public DialogProcedure {
 public:
-    static constexpr int templateId = 134;
-
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void activated() override;

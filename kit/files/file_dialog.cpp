@@ -6,6 +6,7 @@
 #include "kit/message_box.h"
 #include "kit/screen_stack.h"
 #include "platform/base/text.h"
+#include "res/ids.h"
 #include "res/strings.h"
 
 #include <QFileInfo>
@@ -15,17 +16,11 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int openTemplateId = 154;
-constexpr int saveTemplateId = 156;
-constexpr int openMenuBarId = 412;
-constexpr int saveMenuBarId = 413;
-constexpr int nameId = 1036;
-
 constexpr int nameInBoxUnits = 120; // a box breaks no word, however long
 
 class OpenProcedure : public FileProcedure {
 public:
-    explicit OpenProcedure(const FileRequest &request) : FileProcedure(request, openMenuBarId) {}
+    explicit OpenProcedure(const FileRequest &request) : FileProcedure(request, OpenFileMenuBar) {}
 
 protected:
     void take(const QString &name) override {
@@ -39,7 +34,7 @@ protected:
 class SaveProcedure : public FileProcedure {
 public:
     explicit SaveProcedure(const FileRequest &request)
-        : FileProcedure(request, saveMenuBarId), ending_(request.pattern.sliced(1)) {}
+        : FileProcedure(request, SaveFileMenuBar), ending_(request.pattern.sliced(1)) {}
 
     bool initialise(Dialog &dialog) override;
 
@@ -63,7 +58,7 @@ private:
 };
 
 bool SaveProcedure::initialise(Dialog &dialog) {
-    name_ = dialog.control<QLineEdit>(nameId);
+    name_ = dialog.control<QLineEdit>(FileNameEdit);
     if (name_ == nullptr || !FileProcedure::initialise(dialog))
         return false;
     name_->setAccessibleName(resourceString(fileNameString));
@@ -141,12 +136,12 @@ QString run(int templateId, ScreenStack &stack, FileProcedure &procedure) {
 
 QString chooseFileToOpen(ScreenStack &stack, const FileRequest &request) {
     OpenProcedure procedure(request);
-    return run(openTemplateId, stack, procedure);
+    return run(OpenFileTemplate, stack, procedure);
 }
 
 QString chooseFileToSave(ScreenStack &stack, const FileRequest &request) {
     SaveProcedure procedure(request);
-    return run(saveTemplateId, stack, procedure);
+    return run(SaveFileTemplate, stack, procedure);
 }
 
 } // namespace tidebrook

@@ -6,6 +6,7 @@
 #include "kit/message_box.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 
 #include <QDir>
@@ -22,10 +23,6 @@ namespace tidebrook {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int folderId = 1034;
-constexpr int filterId = 1035;
-constexpr int filesId = 1037;
 
 enum RowImage : int { ImageAbove, ImageFolder, ImageFile };
 
@@ -49,13 +46,13 @@ QString shownFolder(const QString &folder) {
 
 bool FileProcedure::initialise(Dialog &dialog) {
     dialog_ = &dialog;
-    list_ = dialog.control<ListView>(filesId);
+    list_ = dialog.control<ListView>(FilesListViewControl);
     if (list_ == nullptr || !dialog.makeMenuBar(menuBarId_))
         return false;
     dialog.makeHeaderBar(request_.title);
-    for (const int id : {folderId, filterId})
+    for (const int id : {FolderLabel, FilterLabel})
         dialog.control<QLabel>(id)->setWordWrap(false);
-    dialog.control<QLabel>(filterId)->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+    dialog.control<QLabel>(FilterLabel)->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     prepareList();
     reader_ = &FolderReader::of(dialog.stack());
     reader_->setPattern(request_.pattern);
@@ -176,8 +173,8 @@ void FileProcedure::showPlace() {
             label->fontMetrics().elidedText(text, Qt::ElideMiddle, label->contentsRect().width()));
         label->setAccessibleName(text);
     };
-    show(folderId, shownFolder(folder()));
-    show(filterId, request_.filterName);
+    show(FolderLabel, shownFolder(folder()));
+    show(FilterLabel, request_.filterName);
 }
 
 bool FileProcedure::isWithinLimit(const QString &path) const {

@@ -3,6 +3,7 @@
 #include "kit/dialog.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "share/dialogs/category_choice.h"
 #include "share/feed_probe.h"
 #include "store/escape_sql.h"
@@ -11,12 +12,7 @@
 
 namespace tidebrook {
 
-namespace {
-
-constexpr int menuBarId = 408;
-constexpr int categoriesId = 1017;
-
-} // namespace
+namespace {} // namespace
 
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels,
                            bool isProbed)
@@ -30,8 +26,8 @@ CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecor
     : CategoryPage(adding, channels, false) {}
 
 bool CategoryPage::initialise(Dialog &dialog) {
-    categories_ = dialog.control<QComboBox>(categoriesId);
-    if (categories_ == nullptr || !prepare(dialog, menuBarId))
+    categories_ = dialog.control<QComboBox>(CategoryDropDown);
+    if (categories_ == nullptr || !prepare(dialog, CategoryChoiceMenuBar))
         return false;
     beginWaiting();
     readCategories(state(), &dialog, [this](const QStringList &names) {

@@ -21,8 +21,6 @@ public:
     /// ... or channels whose names are known.
     CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels);
 
-    static constexpr int templateId = 146;
-
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void close() override;

@@ -5,6 +5,7 @@
 #include "kit/list_view.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "share/dialogs/category_page.h"
 
 #include <QAbstractButton>
@@ -15,9 +16,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int menuBarId = 409;
-constexpr int listId = 1027;
-constexpr int allId = 1038;
 constexpr int besideColumn = 15; // dialog units, for the scroll bar
 
 } // namespace
@@ -28,9 +26,9 @@ ChannelChoicePage::ChannelChoicePage(const ChannelAdding &adding, AddMode mode,
       mode_(mode), source_(source) {}
 
 bool ChannelChoicePage::initialise(Dialog &dialog) {
-    list_ = dialog.control<ListView>(listId);
-    all_ = dialog.control<QAbstractButton>(allId);
-    if (list_ == nullptr || all_ == nullptr || !prepare(dialog, menuBarId))
+    list_ = dialog.control<ListView>(ChannelChoiceList);
+    all_ = dialog.control<QAbstractButton>(AllChannelsBox);
+    if (list_ == nullptr || all_ == nullptr || !prepare(dialog, ChannelChoiceMenuBar))
         return false;
     list_->setFont(state().listFont);
     QObject::connect(all_, &QAbstractButton::clicked, &dialog,
@@ -103,7 +101,7 @@ void ChannelChoicePage::command(int id) {
 
 void ChannelChoicePage::goOn() {
     CategoryPage page(adding_, checkedChannels());
-    const int result = RunDialog(CategoryPage::templateId, state().stack, page);
+    const int result = RunDialog(CategoryChoiceTemplate, state().stack, page);
     if (result != CommandWizardBack)
         leave(result);
 }

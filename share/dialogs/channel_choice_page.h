@@ -22,8 +22,6 @@ class ChannelChoicePage : public FormProcedure {
 public:
     ChannelChoicePage(const ChannelAdding &adding, AddMode mode, const QString &source);
 
-    static constexpr int templateId = 148;
-
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void sized() override;

@@ -4,6 +4,7 @@
 #include "kit/dialog.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/category_choice.h"
 #include "share/dialogs/form_procedure.h"
@@ -20,12 +21,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int templateId = 142;
-constexpr int menuBarId = 410;
-constexpr int nameId = 1013;
-constexpr int linkId = 1015;
-constexpr int categoryId = 1017;
-constexpr int autoId = 1018;
 constexpr int nameLimit = 49;
 constexpr int linkLimit = 511;
 constexpr qsizetype linkTaken = 510;
@@ -86,12 +81,12 @@ private:
 };
 
 bool PropertiesDialog::initialise(Dialog &dialog) {
-    name_ = dialog.control<QLineEdit>(nameId);
-    link_ = dialog.control<QLineEdit>(linkId);
-    category_ = dialog.control<QComboBox>(categoryId);
-    auto_ = dialog.control<QAbstractButton>(autoId);
+    name_ = dialog.control<QLineEdit>(ChannelNameEdit);
+    link_ = dialog.control<QLineEdit>(ChannelLinkEdit);
+    category_ = dialog.control<QComboBox>(CategoryDropDown);
+    auto_ = dialog.control<QAbstractButton>(AutoUpdateBox);
     if (name_ == nullptr || link_ == nullptr || category_ == nullptr || auto_ == nullptr ||
-        !prepare(dialog, menuBarId))
+        !prepare(dialog, PropertiesMenuBar))
         return false;
     name_->setMaxLength(nameLimit);
     name_->setText(initial_.name);
@@ -169,7 +164,7 @@ void PropertiesDialog::apply() {
 int runChannelProperties(AppState &state, const QString &category, const QString &channel,
                          QObject *receiver, const JobEnd &applied) {
     PropertiesDialog properties(state, {category, channel, {}}, receiver, applied);
-    return RunDialog(templateId, state.stack, properties);
+    return RunDialog(PropertiesTemplate, state.stack, properties);
 }
 
 } // namespace tidebrook

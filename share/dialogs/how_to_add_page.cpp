@@ -6,6 +6,7 @@
 #include "kit/files/file_dialog.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/category_page.h"
 #include "share/dialogs/channel_choice_page.h"
@@ -20,10 +21,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int menuBarId = 407;
-constexpr int fromUrlId = 1021;
-constexpr int fromFileId = 1022;
-constexpr int editId = 1024;
 constexpr int urlLimit = 511;
 constexpr qsizetype longestTooShort = 11; // as "http://.xml"
 constexpr QStringView scheme = u"http://";
@@ -41,11 +38,11 @@ HowToAddPage::HowToAddPage(const ChannelAdding &adding)
     : FormProcedure(adding.state, CommandCancelWizard, CommandWizardNext), adding_(adding) {}
 
 bool HowToAddPage::initialise(Dialog &dialog) {
-    fromUrl_ = dialog.control<QAbstractButton>(fromUrlId);
-    auto *fromFile = dialog.control<QAbstractButton>(fromFileId);
-    edit_ = dialog.control<QLineEdit>(editId);
+    fromUrl_ = dialog.control<QAbstractButton>(FromUrlButton);
+    auto *fromFile = dialog.control<QAbstractButton>(FromFileButton);
+    edit_ = dialog.control<QLineEdit>(AddressEdit);
     if (fromUrl_ == nullptr || fromFile == nullptr || edit_ == nullptr ||
-        !prepare(dialog, menuBarId))
+        !prepare(dialog, HowToAddMenuBar))
         return false;
     edit_->setMaxLength(urlLimit);
     edit_->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoAutoUppercase);
@@ -127,10 +124,10 @@ void HowToAddPage::openNext(AddMode mode, const QString &source) {
     int result = 0;
     if (mode == AddMode::FeedFromUrl) {
         CategoryPage page(adding_, source);
-        result = RunDialog(CategoryPage::templateId, state().stack, page);
+        result = RunDialog(CategoryChoiceTemplate, state().stack, page);
     } else {
         ChannelChoicePage page(adding_, mode, source);
-        result = RunDialog(ChannelChoicePage::templateId, state().stack, page);
+        result = RunDialog(ChannelChoiceTemplate, state().stack, page);
     }
     if (result != CommandWizardBack)
         leave(result);

@@ -20,8 +20,6 @@ class HowToAddPage : public FormProcedure {
 public:
     explicit HowToAddPage(const ChannelAdding &adding);
 
-    static constexpr int templateId = 144;
-
     bool initialise(Dialog &dialog) override;
     void command(int id) override;
 

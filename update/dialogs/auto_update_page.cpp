@@ -1,6 +1,7 @@
 #include "update/dialogs/auto_update_page.h"
 
 #include "kit/form.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "update/dialogs/page_values.h"
 
@@ -13,12 +14,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int neverId = 1004; // the first of the modes
 constexpr int modeCount = 3;
-constexpr int timeId = 1007;
-constexpr int intervalId = 1008;
-constexpr int needsCradleId = 1009;
-constexpr int noRoamingId = 1010;
 
 enum Mode { Never, Interval, Time };
 
@@ -36,7 +32,7 @@ QStringList hours() {
 void AutoUpdatePage::initialise(Form &form) {
     form_ = &form;
     for (int mode = 0; mode < modeCount; ++mode) {
-        modes_.append(form.control<QAbstractButton>(neverId + mode));
+        modes_.append(form.control<QAbstractButton>(NeverUpdateButton + mode));
         QObject::connect(modes_.last(), &QAbstractButton::clicked, &form,
                          [this, mode](bool checked) {
                              if (!checked)
@@ -48,10 +44,10 @@ void AutoUpdatePage::initialise(Form &form) {
                                  time_->setFocus();
                          });
     }
-    interval_ = form.control<QComboBox>(intervalId);
-    time_ = form.control<QComboBox>(timeId);
-    needsCradle_ = form.control<QAbstractButton>(needsCradleId);
-    noRoaming_ = form.control<QAbstractButton>(noRoamingId);
+    interval_ = form.control<QComboBox>(UpdateIntervalList);
+    time_ = form.control<QComboBox>(UpdateTimeList);
+    needsCradle_ = form.control<QAbstractButton>(NeedsCradleBox);
+    noRoaming_ = form.control<QAbstractButton>(NoRoamingBox);
     loadPage(
         state_, form, [&settings = state_.device.settings] { return readAutoUpdatePage(settings); },
         [this](const AutoUpdatePageValues &values) { show(values); });

@@ -2,6 +2,7 @@
 
 #include "app/app_state.h"
 #include "kit/property_sheet.h"
+#include "res/ids.h"
 #include "update/update_settings.h"
 
 #include <QList>
@@ -16,7 +17,7 @@ class AutoUpdatePage : public PropertyPage {
 public:
     explicit AutoUpdatePage(AppState &state) : state_(state) {}
 
-    int templateId() const override { return 140; }
+    int templateId() const override { return AutoUpdatePageTemplate; }
     void initialise(Form &form) override;
     void save() override;
 

@@ -3,6 +3,7 @@
 #include "app/text_screens.h"
 #include "kit/dialog.h"
 #include "kit/property_sheet.h"
+#include "res/ids.h"
 #include "update/dialogs/auto_update_page.h"
 #include "update/dialogs/today_page.h"
 
@@ -13,7 +14,7 @@ void showSettings(AppState &state) {
     pages.push_back(std::make_unique<TodayPage>(state));
     pages.push_back(std::make_unique<AutoUpdatePage>(state));
     PropertySheet sheet(std::move(pages), [&state] { showHelp(state); });
-    RunDialog(PropertySheet::templateId, state.stack, sheet);
+    RunDialog(SettingsSheetTemplate, state.stack, sheet);
 }
 
 } // namespace tidebrook

@@ -1,6 +1,7 @@
 #include "update/dialogs/today_page.h"
 
 #include "kit/form.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "update/dialogs/page_values.h"
 
@@ -9,17 +10,12 @@
 
 namespace tidebrook {
 
-namespace {
-
-constexpr int enabledId = 1001;
-constexpr int timerId = 1003;
-
-} // namespace
+namespace {} // namespace
 
 void TodayPage::initialise(Form &form) {
     form_ = &form;
-    enabled_ = form.control<QAbstractButton>(enabledId);
-    timer_ = form.control<QComboBox>(timerId);
+    enabled_ = form.control<QAbstractButton>(TodayEnabledBox);
+    timer_ = form.control<QComboBox>(TodayTimerList);
     QObject::connect(enabled_, &QAbstractButton::toggled, timer_, &QWidget::setEnabled);
     loadPage(
         state_, form,

@@ -2,6 +2,7 @@
 
 #include "app/app_state.h"
 #include "kit/property_sheet.h"
+#include "res/ids.h"
 #include "update/update_settings.h"
 
 class QAbstractButton;
@@ -14,7 +15,7 @@ class TodayPage : public PropertyPage {
 public:
     explicit TodayPage(AppState &state) : state_(state) {}
 
-    int templateId() const override { return 138; }
+    int templateId() const override { return TodayPageTemplate; }
     void initialise(Form &form) override;
     void save() override;
 
