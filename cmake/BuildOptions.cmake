@@ -1,5 +1,6 @@
 # Warnings, sanitizers and the compiler cache, the same for every target of our own.
 
+option(TIDEBROOK_WERROR "Take warnings for errors" OFF)
 set(TIDEBROOK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
 find_program(CCACHE_PROGRAM ccache)
@@ -14,7 +15,8 @@ endif()
 
 add_library(tidebrook_build_options INTERFACE)
 target_compile_options(tidebrook_build_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+    $<$<BOOL:${TIDEBROOK_WERROR}>:-Werror>)
 target_compile_definitions(tidebrook_build_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER
     TIDEBROOK_VERSION="${PROJECT_VERSION}")

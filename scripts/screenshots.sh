@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Renders every screen and dialog into docs/screenshots/: on an upright and on a wide device, each
-# with one and with two pixels to a unit; light and dark.
+# Renders every screen and dialog into build/screenshots/: on an upright and on a wide device, each
+# with one and with two pixels to a unit; light and dark. Those that the documents show, in
+# docs/screenshots/, are replaced.
 
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
@@ -17,11 +18,14 @@ photograph() {
         >"$work/screens.json"
     env XDG_RUNTIME_DIR="$work" QT_SCALE_FACTOR="$3" LC_ALL=C.UTF-8 \
         QT_QPA_PLATFORM="offscreen:configfile=$work/screens.json" \
-        build/release/bin/screenshots docs/screenshots
+        build/release/bin/screenshots build/screenshots
 }
 
 for scale in 1 2; do
     photograph 240 320 "$scale"
     photograph 320 240 "$scale"
 done
-echo "The pictures are in docs/screenshots/."
+for shown in docs/screenshots/*.png; do
+    cp "build/screenshots/${shown##*/}" docs/screenshots/
+done
+echo "The pictures are in build/screenshots/; those in docs/screenshots/ are new."
