@@ -145,7 +145,7 @@ void ServiceCases::measureMemory(const QString &name, const QString &store,
         report_.row(
             {name + u": " + what, medianOf(ours, field), medianOf(theirs, field), 0, target});
     };
-    // Whoever else uses the same libraries has a part in the Pss, but in nothing else.
+    // Other programs with the same libraries share the Pss, but nothing else.
     row(QStringLiteral("Pss, KiB"), &Memory::proportional, std::nullopt);
     row(QStringLiteral("as if alone, KiB"), &Memory::alone, memoryTarget);
     row(QStringLiteral("Rss, KiB"), &Memory::resident, std::nullopt);

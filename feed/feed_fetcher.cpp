@@ -40,8 +40,8 @@ FeedFetcher::Taken FeedFetcher::endQuietlyOrFail(quint32 code) {
 }
 
 bool FeedFetcher::isRoaming() const {
-    // The mask leaves out bit 0, which the comparison asks for, so this never holds: on purpose, a
-    // request while roaming fails like any other.
+    // The mask leaves out bit 0, which the comparison asks for, so this never holds: a request
+    // while roaming is to fail like any other.
     const quint32 status = SettingsStore(registry_).dword(phoneStateKey, u"Status") & 0x2003C000;
     return status == 1;
 }

@@ -22,8 +22,9 @@ struct FetchOptions {
 /// Refreshes one channel: gets its document over the network and hands it to the parser. Made for
 /// one channel and one thread, and used once.
 ///
-/// A failure leaves its code in `error()` and, for whoever tells the user, in the registry. It
-/// leaves the database untouched, except that articles stored before a faulty item stay.
+/// A failure leaves its code in `error()` and, for the program that tells the user, in the
+/// registry. It leaves the database untouched, except that articles stored before a faulty item
+/// stay.
 class FeedFetcher {
 public:
     FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {},
@@ -47,7 +48,7 @@ public:
         Failed,
     };
 
-    /// The first half of `fetch`, for whoever has made the request himself.
+    /// The first half of `fetch`, for a caller that has made the request itself.
     Taken takeAnswer(const HttpAnswer &answer);
 
     /// The second half: gets the document once more by the direct transport.

@@ -82,7 +82,7 @@ Q_SIGNALS:
     /// A row was tapped, and is selected; -1 where there is none.
     void tapped(int row);
     /// A label was edited to this text, which the row does not have yet. Not told when the editing
-    /// was broken off. Whoever is told may open dialogs: the editor is gone.
+    /// was broken off. A receiver may open dialogs: the editor is gone.
     void labelEdited(int row, const QString &text);
     /// The editing is over, however that came, and what came of it was told.
     void labelEditEnded();

@@ -69,7 +69,7 @@ void ScreenStack::pop(Layer &layer) {
     layer.hide();
     if (below == nullptr)
         return;
-    if (isClosing_) // after whoever opened the layer has looked at its result
+    if (isClosing_) // after the caller has looked at the layer's result
         QMetaObject::invokeMethod(this, &ScreenStack::closeTop, Qt::QueuedConnection);
     else if (!below->hasEnded())
         below->activated();

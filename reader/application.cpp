@@ -58,7 +58,7 @@ void Application::watchOthers() {
             new QSocketNotifier(single_.requestDescriptor(), QSocketNotifier::Read, this);
         connect(requests, &QSocketNotifier::activated, this, [this, requests] {
             if (stack_.isClosing() || stop_.isRaised())
-                requests->setEnabled(false); // whoever asks is to run itself
+                requests->setEnabled(false); // the process that asks is to run itself
             else
                 comeForward();
         });

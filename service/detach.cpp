@@ -34,7 +34,7 @@ void turnStream(int stream, int file) {
 } // namespace
 
 bool Detachment::begin() {
-    // Whoever reads to the end of what his command writes must not wait for the service's end.
+    // A caller that reads its command's output to the end must not wait for the service's end.
     close_range(STDERR_FILENO + 1, ~0U, 0);
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)

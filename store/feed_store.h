@@ -58,8 +58,8 @@ enum class SortMode {
 /// A name is a category of 40, a channel of 50 or a title of 255 UTF-16 units at most; more is
 /// cut. Quotes and any other character are welcome in names; a link with a quote is refused.
 ///
-/// Thread-safe: every operation takes the store's lock. Whoever lists and then walks the rows, or
-/// reads `error()` after an operation, holds `lock()` over both.
+/// Thread-safe: every operation takes the store's lock. A caller that lists and then walks the
+/// rows, or reads `error()` after an operation, holds `lock()` over both.
 class FeedStore {
 public:
     /// The parts outlive the store. `todayItemKey` is the registry key of the Today item.

@@ -46,7 +46,7 @@ private:
     Registry &registry_;
 };
 
-/// Records why something failed, for whoever tells the user: the DWORD "ERRORNO". The last
+/// Records why something failed, for the program that tells the user: the DWORD "ERRORNO". The last
 /// writer wins.
 void SetLastErrorCode(Registry &registry, quint32 code);
 

@@ -33,7 +33,7 @@ struct UpdateState {
 };
 
 /// The updates' memory: a file beside the database that holds nothing that the user would miss.
-/// Whoever deletes it, also while it is in use, has the next update fetch everything anew. A file
+/// When it is deleted, also while it is in use, the next update fetches everything anew. A file
 /// that is damaged is replaced. Not thread-safe; several processes may use it at once.
 class UpdateStateStore {
 public:

@@ -24,9 +24,9 @@ namespace tidebrook {
 std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &channelName);
 
 /// Adds a channel to the list (at its end, also when it is there already) or takes every line of
-/// that name out. Does nothing, with success, when a text of the job is null; whoever adds asks
-/// `isAutoUpdated` first. False also when the channel cannot be a line of the list (an empty text,
-/// a tab, a line feed).
+/// that name out. Does nothing, with success, when a text of the job is null; the caller asks
+/// `isAutoUpdated` before it adds. False also when the channel cannot be a line of the list (an
+/// empty text, a tab, a line feed).
 bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob &job, bool add);
 
 /// To be called before a channel that is on the list gets another name: repeats its line under
@@ -38,7 +38,7 @@ bool prepareAutoRename(const DeviceRoot &device, FeedStore &store, const QString
 /// Takes out the lines of channels that the store no longer has, and nothing else.
 bool pruneAutoUpdated(const DeviceRoot &device, FeedStore &store);
 
-/// The channels of the list in its order, for whoever updates them: each name once, its texts cut
+/// The channels of the list in its order, to be updated: each name once, its texts cut
 /// to their capacities. A line that is not a name, an address and a category is left out. Nothing
 /// when the list cannot be read; a missing one is empty.
 std::optional<QList<RefreshJob>> autoUpdatedChannels(const DeviceRoot &device);

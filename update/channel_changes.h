@@ -16,7 +16,7 @@ enum class ChannelChange {
     ListFailed,  ///< the list could not be read or written
 };
 
-// Whoever calls these holds the lock of the channels. A line of the list that one of them leaves
+// The caller of these holds the lock of the channels. A line of the list that one of them leaves
 // behind, because it was broken off or the list failed, goes with the list's next change.
 
 /// Renames a channel, which the list follows. Unless it is done nothing is changed.

@@ -44,7 +44,7 @@ DownloadAnswer DownloadAnswers::wait(std::chrono::milliseconds timeout, int inpu
     const bool isDone = result.index == 0;
     if (request_.isLatest())
         return isDone ? DownloadAnswer::Done : DownloadAnswer::Failed;
-    // It is for whoever has made the newer request, and waits for it too.
+    // It is for the process that made the newer request, and waits for it too.
     (isDone ? done_ : failed_).set();
     return DownloadAnswer::TimedOut;
 }

@@ -20,14 +20,14 @@ enum class DownloadAnswer {
     Input,    ///< the input came first; the answer, if there will be one, is for nobody
 };
 
-/// The two events by which the downloader answers, held open by whoever waits for them: an answer
-/// that nobody holds them for is gone. For one thread, one request after another.
+/// The two events by which the downloader answers, held open by a process that waits for them: an
+/// answer that nobody holds them for is gone. For one thread, one request after another.
 class DownloadAnswers {
 public:
     explicit DownloadAnswers(const DeviceRoot &device);
 
     /// From now on the request that the request file holds is the one to be answered: answers to
-    /// earlier ones, whoever made them, are forgotten.
+    /// earlier ones, of any process, are forgotten.
     void expect();
 
     /// Waits for the answer to that; `inputDescriptor` as WaitAny takes it, -1 for none.

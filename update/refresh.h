@@ -22,7 +22,7 @@ struct RefreshResult {
 /// change of the database, which syncs once. Waits for the network; thread-safe.
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job);
 
-/// The second half of a refresh, for whoever has driven the fetcher himself: stores what it got,
+/// The second half of a refresh, for a caller that drives the fetcher itself: stores what it got,
 /// if `isFetched`, and counts. Waits for no network.
 RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, FeedFetcher &fetcher,
                            bool isFetched);

@@ -38,7 +38,7 @@ bool saveTodayPage(const DeviceRoot &device, SettingsStore &settings, QStringVie
     const bool isEnabledStored = settings.setDword(todayKey, u"Enabled", values.isEnabled ? 1 : 0);
     const bool isTimerStored =
         settings.setDword(todayKey, u"TodayTimer", storedChoice(values.timer));
-    // Last, so that whoever reloads finds both.
+    // Last, so that the Today item finds both when it reloads.
     if (isEnabledStored)
         NamedEvent(device, todayItemsEvent, NamedEvent::Reset::Auto).set();
     return isEnabledStored && isTimerStored && settings.registry().flush();

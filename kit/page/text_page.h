@@ -40,7 +40,7 @@ Q_SIGNALS:
     /// A link was taken: its target as the page has it, also one that is no address.
     void linkTapped(const QString &target);
 
-    /// It was brought to show something else than its page: whoever set the page sets it again.
+    /// It was brought to show something else than its page: the owner sets the page again.
     void left();
 
 private:

@@ -37,8 +37,8 @@ private:
     QFile file_;
 };
 
-/// Puts a file in place whole, instead of the one that is there: whoever reads it meanwhile, or
-/// after a crash, finds the one or the other. False when that failed, as where something lies that
+/// Puts a file in place whole, instead of the one that is there: a reader finds the one or the
+/// other, also meanwhile and after a crash. False when that failed, as where something lies that
 /// is no plain file; what was there is then as it was.
 bool replaceFile(const QString &path, const QByteArray &content, Readers readers = Readers::Owner);
 

@@ -66,7 +66,7 @@ bool SingleInstance::take() {
     return true;
 }
 
-// Without a token the request is as good, but where the compositor heeds it.
+// A compositor may raise the window only for a token; a request without one is sent all the same.
 bool SingleInstance::ask() {
     const QByteArray token = ownToken();
     if (!token.isEmpty())

@@ -11,8 +11,8 @@
 
 namespace tidebrook {
 
-/// Lets one reader run on a device: a later one asks it to come forward, and ends. Whoever has
-/// claimed it has it until it gives it up or its process ends, however that happens. Readers of
+/// Lets one reader run on a device: a later one asks it to come forward, and ends. A claim
+/// holds until it is given up or its process ends, by whatever cause. Readers of
 /// other devices are not seen. For one thread; the device must have its folders.
 ///
 /// The one that runs holds `run/FEEDLARK.lock`. It is asked by the event "FEEDLARK", which stays
@@ -44,9 +44,9 @@ public:
     int requestDescriptor() const { return request_.descriptor(); }
 
     /// Takes the request that is waiting, if this process is the one that runs and there is one:
-    /// whoever made it ends then. The text is the leave that came with it, empty without one; a
-    /// window takes it from `XDG_ACTIVATION_TOKEN` when it asks to be activated. Requests that
-    /// come faster than they are taken are one. Does not wait.
+    /// the process that made it ends then. The text is the leave that came with it, empty without
+    /// one; a window takes it from `XDG_ACTIVATION_TOKEN` when it asks to be activated. Requests
+    /// that come faster than they are taken are one. Does not wait.
     std::optional<QString> takeRequest();
 
     /// From now on another process may run. A request that was not taken is left to the one that

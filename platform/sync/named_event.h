@@ -27,8 +27,9 @@ public:
     /// False when there is no FIFO to be had at its place. Such an event is never set.
     bool isOpen() const { return isFifo_; }
 
-    /// What the setter did before is seen by whoever sees or takes the event. Setting it while it
-    /// is set changes nothing, and nobody is kept waiting. False when it is not set afterwards.
+    /// What the setter did before is visible to every process that sees or takes the event. Setting
+    /// it while it is set changes nothing, and nobody is kept waiting. False when it is not set
+    /// afterwards.
     bool set();
     void reset();
 

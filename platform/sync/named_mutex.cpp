@@ -128,10 +128,10 @@ NamedMutex::Mapping NamedMutex::map(int file) {
 }
 
 /// The file outlives a power cut, and would then hold an owner whom nobody ever declares dead.
-/// So everybody keeps the file's shared lock while he uses the mutex, and whoever gets the
-/// exclusive one is alone with it and begins the mutex anew. Turning that into a shared lock lets
-/// others come between, who begin it anew once more: nobody can have locked it yet. Where one of
-/// them ended half way the mark is missing, which holds still under the shared lock.
+/// So every process keeps the file's shared lock while it uses the mutex, and a process that gets
+/// the exclusive one is alone with it and initialises the mutex anew. Turning that into a shared
+/// lock lets others come between, who begin it anew once more: nobody can have locked it yet. Where
+/// one of them ended half way the mark is missing, which holds still under the shared lock.
 NamedMutex::Mapping NamedMutex::share(int file) {
     bool isUsable = file >= 0;
     while (isUsable) {

@@ -7,11 +7,11 @@
 
 namespace tidebrook {
 
-/// Whoever has the wizard add channels, and is told what comes of it.
+/// The caller for whom the wizard adds channels, and who gets the result.
 struct ChannelAdding {
     AppState &state;
     QObject *receiver; ///< nothing is told any more when it is gone
-    JobEnd end;        ///< once all are stored, or why the first one that is not is not
+    JobEnd end;        ///< gets 0 when all are stored, else the reason for the first that is not
 };
 
 /// Starts the adding of channels. Of a name line ends and blanks around it are left out; a channel
