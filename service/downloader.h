@@ -5,9 +5,9 @@
 #include "platform/sql/registry.h"
 #include "platform/sync/named_event.h"
 #include "platform/sync/stop_signal.h"
+#include "platform/sync/wake_signal.h"
 #include "service/request_server.h"
 #include "service/service_log.h"
-#include "service/wake_signal.h"
 #include "update/auto_round.h"
 #include "update/auto_schedule.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/base/descriptor.h"
 #include "platform/sync/stop_signal.h"
+#include "platform/sync/wake_signal.h"
 
 namespace tidebrook {
 
@@ -9,9 +9,7 @@ namespace tidebrook {
 /// forgotten, and the stop, which lasts for good. Thread-safe.
 class RunInterrupt {
 public:
-    RunInterrupt();
-
-    void noteInput();
+    void noteInput() { wakeUp_.raise(); }
     /// What the user did so far is no input any more. A stop stays.
     void forgetInput();
 
@@ -22,11 +20,11 @@ public:
 
     /// As WaitAny takes it: readable while there is input, and from a stop on. Never read it.
     /// Negative when the process has no descriptor left; then nobody who waits is woken.
-    int descriptor() const { return wakeUp_.number(); }
+    int descriptor() const { return wakeUp_.descriptor(); }
 
 private:
     StopSignal stop_;
-    const Descriptor wakeUp_;
+    const WakeSignal wakeUp_;
 };
 
 } // namespace tidebrook

@@ -1,6 +1,7 @@
 #include "platform/base/aside.h"
 
 #include "platform/base/descriptor.h"
+#include "platform/base/plain_file.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -49,7 +50,7 @@ Aside makeAside(const QString &prefix, const std::function<int(const char *)> &m
             return {};
         if (descriptor < 0)
             continue;
-        if (flock(descriptor, LOCK_EX) == 0 && isStillThere(descriptor, name.constData()))
+        if (lockFile(descriptor, LOCK_EX) && isStillThere(descriptor, name.constData()))
             return {path, descriptor};
         close(descriptor);
     }
@@ -60,7 +61,7 @@ bool isFreeAndOwn(int descriptor) {
     struct stat status {};
     return descriptor >= 0 && fstat(descriptor, &status) == 0 && status.st_uid == geteuid() &&
            (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) &&
-           flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+           lockFile(descriptor, LOCK_EX | LOCK_NB);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -49,6 +50,13 @@ std::optional<QByteArray> readPlainFile(const QString &path, qint64 limit, Links
     // One that grows meanwhile is over the limit, too.
     const bool isWhole = file.error() == QFile::NoError && file.size() <= limit;
     return isWhole && bytes.size() <= limit ? std::optional(bytes) : std::nullopt;
+}
+
+bool lockFile(int descriptor, int operation) {
+    int result = flock(descriptor, operation);
+    while (result != 0 && errno == EINTR)
+        result = flock(descriptor, operation);
+    return result == 0;
 }
 
 bool makeOwnFolder(const QString &path) {

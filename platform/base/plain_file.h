@@ -24,6 +24,10 @@ int openPlainFile(const QString &path, int flags, Links links = Links::Refused);
 std::optional<QByteArray> readPlainFile(const QString &path, qint64 limit,
                                         Links links = Links::Refused);
 
+/// flock(2) with `operation`, repeated when a signal interrupts it. False, with `errno` set, after
+/// a failure.
+bool lockFile(int descriptor, int operation);
+
 /// Makes a folder that only its owner may enter, where there is none. False when there is none
 /// afterwards.
 bool makeOwnFolder(const QString &path);

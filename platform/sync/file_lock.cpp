@@ -16,18 +16,11 @@ namespace {
 // Nothing tells when a lock is let go.
 constexpr std::chrono::milliseconds lookPause(10);
 
-bool lockWhole(int descriptor, int operation) {
-    int result = flock(descriptor, operation);
-    while (result != 0 && errno == EINTR)
-        result = flock(descriptor, operation);
-    return result == 0;
-}
-
 bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> timeout) {
     if (!timeout)
-        return lockWhole(descriptor, LOCK_EX);
+        return lockFile(descriptor, LOCK_EX);
     const auto end = std::chrono::steady_clock::now() + *timeout;
-    while (!lockWhole(descriptor, LOCK_EX | LOCK_NB)) {
+    while (!lockFile(descriptor, LOCK_EX | LOCK_NB)) {
         if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= end)
             return false;
         std::this_thread::sleep_for(lookPause);

@@ -31,13 +31,6 @@ using std::chrono::milliseconds;
 
 constexpr quint32 readyMark = 0x54424D31;
 
-bool lockFile(int descriptor, int operation) {
-    int result = flock(descriptor, operation);
-    while (result != 0 && errno == EINTR)
-        result = flock(descriptor, operation);
-    return result == 0;
-}
-
 /// Takes room on the disk, so that a full disk is met here and not by a write to the mapping.
 bool reserve(int descriptor, off_t size) {
     int error = posix_fallocate(descriptor, 0, size);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/base/descriptor.h"
+#include "platform/sync/wake_signal.h"
 
 #include <atomic>
 #include <chrono>
@@ -10,8 +10,6 @@ namespace tidebrook {
 /// Tells any number of threads of this process to end. Once raised it stays so. Thread-safe.
 class StopSignal {
 public:
-    StopSignal();
-
     /// May be called in a signal handler.
     void raise();
     bool isRaised() const { return isRaised_; }
@@ -22,12 +20,12 @@ public:
     /// For waiting together with other descriptors: readable once it is raised. Never read it.
     /// Negative when the process has no descriptor left; then nobody who waits is woken, but
     /// `isRaised` still tells.
-    int descriptor() const { return wakeUp_.number(); }
+    int descriptor() const { return wakeUp_.descriptor(); }
 
 private:
     static_assert(std::atomic<bool>::is_always_lock_free);
     std::atomic<bool> isRaised_ = false;
-    const Descriptor wakeUp_;
+    const WakeSignal wakeUp_;
 };
 
 } // namespace tidebrook

@@ -26,8 +26,8 @@ std::optional<int> FormProcedure::commandOfKey(const QKeyEvent &event) const {
 }
 
 void FormProcedure::leave(int result) {
-    if (errand_ != nullptr)
-        errand_->raise();
+    if (task_ != nullptr)
+        task_->raise();
     waiting_.reset();
     dialog_->end(result);
 }

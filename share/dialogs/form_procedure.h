@@ -37,14 +37,14 @@ protected:
         if (waiting_)
             return false;
         waiting_.emplace(*dialog_, nextCommand_);
-        errand_ = state_.blockingTasks.run(dialog_, std::move(work),
-                                           [this, take = std::move(take)](auto result) {
-                                               waiting_.reset();
-                                               take(std::move(result));
-                                           });
-        if (errand_ == nullptr)
+        task_ = state_.blockingTasks.run(dialog_, std::move(work),
+                                         [this, take = std::move(take)](auto result) {
+                                             waiting_.reset();
+                                             take(std::move(result));
+                                         });
+        if (task_ == nullptr)
             tellNoThread();
-        return errand_ != nullptr;
+        return task_ != nullptr;
     }
     /// The same for what comes another way: from here until `endWaiting`.
     void beginWaiting() { waiting_.emplace(*dialog_, nextCommand_); }
@@ -60,7 +60,7 @@ private:
     const int backCommand_;
     const int nextCommand_;
     Dialog *dialog_ = nullptr;
-    std::shared_ptr<StopSignal> errand_;
+    std::shared_ptr<StopSignal> task_;
     std::optional<Waiting> waiting_;
 };
 

@@ -52,7 +52,7 @@ TEST(WorkQueueTest, DoesAllInOrderAndTellsWhoIsStillThere) {
 int waitForStop(const StopSignal &stop) { return stop.wait(20s) ? 1 : 2; }
 int answer(const StopSignal &) { return 3; }
 
-TEST(ErrandsTest, AreToldUnlessTheyAreCalledOffOrNobodyIsThere) {
+TEST(BlockingTasksTest, AreToldUnlessTheyAreCalledOffOrNobodyIsThere) {
     BlockingTasks blockingTasks;
     int running = 0;
     QObject::connect(&blockingTasks, &BlockingTasks::begun, &blockingTasks, [&] { ++running; });

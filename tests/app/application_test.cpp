@@ -10,13 +10,13 @@
 namespace tidebrook {
 namespace {
 
-class InstanceTest : public ReadingTest {
+class ApplicationTest : public ReadingTest {
 protected:
     const QString lock = device.root.filePath(u"\\run\\channels.lock");
     std::optional<FileLock> rival;
 };
 
-TEST_F(InstanceTest, OnBadGroundTheScreensOpenAndTellWhatIsWrong) {
+TEST_F(ApplicationTest, OnBadGroundTheScreensOpenAndTellWhatIsWrong) {
     const auto damaging = [&](const QString &name) {
         return [this, name] {
             EXPECT_TRUE(writeFile(device.root.filePath(name), QByteArray(8192, 'x')));
@@ -56,7 +56,7 @@ TEST_F(InstanceTest, OnBadGroundTheScreensOpenAndTellWhatIsWrong) {
     }
 }
 
-TEST_F(InstanceTest, WhatIsUnderWayWhenTheWindowClosesIsDoneBeforeTheDatabaseIs) {
+TEST_F(ApplicationTest, WhatIsUnderWayWhenTheWindowClosesIsDoneBeforeTheDatabaseIs) {
     EXPECT_TRUE(runReader(device.root, [&](User &user) {
         ASSERT_TRUE(user.seesRows(seeded) && user.seesQuiet());
         user.press(Qt::Key_Down);
@@ -71,7 +71,7 @@ TEST_F(InstanceTest, WhatIsUnderWayWhenTheWindowClosesIsDoneBeforeTheDatabaseIs)
     EXPECT_EQ(checkStore(device.root, *device.registry), QStringList()) << "with its channels";
 }
 
-TEST_F(InstanceTest, AWindowThatIsClosedWhileTheDeviceOpensShowsNoScreen) {
+TEST_F(ApplicationTest, AWindowThatIsClosedWhileTheDeviceOpensShowsNoScreen) {
     rival.emplace(lock);
     EXPECT_FALSE(runReader(device.root, [&](User &user) {
         ASSERT_TRUE(user.sees([&] { return user.stack().isVisible(); }));
@@ -81,7 +81,7 @@ TEST_F(InstanceTest, AWindowThatIsClosedWhileTheDeviceOpensShowsNoScreen) {
     }));
 }
 
-TEST_F(InstanceTest, AStartSeedsCategoriesWhereThereAreNoneAndListsThoseOfChannels) {
+TEST_F(ApplicationTest, AStartSeedsCategoriesWhereThereAreNoneAndListsThoseOfChannels) {
     CategoryListStore categories(*device.registry);
     const auto expectStarted = [&](const QStringList &gone, const QStringList &expected) {
         for (const QString &category : gone) {

@@ -1,7 +1,6 @@
-#include "service/wake_signal.h"
+#include "platform/sync/wake_signal.h"
 
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <cerrno>
 
@@ -9,17 +8,15 @@ namespace tidebrook {
 
 WakeSignal::WakeSignal() : descriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
-WakeSignal::~WakeSignal() { close(descriptor_); }
-
 void WakeSignal::raise() const {
-    const int kept = errno; // a signal handler must not change it
-    eventfd_write(descriptor_, 1);
-    errno = kept;
+    const int errorBefore = errno; // a signal handler must leave it alone
+    eventfd_write(descriptor(), 1);
+    errno = errorBefore;
 }
 
 void WakeSignal::clear() const {
     eventfd_t count = 0;
-    eventfd_read(descriptor_, &count);
+    eventfd_read(descriptor(), &count);
 }
 
 } // namespace tidebrook
