@@ -29,7 +29,7 @@ public:
         device.store->clearError();
     }
 
-    /// False when somebody else does not let go of the channels, or the device is gone.
+    /// False when another process keeps the lock of the channels, or the device is gone.
     bool isReady() const { return channelsLock_.isHeld() && device_.isStillThere(); }
 
     /// The string that tells what failed: the database, or else a file.
@@ -78,8 +78,8 @@ int deleteCategory(DeviceParts &device, const QString &category) {
     return change.end(end == ChannelChange::Done);
 }
 
-// A category that somebody else has deleted meanwhile is listed again: nobody would see its
-// channels any more.
+// A category that another program has deleted meanwhile is listed again, or else its channels
+// would be out of sight.
 bool listCategory(DeviceParts &device, const QString &category) {
     return device.categoryStore.ensureListed(cut(category, categoryCapacity));
 }
@@ -103,7 +103,7 @@ int addChannel(DeviceParts &device, const ChannelRecord &record) {
 }
 
 int addUnnamedChannel(DeviceParts &device, ChannelRecord record) {
-    Change change(device); // so that nobody takes the name meanwhile
+    Change change(device); // so that the name is not taken meanwhile
     const QString base = resourceString(newChannelNameString);
     record.channelName = base;
     for (int counter = 0; ChannelExistsJob(device, record.channelName, record.category); ++counter)

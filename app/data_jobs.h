@@ -14,7 +14,7 @@ using JobEnd = std::function<void(int messageId)>;
 // The jobs that change channels and categories. Each is started, not waited for, and done in the
 // order in which it was started; one that is under way when the program ends is done before that.
 // Names are cut to 40 (category) and 50 (channel) characters. True when the job was started;
-// otherwise nobody is told. A failure leaves what was there before as it was, and its code in
+// otherwise `end` is not called. A failure leaves what was there before as it was, and its code in
 // "ERRORNO", except that a name or an address that is refused has none.
 
 /// Renames a category, with all its channels and articles: it is in the list of categories under
@@ -30,7 +30,7 @@ bool startDeleteCategory(AppState &state, QObject *receiver, const QString &cate
 /// Adds a channel. Where its name is taken it may get another, as `FeedStore::InsertChannel` tells.
 bool AddChannelJob(AppState &state, QObject *receiver, const ChannelRecord &record, JobEnd end);
 
-/// Adds a channel that nobody has given a name: as "New Channel" or, while its category has one of
+/// Adds a channel without a given name: as "New Channel" or, while its category has one of
 /// that name, "New Channel 0" and so on. The record's own name does not count.
 bool startAddUnnamedChannel(AppState &state, QObject *receiver, const ChannelRecord &record,
                             JobEnd end);

@@ -34,7 +34,7 @@ int DeviceParts::open() {
         return store->error() == SeedFileMissing ? fileProblemString : databaseProblemString;
     }
     ownFiles_ = files();
-    // While somebody else is at work, a category may be lost for a moment only.
+    // While another process is at work, a category may be lost for a moment only.
     areListed = (!channelsLock.isHeld() || listLostCategories()) && areListed;
     return areListed ? 0 : fileProblemString;
 }

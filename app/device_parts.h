@@ -33,7 +33,7 @@ public:
 
     /// Seeds the categories where there are none, and opens the database, which makes and seeds it
     /// on first use. Lists again what categories channels are in that no list has, as when a
-    /// deletion was cut short: nobody would see them any more. May take long. Gives back the string
+    /// deletion was cut short: they would be out of sight. May take long. Gives back the string
     /// of what is to be told to the user, or 0: the screens work on what could be had. A registry
     /// that cannot be read is not told here, because the list of categories tells it.
     int open();
@@ -42,11 +42,11 @@ public:
     /// replaced by others: what is written goes nowhere otherwise.
     bool isStillThere() const;
 
-    /// Closes the database for good. Nobody may be using it.
+    /// Closes the database for good. It must not be in use.
     void close();
 
-    /// The file to lock for a change of several steps, so that nobody sees it half done, and how
-    /// long to wait for it: as long as for the database.
+    /// The file to lock for a change of several steps, so that no process sees it half done, and
+    /// how long to wait for it: as long as for the database.
     QString channelsLockPath() const { return root.filePath(u"\\run\\channels.lock"); }
     static constexpr std::chrono::seconds channelsTimeout{5};
 

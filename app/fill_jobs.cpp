@@ -29,7 +29,7 @@ bool FillJobs::launch(QObject *receiver, Fill fill) {
         refuse(receiver, std::move(fill));
         return true;
     }
-    // A mutex that is not there at all keeps nobody from filling.
+    // Without any mutex fills run all the same.
     if (dbMutex_.isOpen() && !count(-1, jobPatience))
         return false;
     auto job = std::make_shared<Job>(Job{std::move(fill), receiver, false, {}});

@@ -41,7 +41,7 @@ int runImport(Device &device, const Arguments &arguments) {
     const AddMode mode = isAddress(source) ? AddMode::ListFromUrl : AddMode::ListFromFile;
     if (!reader.open(mode, source))
         return fail(QStringLiteral("%1: %2").arg(source, messageWithCode(reader.error())));
-    // Only now: nobody is to wait for a server that this waits for.
+    // Only now: others must not wait for the server that this waits for.
     if (!device.lockChannels())
         return ExitFailed;
     const QString category = ensureCategory(device, arguments.operands[1].trimmed());

@@ -93,7 +93,7 @@ int runUpdate(Device &device, const Arguments &arguments) {
     if (isOneByOne && !arguments.jobs.isEmpty())
         return failUsage(QStringLiteral("--pauses goes without --jobs"));
     const std::optional<QList<RefreshJob>> wanted = wantedJobs(device, category, channel);
-    device.unlockChannels(); // nobody waits for servers that this waits for
+    device.unlockChannels(); // others must not wait for the servers that this waits for
     if (!wanted)
         return ExitFailed;
     const QList<RefreshJob> &jobs = *wanted;

@@ -16,7 +16,7 @@ namespace tidebrook {
 /// How a refresh goes about it, for whom it is.
 struct FetchOptions {
     bool keepsPauses = true;   ///< the fixed ones between its steps, as for the screens
-    bool recordsErrors = true; ///< in the registry, for somebody who waits to be told
+    bool recordsErrors = true; ///< in the registry, for a program that waits for the result
 };
 
 /// Refreshes one channel: gets its document over the network and hands it to the parser. Made for

@@ -123,7 +123,7 @@ void Application::activateDownloader() {
     try {
         activation_ = std::thread([root = opening_.root] { activateService(root); });
     } catch (const std::system_error &) {
-        return; // updates will then find nobody, and say so
+        return; // an update then fails by its time-out
     }
 }
 

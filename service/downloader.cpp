@@ -80,7 +80,7 @@ bool Downloader::run() {
     return true;
 }
 
-// Settings and the clock are looked at every minute; who changes them tells nobody.
+// Settings and the clock are looked at every minute; a change of them sends no signal.
 std::chrono::milliseconds Downloader::timeToSleep() const {
     const std::optional<QDateTime> next = schedule_.next();
     const QDateTime now = utcNow();

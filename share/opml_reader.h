@@ -14,7 +14,7 @@
 namespace tidebrook {
 
 /// A channel that a list offers. Both texts are ended by a zero; an entry whose name is empty is a
-/// hole, which nobody is offered.
+/// hole, which is not offered.
 struct OpmlEntry {
     char16_t name[50];
     char16_t url[512];

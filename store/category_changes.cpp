@@ -33,7 +33,7 @@ CategoryChange RenameCategory(CategoryListStore &categories, FeedStore &store, c
         return CategoryChange::NotListed;
     if (!store.MoveCategory(old, to)) {
         if (!wasListed)
-            categories.DeleteCategory(to); // an empty one that stays is in nobody's way
+            categories.DeleteCategory(to); // an empty one that stays does no harm
         return CategoryChange::NotMoved;
     }
     return categories.DeleteCategory(old) ? CategoryChange::Done : CategoryChange::NotListed;

@@ -196,7 +196,7 @@ bool FeedStore::PublishTotalUnread() {
                    [&](SqlCommand &command) { return SumUnread(command, sum); }))
             return false;
     }
-    // Nobody is kept from the database while the registry is waited for.
+    // The database is free for others while the registry is waited for.
     return settings_.setDword(todayItemKey_, u"UnreadItems", static_cast<quint32>(sum));
 }
 

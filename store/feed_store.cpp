@@ -32,7 +32,7 @@ constexpr char16_t articleIndex[] =
 constexpr char16_t channelIndex[] =
     u"CREATE UNIQUE INDEX PK_CHRD on RSSCHRecord (CATEGORY ASC, CHANNEL_NAME ASC)";
 
-// What a killed process was building; nobody else builds while the lock is held.
+// What a killed process was building; no other process builds while the lock is held.
 void removeUnfinished(const DeviceRoot &device) {
     QDir temp(device.filePath(u"\\Temp"));
     const auto all = QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot;

@@ -38,7 +38,7 @@ std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
     for (QStringView line : lines) {
         if (line.endsWith(u'\r'))
             line.chop(1);
-        if (line.isEmpty()) // an empty line is nobody's channel
+        if (line.isEmpty()) // an empty line is no channel
             continue;
         const QList<QStringView> fields = line.split(u'\t');
         channels.append({field(fields, 0, channelNameCapacity), field(fields, 1, linkCapacity),

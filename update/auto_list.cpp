@@ -38,7 +38,7 @@ Entry entryOf(const QStringList &tokens) {
 }
 
 // Texts stand between tabs and line feeds alike, and are taken three at a time. A line of three is
-// a channel whatever stands before it, so that what somebody has spoilt by hand spoils no more.
+// a channel whatever stands before it, so that a line spoilt by hand spoils no other.
 QList<Entry> readEntries(const QString &text) {
     QList<Entry> entries;
     QStringList tokens; // of lines that are not three texts

@@ -15,9 +15,9 @@ namespace tidebrook {
 // characters, and without the blanks at their ends.
 //
 // Every change replaces the list as a whole, and takes out the lines of channels that the store no
-// longer has. The caller holds the lock of the channels, so that nobody else changes either, and
-// has the store open. A change of a device without a list does nothing, with success. False means
-// that the list is as it was: it could not be read or written.
+// longer has. The caller holds the lock of the channels, so that no other process changes either,
+// and has the store open. A change of a device without a list does nothing, with success. False
+// means that the list is as it was: it could not be read or written.
 
 /// Whether a channel is on the list. A list that is missing comes into being by this, empty.
 /// Nothing when the list cannot be read, or made.

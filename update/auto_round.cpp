@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 constexpr int channelsAtOnce = 4;
 constexpr int silenceLimit = 3; // times in a row that a host may keep a round waiting for nothing
 
-// Nobody waits for a round. What goes wrong in it must not be told to who waits for something else.
+// No user waits for a round. A failure in it must not reach a user who waits for something else.
 constexpr FetchOptions unattended{.keepsPauses = false, .recordsErrors = false};
 
 // Rounds are not to the second as far apart as they are meant to be.

@@ -16,8 +16,8 @@ inline constexpr std::chrono::seconds usualAnswerTimeout(60);
 enum class DownloadAnswer {
     Done,
     Failed,   ///< the code is in the registry's "ERRORNO"
-    TimedOut, ///< nobody answered, or will: somebody else has made a newer request
-    Input,    ///< the input came first; the answer, if there will be one, is for nobody
+    TimedOut, ///< no answer came, or will: another program has made a newer request
+    Input,    ///< the input came first; a later answer is ignored
 };
 
 /// The two events by which the downloader answers, held open by a process that waits for them: an

@@ -44,7 +44,7 @@ private:
 };
 
 /// Held while a request is written, and from the look whether one is still the latest until its
-/// answer is given: so nobody who has written a newer one gets that answer. A process that
+/// answer is given: so the writer of a newer one does not get that answer. A process that
 /// was stopped or killed meanwhile keeps the others waiting for a moment only.
 class RequestTurn {
 public:
@@ -58,8 +58,8 @@ private:
 };
 
 /// Answers the process that waits for this request: with success for the code 0, else with the code
-/// in the registry's "ERRORNO". An answer that nobody waits for is gone. False when a newer request
-/// has been written, and so none was given.
+/// in the registry's "ERRORNO". An answer that no process waits for is lost. False when a newer
+/// request has been written, and so none was given.
 bool answerDownload(const DeviceRoot &device, Registry &registry, const RequestFile &request,
                     quint32 code);
 

@@ -19,7 +19,7 @@ public:
     const StopSignal &stopSignal() const { return stop_; }
 
     /// As WaitAny takes it: readable while there is input, and from a stop on. Never read it.
-    /// Negative when the process has no descriptor left; then nobody who waits is woken.
+    /// Negative when the process has no descriptor left; then no waiting thread is woken.
     int descriptor() const { return wakeUp_.descriptor(); }
 
 private:

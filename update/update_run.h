@@ -41,7 +41,7 @@ struct UpdateObserver {
 /// in, and a stop ends the run within a moment, unless the downloader is just being started.
 ///
 /// The functions return false when an update failed, and then "ERRORNO" has the code: the
-/// downloader's, the store's, or 1012 where no answer came in time or a request of somebody else
+/// downloader's, the store's, or 1012 where no answer came in time or a request of another program
 /// took the place of this one. A stopped run has not failed. Longer names are cut to 40 (category)
 /// and 50 (channel) characters.
 class UpdateRun {

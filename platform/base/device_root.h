@@ -31,9 +31,9 @@ public:
 
     /// Makes a device where there is nothing yet, or an empty folder. It is built aside, filled by
     /// `fill` (which is given the root being built and returns whether it succeeded), and put in
-    /// place whole, so that nobody ever sees half a device. True when there is a device afterwards,
-    /// also when somebody else made it meanwhile; after a failure nothing is left behind.
-    /// What a killed process left of a device that it was building is removed.
+    /// place whole, so that no process ever sees half a device. True when there is a device
+    /// afterwards, also when another process made it meanwhile; after a failure nothing is left
+    /// behind. What a killed process left of a device that it was building is removed.
     bool provision(const std::function<bool(const DeviceRoot &)> &fill) const;
 
 private:

@@ -39,7 +39,7 @@ bool isJoinerInEmoji(QStringView text, qsizetype at) {
            (after.isHighSurrogate() || after.category() == QChar::Symbol_Other);
 }
 
-// Tags and their like have pairs of their own, which all are seen by nobody.
+// Tags and their like have pairs of their own, which are all invisible.
 bool isHiddenPair(QStringView text, qsizetype at) {
     constexpr char16_t firstOfPair = 0xDB40;
     return text[at] == firstOfPair || (at > 0 && text[at - 1] == firstOfPair);

@@ -15,8 +15,9 @@ namespace tidebrook {
 
 namespace {
 
-// Runs in a process between this one and the program, which is nobody's child when that one ends.
-// Of a process with several threads only this thread has gone along, so nothing here takes memory.
+// Runs in a process between this one and the program, which is no child of this process when that
+// one ends. Of a process with several threads only this thread has gone along, so nothing here
+// takes memory.
 [[noreturn]] void watch(char *const *arguments, const timespec &timeout) {
     setsid();
     sigset_t ended;

@@ -9,7 +9,7 @@
 
 namespace tidebrook {
 
-// What the transports of this room share over libcurl. Nobody else includes this.
+// What the transports of this module share over libcurl. No other module includes this.
 
 /// How many times a request is sent on to another address.
 inline constexpr long redirectLimit = 10;
@@ -54,7 +54,7 @@ public:
         curl().curl_easy_setopt(easy_, option, value);
     }
     void setTimeLimits(const HttpLimits &limits, std::chrono::milliseconds whole);
-    /// The list is copied by nobody, so this keeps it.
+    /// libcurl does not copy the list, so this keeps it.
     void setHeaders(CurlList headers);
 
     /// Runs it on this thread to its end, or until `stop` is raised.

@@ -118,7 +118,7 @@ SqliteDatabase::~SqliteDatabase() {
 
 bool SqliteDatabase::configure(const Options &options) {
     sqlite3_busy_timeout(handle_, options.busyTimeout);
-    // A file of somebody else's making must not bring code along in its schema.
+    // A file that another program made must not bring code along in its schema.
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     if (!options.create && !hasSchema())

@@ -71,10 +71,10 @@ public:
     /// Whether a database may lie at a path: what is there is a plain file or a link to one, and
     /// no other thing lies in the place of its journal. Nothing but that is ever opened.
     static bool isUsablePlace(const QString &path);
-    /// Writes all that is in the journal of a database that nobody has open into its file, and
+    /// Writes all that is in the journal of a database that no process has open into its file, and
     /// syncs that. True when the file alone is the whole database, and outlives a power cut.
     static bool settle(const QString &path);
-    /// Removes a database that nobody has open, with its journal; never what is no plain file.
+    /// Removes a database that no process has open, with its journal; never what is no plain file.
     static bool remove(const QString &path);
     /// Whether a file is damaged, or is no database; false also when that cannot be told, as of
     /// one that others have locked.
@@ -92,7 +92,7 @@ public:
     SqliteStep run(const QByteArray &utf8);
 
     bool inTransaction() const;
-    /// Makes everything that was committed outlive a power cut. Waits for nobody.
+    /// Makes everything that was committed outlive a power cut. Waits for no other user of it.
     bool flush();
     QString lastError() const;
 

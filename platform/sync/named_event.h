@@ -8,8 +8,8 @@
 namespace tidebrook {
 
 /// An event that processes share by its name: set or not set. It stays as it is as long as any
-/// process holds it open, and is not set once nobody did. All processes must open a name with the
-/// same kind of reset. Thread-safe; `WaitAny` waits for it.
+/// process holds it open, and is clear once no process does. All processes must open a name with
+/// the same kind of reset. Thread-safe; `WaitAny` waits for it.
 ///
 /// It is a FIFO, `run/NAME.event`, that is set while there is a byte in it. The file is made when
 /// it is missing and must never be removed: those who hold it and those who come later would
@@ -17,7 +17,7 @@ namespace tidebrook {
 class NamedEvent {
 public:
     enum class Reset {
-        Manual, ///< stays set, for everybody who waits, until `reset`
+        Manual, ///< stays set, for every waiting process, until `reset`
         Auto,   ///< one waiter takes it, which resets it
     };
 
@@ -28,7 +28,7 @@ public:
     bool isOpen() const { return isFifo_; }
 
     /// What the setter did before is visible to every process that sees or takes the event. Setting
-    /// it while it is set changes nothing, and nobody is kept waiting. False when it is not set
+    /// it while it is set changes nothing, and the call does not block. False when it is not set
     /// afterwards.
     bool set();
     void reset();

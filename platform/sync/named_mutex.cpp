@@ -120,7 +120,7 @@ NamedMutex::Mapping NamedMutex::map(int file) {
     return Mapping(memory == MAP_FAILED ? nullptr : static_cast<Shared *>(memory));
 }
 
-/// The file outlives a power cut, and would then hold an owner whom nobody ever declares dead.
+/// The file outlives a power cut, and would then hold an owner that is never declared dead.
 /// So every process keeps the file's shared lock while it uses the mutex, and a process that gets
 /// the exclusive one is alone with it and initialises the mutex anew. Turning that into a shared
 /// lock lets others come between, who begin it anew once more: nobody can have locked it yet. Where

@@ -18,7 +18,7 @@ public:
     bool wait(std::chrono::milliseconds timeout) const;
 
     /// For waiting together with other descriptors: readable once it is raised. Never read it.
-    /// Negative when the process has no descriptor left; then nobody who waits is woken, but
+    /// Negative when the process has no descriptor left; then no waiting thread is woken, but
     /// `isRaised` still tells.
     int descriptor() const { return wakeUp_.descriptor(); }
 

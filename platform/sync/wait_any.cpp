@@ -47,7 +47,7 @@ std::vector<pollfd> descriptorsOf(std::span<NamedEvent *const> events, int input
     return descriptors;
 }
 
-/// What poll has found; nothing when somebody else took it meanwhile.
+/// What poll has found; nothing when another process took it meanwhile.
 std::optional<WaitResult> found(const std::vector<pollfd> &descriptors,
                                 std::span<NamedEvent *const> events) {
     for (std::size_t i = 0; i < events.size(); ++i) {

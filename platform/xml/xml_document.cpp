@@ -122,7 +122,7 @@ private:
         return true;
     }
 
-    // Answers for every external DTD, whose address nobody asks.
+    // Stands for every external DTD, none of which is loaded.
     bool declareEntities(XML_Parser asking) {
         const Parser parser(XML_ExternalEntityParserCreate(asking, nullptr, "UTF-8"));
         const QByteArray declarations = htmlEntityDeclarations() + otherDeclarations();
@@ -130,7 +130,7 @@ private:
                                    static_cast<int>(declarations.size()), 1) == XML_STATUS_OK;
     }
 
-    // The parser drops what nobody has declared from attributes without a word, so that every
+    // The parser drops undeclared entities from attributes without a word, so that every
     // entity that is used is declared to be what is written. The first declaration is the one that
     // holds: the document's own, then HTML's.
     QByteArray otherDeclarations() const {
@@ -257,7 +257,7 @@ private:
         textEnd_ += static_cast<std::uint32_t>(text.size());
     }
 
-    // Nobody shares the text while it is being built, so this never copies it.
+    // No other copy shares the text while it is being built, so this never copies it.
     char *textData() { return document_.text_.data(); }
 
     void endText() {
