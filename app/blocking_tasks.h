@@ -44,7 +44,7 @@ public:
     void finish();
 
 Q_SIGNALS:
-    /// An task was begun, or is done. As many of the one as of the other.
+    /// A task was begun, or is done. As many of the one as of the other.
     void begun();
     void done();
 

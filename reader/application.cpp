@@ -25,7 +25,7 @@ namespace {
 constexpr QSize deskWindow(480, 640);
 constexpr int iconSize = 128;
 constexpr int windowIconDelay = 300; // ms
-constexpr int unseenPatience = 40;   // ms until the window is shown without a screen in it
+constexpr int unseenDelay = 40;      // ms until the window is shown without a screen in it
 
 std::atomic<StopSignal *> signalled = nullptr;
 
@@ -103,7 +103,7 @@ int Application::awaitDevice() {
     QEventLoop loop;
     DeviceOpening::Opened opened;
     stack_.progressLine().begin();
-    QTimer::singleShot(unseenPatience, &loop, [this] { showWindow(); });
+    QTimer::singleShot(unseenDelay, &loop, [this] { showWindow(); });
     const bool isWaiting = waiting.ask(
         &loop, [this] { return opening_.take(); },
         [&](DeviceOpening::Opened result) {

@@ -23,8 +23,6 @@
 
 namespace tidebrook {
 
-namespace {} // namespace
-
 bool SteppedListScreen::initialise(Dialog &dialog) {
     dialog_ = &dialog;
     list_ = dialog.control<ListView>(ListViewControl);

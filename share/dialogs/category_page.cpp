@@ -12,8 +12,6 @@
 
 namespace tidebrook {
 
-namespace {} // namespace
-
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels,
                            bool isProbed)
     : FormProcedure(adding.state, CommandWizardBack, CommandFinish), adding_(adding),

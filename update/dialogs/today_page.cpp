@@ -10,8 +10,6 @@
 
 namespace tidebrook {
 
-namespace {} // namespace
-
 void TodayPage::initialise(Form &form) {
     form_ = &form;
     enabled_ = form.control<QAbstractButton>(TodayEnabledBox);
