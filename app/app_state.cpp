@@ -16,8 +16,9 @@ template <class Worker> void showOn(ProgressLine &line, const Worker &worker) {
 
 } // namespace
 
-AppState::AppState(DeviceParts &parts, ScreenStack &screenStack)
-    : device(parts), stack(screenStack), fills(parts.dbMutex), updates(parts) {
+AppState::AppState(Device &parts, ScreenStack &screenStack)
+    : device(parts), dbMutex(parts.root, u"RSSMutex"), stack(screenStack), fills(dbMutex),
+      updates(parts) {
     showOn(stack.progressLine(), changes);
     showOn(stack.progressLine(), settings);
     showOn(stack.progressLine(), blockingTasks);

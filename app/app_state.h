@@ -1,10 +1,11 @@
 #pragma once
 
 #include "app/blocking_tasks.h"
-#include "app/device_parts.h"
 #include "app/fill_jobs.h"
 #include "app/update_jobs.h"
 #include "app/work_queue.h"
+#include "platform/sync/named_mutex.h"
+#include "subscriptions/device.h"
 #include "update/today_tap.h"
 
 #include <QFont>
@@ -29,11 +30,12 @@ inline constexpr std::array fontSizes{9, 11, 13};
 /// its queues, and gets values.
 struct AppState {
     /// While something is at work, the stack's progress line shows it.
-    AppState(DeviceParts &parts, ScreenStack &screenStack);
+    AppState(Device &parts, ScreenStack &screenStack);
     AppState(const AppState &) = delete;
     AppState &operator=(const AppState &) = delete;
 
-    DeviceParts &device;
+    Device &device;
+    NamedMutex dbMutex; ///< "RSSMutex"
     ScreenStack &stack;
 
     /// Changes of the categories, channels and articles, and what must see them done.

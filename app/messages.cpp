@@ -48,7 +48,7 @@ void ShowError(AppState &state, int textId) {
         [&stack](quint32 code) { showErrorText(stack, errorMessage(code)); });
 }
 
-int recordProblem(DeviceParts &device, int textId) {
+int recordProblem(Device &device, int textId) {
     if (const quint32 code = codeOf(textId); code != 0)
         SetLastErrorCode(device.registry, code);
     return textId;

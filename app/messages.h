@@ -14,7 +14,7 @@ void ShowError(AppState &state, int textId);
 
 /// Records, as "ERRORNO", the code of a problem that a text of the string table tells, and gives
 /// the text's id back. For 0 and for other texts nothing is recorded. On any thread; it may wait.
-int recordProblem(DeviceParts &device, int textId);
+int recordProblem(Device &device, int textId);
 
 /// Shows a problem, and records its code soon.
 void tellProblem(AppState &state, int textId);

@@ -24,7 +24,7 @@ bool isInput(QEvent::Type type) {
 
 } // namespace
 
-UpdateJobs::UpdateJobs(DeviceParts &device) : device_(device) {}
+UpdateJobs::UpdateJobs(Device &device) : device_(device) {}
 
 UpdateJobs::~UpdateJobs() { finish(); }
 
@@ -67,7 +67,7 @@ void UpdateJobs::run(const Work &work, std::chrono::milliseconds answerTimeout) 
                     Q_EMIT channelCounted(category, channel, counts.unread, counts.total);
                 });
             }};
-    UpdateRun updateRun({device_.root, device_.registry, *device_.store, interrupt_, answerTimeout},
+    UpdateRun updateRun({device_.root, device_.registry, device_.store, interrupt_, answerTimeout},
                         observer);
     const bool hasFailed = !work(updateRun);
     tell([this, hasFailed] {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/device_parts.h"
 #include "platform/sync/mailbox.h"
+#include "subscriptions/device.h"
 #include "update/run_interrupt.h"
 #include "update/update_run.h"
 
@@ -23,7 +23,7 @@ class UpdateJobs : public QObject {
 
 public:
     /// The device's parts outlive it, and its store is there until this has finished.
-    explicit UpdateJobs(DeviceParts &device);
+    explicit UpdateJobs(Device &device);
     /// As `finish`.
     ~UpdateJobs() override;
 
@@ -66,7 +66,7 @@ private:
     void tell(std::function<void()> call);
     void end();
 
-    DeviceParts &device_;
+    Device &device_;
     Mailbox mailbox_; // of the user-interface thread
     RunInterrupt interrupt_;
     std::chrono::milliseconds answerTimeout_ = usualAnswerTimeout;

@@ -53,7 +53,7 @@ ScreenDriver::Cost between(const ScreenDriver::Cost &begin, const ScreenDriver::
 } // namespace
 
 ScreenDriver::ScreenDriver(const QString &home, const QSize &screen) : device_(DeviceRoot(home)) {
-    require(device_.open() == 0, QStringLiteral("the device opens"));
+    require(device_.open(std::nullopt) == DeviceFault::None, QStringLiteral("the device opens"));
     pthread_getcpuclockid(pthread_self(), &threadClock_);
     stack_.resize(screen);
     stack_.show();

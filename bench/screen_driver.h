@@ -79,7 +79,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    DeviceParts device_;
+    Device device_;
     ScreenStack stack_;
     std::unique_ptr<AppState> state_;
     Mailbox mailbox_; // of the screens' thread

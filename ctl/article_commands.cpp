@@ -20,7 +20,7 @@ QString shown(const QString &text) { return text.startsWith(missingText) ? QStri
 
 } // namespace
 
-QString listedTitle(Device &device, const QString &channel, const QString &title) {
+QString listedTitle(CommandDevice &device, const QString &channel, const QString &title) {
     const auto guard = device.store.lock();
     if (!device.store.ListArticles(channel, SortMode::Date))
         return title;
@@ -35,7 +35,7 @@ QString listedTitle(Device &device, const QString &channel, const QString &title
     return found;
 }
 
-int runArticles(Device &device, const Arguments &arguments) {
+int runArticles(CommandDevice &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
     const std::optional<SortMode> mode = sortMode(arguments.order);
     if (!mode)
@@ -51,7 +51,7 @@ int runArticles(Device &device, const Arguments &arguments) {
     return ExitDone;
 }
 
-int runShow(Device &device, const Arguments &arguments) {
+int runShow(CommandDevice &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
     if (!device.hasChannel(channel))
         return ExitFailed;
@@ -70,7 +70,7 @@ int runShow(Device &device, const Arguments &arguments) {
     return isMarked ? ExitDone : failStore(device);
 }
 
-int runMark(Device &device, const Arguments &arguments) {
+int runMark(CommandDevice &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
     const QString flag = arguments.operands[1];
     if (flag != u"read" && flag != u"unread")

@@ -1,12 +1,7 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "platform/base/text.h"
-#include "res/default_channels.h"
 #include "res/strings.h"
-#include "store/category_changes.h"
 #include "store/error_codes.h"
-#include "store/provisioning.h"
-#include "store/seeding.h"
 
 namespace tidebrook {
 
@@ -14,13 +9,6 @@ namespace {
 
 const QString listedFailure = QStringLiteral("the list of categories could not be stored");
 const QString nameNeeded = QStringLiteral("a category needs a name");
-constexpr qsizetype categoryLabelLimit = 39; // what the reader's label editor takes
-
-// As the label editor stores a name.
-QString categoryName(const QString &text) {
-    const QString name = withoutDropped(printable(text)).trimmed();
-    return cutText(name, categoryLabelLimit).toString().trimmed();
-}
 
 } // namespace
 
@@ -32,20 +20,43 @@ QString storeFailure(const Device &device) {
 
 int failStore(const Device &device) { return fail(storeFailure(device)); }
 
+QString failureOf(const Device &device, ChangeEnd end) {
+    switch (end) {
+    case ChangeEnd::NameTaken:
+        return resourceString(nameExistsString);
+    case ChangeEnd::LinkRefused:
+        return resourceString(wrongUrlString);
+    case ChangeEnd::NotReady:
+        return QStringLiteral("the device is gone");
+    case ChangeEnd::CategoriesFailed:
+        return listedFailure;
+    case ChangeEnd::AutoListFailed:
+        return QStringLiteral("the list of automatic updates could not be read or stored");
+    case ChangeEnd::StoreFailed:
+    case ChangeEnd::Done:
+        break;
+    }
+    return storeFailure(device);
+}
+
+int exitCodeOf(const Device &device, ChangeEnd end) {
+    return end == ChangeEnd::Done ? ExitDone : fail(failureOf(device, end));
+}
+
 int runInit(const DeviceRoot &root) {
-    if (!provisionDevice(root, defaultChannelsFile(), todayItemKey()))
+    if (!provisionDevice(root))
         return fail(QStringLiteral("%1: no device can be made there").arg(root.path()));
     if (!root.makeFolders())
         return fail(foldersFailure(root));
-    Device device(root);
-    if (!device.lockChannels() || !device.openRegistry())
+    CommandDevice device(root);
+    if (!device.lock() || !device.openRegistry())
         return ExitFailed;
-    quint32 categoryCount = 0;
-    SettingsStore(device.registry).RegReadDword(programKey, u"CategoryNumber", categoryCount);
-    if (categoryCount == 0 && seedCategories(root, device.registry) == Seeding::NotStored)
+    device.unlock(); // `open` locks them itself
+    const DeviceFault fault = device.open(std::nullopt);
+    if (fault == DeviceFault::CategoriesNotListed)
         return fail(listedFailure);
-    if (!device.openStore())
-        return ExitFailed;
+    if (fault != DeviceFault::None)
+        return failStore(device);
     const auto channels = device.channels();
     if (!channels)
         return ExitFailed;
@@ -55,60 +66,38 @@ int runInit(const DeviceRoot &root) {
     return ExitDone;
 }
 
-int runCategories(Device &device, const Arguments &) {
+int runCategories(CommandDevice &device, const Arguments &) {
     for (const QString &name : device.categories())
         printLine(name);
     return ExitDone;
 }
 
-QString ensureCategory(Device &device, const QString &name) {
-    if (device.categories().contains(name))
-        return name;
-    QString stored = categoryName(name);
-    if (stored.isEmpty()) {
-        fail(nameNeeded);
-        return {};
-    }
-    if (device.categoryStore.ensureListed(stored))
-        return stored;
-    fail(listedFailure);
-    return {};
+QString wantedCategory(CommandDevice &device, const QString &name) {
+    return device.categories().contains(name) ? name : categoryName(printable(name));
 }
 
-int runAddCategory(Device &device, const Arguments &arguments) {
-    if (device.categories().contains(categoryName(arguments.operands[0])))
-        return fail(resourceString(nameExistsString));
-    return ensureCategory(device, arguments.operands[0]).isEmpty() ? ExitFailed : ExitDone;
+int runAddCategory(CommandDevice &device, const Arguments &arguments) {
+    const QString name = categoryName(printable(arguments.operands[0]));
+    if (name.isEmpty())
+        return fail(nameNeeded);
+    return exitCodeOf(device, device.subscriptions().addCategory(name));
 }
 
-int runRenameCategory(Device &device, const Arguments &arguments) {
+int runRenameCategory(CommandDevice &device, const Arguments &arguments) {
     const QString old = arguments.operands[0];
-    const QString name = categoryName(arguments.operands[1]);
+    const QString name = categoryName(printable(arguments.operands[1]));
     if (!device.hasCategory(old))
         return ExitFailed;
     if (name.isEmpty())
         return fail(nameNeeded);
-    switch (RenameCategory(device.categoryStore, device.store, old, name)) {
-    case CategoryChange::Done:
-        return ExitDone;
-    case CategoryChange::NameTaken:
-        return fail(resourceString(nameExistsString));
-    case CategoryChange::NotMoved:
-        return failStore(device);
-    case CategoryChange::NotListed:
-        break;
-    }
-    return fail(listedFailure);
+    return exitCodeOf(device, device.subscriptions().RenameCategory(old, name));
 }
 
-int runDeleteCategory(Device &device, const Arguments &arguments) {
+int runDeleteCategory(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
-    if (!device.hasCategory(name))
-        return ExitFailed;
-    const ChannelChange end = deleteChannelsOf(device.root, device.store, name);
-    if (end != ChannelChange::StoreFailed && !device.categoryStore.DeleteCategory(name))
-        return fail(listedFailure);
-    return toldEnd(device, end);
+    return device.hasCategory(name)
+               ? exitCodeOf(device, device.subscriptions().deleteCategory(name))
+               : ExitFailed;
 }
 
 } // namespace tidebrook

@@ -1,43 +1,15 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "platform/base/text.h"
-#include "res/strings.h"
 
 namespace tidebrook {
 
-QString refusalOf(const QString &name, const QString &link) {
-    if (name.isEmpty())
-        return QStringLiteral("a channel needs a name");
-    return isStorableLink(link) ? QString() : resourceString(wrongUrlString);
+namespace {
+
+const QString nameNeeded = QStringLiteral("a channel needs a name");
+
 }
 
-QString subscribe(Device &device, const ChannelRecord &channel, QString *reason) {
-    QString storedName;
-    device.store.clearError();
-    if (device.store.InsertChannel(channel, &storedName))
-        return storedName;
-    QString other;
-    if (device.store.error() == 0)
-        device.store.FindCategory(channel.channelName, other);
-    *reason = other.isNull() ? storeFailure(device) : resourceString(nameExistsString);
-    return {};
-}
-
-int toldEnd(Device &device, ChannelChange end) {
-    switch (end) {
-    case ChannelChange::Done:
-        return ExitDone;
-    case ChannelChange::NameTaken:
-        return fail(resourceString(nameExistsString));
-    case ChannelChange::StoreFailed:
-        return failStore(device);
-    case ChannelChange::ListFailed:
-        break;
-    }
-    return fail(QStringLiteral("the list of automatic updates could not be read or stored"));
-}
-
-int runChannels(Device &device, const Arguments &arguments) {
+int runChannels(CommandDevice &device, const Arguments &arguments) {
     const QString category = arguments.operands.value(0);
     if (!category.isNull() && !device.hasCategory(category))
         return ExitFailed;
@@ -50,57 +22,50 @@ int runChannels(Device &device, const Arguments &arguments) {
     return ExitDone;
 }
 
-int runAdd(Device &device, const Arguments &arguments) {
-    const QString category = arguments.operands[0].trimmed();
+int runAdd(CommandDevice &device, const Arguments &arguments) {
+    const QString category = wantedCategory(device, arguments.operands[0].trimmed());
     const QString name = storableName(arguments.operands[1]);
-    const QString link = arguments.operands[2].trimmed();
-    QString reason = refusalOf(name, link);
-    if (!reason.isNull())
-        return fail(reason);
-    const QString listed = ensureCategory(device, category);
-    if (listed.isEmpty())
-        return ExitFailed;
-    const QString storedName = subscribe(device, {listed, name, link}, &reason);
-    if (storedName.isNull())
-        return fail(reason);
-    printLine(storedName);
-    return ExitDone;
+    if (category.isEmpty())
+        return fail(QStringLiteral("a category needs a name"));
+    if (name.isEmpty())
+        return fail(nameNeeded);
+    QString storedName;
+    const ChangeEnd end = device.subscriptions().addChannel(
+        {category, name, arguments.operands[2].trimmed()}, &storedName);
+    if (end == ChangeEnd::Done)
+        printLine(storedName);
+    return exitCodeOf(device, end);
 }
 
-int runRename(Device &device, const Arguments &arguments) {
+int runRename(CommandDevice &device, const Arguments &arguments) {
     const QString old = arguments.operands[0];
     const QString name = storableName(arguments.operands[1]);
     if (!device.hasChannel(old))
         return ExitFailed;
-    if (name.isEmpty())
-        return fail(QStringLiteral("a channel needs a name"));
-    return name == old ? ExitDone
-                       : toldEnd(device, renameChannel(device.root, device.store, old, name));
+    return name.isEmpty() ? fail(nameNeeded)
+                          : exitCodeOf(device, device.subscriptions().renameChannel(old, name));
 }
 
-int runMove(Device &device, const Arguments &arguments) {
+int runMove(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     const QString category = arguments.operands[1];
     if (!device.hasChannel(name) || !device.hasCategory(category))
         return ExitFailed;
-    return device.store.MoveChannel(name, category) ? ExitDone : failStore(device);
+    return exitCodeOf(device, device.subscriptions().moveChannel(name, category));
 }
 
-int runRelink(Device &device, const Arguments &arguments) {
+int runRelink(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     const QString link = arguments.operands[1].trimmed();
-    if (!device.hasChannel(name))
-        return ExitFailed;
-    if (!isStorableLink(link))
-        return fail(resourceString(wrongUrlString));
-    return device.store.SetChannelLink(name, link) ? ExitDone : failStore(device);
+    return device.hasChannel(name)
+               ? exitCodeOf(device, device.subscriptions().relinkChannel(name, link))
+               : ExitFailed;
 }
 
-int runDelete(Device &device, const Arguments &arguments) {
+int runDelete(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
-    if (!device.hasChannel(name))
-        return ExitFailed;
-    return toldEnd(device, deleteChannel(device.root, device.store, name));
+    return device.hasChannel(name) ? exitCodeOf(device, device.subscriptions().deleteChannel(name))
+                                   : ExitFailed;
 }
 
 } // namespace tidebrook

@@ -2,33 +2,25 @@
 
 #include "ctl/commands.h"
 #include "ctl/output.h"
-#include "res/strings.h"
 
 namespace tidebrook {
 
-QString todayItemKey() { return todayItemKey(resourceString(todayItemNameString)); }
-
-Device::Device(const DeviceRoot &deviceRoot)
-    : root(deviceRoot), registry(root), store(root, registry, todayItemKey()),
-      categoryStore(registry) {}
-
-bool Device::lockChannels() {
-    const QString path = root.filePath(u"\\run\\channels.lock");
-    if (!channelsLock_.emplace(path).isHeld())
-        fail(QStringLiteral("%1: cannot be locked").arg(path));
-    return channelsLock_->isHeld();
+bool CommandDevice::lock() {
+    const bool isHeld = locked_.emplace(*this).isHeld();
+    if (!isHeld)
+        fail(QStringLiteral("%1: cannot be locked").arg(channelsLockPath()));
+    return isHeld;
 }
 
-bool Device::openRegistry() {
-    const bool isReadable =
-        registry.isOpen() && registry.values(programKey) && registry.values(categoriesKey);
+bool CommandDevice::openRegistry() {
+    const bool isReadable = isRegistryReadable();
     if (!isReadable)
         fail(QStringLiteral("%1: the settings cannot be read: %2")
                  .arg(root.registryPath(), registry.faults().value(0)));
     return isReadable;
 }
 
-bool Device::openStore() {
+bool CommandDevice::openStore() {
     if (!openRegistry())
         return false;
     if (store.Open())
@@ -37,7 +29,7 @@ bool Device::openStore() {
     return false;
 }
 
-bool Device::hasChannel(const QString &name) {
+bool CommandDevice::hasChannel(const QString &name) {
     QString category;
     if (!store.FindCategory(name, category)) {
         failStore(*this);
@@ -48,14 +40,14 @@ bool Device::hasChannel(const QString &name) {
     return !category.isNull();
 }
 
-bool Device::hasCategory(const QString &name) {
+bool CommandDevice::hasCategory(const QString &name) {
     const bool isListed = categories().contains(name);
     if (!isListed)
         fail(QStringLiteral("there is no category \"%1\"").arg(name));
     return isListed;
 }
 
-std::optional<QList<ListedChannel>> Device::channels(const QString &category) {
+std::optional<QList<ListedChannel>> CommandDevice::channels(const QString &category) {
     const auto guard = store.lock();
     QList<ListedChannel> listed;
     for (const QString &name : category.isNull() ? categories() : QStringList{category}) {
@@ -73,7 +65,7 @@ std::optional<QList<ListedChannel>> Device::channels(const QString &category) {
     return listed;
 }
 
-QStringList Device::categories() {
+QStringList CommandDevice::categories() {
     return categoryStore.listedCategories().value_or(QStringList());
 }
 

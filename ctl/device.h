@@ -1,10 +1,6 @@
 #pragma once
 
-#include "platform/base/device_root.h"
-#include "platform/sql/registry.h"
-#include "platform/sync/file_lock.h"
-#include "store/category_list.h"
-#include "store/feed_store.h"
+#include "subscriptions/locked_subscriptions.h"
 
 #include <QList>
 #include <QString>
@@ -12,9 +8,6 @@
 #include <optional>
 
 namespace tidebrook {
-
-/// The registry key of the Today item.
-QString todayItemKey();
 
 /// A channel as the lists show it.
 struct ListedChannel {
@@ -25,23 +18,17 @@ struct ListedChannel {
     int total = 0;
 };
 
-/// The device that the commands work on, with everything that it stores.
-class Device {
+/// The device that the commands work on. Its own functions report their failures on standard error.
+class CommandDevice : public Device {
 public:
-    explicit Device(const DeviceRoot &deviceRoot);
+    using Device::Device;
 
-    const DeviceRoot root;
-    Registry registry;
-    FeedStore store;
-    CategoryListStore categoryStore;
-
-    // Each of these tells on standard error why it failed, if it did.
-
-    /// Locks the channels against other commands and the reader, for as long as this lives: the
-    /// categories and channels that are listed stay so, and a change of several steps is seen
-    /// whole.
-    bool lockChannels();
-    void unlockChannels() { channelsLock_.reset(); }
+    /// Locks the subscriptions against other programs: what is listed stays so until the command
+    /// ends, or `unlock`.
+    bool lock();
+    void unlock() { locked_.reset(); }
+    /// Only while they are locked.
+    LockedSubscriptions &subscriptions() { return *locked_; }
 
     bool openRegistry();
     bool openStore();
@@ -54,7 +41,7 @@ public:
     QStringList categories();
 
 private:
-    std::optional<FileLock> channelsLock_;
+    std::optional<LockedSubscriptions> locked_;
 };
 
 /// That the folders of a device cannot be made, in words.

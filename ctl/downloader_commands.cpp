@@ -41,7 +41,7 @@ QString resultInWords(const UpdateState &state) {
 /// When channels are tried automatically.
 class NextTries {
 public:
-    NextTries(Device &device, const QList<RefreshJob> &listed)
+    NextTries(CommandDevice &device, const QList<RefreshJob> &listed)
         : now_(utcNow()), settings_(AutoUpdateSettings::read(device.registry)),
           round_(nextRound(settings_, storedLastRound(device.registry), now_)) {
         for (const RefreshJob &job : listed)
@@ -69,47 +69,47 @@ private:
     QSet<QString> listed_;
 };
 
-int listAutomatic(Device &device) {
+int listAutomatic(CommandDevice &device) {
     const auto channels = autoUpdatedChannels(device.root);
     if (!channels)
-        return toldEnd(device, ChannelChange::ListFailed);
+        return exitCodeOf(device, ChangeEnd::AutoListFailed);
     for (const RefreshJob &job : *channels)
         printFields({job.channelName, job.category, job.url});
     return ExitDone;
 }
 
-int addAutomatic(Device &device, const QString &name) {
+int addAutomatic(CommandDevice &device, const QString &name) {
     RefreshJob job{{}, name, {}};
     if (!device.hasChannel(name))
         return ExitFailed;
     if (!device.store.FindCategory(name, job.category) ||
         !device.store.GetChannelLink(job.category, name, job.url))
         return failStore(device);
-    return toldEnd(device, makeAutomatic(device.root, device.store, job, true));
+    return exitCodeOf(device, device.subscriptions().setAutomatic(job, true));
 }
 
-int removeAutomatic(Device &device, const QString &name) {
+int removeAutomatic(CommandDevice &device, const QString &name) {
     if (isAutoUpdated(device.root, name) == false)
         return fail(QStringLiteral("\"%1\" is not on the list").arg(name));
     const QString any = QStringLiteral("");
-    return toldEnd(device, makeAutomatic(device.root, device.store, {any, name, any}, false));
+    return exitCodeOf(device, device.subscriptions().setAutomatic({any, name, any}, false));
 }
 
-int tellService(Device &device) {
+int tellService(CommandDevice &device) {
     const std::optional<pid_t> process = runningService(device.root);
     printLine(process ? QStringLiteral("running, as process %1").arg(*process)
                       : QStringLiteral("not running"));
     return process ? ExitDone : ExitFailed;
 }
 
-int startService(Device &device) {
+int startService(CommandDevice &device) {
     QString error;
     return activateService(device.root, &error) == Activation::Failed ? fail(error) : ExitDone;
 }
 
 } // namespace
 
-int runRequest(Device &device, const Arguments &arguments) {
+int runRequest(CommandDevice &device, const Arguments &arguments) {
     bool isNumber = true;
     const int timeout = arguments.timeout.isEmpty() ? static_cast<int>(usualAnswerTimeout.count())
                                                     : arguments.timeout.toInt(&isNumber);
@@ -135,7 +135,7 @@ int runRequest(Device &device, const Arguments &arguments) {
     return fail(messageWithCode(NothingKnown));
 }
 
-int runAuto(Device &device, const Arguments &arguments) {
+int runAuto(CommandDevice &device, const Arguments &arguments) {
     const QString action = arguments.operands[0];
     const QString name = arguments.operands.value(1);
     if (action == u"list" && name.isNull())
@@ -147,7 +147,7 @@ int runAuto(Device &device, const Arguments &arguments) {
     return failUsage(QStringLiteral("usage: tidebrookctl auto list | add NAME | remove NAME"));
 }
 
-int runService(Device &device, const Arguments &arguments) {
+int runService(CommandDevice &device, const Arguments &arguments) {
     const QString action = arguments.operands[0];
     if (action == u"status")
         return tellService(device);
@@ -159,13 +159,13 @@ int runService(Device &device, const Arguments &arguments) {
                                          : fail(QStringLiteral("the service does not end"));
 }
 
-int runUpdates(Device &device, const Arguments &) {
+int runUpdates(CommandDevice &device, const Arguments &) {
     const auto channels = device.channels();
     if (!channels)
         return ExitFailed;
     const auto automatic = autoUpdatedChannels(device.root);
     if (!automatic)
-        return toldEnd(device, ChannelChange::ListFailed);
+        return exitCodeOf(device, ChangeEnd::AutoListFailed);
     const QHash<QString, UpdateState> states = UpdateStateStore(device.root).readAll();
     const NextTries nextTries(device, *automatic);
     for (const ListedChannel &channel : *channels) {

@@ -18,7 +18,7 @@ struct Command {
     qsizetype mostOperands;
     QStringView options; // its own, divided by blanks
     Needs needs;
-    int (*run)(Device &, const Arguments &);
+    int (*run)(CommandDevice &, const Arguments &);
     const char16_t *usage;
     const char16_t *help;
 };
@@ -109,9 +109,9 @@ int runCommand(const Command &command, const Arguments &arguments) {
                         .arg(root.path()));
     if (!root.makeFolders())
         return fail(foldersFailure(root));
-    Device device(root);
+    CommandDevice device(root);
     const bool needsChannels = command.needs == Needs::Channels || command.needs == Needs::Files;
-    if (needsChannels && !device.lockChannels())
+    if (needsChannels && !device.lock())
         return ExitFailed;
     const bool needsStore = command.needs == Needs::Channels || command.needs == Needs::Store;
     if (needsStore && !device.openStore())

@@ -7,9 +7,9 @@ namespace tidebrook {
 namespace {
 
 // The two values that the platform keeps have keys of their own.
-QString keyOf(const QString &name, bool isToday) {
+QString keyOf(const Device &device, const QString &name, bool isToday) {
     if (isToday)
-        return todayItemKey();
+        return device.todayItemKey;
     if (name == u"Cradled")
         return hardwareStateKey.toString();
     if (name == u"Status")
@@ -21,7 +21,7 @@ bool isText(const QString &name, bool isToday) {
     return isToday && (name == u"CATEGORY" || name == u"CHANNEL" || name == u"TITLE");
 }
 
-int printSetting(Device &device, const QString &key, const QString &name) {
+int printSetting(CommandDevice &device, const QString &key, const QString &name) {
     const std::optional<RegistryValue> value = device.registry.read(key, name);
     if (!value)
         return fail(QStringLiteral("\"%1\" is not set").arg(name));
@@ -32,12 +32,12 @@ int printSetting(Device &device, const QString &key, const QString &name) {
 
 } // namespace
 
-int runSetting(Device &device, const Arguments &arguments) {
+int runSetting(CommandDevice &device, const Arguments &arguments) {
     if (!device.openRegistry())
         return ExitFailed;
     const QString name = arguments.operands[0];
     const bool isToday = arguments.options.contains(QStringLiteral("today"));
-    const QString key = keyOf(name, isToday);
+    const QString key = keyOf(device, name, isToday);
     if (arguments.operands.size() == 1)
         return printSetting(device, key, name);
     const QString text = arguments.operands[1];
@@ -54,7 +54,7 @@ int runSetting(Device &device, const Arguments &arguments) {
     return ExitDone;
 }
 
-int runCheck(Device &device, const Arguments &) {
+int runCheck(CommandDevice &device, const Arguments &) {
     const QStringList faults = checkStore(device.root, device.registry);
     for (const QString &fault : faults)
         printLine(fault);

@@ -18,22 +18,26 @@ int failWriting(const QString &path) {
     return fail(QStringLiteral("%1: the file cannot be written").arg(path));
 }
 
-// Tells what has become of a channel of a list.
-bool importChannel(Device &device, const QString &category, const OpmlEntry &entry) {
+// Reports what has become of a channel of a list.
+bool importChannel(CommandDevice &device, const QString &category, const OpmlEntry &entry) {
     const QString name = storableName(entry.nameText());
-    QString reason = refusalOf(name, entry.urlText());
-    const QString stored =
-        reason.isNull() ? subscribe(device, {category, name, entry.urlText()}, &reason) : QString();
-    if (stored.isNull())
-        fail(entry.nameText() + u": " + reason);
+    if (name.isEmpty()) {
+        fail(entry.nameText() + u": a channel needs a name");
+        return false;
+    }
+    QString storedName;
+    const ChangeEnd end =
+        device.subscriptions().addChannel({category, name, entry.urlText()}, &storedName);
+    if (end == ChangeEnd::Done)
+        printLine(storedName);
     else
-        printLine(stored);
-    return !stored.isNull();
+        fail(entry.nameText() + u": " + failureOf(device, end));
+    return end == ChangeEnd::Done;
 }
 
 } // namespace
 
-int runImport(Device &device, const Arguments &arguments) {
+int runImport(CommandDevice &device, const Arguments &arguments) {
     const QString source = arguments.operands[0];
     if (source.isEmpty())
         return fail(QStringLiteral("a list needs a file or an address"));
@@ -42,11 +46,11 @@ int runImport(Device &device, const Arguments &arguments) {
     if (!reader.open(mode, source))
         return fail(QStringLiteral("%1: %2").arg(source, messageWithCode(reader.error())));
     // Only now: others must not wait for the server that this waits for.
-    if (!device.lockChannels())
+    if (!device.lock())
         return ExitFailed;
-    const QString category = ensureCategory(device, arguments.operands[1].trimmed());
+    const QString category = wantedCategory(device, arguments.operands[1].trimmed());
     if (category.isEmpty())
-        return ExitFailed;
+        return fail(QStringLiteral("a category needs a name"));
     bool isWhole = true;
     OpmlEntry entry{};
     for (int pass = reader.entryCount(); pass > 0; --pass) {
@@ -56,7 +60,7 @@ int runImport(Device &device, const Arguments &arguments) {
     return isWhole ? ExitDone : ExitFailed;
 }
 
-int runExport(Device &device, const Arguments &arguments) {
+int runExport(CommandDevice &device, const Arguments &arguments) {
     const QString category = arguments.operands.first();
     const QString channel = arguments.operands.size() == 3 ? arguments.operands[1] : QString();
     const QString path = arguments.operands.last();
@@ -67,7 +71,7 @@ int runExport(Device &device, const Arguments &arguments) {
     return device.store.error() != 0 ? failStore(device) : failWriting(path);
 }
 
-int runSave(Device &device, const Arguments &arguments) {
+int runSave(CommandDevice &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
     const QString what = arguments.operands[2];
     const QString path = arguments.operands[3];

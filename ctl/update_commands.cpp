@@ -18,7 +18,7 @@ constexpr int jobLimit = 64;
 using Observer = std::function<void(qsizetype, const RefreshResult &)>;
 
 // The same work as a request of the screens is answered with, one channel after another.
-QList<RefreshResult> updateOneByOne(Device &device, const QList<RefreshJob> &jobs,
+QList<RefreshResult> updateOneByOne(CommandDevice &device, const QList<RefreshJob> &jobs,
                                     const Observer &observer) {
     QList<RefreshResult> results;
     for (const RefreshJob &job : jobs) {
@@ -43,10 +43,11 @@ void printResult(const RefreshJob &job, const RefreshResult &result) {
                  counts(result.counts.unread, result.counts.total), job.channelName});
 }
 
-// The channels that the operands name; nothing, with the failure told, when there are none such.
-std::optional<QList<RefreshJob>> wantedJobs(Device &device, const QString &category,
+// The channels that the operands name; nothing, and the failure is reported, when there are none
+// such.
+std::optional<QList<RefreshJob>> wantedJobs(CommandDevice &device, const QString &category,
                                             const QString &channel) {
-    if (!device.lockChannels())
+    if (!device.lock())
         return std::nullopt;
     if (!category.isNull() && !device.hasCategory(category))
         return std::nullopt;
@@ -65,7 +66,8 @@ std::optional<QList<RefreshJob>> wantedJobs(Device &device, const QString &categ
 
 } // namespace
 
-std::optional<RefreshJob> jobOf(Device &device, const QString &category, const QString &channel) {
+std::optional<RefreshJob> jobOf(CommandDevice &device, const QString &category,
+                                const QString &channel) {
     QString actual;
     QString link;
     if (!device.hasChannel(channel))
@@ -82,7 +84,7 @@ std::optional<RefreshJob> jobOf(Device &device, const QString &category, const Q
     return RefreshJob{link, channel, category};
 }
 
-int runUpdate(Device &device, const Arguments &arguments) {
+int runUpdate(CommandDevice &device, const Arguments &arguments) {
     const QString category = arguments.operands.value(0);
     const QString channel = arguments.operands.value(1);
     bool isNumber = true;
@@ -93,7 +95,7 @@ int runUpdate(Device &device, const Arguments &arguments) {
     if (isOneByOne && !arguments.jobs.isEmpty())
         return failUsage(QStringLiteral("--pauses goes without --jobs"));
     const std::optional<QList<RefreshJob>> wanted = wantedJobs(device, category, channel);
-    device.unlockChannels(); // others must not wait for the servers that this waits for
+    device.unlock(); // others must not wait for the servers that this waits for
     if (!wanted)
         return ExitFailed;
     const QList<RefreshJob> &jobs = *wanted;

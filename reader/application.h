@@ -40,8 +40,8 @@ private:
     DeviceOpening &opening_;
     SingleInstance &single_;
     ScreenStack stack_;
-    StopSignal stop_;                     // the system asks the program to end
-    std::unique_ptr<DeviceParts> device_; // ends after all who use it
+    StopSignal stop_;                // the system asks the program to end
+    std::unique_ptr<Device> device_; // ends after all who use it
     std::optional<AppState> state_;
     std::thread activation_;
 };

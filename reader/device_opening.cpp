@@ -1,14 +1,35 @@
 #include "reader/device_opening.h"
 
+#include "res/strings.h"
+#include "store/error_codes.h"
+
 #include <system_error>
 
 namespace tidebrook {
 
 namespace {
 
+constexpr std::chrono::seconds lockTimeout{5}; // as long as for the database
+
+// The string that says what is wrong, or 0. A registry that cannot be read is reported by the list
+// of categories.
+int problemOf(Device &device, DeviceFault fault) {
+    switch (fault) {
+    case DeviceFault::CategoriesNotListed:
+        return fileProblemString;
+    case DeviceFault::StoreClosed:
+        SetLastErrorCode(device.registry, device.store.error());
+        return device.store.error() == SeedFileMissing ? fileProblemString : databaseProblemString;
+    case DeviceFault::RegistryUnreadable:
+    case DeviceFault::None:
+        break;
+    }
+    return 0;
+}
+
 DeviceOpening::Opened openDevice(const DeviceRoot &root) {
-    auto device = std::make_unique<DeviceParts>(root);
-    const int messageId = device->open();
+    auto device = std::make_unique<Device>(root);
+    const int messageId = problemOf(*device, device->open(lockTimeout));
     return {std::move(device), messageId};
 }
 

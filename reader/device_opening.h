@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/device_parts.h"
 #include "platform/base/device_root.h"
+#include "subscriptions/device.h"
 
 #include <future>
 #include <memory>
@@ -14,7 +14,7 @@ public:
     explicit DeviceOpening(const DeviceRoot &deviceRoot);
 
     struct Opened {
-        std::unique_ptr<DeviceParts> device;
+        std::unique_ptr<Device> device;
         int messageId = 0; ///< the string of what is to be told to the user, or 0
     };
 

@@ -3,9 +3,8 @@
 #include "kit/touch_style.h"
 #include "platform/desktop/single_instance.h"
 #include "reader/application.h"
-#include "res/default_channels.h"
 #include "res/strings.h"
-#include "store/provisioning.h"
+#include "subscriptions/device.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -33,8 +32,7 @@ void prepareApplication() {
 
 void makeDevice(const DeviceRoot &device) {
     // What cannot be made is told by the screens, which then find no device.
-    if (device.isDevice() || provisionDevice(device, defaultChannelsFile(),
-                                             todayItemKey(resourceString(todayItemNameString))))
+    if (device.isDevice() || provisionDevice(device))
         device.makeFolders();
 }
 

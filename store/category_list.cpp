@@ -49,7 +49,9 @@ std::optional<QStringList> CategoryListStore::listedCategories() {
         if (list.isEmpty())
             break;
     }
-    if (list.isEmpty() && !settings_.registry().values(programKey))
+    const bool isReadable = settings_.registry().values(programKey).has_value() &&
+                            settings_.registry().values(categoriesKey).has_value();
+    if (list.isEmpty() && !isReadable)
         return std::nullopt;
     list.removeIf([](const QString &name) { return name.isNull(); });
     return list;

@@ -123,7 +123,7 @@ void ArticleListScreen::command(int id) {
 }
 
 SteppedListScreen::Collector ArticleListScreen::collector() const {
-    return [&store = *state().device.store, channel = name(), mode = state().sortMode](
+    return [&store = state().device.store, channel = name(), mode = state().sortMode](
                FillStop &stop) { return collectArticles(store, channel, mode, stop); };
 }
 
@@ -136,8 +136,8 @@ void ArticleListScreen::sortBy(SortMode mode) {
 
 void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel)) {
     const auto work = [&device = state().device, channel = name(), mark] {
-        const bool isStored = (*device.store.*mark)(channel);
-        device.store->PublishTotalUnread();
+        const bool isStored = (device.store.*mark)(channel);
+        device.store.PublishTotalUnread();
         return isStored ? 0 : recordProblem(device, databaseProblemString);
     };
     const auto end = [this](int messageId) {

@@ -57,8 +57,8 @@ struct ArticleViewScreen::Building {
 };
 
 // Reading the article is what marks it read.
-void ArticleViewScreen::build(DeviceParts &device, Building &building) {
-    FeedStore &store = *device.store;
+void ArticleViewScreen::build(Device &device, Building &building) {
+    FeedStore &store = device.store;
     if (building.isRowWanted)
         building.row = rowOfTitle(store, building.channel, building.title, building.mode);
     ArticleDetail detail;
@@ -176,7 +176,7 @@ bool ArticleViewScreen::summoned() {
 }
 
 void ArticleViewScreen::close() {
-    state_.changes.tell([&store = *state_.device.store] { store.PublishTotalUnread(); });
+    state_.changes.tell([&store = state_.device.store] { store.PublishTotalUnread(); });
     dialog_->end(1);
 }
 

@@ -31,7 +31,7 @@ private:
     void takeOver();
     struct Building;
     void buildPage();
-    static void build(DeviceParts &device, Building &building);
+    static void build(Device &device, Building &building);
     void show(const Building &building);
     void save(SaveKind kind);
     void send(SendKind kind);

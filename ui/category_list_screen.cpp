@@ -11,12 +11,10 @@
 #include "kit/list_view.h"
 #include "kit/screen_menu.h"
 #include "kit/screen_stack.h"
-#include "platform/base/text.h"
 #include "res/commands.h"
 #include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/opml_export.h"
-#include "store/escape_sql.h"
 #include "ui/channel_list_screen.h"
 #include "ui/column_width.h"
 #include "ui/update_commands.h"
@@ -29,16 +27,6 @@
 namespace tidebrook {
 
 namespace {
-
-constexpr int labelLimit = 39;
-
-// Only the blanks at both ends go; what the database would drop from a name goes as well, so that
-// the category's channels are found under it.
-QString categoryName(const QString &typed) {
-    const QString text = withoutDropped(typed);
-    const auto *first = std::find_if(text.begin(), text.end(), [](QChar c) { return c != u' '; });
-    return TrimTrailingBlanks(QStringView(first, text.end())).toString();
-}
 
 QString newName(const ListView &list) {
     const QString base = resourceString(newCategoryNameString);
@@ -57,7 +45,7 @@ bool CategoryListScreen::initialise(Dialog &dialog) {
         return false;
     state_.lists[CategoryScreen] = list_;
     list_->setImages({"category"});
-    list_->setLabelLimit(labelLimit);
+    list_->setLabelLimit(categoryNameLimit);
     list_->setAccessibleName(resourceString(allCategoriesString));
     QObject::connect(list_, &ListView::keyPressed, &dialog,
                      [this](int key, bool &isTaken) { handleKey(key, isTaken); });
@@ -190,11 +178,10 @@ void CategoryListScreen::newCategory() {
             list_->removeRow(row);
         tellFailedChange(messageId);
     });
-    const auto add = [&device = state_.device, name] {
-        const bool isDone = device.isStillThere() && device.categoryStore.AddCategory(name);
-        return isDone ? 0 : recordProblem(device, fileProblemString);
+    const auto add = [name](LockedSubscriptions &subscriptions) {
+        return subscriptions.addCategory(name);
     };
-    if (!state_.changes.ask(dialog_, add, end))
+    if (!startChange(state_, dialog_, add, end))
         end(fileProblemString);
 }
 
@@ -225,7 +212,10 @@ void CategoryListScreen::endLabelEdit(int row, const QString &text) {
         isRefreshOwed_ = true;
         tellFailedChange(messageId);
     });
-    if (!startRenameCategory(state_, dialog_, name, old, end))
+    const auto rename = [old, name](LockedSubscriptions &subscriptions) {
+        return subscriptions.RenameCategory(old, name);
+    };
+    if (!startChange(state_, dialog_, rename, end))
         end(fileProblemString);
 }
 
@@ -244,7 +234,10 @@ void CategoryListScreen::deleteCategory() {
     list_->selectRow(asked);
     setColumnWidth();
     const JobEnd end = counted([this](int messageId) { tellFailedChange(messageId); });
-    if (!startDeleteCategory(state_, dialog_, name, end))
+    const auto erase = [name](LockedSubscriptions &subscriptions) {
+        return subscriptions.deleteCategory(name);
+    };
+    if (!startChange(state_, dialog_, erase, end))
         end(fileProblemString);
 }
 

@@ -105,7 +105,7 @@ void ChannelListScreen::command(int id) {
 }
 
 SteppedListScreen::Collector ChannelListScreen::collector() const {
-    return [&store = *state().device.store, category = name()](FillStop &stop) {
+    return [&store = state().device.store, category = name()](FillStop &stop) {
         return collectChannels(store, category, stop);
     };
 }
@@ -149,7 +149,10 @@ void ChannelListScreen::deleteChannel() {
     const QString channel = list().rowText(*row);
     if (!askUser(state(), confirmDeletionString, deleteChannelString))
         return;
-    if (!startDeleteChannel(state(), &state().stack, channel, changeEnd()))
+    const auto erase = [channel](LockedSubscriptions &subscriptions) {
+        return subscriptions.deleteChannel(channel);
+    };
+    if (!startChange(state(), &state().stack, erase, changeEnd()))
         changeEnd()(fileProblemString);
 }
 

@@ -27,7 +27,7 @@ QString chooseFile(AppState &state, const QString &title) {
 
 void saveArticle(AppState &state, const QString &channel, const QString &title, SaveKind kind) {
     // What is shown may be another article by the time that the file is named.
-    const auto save = [&store = *state.device.store, channel, title, kind](const QString &path) {
+    const auto save = [&store = state.device.store, channel, title, kind](const QString &path) {
         ArticleExtract article;
         if (!store.GetArticleExtract(channel, title, article))
             return unidentifiedProblemString;
@@ -39,7 +39,7 @@ void saveArticle(AppState &state, const QString &channel, const QString &title, 
 }
 
 void sendArticle(AppState &state, const QString &channel, const QString &title, SendKind kind) {
-    startReportedTask(state, [&store = *state.device.store, channel, title, kind] {
+    startReportedTask(state, [&store = state.device.store, channel, title, kind] {
         return sendArticleLink(store, channel, title, kind) ? done : unidentifiedProblemString;
     });
 }

@@ -11,9 +11,12 @@ namespace {
 
 bool startOne(const ChannelAdding &adding, ChannelRecord channel, const JobEnd &end) {
     channel.channelName = storableName(channel.channelName);
-    if (channel.channelName.isEmpty())
-        return startAddUnnamedChannel(adding.state, adding.receiver, channel, end);
-    return AddChannelJob(adding.state, adding.receiver, channel, end);
+    if (!channel.channelName.isEmpty())
+        return AddChannelJob(adding.state, adding.receiver, channel, end);
+    const auto addUnnamed = [channel](LockedSubscriptions &subscriptions) {
+        return subscriptions.addUnnamedChannel(channel.category, channel.channelLink);
+    };
+    return startChange(adding.state, adding.receiver, addUnnamed, end);
 }
 
 } // namespace

@@ -32,9 +32,9 @@ struct Stored {
     std::optional<bool> isAutoUpdated; // unset when the list could not be read
 };
 
-Stored readStored(DeviceParts &device, const QString &category, const QString &channel) {
+Stored readStored(Device &device, const QString &category, const QString &channel) {
     Stored stored;
-    stored.isRead = device.store->GetChannelLink(category, channel, stored.link);
+    stored.isRead = device.store.GetChannelLink(category, channel, stored.link);
     if (!stored.isRead)
         recordProblem(device, databaseProblemString);
     stored.link = TrimTrailingBlanks(stored.link).toString();
@@ -154,8 +154,11 @@ void PropertiesDialog::apply() {
     const ChannelProperties to = wanted();
     const bool isChanged =
         to.category != initial_.category || to.link != initial_.link || to.name != initial_.name;
+    const auto change = [from = initial_, to](LockedSubscriptions &subscriptions) {
+        return subscriptions.changeChannel(from, to);
+    };
     const bool isStarted = (!isChanged && to.isAutoUpdated == initial_.isAutoUpdated) ||
-                           startChangeChannel(state(), receiver_, initial_, to, applied_);
+                           startChange(state(), receiver_, change, applied_);
     if (!isStarted)
         return tellProblem(state(), memoryProblemString);
     leave(isChanged ? 1 : 0);

@@ -33,7 +33,7 @@ void writeInTurn(AppState &state, const QString &category, const QString &channe
     const auto turn = std::make_shared<std::binary_semaphore>(0);
     if (!state.changes.tell([turn] { turn->release(); }))
         turn->release();
-    startReportedTask(state, [&store = *state.device.store, category, channel, path, turn] {
+    startReportedTask(state, [&store = state.device.store, category, channel, path, turn] {
         turn->acquire();
         return exportOpml(store, category, channel, path) ? 0 : fileProblemString;
     });

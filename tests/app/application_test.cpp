@@ -88,7 +88,7 @@ TEST_F(ApplicationTest, AStartSeedsCategoriesWhereThereAreNoneAndListsThoseOfCha
             device.store->DeleteCategoryChannels(category);
             categories.DeleteCategory(category);
         }
-        DeviceParts(device.root).open();
+        Device(device.root).open(5s);
         EXPECT_EQ(categories.listedCategories(), expected);
     };
     device.store->MoveChannel(u"Moon"_s, u"Sport"_s); // as a change that was cut short

@@ -26,7 +26,7 @@ constexpr int timeout = 20'000; // ms
 /// and s is done with a newer request. The others it leaves without an answer.
 class Downloader {
 public:
-    Downloader(DeviceParts &device, std::string script)
+    Downloader(Device &device, std::string script)
         : device_(device), script_(std::move(script)), thread_([this] {
               while (WaitAny({&told_}, stop_.descriptor(), {}).kind == WaitResult::Kind::Event)
                   serve();
@@ -50,16 +50,16 @@ private:
             requestDownload(device_.root, {u"http://o"_s, u"o"_s, u"O"_s}, others_);
             told_.reset();
         } else if (step == 'v')
-            device_.store->DeleteChannel(u"b"_s);
+            device_.store.DeleteChannel(u"b"_s);
         else if (step == 'x')
-            device_.store->ReleaseSession();
+            device_.store.ReleaseSession();
         last_ = step;
         if (std::string("dfvxs").find(step) != std::string::npos)
             answerDownload(device_.root, device_.registry, RequestFile(device_.root),
                            step == 'f' ? 1007 : 0);
     }
 
-    DeviceParts &device_;
+    Device &device_;
     const std::string script_;
     const ProcessLock lock_{serviceLockPath(device_.root)};
     NamedEvent told_{device_.root, requestEvent, NamedEvent::Reset::Manual};
@@ -73,7 +73,7 @@ private:
 class UpdateJobsTest : public testing::Test {
 protected:
     UpdateJobsTest() {
-        parts_.open();
+        parts_.open(5s);
         device_.store->Open();
         device_.addChannel(u"C"_s, u"a"_s, {u"1"_s, u"2"_s});
         device_.addChannel(u"C"_s, u"b"_s);
@@ -109,7 +109,7 @@ protected:
         }
     }
     TestDevice device_;
-    DeviceParts parts_{device_.root};
+    Device parts_{device_.root};
     const std::unique_ptr<QPointingDevice> finger_{QTest::createTouchDevice()};
     QWidget widget_;
     QString seen_;

@@ -59,20 +59,21 @@ TEST_F(BadGround, AFileThatOthersAreBusyWithIsWaitedFor) {
 
 TEST_F(BadGround, WhatCannotBeStoredIsToldOnceAndNothingIsLost) {
     // The locked file, for which each waits its time, or none where the disk is full.
-    const std::pair<QString, QList<Hand>> grounds[]{
-        {registry, {add}},
-        {database, {rename, removeCategory}},
-        {{}, {add, rename, removeCategory}},
+    const std::tuple<QString, QList<Hand>, QString> grounds[]{
+        {registry, {removeCategory}, fileProblem},
+        {database, {rename, removeCategory}, databaseProblem},
+        {{}, {add, rename}, fileProblem},
+        {{}, {removeCategory}, databaseProblem},
     };
     runOnScience([&](User &user) {
-        for (const auto &[file, hands] : grounds) {
+        for (const auto &[file, hands, problem] : grounds) {
             for (const Hand &hand : hands) {
                 SCOPED_TRACE(file.toStdString());
                 {
                     const auto full = file.isNull() ? std::make_unique<FullDisk>() : nullptr;
                     const auto lock = full ? nullptr : std::make_unique<WriteLock>(file);
                     hand(user);
-                    expectBox(user, file == database ? databaseProblem : fileProblem);
+                    expectBox(user, problem);
                 }
                 QStringList rows = user.rows();
                 user.act([&user] { user.list()->selectRow(user.list()->findRow(u"Science"_s)); });

@@ -124,7 +124,7 @@ TEST_F(ChannelListTest, WhatIsDoneWhileListsFillIsDoneToTheListThatComes) {
         titles.append(u"title %1"_s.arg(i));
     device.addChannel(u"Travel"_s, u"Sun"_s, titles);
     run([&](User &user) {
-        auto held = session->state().device.store->lock();
+        auto held = session->state().device.store.lock();
         user.press(Qt::Key_Return);
         ASSERT_TRUE(user.seesCaption(u"News"_s));
         for (const int key : {Qt::Key_Left, Qt::Key_Left, Qt::Key_Right, Qt::Key_Down})

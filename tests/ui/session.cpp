@@ -282,7 +282,7 @@ bool User::seesQuiet() {
 }
 
 Session::Session(const DeviceRoot &device, const QSize &screen) : device_(device) {
-    device_.open();
+    device_.open(5s);
     stack_.resize(screen);
     stack_.show();
     state_ = std::make_unique<AppState>(device_, stack_);

@@ -148,7 +148,7 @@ public:
     std::chrono::milliseconds longestBlocked() const { return longestBlocked_; }
 
 private:
-    DeviceParts device_;
+    Device device_;
     ScreenStack stack_;
     std::unique_ptr<AppState> state_;
     std::chrono::milliseconds longestBlocked_{0};

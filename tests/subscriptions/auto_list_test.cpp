@@ -1,7 +1,7 @@
+#include "subscriptions/locked_subscriptions.h"
 #include "support/full_disk.h"
 #include "support/test_device.h"
 #include "update/auto_list.h"
-#include "update/channel_changes.h"
 
 #include <QFile>
 
@@ -18,6 +18,7 @@ protected:
         device_.store->Open();
         for (const QString &name : {u"a"_s, u"b"_s, u"bc"_s, u"d"_s})
             device_.addChannel(u"C"_s, name);
+        opened_.open({});
     }
 
     QByteArray content() const { return contentOf(path_); }
@@ -27,8 +28,8 @@ protected:
         return setAutoUpdate(device_.root, *device_.store, {u"http://x/"_s + name, name, u"C"_s},
                              add);
     }
-    ChannelChange rename(const QString &old, const QString &name) {
-        return renameChannel(device_.root, *device_.store, old, name);
+    ChangeEnd rename(const QString &old, const QString &name) {
+        return LockedSubscriptions(opened_).renameChannel(old, name);
     }
     std::optional<bool> has(const QString &name) { return isAutoUpdated(device_.root, name); }
     QStringList names() {
@@ -40,12 +41,13 @@ protected:
     }
 
     TestDevice device_;
+    Device opened_{device_.root};
     const QString path_ = device_.root.filePath(u"\\windows\\UpdateChannel.list");
 };
 
 TEST_F(AutoListTest, ComesIntoBeingWhenItIsAskedFor) {
     EXPECT_TRUE(set(u"a"_s, true));
-    EXPECT_EQ(rename(u"d"_s, u"e"_s), ChannelChange::Done);
+    EXPECT_EQ(rename(u"d"_s, u"e"_s), ChangeEnd::Done);
     EXPECT_FALSE(QFile::exists(path_));
     EXPECT_EQ(has(u"a"_s), false);
     EXPECT_TRUE(QFile::exists(path_));
@@ -72,7 +74,7 @@ TEST_F(AutoListTest, NamesAreComparedOverFiftyCharactersWithoutTheBlanksAtTheirE
     EXPECT_EQ(has(u"b"_s), true);
     EXPECT_EQ(has(u"b "_s), true);
     EXPECT_EQ(names(), QStringList({name, u"b"_s}));
-    EXPECT_EQ(rename(u"b"_s, u"B"_s), ChannelChange::Done);
+    EXPECT_EQ(rename(u"b"_s, u"B"_s), ChangeEnd::Done);
     EXPECT_EQ(names(), QStringList({name, u"B"_s}));
     put(name + u"longer\tu\tC\nB  \tv\tC\n");
     EXPECT_TRUE(set(u"B"_s, false));
@@ -115,16 +117,16 @@ TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoesAndSpoiltNoMore) {
 TEST_F(AutoListTest, FollowsTheChangesOfChannels) {
     const QString lines = u"a\tu\tC\ngone\tu\tC\nb\tv\tD\nnote\nbc\tw\tE\n"_s;
     put(lines);
-    EXPECT_EQ(rename(u"b"_s, u"a"_s), ChannelChange::NameTaken);
+    EXPECT_EQ(rename(u"b"_s, u"a"_s), ChangeEnd::NameTaken);
     EXPECT_EQ(content(), utf16(lines));
     // A channel keeps its place and the rest of its line; what has no channel goes.
-    EXPECT_EQ(rename(u"b"_s, u"gone"_s), ChannelChange::Done);
+    EXPECT_EQ(rename(u"b"_s, u"gone"_s), ChangeEnd::Done);
     EXPECT_EQ(content(), utf16(u"a\tu\tC\ngone\tv\tD\nnote\nbc\tw\tE\n"_s));
-    EXPECT_EQ(rename(u"gone"_s, u"t\tab"_s), ChannelChange::Done) << "which is no name of a line";
+    EXPECT_EQ(rename(u"gone"_s, u"t\tab"_s), ChangeEnd::Done) << "which is no name of a line";
     EXPECT_EQ(content(), utf16(u"a\tu\tC\nnote\nbc\tw\tE\n"_s));
-    EXPECT_EQ(deleteChannel(device_.root, *device_.store, u"bc"_s), ChannelChange::Done);
+    EXPECT_EQ(LockedSubscriptions(opened_).deleteChannel(u"bc"_s), ChangeEnd::Done);
     EXPECT_EQ(content(), utf16(u"a\tu\tC\nnote\n"_s));
-    EXPECT_EQ(deleteChannelsOf(device_.root, *device_.store, u"C"_s), ChannelChange::Done);
+    EXPECT_EQ(LockedSubscriptions(opened_).deleteCategory(u"C"_s), ChangeEnd::Done);
     EXPECT_EQ(content(), utf16(u"note\n"_s));
 }
 
@@ -133,7 +135,7 @@ TEST_F(AutoListTest, OneThatCannotBeWrittenStaysAsItIs) {
     {
         const FullDisk disk;
         EXPECT_FALSE(set(u"b"_s, true));
-        EXPECT_EQ(rename(u"a"_s, u"new"_s), ChannelChange::ListFailed);
+        EXPECT_EQ(rename(u"a"_s, u"new"_s), ChangeEnd::AutoListFailed);
     }
     EXPECT_EQ(content(), utf16(u"a\tu\tC\n"_s));
 }
