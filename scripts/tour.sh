@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# A tour for somebody who sees Tidebrook for the first time: every command is shown, run for real
-# on a device in a temporary folder, and explained. It also holds what it sees against what it
-# tells, and ends with a failure at the first difference.
+# A tour for a new user: shows each command, explains it, and runs it on a device in a temporary
+# folder. It compares what it sees with what it explains, and fails at the first difference.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 source scripts/building.sh
@@ -107,7 +106,7 @@ makeDevice() {
     fi
 }
 
-# The port comes through a pipe, whose end tells as well if the server could not start.
+# The port comes through a pipe, whose end also reports a server that could not start.
 startServer() {
     local announcement=$temporary/announcement line=
     mkfifo "$announcement"
