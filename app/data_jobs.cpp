@@ -10,7 +10,6 @@ namespace tidebrook {
 namespace {
 
 constexpr int done = 0;
-constexpr std::chrono::seconds lockTimeout{5}; // as long as for the database
 
 // The string that says what failed: the database, or else a file.
 int messageOf(Device &device, ChangeEnd end) {
@@ -35,7 +34,7 @@ bool startChange(AppState &state, QObject *receiver,
     return state.changes.ask(
         receiver,
         [&device = state.device, change = std::move(change)] {
-            LockedSubscriptions subscriptions(device, lockTimeout);
+            LockedSubscriptions subscriptions(device, channelsLockTimeout);
             return messageOf(device, change(subscriptions));
         },
         std::move(end));

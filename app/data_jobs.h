@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "subscriptions/locked_subscriptions.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -11,6 +12,9 @@ namespace tidebrook {
 /// What came of a job: 0 when it is done, else the string that says why it is not. It is called on
 /// the user-interface thread.
 using JobEnd = std::function<void(int messageId)>;
+
+/// How long a program with screens waits for the lock of the channels: as long as for the database.
+inline constexpr std::chrono::seconds channelsLockTimeout{5};
 
 /// Starts a change of the categories and channels and does not wait for it. Changes are made in the
 /// order in which they were started; one that is under way when the program ends is finished

@@ -1,5 +1,6 @@
 #include "reader/device_opening.h"
 
+#include "app/data_jobs.h"
 #include "res/strings.h"
 #include "store/error_codes.h"
 
@@ -8,8 +9,6 @@
 namespace tidebrook {
 
 namespace {
-
-constexpr std::chrono::seconds lockTimeout{5}; // as long as for the database
 
 // The string that says what is wrong, or 0. A registry that cannot be read is reported by the list
 // of categories.
@@ -29,7 +28,7 @@ int problemOf(Device &device, DeviceFault fault) {
 
 DeviceOpening::Opened openDevice(const DeviceRoot &root) {
     auto device = std::make_unique<Device>(root);
-    const int messageId = problemOf(*device, device->open(lockTimeout));
+    const int messageId = problemOf(*device, device->open(channelsLockTimeout));
     return {std::move(device), messageId};
 }
 
