@@ -1,6 +1,5 @@
 #include "app/text_screens.h"
 
-#include "kit/controls.h"
 #include "kit/dialog.h"
 #include "kit/dialog_procedure.h"
 #include "kit/header_bar.h"
@@ -10,6 +9,8 @@
 #include "res/icons.h"
 #include "res/ids.h"
 #include "res/strings.h"
+
+#include <QLabel>
 
 namespace tidebrook {
 
@@ -38,9 +39,7 @@ private:
 class AboutScreen : public TextScreen {
     bool showText(Dialog &dialog) override {
         dialog.makeHeaderBar(resourceString(aboutString));
-        QWidget *label = dialog.form().control(AboutLabel);
-        if (label != nullptr)
-            setControlText(*label, aboutText());
+        dialog.control<QLabel>(AboutLabel)->setText(aboutText());
         return true;
     }
 };

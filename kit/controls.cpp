@@ -8,8 +8,6 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
 #include <QTabBar>
@@ -31,7 +29,7 @@ QWidget *makeLabel(const ControlTemplate &item, QWidget *parent) {
 
 QWidget *makeDropDownList(QWidget *parent) {
     auto *box = new QComboBox(parent);
-    // The delegate of its own asks the style how high an entry is, which knows about fingers.
+    // This delegate asks the style for the height of an entry, which is enough for a finger.
     box->setItemDelegate(new QStyledItemDelegate(box));
     scrollByTouch(*box->view());
     return box;
@@ -58,13 +56,13 @@ QWidget *makePage(QWidget *parent) {
     return page;
 }
 
-QWidget *makeWidget(const ControlTemplate &item, QWidget *parent) {
+} // namespace
+
+QWidget *makeControl(const ControlTemplate &item, QWidget *parent) {
     switch (item.kind) {
     case ControlKind::Label:
     case ControlKind::Image:
         return makeLabel(item, parent);
-    case ControlKind::PushButton:
-        return new QPushButton(parent);
     case ControlKind::CheckBox:
         return new WrappingCheckBox(parent);
     case ControlKind::RadioButton:
@@ -73,8 +71,6 @@ QWidget *makeWidget(const ControlTemplate &item, QWidget *parent) {
         return new QLineEdit(parent);
     case ControlKind::DropDownList:
         return makeDropDownList(parent);
-    case ControlKind::ListBox:
-        return new QListWidget(parent);
     case ControlKind::ListView:
         return makeListView(item, parent);
     case ControlKind::Tabs:
@@ -84,25 +80,7 @@ QWidget *makeWidget(const ControlTemplate &item, QWidget *parent) {
     case ControlKind::Page:
         return makePage(parent);
     }
-    return new QWidget(parent);
-}
-
-} // namespace
-
-QWidget *makeControl(const ControlTemplate &item, QWidget *parent) {
-    QWidget *control = makeWidget(item, parent);
-    if (item.text != nullptr)
-        setControlText(*control, QString::fromUtf16(item.text));
-    return control;
-}
-
-void setControlText(QWidget &control, const QString &text) {
-    if (auto *label = qobject_cast<QLabel *>(&control)) {
-        label->setText(text);
-    } else if (auto *button = qobject_cast<QAbstractButton *>(&control)) {
-        QString shown = text;
-        button->setText(shown.replace(QLatin1Char('&'), QLatin1String("&&")));
-    }
+    return nullptr;
 }
 
 } // namespace tidebrook

@@ -13,19 +13,9 @@
 
 namespace tidebrook {
 
-namespace {
-
-class DialogForm : public Form {
-public:
-    using Form::Form;
-    QPoint unitOrigin() const override { return {0, titleStripUnits}; }
-};
-
-} // namespace
-
 Dialog::Dialog(int templateId, ScreenStack &stack, DialogProcedure &procedure)
     : Layer(stack), templateId_(templateId), procedure_(procedure),
-      form_(new DialogForm(templateForShape(templateId, stack.size()), this)) {
+      form_(new Form(templateId, this, {0, titleStripUnits})) {
     setFont(form_->font());
 }
 
@@ -53,11 +43,8 @@ void Dialog::choose(int command) {
 
 bool Dialog::isOnTop() const { return !hasEnded() && stack().top() == this; }
 
-bool Dialog::makeMenuBar(int resourceId) {
-    const MenuBarResource *resource = menuBarResource(resourceId);
-    if (resource == nullptr)
-        return false;
-    menuBar_ = new MenuBar(*resource, this);
+bool Dialog::makeMenuBar(MenuBarId id) {
+    menuBar_ = new MenuBar(menuBarResource(id), this);
     connect(menuBar_, &MenuBar::chosen, this, &Dialog::choose);
     connect(menuBar_, &MenuBar::menuAboutToOpen, this,
             [this](ScreenMenu &menu) { procedure_.prepareMenu(menu); });

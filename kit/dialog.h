@@ -2,6 +2,7 @@
 
 #include "kit/form.h"
 #include "kit/layer.h"
+#include "res/ids.h"
 
 namespace tidebrook {
 
@@ -30,8 +31,7 @@ public:
     /// by then, if anything does, nor for what the dialog shows afterwards: then it is forgotten.
     void choose(int command);
 
-    /// False when there is no such resource.
-    bool makeMenuBar(int resourceId);
+    bool makeMenuBar(MenuBarId id);
     /// nullptr before that.
     MenuBar *menuBar() const { return menuBar_; }
 

@@ -8,31 +8,31 @@
 
 namespace tidebrook {
 
-/// A widget whose controls are made from a dialog template: a whole dialog, or a page of a
-/// property sheet. It owns them.
+/// A widget that owns the controls of a dialog template: a whole dialog, or a page of a property
+/// sheet.
 class Form : public QWidget {
 public:
-    /// Makes the controls of a template; none when there is no such template.
-    Form(int templateId, QWidget *parent);
+    /// Makes the controls; none when there is no such template. `origin` is where in the screen the
+    /// template's rectangles begin, in dialog units.
+    Form(int templateId, QWidget *parent, const QPoint &origin = {});
 
     /// The first control with this id; nullptr when there is none.
     QWidget *control(int id) const { return controls_.value(id); }
-
-    /// The same as a widget of this type; nullptr when it is of another.
+    /// Also nullptr when it is of another type.
     template <class Widget> Widget *control(int id) const {
         return qobject_cast<Widget *>(control(id));
     }
 
-    /// Where in the screen the template's rectangles are counted from, in dialog units.
-    virtual QPoint unitOrigin() const { return {}; }
+    QPoint origin() const { return origin_; }
 
 private:
+    const QPoint origin_;
     QHash<int, QWidget *> controls_;
 };
 
 /// Moves the controls of a form to where a template of the same controls, usually that of the
-/// other orientation, has them, and gives labels, buttons and images the text or icon that stands
-/// there. Selected rows and choices stay selected.
+/// other orientation, has them, and sets the texts and icons that the template has. Selected rows
+/// and choices stay selected.
 ///
 /// A control that the form does not have stops the walk: those behind it stay where they are.
 /// True when all went well, and when not more than one control of the template is anonymous.

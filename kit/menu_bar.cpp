@@ -18,14 +18,14 @@ MenuBar::MenuBar(const MenuBarResource &resource, QWidget *parent)
 QPushButton *MenuBar::makeKey(const SoftKey &key) {
     auto *button = new QPushButton(resourceString(key.textId), this);
     button->setFlat(true);
-    // The keys are pressed by finger or by keys of their own; Tab stays among the controls.
+    // Tab stays among the controls.
     button->setFocusPolicy(Qt::NoFocus);
     button->setVisible(key.textId != 0);
     connect(button, &QPushButton::clicked, this, [this, &key] {
-        if (key.menuId != 0)
-            openMenuOf(key);
-        else
+        if (key.menu.empty())
             Q_EMIT chosen(key.command);
+        else
+            openMenu();
     });
     return button;
 }
@@ -44,24 +44,18 @@ void MenuBar::enable(int command, bool isEnabled) {
 }
 
 void MenuBar::openMenu() {
-    if (resource_.right.menuId != 0)
-        openMenuOf(resource_.right);
-    else if (resource_.left.menuId != 0)
-        openMenuOf(resource_.left);
-}
-
-void MenuBar::openMenuOf(const SoftKey &key) {
+    if (resource_.right.menu.empty())
+        return;
     // Made anew, because one that was open before keeps the sizes of that time.
     delete menu_;
-    menu_ = new ScreenMenu(menuEntries(key.menuId), this);
+    menu_ = new ScreenMenu(resource_.right.menu, this);
     connect(menu_, &ScreenMenu::chosen, this, &MenuBar::chosen);
     for (const int command : std::as_const(disabled_))
         menu_->enable(command, false);
     Q_EMIT menuAboutToOpen(*menu_);
     menu_->ensurePolished();
     const QSize size = menu_->sizeHint();
-    const int x = &key == &resource_.right ? width() - size.width() : 0;
-    menu_->popup(mapToGlobal(QPoint(x, -size.height())));
+    menu_->popup(mapToGlobal(QPoint(width() - size.width(), -size.height())));
 }
 
 void MenuBar::resizeEvent(QResizeEvent *) {

@@ -11,23 +11,24 @@ namespace tidebrook {
 
 class ScreenMenu;
 
-/// The two soft keys at the bottom of a screen. A key sends its command or opens its menu, upward.
+/// The two soft keys at the bottom of a screen. A key sends its command; the right one may open a
+/// menu instead.
 class MenuBar : public QWidget {
     Q_OBJECT
 
 public:
     MenuBar(const MenuBarResource &resource, QWidget *parent);
 
-    /// Entries and keys of disabled commands are there, but cannot be chosen.
+    /// Entries and keys of disabled commands are shown, but cannot be chosen.
     void enable(int command, bool isEnabled);
     bool isEnabled(int command) const { return !disabled_.contains(command); }
 
-    /// Opens the menu of whichever key has one.
+    /// Opens the menu, if there is one.
     void openMenu();
 
 Q_SIGNALS:
     void chosen(int command);
-    /// The menu is about to open: the moment to set its check marks.
+    /// The receiver can set the menu's check marks.
     void menuAboutToOpen(ScreenMenu &menu);
 
 protected:
@@ -36,12 +37,11 @@ protected:
 
 private:
     QPushButton *makeKey(const SoftKey &key);
-    void openMenuOf(const SoftKey &key);
 
     const MenuBarResource &resource_;
     QPushButton *left_;
     QPushButton *right_;
-    ScreenMenu *menu_ = nullptr; // as it was opened last
+    ScreenMenu *menu_ = nullptr; // opened last
     QSet<int> disabled_;
 };
 

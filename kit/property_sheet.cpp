@@ -44,8 +44,7 @@ bool PropertySheet::initialise(Dialog &dialog) {
 void PropertySheet::turnTo(int index) {
     PropertyPage &page = *pages_[static_cast<std::size_t>(index)];
     if (forms_[index] == nullptr) {
-        forms_[index] =
-            new Form(templateForShape(page.templateId(), dialog_->stack().size()), area_);
+        forms_[index] = new Form(page.templateId(), area_);
         area_->addWidget(forms_[index]);
         page.initialise(*forms_[index]);
     }

@@ -10,7 +10,7 @@ ScreenMenu::ScreenMenu(std::span<const MenuEntry> entries, QWidget *parent) : QM
 
 void ScreenMenu::fill(QMenu &menu, std::span<const MenuEntry> entries) {
     for (const MenuEntry &entry : entries) {
-        if (entry.isSeparator()) {
+        if (entry.text == nullptr) {
             menu.addSeparator();
         } else if (!entry.entries.empty()) {
             fill(*menu.addMenu(QString::fromUtf16(entry.text)), entry.entries);

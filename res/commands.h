@@ -13,8 +13,6 @@ enum Command : int {
     CommandShowChoices = 32331,
     CommandPrevious = 32332,
 
-    CommandMainMenu = 32771,
-
     // category list
     CommandNewCategory = 32772,
     CommandDeleteCategory = 32773,

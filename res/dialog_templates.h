@@ -6,16 +6,13 @@
 
 namespace tidebrook {
 
-/// What a control of a dialog is.
 enum class ControlKind : quint8 {
-    Label, ///< a text; it wraps
-    Image, ///< an icon of `res/icons.h`
-    PushButton,
+    Label,       ///< a text; it wraps
+    Image,       ///< an icon of `res/icons.h`
     CheckBox,    ///< its text wraps
     RadioButton, ///< exclusive among those of its dialog; its text wraps
     Edit,        ///< one line of text
     DropDownList,
-    ListBox,
     ListView,
     Tabs,  ///< the tabs of a property sheet
     Pages, ///< where a property sheet shows its pages
@@ -25,10 +22,9 @@ enum class ControlKind : quint8 {
 /// A control that nothing refers to.
 inline constexpr quint16 anonymousControl = 0xFFFF;
 
-/// A rectangle in dialog units. A screen is 240 by 320 of them, or 320 by 240 when it is wide,
-/// whatever its size in pixels; a template's origin is the upper left corner of the dialog's own
-/// area, which lies under the title strip and above the menu bar. For a page of a property sheet
-/// that area is the sheet's `Pages`.
+/// A rectangle in dialog units. A screen is 240 by 320 of them, or 320 by 240 when it is wide. The
+/// origin is the upper left corner of the area between the title strip and the menu bar; for a page
+/// of a property sheet, that of the sheet's `Pages`.
 struct UnitRect {
     int x = 0;
     int y = 0;
@@ -38,18 +34,19 @@ struct UnitRect {
 
 inline constexpr int titleStripUnits = 18;
 inline constexpr int menuBarUnits = 34;
-/// What a header bar takes of the dialog's own area, besides the title strip.
-inline constexpr int headerBarUnits = 23;
-/// Where in its own area a dialog with a title label draws the line under that.
-inline constexpr int titleLineUnits = 23;
+inline constexpr int headerBarUnits = 23; ///< the height of a header bar below the title strip
+inline constexpr int titleLineUnits = 23; ///< the y of the line under a title label
 
+/// A control of a dialog, on a tall and on a wide screen.
 struct ControlTemplate {
     quint16 id = anonymousControl;
     ControlKind kind = ControlKind::Label;
-    UnitRect rect;
-    const char16_t *text = nullptr; // none: the dialog itself puts it in, and it stays at a turn
-    const char *icon = nullptr;     // its name in res/icons
-    int styleBits = 0;              // see TemplateStyle
+    UnitRect tall;
+    UnitRect wide;
+    const char16_t *text = nullptr; ///< none: the dialog sets it, and a turn keeps it
+    const char16_t *wideText = nullptr;
+    const char *icon = nullptr; ///< its name in res/icons
+    int styleBits = 0;          ///< see TemplateStyle
 };
 
 /// Details of how a control looks or behaves.
@@ -61,18 +58,19 @@ enum TemplateStyle : int {
     StyleCentred = 8,    ///< label: in the middle
 };
 
-/// A dialog in one orientation.
 struct DialogTemplate {
-    int id = 0;
-    int width = 0; // of the whole screen, in dialog units
-    int height = 0;
-    const char16_t *title = nullptr; // of a page: the text of its tab
-    int fontPoints = 0;
-    std::span<const ControlTemplate> controls; // in the order of the Tab key
+    int id = 0;                                ///< the even one
+    const char16_t *title = nullptr;           ///< of a page: the text of its tab
+    std::span<const ControlTemplate> controls; ///< in the order of the Tab key
 };
 
-/// The template of an id: even for a screen that is taller than wide, and the next odd one
-/// otherwise. Both have the same controls. nullptr when there is none.
+inline constexpr int dialogFontPoints = 9;
+
+/// A template has two ids: an even one for a screen that is taller than wide, and the next odd one
+/// for any other screen.
+inline bool isWideTemplate(int id) { return id % 2 != 0; }
+
+/// The template of either id; nullptr when there is none.
 const DialogTemplate *dialogTemplate(int id);
 
 } // namespace tidebrook

@@ -74,7 +74,6 @@ enum ControlId : quint16 {
 
 /// The pairs of soft keys.
 enum MenuBarId : int {
-    MainMenuBar = 401,
     CategoryListMenuBar = 402,
     ChannelListMenuBar = 403,
     ArticleListMenuBar = 404,

@@ -72,26 +72,20 @@ constexpr std::array viewMenu{
     command(CommandSendBySms, u"Send Link via SMS"),
 };
 
-constexpr int categoryMenuId = 40003;
-constexpr int viewMenuId = 40004;
-constexpr int channelMenuId = 40005;
-constexpr int articleMenuId = 40006;
-
 constexpr SoftKey blankKey{};
 
-constexpr SoftKey key(int commandId, int textId) { return {commandId, textId, 0}; }
+constexpr SoftKey key(int commandId, int textId) { return {commandId, textId, {}}; }
 
-constexpr SoftKey menuKey(int menuId) { return {0, menuString, menuId}; }
+constexpr SoftKey menuKey(std::span<const MenuEntry> menu) { return {0, menuString, menu}; }
 
 constexpr std::array menuBars{
-    MenuBarResource{MainMenuBar, key(CommandMainMenu, menuString), blankKey},
-    MenuBarResource{CategoryListMenuBar, blankKey, menuKey(categoryMenuId)},
+    MenuBarResource{CategoryListMenuBar, blankKey, menuKey(categoryMenu)},
     MenuBarResource{ChannelListMenuBar, key(CommandBackToCategories, categoryListString),
-                    menuKey(channelMenuId)},
+                    menuKey(channelMenu)},
     MenuBarResource{ArticleListMenuBar, key(CommandBackToChannels, channelListString),
-                    menuKey(articleMenuId)},
+                    menuKey(articleMenu)},
     MenuBarResource{ArticleViewMenuBar, key(CommandBackToArticles, articleListString),
-                    menuKey(viewMenuId)},
+                    menuKey(viewMenu)},
     MenuBarResource{SettingsSheetMenuBar, key(CommandDone, doneString),
                     key(CommandCancelSettings, cancelString)},
     MenuBarResource{HowToAddMenuBar, key(CommandCancelWizard, cancelString),
@@ -102,34 +96,15 @@ constexpr std::array menuBars{
                     key(CommandWizardNext, nextString)},
     MenuBarResource{PropertiesMenuBar, key(CommandPropertiesDone, doneString),
                     key(CommandCancelProperties, cancelString)},
-    MenuBarResource{TextMenuBar, key(CommandDone, doneString),
-                    blankKey}, // the help and the About box
+    MenuBarResource{TextMenuBar, key(CommandDone, doneString), blankKey},
     MenuBarResource{OpenFileMenuBar, key(CommandCancel, cancelString), key(CommandOk, openString)},
     MenuBarResource{SaveFileMenuBar, key(CommandCancel, cancelString), key(CommandOk, saveString)},
 };
 
 } // namespace
 
-std::span<const MenuEntry> menuEntries(int id) {
-    switch (id) {
-    case categoryMenuId:
-        return categoryMenu;
-    case viewMenuId:
-        return viewMenu;
-    case channelMenuId:
-        return channelMenu;
-    case articleMenuId:
-        return articleMenu;
-    default:
-        return {};
-    }
-}
-
-const MenuBarResource *menuBarResource(int id) {
-    const auto *bar =
-        std::find_if(menuBars.begin(), menuBars.end(),
-                     [id](const MenuBarResource &candidate) { return candidate.id == id; });
-    return bar == menuBars.end() ? nullptr : bar;
+const MenuBarResource &menuBarResource(MenuBarId id) {
+    return *std::ranges::find(menuBars, id, &MenuBarResource::id);
 }
 
 } // namespace tidebrook

@@ -1,38 +1,32 @@
 #pragma once
 
-#include <QString>
+#include "res/ids.h"
 
 #include <span>
 
 namespace tidebrook {
 
-/// An entry of a menu: a command, a menu of its own, or (without a text) a line between entries.
+/// An entry of a menu: a command, a menu of its own, or (without a text) a separator.
 struct MenuEntry {
     int command = 0;
     const char16_t *text = nullptr;
     std::span<const MenuEntry> entries;
-
-    bool isSeparator() const { return text == nullptr; }
 };
 
-/// The entries of a menu resource (40003 to 40006); none when there is no such menu.
-std::span<const MenuEntry> menuEntries(int id);
-
-/// A soft key: it sends its command, or opens its menu. One without a text is blank.
+/// A soft key sends its command or, on the right, opens its menu. One without a text is blank.
 struct SoftKey {
     int command = 0;
-    int textId = 0; // in the string table
-    int menuId = 0;
+    int textId = 0; ///< in the string table
+    std::span<const MenuEntry> menu;
 };
 
 /// The two soft keys at the bottom of a screen.
 struct MenuBarResource {
-    int id = 0;
+    MenuBarId id;
     SoftKey left;
     SoftKey right;
 };
 
-/// The menu bar of an id; nullptr when there is none.
-const MenuBarResource *menuBarResource(int id);
+const MenuBarResource &menuBarResource(MenuBarId id);
 
 } // namespace tidebrook

@@ -90,23 +90,14 @@ constexpr std::array table{
     Entry{longFileNameString, u"The file name is too long."},
 };
 
-struct ErrorText {
-    quint32 code;
-    int stringId;
-};
-
-constexpr std::array errorTexts{
-    ErrorText{1000, 44}, ErrorText{1001, 45}, ErrorText{1002, 46}, ErrorText{1003, 47},
-    ErrorText{1004, 48}, ErrorText{1005, 49}, ErrorText{1006, 50}, ErrorText{1007, 51},
-    ErrorText{1008, 52}, ErrorText{1009, 53}, ErrorText{1010, 54}, ErrorText{1011, 55},
-    ErrorText{1012, 56}, ErrorText{1013, 57}, ErrorText{1014, 58},
-};
+constexpr quint32 firstErrorCode = 1000;
+constexpr quint32 errorCodeCount = 15;
+constexpr int firstErrorString = 44; // the others follow in the order of the codes
 
 } // namespace
 
 QString resourceString(int id) {
-    const auto *entry = std::find_if(table.begin(), table.end(),
-                                     [id](const Entry &candidate) { return candidate.id == id; });
+    const auto *entry = std::ranges::find(table, id, &Entry::id);
     return entry == table.end() ? QString() : QString::fromUtf16(entry->text);
 }
 
@@ -119,10 +110,10 @@ QStringList resourceStrings(int firstId, int count) {
 }
 
 QString errorMessage(quint32 code) {
-    const auto *row =
-        std::find_if(errorTexts.begin(), errorTexts.end(),
-                     [code](const ErrorText &candidate) { return candidate.code == code; });
-    return resourceString(row == errorTexts.end() ? unidentifiedProblemString : row->stringId);
+    const quint32 index = code - firstErrorCode;
+    if (code < firstErrorCode || index >= errorCodeCount)
+        return resourceString(unidentifiedProblemString);
+    return resourceString(firstErrorString + static_cast<int>(index));
 }
 
 } // namespace tidebrook

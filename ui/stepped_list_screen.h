@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "kit/dialog_procedure.h"
 #include "kit/list_rows.h"
+#include "res/ids.h"
 
 #include <QList>
 
@@ -34,7 +35,7 @@ protected:
     /// What is different.
     struct Kind {
         ListScreen screen;
-        int menuBarId;
+        MenuBarId menuBarId;
         int refreshCommand;
         int backCommand;
         int updateCommand;

@@ -3,6 +3,7 @@
 #include "kit/dialog_procedure.h"
 #include "kit/files/file_dialog.h"
 #include "kit/files/folder_reader.h"
+#include "res/ids.h"
 
 #include <QList>
 
@@ -15,7 +16,7 @@ class ListView;
 class FileProcedure : public DialogProcedure {
 public:
     /// The request outlives it.
-    FileProcedure(const FileRequest &request, int menuBarId)
+    FileProcedure(const FileRequest &request, MenuBarId menuBarId)
         : request_(request), menuBarId_(menuBarId) {}
     ~FileProcedure() override;
 
@@ -58,7 +59,7 @@ private:
     void showPlace();
 
     const FileRequest &request_;
-    const int menuBarId_;
+    const MenuBarId menuBarId_;
     QString path_;
     Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;

@@ -11,7 +11,7 @@ namespace tidebrook {
 
 FormProcedure::~FormProcedure() = default;
 
-bool FormProcedure::prepare(Dialog &dialog, int menuBarId) {
+bool FormProcedure::prepare(Dialog &dialog, MenuBarId menuBarId) {
     dialog_ = &dialog;
     dialog.makeTitleStrip(resourceString(programNameString));
     dialog.makeTitleLine();

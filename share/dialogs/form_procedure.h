@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "kit/dialog_procedure.h"
 #include "kit/waiting.h"
+#include "res/ids.h"
 
 #include <memory>
 #include <optional>
@@ -29,7 +30,7 @@ protected:
     AppState &state() const { return state_; }
     Dialog &dialog() const { return *dialog_; }
 
-    bool prepare(Dialog &dialog, int menuBarId);
+    bool prepare(Dialog &dialog, MenuBarId menuBarId);
 
     /// Waits for a task, whose result `take` gets, unless the dialog is left before that. False,
     /// and nothing is begun, when it waits already, or there is no thread, which is told.

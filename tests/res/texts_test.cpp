@@ -1,4 +1,3 @@
-#include "res/dialog_templates.h"
 #include "res/icons.h"
 #include "res/strings.h"
 
@@ -6,36 +5,12 @@
 
 #include <QRegularExpression>
 
-#include <set>
 #include <tuple>
 
 namespace tidebrook {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-using Controls = std::multiset<std::tuple<quint16, ControlKind, int>>;
-
-Controls controlsOf(const DialogTemplate &dialog) {
-    Controls controls;
-    for (const ControlTemplate &control : dialog.controls)
-        controls.insert({control.id, control.kind, control.styleBits});
-    return controls;
-}
-
-TEST(Templates, KeepTheirControlsWhenTheScreenTurns) {
-    int found = 0;
-    for (int id = 0; id < 1000; id += 2) {
-        const DialogTemplate *tall = dialogTemplate(id);
-        const DialogTemplate *wide = dialogTemplate(id + 1);
-        ASSERT_EQ(tall == nullptr, wide == nullptr) << id;
-        if (tall == nullptr)
-            continue;
-        ++found;
-        EXPECT_EQ(controlsOf(*tall), controlsOf(*wide)) << id;
-    }
-    EXPECT_GT(found, 0);
-}
 
 TEST(Messages, EachErrorCodeIsToldAsTheProblemThatItIs) {
     const QString unknown = u"Encountering Unidentified Problem"_s;
