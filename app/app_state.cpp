@@ -1,6 +1,7 @@
 #include "app/app_state.h"
 
 #include "app/messages.h"
+#include "app/text_screens.h"
 #include "kit/list_view.h"
 #include "kit/progress_line.h"
 #include "kit/screen_stack.h"
@@ -26,6 +27,8 @@ AppState::AppState(Device &parts, ScreenStack &screenStack)
     showOn(stack.progressLine(), updates);
     QObject::connect(&updates, &UpdateJobs::stepped, &stack.progressLine(),
                      &ProgressLine::setSteps);
+    QObject::connect(&stack, &ScreenStack::helpRequested, &stack,
+                     [&screens = stack] { showHelp(screens); });
     QObject::connect(&updates, &UpdateJobs::failed, &stack, [this] { ShowError(*this, 0); });
 }
 

@@ -7,7 +7,6 @@
 #include "res/about.h"
 #include "res/commands.h"
 #include "res/icons.h"
-#include "res/ids.h"
 #include "res/strings.h"
 
 #include <QLabel>
@@ -19,43 +18,38 @@ namespace {
 // Something to read, and a soft key to go back.
 class TextScreen : public DialogProcedure {
 public:
-    bool initialise(Dialog &dialog) override {
-        dialog_ = &dialog;
-        return dialog.makeMenuBar(TextMenuBar) && showText(dialog);
-    }
     void command(int id) override {
         if (id == CommandDone)
-            dialog_->end(1);
+            dialog().end(1);
     }
-    void close() override { dialog_->end(0); }
-    std::optional<int> backCommand() const override { return CommandDone; }
+    void close() override { dialog().end(0); }
+    bool hasHelp() const override { return false; }
 
-private:
-    virtual bool showText(Dialog &dialog) = 0;
-
-    Dialog *dialog_ = nullptr;
+protected:
+    void initialise() override {
+        dialog().makeMenuBar(TextMenuBar);
+        dialog().setBackKeys(CommandDone);
+    }
 };
 
 class AboutScreen : public TextScreen {
-    bool showText(Dialog &dialog) override {
-        dialog.makeHeaderBar(resourceString(aboutString));
-        dialog.control<QLabel>(AboutLabel)->setText(aboutText());
-        return true;
+    void initialise() override {
+        TextScreen::initialise();
+        dialog().headerBar()->setCaption(resourceString(aboutString));
+        dialog().control<QLabel>(AboutLabel)->setText(aboutText());
     }
 };
 
 class HelpScreen : public TextScreen {
-    bool showText(Dialog &dialog) override {
-        dialog.makeHeaderBar(resourceString(programNameString));
-        page_ = dialog.control<TextPage>(HelpPageControl);
-        if (page_ == nullptr)
-            return false;
+    void initialise() override {
+        TextScreen::initialise();
+        dialog().headerBar()->setCaption(resourceString(programNameString));
+        page_ = dialog().control<TextPage>(HelpPageControl);
         page_->setPage(QString::fromUtf8(helpPage()));
-        QObject::connect(page_, &TextPage::linkTapped, page_, [this](const QString &target) {
+        connect(page_, &TextPage::linkTapped, this, [this](const QString &target) {
             if (target.startsWith(QLatin1Char('#')))
                 page_->scrollToAnchor(target.mid(1));
         });
-        return true;
     }
     // Not before the page has its size, and once: the user's place in it is kept.
     void activated() override {
@@ -69,14 +63,14 @@ class HelpScreen : public TextScreen {
 
 } // namespace
 
-void showHelp(AppState &state) {
+void showHelp(ScreenStack &stack) {
     HelpScreen screen;
-    RunDialog(HelpTemplate, state.stack, screen);
+    RunDialog(HelpTemplate, stack, screen);
 }
 
-void showAbout(AppState &state) {
+void showAbout(ScreenStack &stack) {
     AboutScreen screen;
-    RunDialog(AboutTemplate, state.stack, screen);
+    RunDialog(AboutTemplate, stack, screen);
 }
 
 } // namespace tidebrook

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "app/app_state.h"
-
 namespace tidebrook {
 
-/// Opens the help, at its explanation of the program, until the user goes back.
-void showHelp(AppState &state);
+class ScreenStack;
 
-/// Opens the box that tells what the program is, until the user goes back.
-void showAbout(AppState &state);
+/// Opens the help, at its explanation of the program, until the user goes back.
+void showHelp(ScreenStack &stack);
+
+/// Opens the box that says what the program is, until the user goes back.
+void showAbout(ScreenStack &stack);
 
 } // namespace tidebrook

@@ -2,9 +2,10 @@
 
 #include "kit/dialog_procedure.h"
 #include "kit/header_bar.h"
+#include "kit/keys.h"
 #include "kit/menu_bar.h"
 #include "kit/screen_stack.h"
-#include "res/menus.h"
+#include "res/strings.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -15,70 +16,65 @@ namespace tidebrook {
 
 Dialog::Dialog(int templateId, ScreenStack &stack, DialogProcedure &procedure)
     : Layer(stack), templateId_(templateId), procedure_(procedure),
-      form_(new Form(templateId, this, {0, titleStripUnits})) {
+      form_(new Form(templateId, this, {0, titleStripUnits})), headerBar_(new HeaderBar(this)) {
     setFont(form_->font());
+    connect(headerBar_, &HeaderBar::chosen, this, &Dialog::choose);
 }
 
 void Dialog::post(int command) {
-    QMetaObject::invokeMethod(
-        this,
-        [this, command] {
-            if (isOnTop())
-                procedure_.command(command);
-            else if (!waiting_.contains(command))
-                waiting_.append(command);
-        },
-        Qt::QueuedConnection);
+    const auto sendOrKeep = [this, command] {
+        if (!send(command) && !waiting_.contains(command))
+            waiting_.append(command);
+    };
+    QMetaObject::invokeMethod(this, sendOrKeep, Qt::QueuedConnection);
 }
 
 void Dialog::choose(int command) {
     QMetaObject::invokeMethod(
-        this,
-        [this, command] {
-            if (isOnTop())
-                procedure_.command(command);
-        },
-        Qt::QueuedConnection);
+        this, [this, command] { send(command); }, Qt::QueuedConnection);
 }
 
-bool Dialog::isOnTop() const { return !hasEnded() && stack().top() == this; }
+bool Dialog::send(int command) {
+    const bool isOnTop = !hasEnded() && stack().top() == this;
+    if (isOnTop)
+        procedure_.command(command);
+    return isOnTop;
+}
 
-bool Dialog::makeMenuBar(MenuBarId id) {
+void Dialog::makeMenuBar(MenuBarId id) {
     menuBar_ = new MenuBar(menuBarResource(id), this);
     connect(menuBar_, &MenuBar::chosen, this, &Dialog::choose);
-    connect(menuBar_, &MenuBar::menuAboutToOpen, this,
-            [this](ScreenMenu &menu) { procedure_.prepareMenu(menu); });
-    return true;
+    connect(menuBar_, &MenuBar::menuAboutToOpen, &procedure_, &DialogProcedure::prepareMenu);
 }
 
-HeaderBar &Dialog::makeHeaderBar(const QString &caption) {
-    headerBar_ = new HeaderBar(this);
-    headerBar_->setCaption(caption);
-    connect(headerBar_, &HeaderBar::chosen, this, &Dialog::choose);
-    return *headerBar_;
-}
-
-void Dialog::makeTitleStrip(const QString &caption) {
+void Dialog::useTitleStrip() {
     headerUnits_ = titleStripUnits;
-    makeHeaderBar(caption);
+    headerBar_->setCaption(resourceString(programNameString));
 }
 
-void Dialog::makeTitleLine() {
+void Dialog::drawTitleLine() {
     hasTitleLine_ = true;
     update();
+}
+
+void Dialog::setEnterKeys(int command) {
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
+        setKey(key, command);
+}
+
+void Dialog::setBackKeys(int command) {
+    for (const QKeyCombination key :
+         {QKeyCombination(Qt::Key_Escape), QKeyCombination(Qt::Key_Back), Qt::ALT | Qt::Key_Left})
+        setKey(key, command);
 }
 
 void Dialog::relayout() {
     const DialogUnits units = stack().units();
     const int barHeight = units.height(menuBarUnits);
     form_->setGeometry(rect());
-    form_->lower();
-    if (headerBar_ != nullptr) {
-        headerBar_->setGeometry(0, 0, width(), units.height(headerUnits_));
-        headerBar_->setUnits(units);
-    }
-    if (menuBar_ != nullptr)
-        menuBar_->setGeometry(0, height() - barHeight, width(), barHeight);
+    headerBar_->setGeometry(0, 0, width(), units.height(headerUnits_));
+    headerBar_->setUnits(units);
+    menuBar_->setGeometry(0, height() - barHeight, width(), barHeight);
     RelayoutFromTemplate(*form_, templateForShape(templateId_, units.screen()), units);
     procedure_.sized();
 }
@@ -107,23 +103,17 @@ QWidget *Dialog::firstFocus() {
 
 void Dialog::resizeEvent(QResizeEvent *) { relayout(); }
 
-void Dialog::goBack() {
-    if (const auto command = procedure_.backCommand())
-        choose(*command);
-}
-
 void Dialog::keyPressEvent(QKeyEvent *event) {
     const int key = event->key();
-    const bool isAltLeft = key == Qt::Key_Left && event->modifiers() == Qt::AltModifier;
-    if (key == Qt::Key_F1 || key == Qt::Key_Help) {
-        procedure_.helpRequested();
-    } else if ((key == Qt::Key_F10 || key == Qt::Key_Menu) && menuBar_ != nullptr) {
+    const int exact = event->keyCombination().toCombined();
+    if (isHelp(key)) {
+        if (procedure_.hasHelp())
+            Q_EMIT stack().helpRequested();
+    } else if (isMenu(key)) {
         menuBar_->openMenu();
-    } else if (key == Qt::Key_Escape || key == Qt::Key_Back || isAltLeft) {
-        goBack();
-    } else if (const auto command = procedure_.commandOfKey(*event)) {
-        if (menuBar_ == nullptr || menuBar_->isEnabled(*command))
-            choose(*command);
+    } else if (const int command = keys_.value(exact, keys_.value(key)); command != 0) {
+        if (menuBar_->isEnabled(command))
+            choose(command);
     } else {
         event->ignore();
     }
@@ -140,11 +130,10 @@ void Dialog::paintEvent(QPaintEvent *) {
 }
 
 int RunDialog(int templateId, ScreenStack &stack, DialogProcedure &procedure) {
-    if (dialogTemplate(templateId) == nullptr || stack.isClosing())
-        return stack.isClosing() ? 0 : -1;
+    if (stack.isClosing())
+        return 0;
     Dialog dialog(templateId, stack, procedure);
-    if (!procedure.initialise(dialog))
-        return -1;
+    procedure.start(dialog);
     return stack.run(dialog);
 }
 

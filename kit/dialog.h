@@ -4,48 +4,53 @@
 #include "kit/layer.h"
 #include "res/ids.h"
 
+#include <QHash>
+
 namespace tidebrook {
 
 class DialogProcedure;
 class HeaderBar;
 class MenuBar;
 
-/// A screen or dialog: the controls of a template over the whole screen, and, where its procedure
-/// asks for them, a header bar above and a menu bar below. When the screen turns it takes its
-/// places from the template of the other orientation.
+/// A screen or dialog: the controls of a template over the whole screen, between a header bar and
+/// a menu bar. When the screen turns, it is laid out by the template of the other orientation.
 class Dialog : public Layer {
     Q_OBJECT
 
 public:
-    /// `templateId` is the portrait one. The procedure outlives the dialog.
+    /// The procedure outlives the dialog.
     Dialog(int templateId, ScreenStack &stack, DialogProcedure &procedure);
 
     Form &form() const { return *form_; }
     template <class Widget> Widget *control(int id) const { return form_->control<Widget>(id); }
 
-    /// Sends a command to the procedure, never before the present event is done with, nor while
-    /// something lies above the dialog; then once, however often it was posted meanwhile. One that
-    /// is still waiting when the dialog ends is forgotten.
+    /// Sends a command to the procedure after the present event. While another layer lies above
+    /// the dialog the command waits, once, however often it is posted. A command that still waits
+    /// when the dialog ends is dropped.
     void post(int command);
-    /// The same for a command that the user gave. It was not meant for what lies above the dialog
-    /// by then, if anything does, nor for what the dialog shows afterwards: then it is forgotten.
+    /// The same for a command of the user, which is dropped while another layer lies above.
     void choose(int command);
 
-    bool makeMenuBar(MenuBarId id);
+    void makeMenuBar(MenuBarId id);
     /// nullptr before that.
     MenuBar *menuBar() const { return menuBar_; }
 
-    HeaderBar &makeHeaderBar(const QString &caption);
-    /// Nothing but the caption, over the title strip alone.
-    void makeTitleStrip(const QString &caption);
-    /// The line under the title label that some templates have.
-    void makeTitleLine();
     HeaderBar *headerBar() const { return headerBar_; }
+    /// Lowers the header bar to the title strip, and names the program in it.
+    void useTitleStrip();
+    /// Draws the line under the title label that some templates have.
+    void drawTitleLine();
 
-    /// The control that has the focus at first: the first that takes it unless told.
+    /// Chooses a command by a key that no control takes: with these modifiers or, where none are
+    /// given, with any. Nothing happens while the menu bar has the command disabled.
+    void setKey(QKeyCombination key, int command) { keys_[key.toCombined()] = command; }
+    void setEnterKeys(int command);
+    void setBackKeys(int command);
+
+    /// By default the first control that takes the focus has it at first.
     void setFirstFocus(QWidget *control) { firstFocus_ = control; }
 
-    /// Lays everything out for the size of the window, as when that changes.
+    /// Lays everything out for the size of the window.
     void relayout();
 
     void activated() override;
@@ -61,23 +66,22 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    bool isOnTop() const;
-    void goBack();
+    bool send(int command);
 
     const int templateId_;
     DialogProcedure &procedure_;
     Form *form_;
+    HeaderBar *headerBar_;
     MenuBar *menuBar_ = nullptr;
-    HeaderBar *headerBar_ = nullptr;
     int headerUnits_ = titleStripUnits + headerBarUnits;
     bool hasTitleLine_ = false;
     QWidget *firstFocus_ = nullptr;
-    QList<int> waiting_; // posted while something lay above
+    QHash<int, int> keys_; // the command of each combination
+    QList<int> waiting_;   // commands that were posted while another layer lay above
 };
 
-/// Opens a dialog by the id of its portrait template, on top of whatever the stack shows, and
-/// gives back the result that it ends with. -1 when there is no such template, or when the
-/// procedure could not set it up.
+/// Opens a dialog by the id of its portrait template on top of the stack, and returns the result
+/// that it ends with; 0 when the window is closing.
 int RunDialog(int templateId, ScreenStack &stack, DialogProcedure &procedure);
 
 } // namespace tidebrook

@@ -1,6 +1,7 @@
 #include "kit/header_bar.h"
 
 #include "kit/icon.h"
+#include "kit/keys.h"
 #include "kit/list_view.h"
 #include "res/commands.h"
 #include "res/strings.h"
@@ -63,12 +64,11 @@ void HeaderBar::setSteppable() {
     choices_->setFrameShape(QFrame::Box);
     connect(choices_, &ListView::tapped, this, &HeaderBar::handleChoice);
     connect(choices_, &ListView::keyPressed, this, [this](int key, bool &isTaken) {
-        const bool isBack = key == Qt::Key_Escape || key == Qt::Key_Back;
-        const bool isEnter = key == Qt::Key_Return || key == Qt::Key_Enter;
-        isTaken = isBack || isEnter || key == Qt::Key_Delete; // which is meant for what lies below
-        if (isBack)
+        // Delete is meant for the list below.
+        isTaken = isBack(key) || isEnter(key) || key == Qt::Key_Delete;
+        if (isBack(key))
             Q_EMIT chosen(CommandHideChoices);
-        else if (isEnter)
+        else if (isEnter(key))
             handleChoice(SelectedRow(choices_));
     });
     arrange();

@@ -1,5 +1,6 @@
 #include "kit/list_view.h"
 
+#include "kit/keys.h"
 #include "kit/row_delegate.h"
 #include "kit/touch_scrolling.h"
 
@@ -167,8 +168,7 @@ void ListView::keyPressEvent(QKeyEvent *event) {
     const int key = event->key();
     if (editor_ != nullptr) {
         // What the editor has not used is not meant for the list.
-        const bool isHelp = key == Qt::Key_F1 || key == Qt::Key_Help;
-        event->setAccepted(!isHelp && key != Qt::Key_F10 && key != Qt::Key_Menu);
+        event->setAccepted(!isHelp(key) && !isMenu(key));
         return;
     }
     const bool isModified =

@@ -1,6 +1,7 @@
 #include "kit/message_box.h"
 
 #include "kit/icon.h"
+#include "kit/keys.h"
 #include "kit/screen_stack.h"
 
 #include <QDialogButtonBox>
@@ -88,9 +89,9 @@ void MessageBox::resizeEvent(QResizeEvent *) {
 
 void MessageBox::keyPressEvent(QKeyEvent *event) {
     const int key = event->key();
-    if (key == Qt::Key_Escape || key == Qt::Key_Back) {
+    if (isBack(key)) {
         end(0);
-    } else if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+    } else if (isEnter(key)) {
         if (auto *button = qobject_cast<QPushButton *>(focusWidget()))
             button->click();
     } else if (key == Qt::Key_Left || key == Qt::Key_Up) {

@@ -1,6 +1,5 @@
 #include "kit/screen_stack.h"
 
-#include "kit/input_panel.h"
 #include "kit/layer.h"
 #include "kit/progress_line.h"
 #include "kit/touch_style.h"
@@ -17,13 +16,7 @@ constexpr int progressUnits = 2;
 
 } // namespace
 
-ScreenStack::ScreenStack()
-    : progressLine_(new ProgressLine(this)), inputPanel_(new InputPanel(this)) {
-    resize(480, 640);
-    connect(inputPanel_, &InputPanel::changed, this, &ScreenStack::arrange);
-}
-
-ScreenStack::~ScreenStack() = default;
+ScreenStack::ScreenStack() : progressLine_(new ProgressLine(this)) { resize(480, 640); }
 
 int ScreenStack::run(Layer &layer) {
     if (isClosing_)

@@ -7,7 +7,6 @@
 
 namespace tidebrook {
 
-class InputPanel;
 class Layer;
 class ProgressLine;
 
@@ -15,32 +14,34 @@ class ProgressLine;
 /// itself: dialogs, of which the topmost hides all others, and message boxes above them. Only the
 /// topmost layer gets keys and taps.
 ///
-/// Closing the window asks the topmost layer to end, then the one below it, and so on outward.
-/// From then on no new layer opens.
+/// Closing the window asks one layer after the other to end, from the topmost down. No new layer
+/// opens from then on.
 class ScreenStack : public QWidget {
     Q_OBJECT
 
 public:
     ScreenStack();
-    ~ScreenStack() override;
 
-    /// Shows a layer on top of all others until it ends; gives back the result that it ended
-    /// with. When the window is closing the layer is not shown and 0 is given back.
+    /// Shows a layer on top of all others until it ends, and returns its result. Returns 0, and
+    /// shows nothing, when the window is closing.
     int run(Layer &layer);
 
     Layer *top() const { return layers_.isEmpty() ? nullptr : layers_.last(); }
     bool isClosing() const { return isClosing_; }
     DialogUnits units() const { return DialogUnits(size()); }
 
-    /// Shows that something is at work, under the header of whatever is on top.
+    /// It lies under the header of the topmost dialog.
     ProgressLine &progressLine() { return *progressLine_; }
-    InputPanel &inputPanel() { return *inputPanel_; }
 
     /// Summons the layers from the topmost down, until one of them leads the user.
     void summon();
 
-    /// Brings the window in front of those of other programs, whatever it is showing.
+    /// Brings the window in front of those of other programs.
     void bringForward();
+
+Q_SIGNALS:
+    /// The user asked for help.
+    void helpRequested();
 
 protected:
     bool event(QEvent *event) override;
@@ -56,7 +57,6 @@ private:
 
     QList<Layer *> layers_;
     ProgressLine *progressLine_;
-    InputPanel *inputPanel_;
     bool isClosing_ = false;
 };
 

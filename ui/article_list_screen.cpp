@@ -6,7 +6,6 @@
 #include "kit/list_view.h"
 #include "kit/screen_menu.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "store/escape_sql.h"
 #include "ui/article_view_screen.h"
@@ -25,7 +24,7 @@ constexpr int firstMode = static_cast<int>(SortMode::Date); // is stored as 0
 
 quint32 numberOf(SortMode mode) { return static_cast<quint32>(static_cast<int>(mode) - firstMode); }
 
-// A number that no order has counts as the first one.
+// An unknown number counts as the first order.
 SortMode modeOf(quint32 stored) {
     return stored <= 2 ? static_cast<SortMode>(firstMode + static_cast<int>(stored))
                        : SortMode::Date;
@@ -63,18 +62,17 @@ ArticleListScreen::ArticleListScreen(AppState &state)
                                 .names = state.channels,
                                 .index = state.channelIndex}) {}
 
-bool ArticleListScreen::initialise(Dialog &dialog) {
+void ArticleListScreen::initialise() {
     state().articleRow = -1;
-    if (!SteppedListScreen::initialise(dialog))
-        return false;
+    SteppedListScreen::initialise();
     turnTo(state().todayChannel, channelNameCapacity);
-    followUpdates(state(), dialog, {CommandUpdateArticles});
-    QObject::connect(&state().updates, &UpdateJobs::channelUpdated, &dialog,
-                     [this](const QString &category, const QString &channel) {
-                         if (category == this->category() && channel == name())
-                             refreshSoon();
-                     });
-    // One of another type changes nothing, and is replaced when the screen ends.
+    followUpdates(state().updates, dialog(), {CommandUpdateArticles});
+    connect(&state().updates, &UpdateJobs::channelUpdated, this,
+            [this](const QString &category, const QString &channel) {
+                if (category == this->category() && channel == name())
+                    refreshSoon();
+            });
+    // A value of another type changes nothing, and is replaced when the screen ends.
     const auto read = [&device = state().device,
                        before = numberOf(state().sortMode)]() -> std::optional<quint32> {
         quint32 mode = before;
@@ -84,13 +82,12 @@ bool ArticleListScreen::initialise(Dialog &dialog) {
         return std::nullopt; // it could not be read
     };
     const auto then = [this](std::optional<quint32> mode) { begin(mode); };
-    if (!state().settings.ask(&dialog, read, then))
+    if (!state().settings.ask(&dialog(), read, then))
         begin(std::nullopt);
-    return true;
 }
 
 void ArticleListScreen::begin(std::optional<quint32> storedMode) {
-    // The user may have been faster.
+    // The user may have chosen one meanwhile.
     if (storedMode && !std::exchange(isModeKnown_, true))
         state().sortMode = modeOf(*storedMode);
     if (state().todayTitle.isEmpty())
@@ -162,7 +159,7 @@ void ArticleListScreen::openTapped() {
 void ArticleListScreen::openArticle() {
     ArticleViewScreen screen(state());
     const int result = RunDialog(ArticleViewTemplate, state().stack, screen);
-    // Where unread articles come first, the next of them has come into the place of a read one.
+    // In the other orders the article, read now, has moved, and the next unread one has its place.
     const bool isByDate = state().sortMode == SortMode::Date;
     if (state().fillChannel == name())
         setPlace({state().articleRow, isByDate ? state().fillTitle : QString()});
@@ -178,7 +175,7 @@ void ArticleListScreen::prepareMenu(ScreenMenu &menu) {
 }
 
 void ArticleListScreen::close() {
-    if (isModeKnown_) // or else what is stored would be lost
+    if (isModeKnown_) // else the stored one would be lost
         storeSetting(state(), sortModeValue, numberOf(state().sortMode));
     leave();
 }

@@ -4,18 +4,18 @@
 
 namespace tidebrook {
 
-/// The third screen: the articles of the channel that was chosen in the second, in the order that
-/// the user chose last. It ends with 1, which has the second screen refresh.
+/// The third screen: the articles of the channel that was opened, in the order that was chosen
+/// last. It ends with 1, on which the second screen refreshes.
 class ArticleListScreen : public SteppedListScreen {
 public:
     explicit ArticleListScreen(AppState &state);
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void close() override;
     void prepareMenu(ScreenMenu &menu) override;
 
 private:
+    void initialise() override;
     Collector collector() const override;
     void open(int row) override;
     void openTapped() override;

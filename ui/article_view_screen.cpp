@@ -2,7 +2,6 @@
 
 #include "app/list_font.h"
 #include "app/messages.h"
-#include "app/text_screens.h"
 #include "app/today_taps.h"
 #include "kit/dialog.h"
 #include "kit/list_view.h"
@@ -10,7 +9,6 @@
 #include "platform/base/text.h"
 #include "platform/desktop/shell.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/article_handing.h"
 #include "share/dialogs/reported_task.h"
@@ -50,10 +48,10 @@ struct ArticleViewScreen::Building {
     QString title;
     SortMode mode = SortMode::Date;
     bool isRowWanted = false;
-    std::optional<QString> page; ///< nothing when it could not be read
+    std::optional<QString> page; ///< nothing when the article could not be read
     int row = -1;                ///< of the article in its list
-    bool isGone = false;         ///< there is no such article any more
-    bool isDropped = false;      ///< a stop was asked for meanwhile
+    bool isGone = false;         ///< the article does not exist any more
+    bool isDropped = false;      ///< a stop was requested meanwhile
 };
 
 // Reading the article is what marks it read.
@@ -70,19 +68,16 @@ void ArticleViewScreen::build(Device &device, Building &building) {
                       detail.publicationDate.isEmpty();
 }
 
-bool ArticleViewScreen::initialise(Dialog &dialog) {
-    dialog_ = &dialog;
-    page_ = dialog.control<TextPage>(ArticlePageControl);
-    if (page_ == nullptr || !dialog.makeMenuBar(ArticleViewMenuBar))
-        return false;
-    QObject::connect(page_, &TextPage::linkTapped, &dialog,
-                     [this](const QString &target) { openTarget(target); });
-    QObject::connect(page_, &TextPage::left, &dialog, [this] { buildPage(); });
+void ArticleViewScreen::initialise() {
+    page_ = dialog().control<TextPage>(ArticlePageControl);
+    dialog().makeMenuBar(ArticleViewMenuBar);
+    dialog().setBackKeys(CommandBackToArticles);
+    dialog().useTitleStrip();
+    connect(page_, &TextPage::linkTapped, this, &ArticleViewScreen::openTarget);
+    connect(page_, &TextPage::left, this, &ArticleViewScreen::buildPage);
     page_->setZoom(zoomOf(state_));
-    dialog.makeTitleStrip(resourceString(programNameString));
     chooseArticle();
     buildPage();
-    return true;
 }
 
 void ArticleViewScreen::chooseArticle() {
@@ -95,7 +90,7 @@ void ArticleViewScreen::chooseArticle() {
     state_.fillChannel = state_.channels.value(state_.channelIndex);
 }
 
-// The tapped headline becomes the article that is shown, and its row the one that was opened.
+// Shows the article of the tapped headline.
 void ArticleViewScreen::takeOver() {
     state_.fillTitle = state_.todayTitle;
     state_.fillChannel = state_.todayChannel;
@@ -109,13 +104,13 @@ void ArticleViewScreen::buildPage() {
     building->title = state_.fillTitle;
     building->mode = state_.sortMode;
     building->isRowWanted = isTapped_;
-    state_.fills.launch(dialog_, {.collect =
-                                      [&device = state_.device, building](FillStop &stop) {
-                                          build(device, *building);
-                                          building->isDropped = stop.isPending();
-                                      },
-                                  .show = [this, building] { show(*building); },
-                                  .again = [this] { buildPage(); }});
+    state_.fills.launch(&dialog(), {.collect =
+                                        [&device = state_.device, building](FillStop &stop) {
+                                            build(device, *building);
+                                            building->isDropped = stop.isPending();
+                                        },
+                                    .show = [this, building] { show(*building); },
+                                    .again = [this] { buildPage(); }});
 }
 
 void ArticleViewScreen::show(const Building &building) {
@@ -123,8 +118,8 @@ void ArticleViewScreen::show(const Building &building) {
         return buildPage();
     if (!building.page)
         return ShowError(state_, databaseProblemString);
-    if (isTapped_ && building.isGone) // the headline stood longer than its article
-        return dialog_->post(CommandBackToArticles);
+    if (isTapped_ && building.isGone) // the article was deleted before its headline was tapped
+        return dialog().post(CommandBackToArticles);
     if (std::exchange(isTapped_, false))
         state_.articleRow = building.row;
     page_->setPage(*building.page);
@@ -177,12 +172,8 @@ bool ArticleViewScreen::summoned() {
 
 void ArticleViewScreen::close() {
     state_.changes.tell([&store = state_.device.store] { store.PublishTotalUnread(); });
-    dialog_->end(1);
+    dialog().end(1);
 }
-
-void ArticleViewScreen::helpRequested() { showHelp(state_); }
-
-std::optional<int> ArticleViewScreen::backCommand() const { return CommandBackToArticles; }
 
 void ArticleViewScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
 

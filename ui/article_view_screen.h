@@ -4,29 +4,24 @@
 #include "kit/dialog_procedure.h"
 #include "share/article_sharing.h"
 
-#include <functional>
-#include <optional>
-
 namespace tidebrook {
 
 class TextPage;
 
-/// The fourth screen: one article. Opening it marks the article read. It ends with 1, which has
-/// the article list refresh.
+/// The fourth screen: one article. Opening it marks the article read. It ends with 1, on which the
+/// article list refreshes.
 class ArticleViewScreen : public DialogProcedure {
 public:
     explicit ArticleViewScreen(AppState &state) : state_(state) {}
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void activated() override;
     bool summoned() override;
     void close() override;
-    void helpRequested() override;
-    std::optional<int> backCommand() const override;
     void prepareMenu(ScreenMenu &menu) override;
 
 private:
+    void initialise() override;
     void chooseArticle();
     void takeOver();
     struct Building;
@@ -38,9 +33,8 @@ private:
     void openTarget(const QString &target);
 
     AppState &state_;
-    Dialog *dialog_ = nullptr;
     TextPage *page_ = nullptr;
-    bool isTapped_ = false; // the article is a tapped headline, whose row is not known yet
+    bool isTapped_ = false; // the article is a tapped headline whose row is not known yet
 };
 
 } // namespace tidebrook

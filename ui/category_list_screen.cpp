@@ -7,12 +7,11 @@
 #include "app/today_taps.h"
 #include "kit/dialog.h"
 #include "kit/header_bar.h"
-#include "kit/input_panel.h"
+#include "kit/keys.h"
 #include "kit/list_view.h"
 #include "kit/screen_menu.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/opml_export.h"
 #include "ui/channel_list_screen.h"
@@ -20,7 +19,8 @@
 #include "ui/update_commands.h"
 #include "update/dialogs/settings_sheet.h"
 
-#include <QKeyEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
 
 #include <algorithm>
 
@@ -36,35 +36,43 @@ QString newName(const ListView &list) {
     return name;
 }
 
+// The height of the window's lower part that an on-screen keyboard covers, in pixels.
+int coveredHeight(const QWidget &window) {
+    const QInputMethod *panel = QGuiApplication::inputMethod();
+    if (!panel->isVisible() || panel->keyboardRectangle().isEmpty())
+        return 0;
+    const int top = static_cast<int>(panel->keyboardRectangle().top());
+    return std::clamp(window.height() - top, 0, window.height());
+}
+
 } // namespace
 
-bool CategoryListScreen::initialise(Dialog &dialog) {
-    dialog_ = &dialog;
-    list_ = dialog.control<ListView>(CategoryListViewControl);
-    if (list_ == nullptr || !dialog.makeMenuBar(CategoryListMenuBar))
-        return false;
+void CategoryListScreen::initialise() {
+    list_ = dialog().control<ListView>(CategoryListViewControl);
     state_.lists[CategoryScreen] = list_;
     list_->setImages({"category"});
     list_->setLabelLimit(categoryNameLimit);
     list_->setAccessibleName(resourceString(allCategoriesString));
-    QObject::connect(list_, &ListView::keyPressed, &dialog,
-                     [this](int key, bool &isTaken) { handleKey(key, isTaken); });
-    QObject::connect(list_, &ListView::tapped, &dialog, [this](int row) { handleTap(row); });
-    QObject::connect(list_, &ListView::labelEdited, &dialog,
-                     [this](int row, const QString &text) { endLabelEdit(row, text); });
-    QObject::connect(list_, &ListView::labelEditEnded, &dialog, [this] { catchUp(); });
-    QObject::connect(&state_.stack.inputPanel(), &InputPanel::changed, &dialog,
-                     [this] { dialog_->relayout(); });
+    connect(list_, &ListView::keyPressed, this, &CategoryListScreen::handleKey);
+    connect(list_, &ListView::tapped, this, &CategoryListScreen::handleTap);
+    connect(list_, &ListView::labelEdited, this, &CategoryListScreen::endLabelEdit);
+    connect(list_, &ListView::labelEditEnded, this, &CategoryListScreen::catchUp);
+    const QInputMethod *panel = QGuiApplication::inputMethod();
+    connect(panel, &QInputMethod::visibleChanged, &dialog(), &Dialog::relayout);
+    connect(panel, &QInputMethod::keyboardRectangleChanged, &dialog(), &Dialog::relayout);
 
-    followUpdates(state_, dialog, {CommandUpdateCategory});
-    readFontSize(state_, &dialog);
-    dialog.makeHeaderBar(resourceString(allCategoriesString));
-    dialog.post(CommandRefreshCategories);
-    return true;
+    dialog().makeMenuBar(CategoryListMenuBar);
+    dialog().headerBar()->setCaption(resourceString(allCategoriesString));
+    dialog().setKey(Qt::Key_F2, CommandRenameCategory);
+    dialog().setKey(Qt::Key_F5, CommandUpdateCategory);
+    dialog().setKey(Qt::Key_Delete, CommandDeleteCategory);
+    followUpdates(state_.updates, dialog(), {CommandUpdateCategory});
+    readFontSize(state_, &dialog());
+    dialog().post(CommandRefreshCategories);
 }
 
 void CategoryListScreen::command(int id) {
-    if (id != CommandRefreshCategories) // which is nothing that the user does
+    if (id != CommandRefreshCategories) // not a command of the user
         list_->finishEditing();
     switch (id) {
     case CommandUpdateCategory:
@@ -80,7 +88,7 @@ void CategoryListScreen::command(int id) {
     case CommandSettings:
         return showSettings(state_);
     case CommandAbout:
-        return showAbout(state_);
+        return showAbout(state_.stack);
     case CommandExit:
         return close();
     case CommandOpenChannels:
@@ -89,7 +97,7 @@ void CategoryListScreen::command(int id) {
         return refresh();
     default:
         if (chooseFontSize(state_, id))
-            dialog_->post(CommandRefreshCategories);
+            dialog().post(CommandRefreshCategories);
     }
 }
 
@@ -97,21 +105,21 @@ void CategoryListScreen::refresh() {
     if (!list_->isEditingLabel())
         list_->setFocus();
     state_.changes.ask(
-        dialog_, [&device = state_.device] { return listedCategories(device); },
+        &dialog(), [&device = state_.device] { return listedCategories(device); },
         [this](const std::optional<QStringList> &names) {
-            const bool isTold = std::exchange(isTold_, false);
+            const bool isFailureShown = std::exchange(isFailureShown_, false);
             if (names)
                 showCategories(*names);
-            else if (!isTold)
+            else if (!isFailureShown)
                 ShowError(state_, fileProblemString);
-            isUnread_ = !names; // behind the box, whose end brings the user back to the screen
+            isUnread_ = !names; // set after the box, whose end activates the screen
             if (state_.tap)
-                dialog_->post(CommandOpenChannels);
+                dialog().post(CommandOpenChannels);
         });
 }
 
 void CategoryListScreen::showCategories(const QStringList &names) {
-    // What is being typed stays, and what is not stored yet would be missing from the names.
+    // A label that is being typed stays, and the names lack the changes that are not stored yet.
     if (list_->isEditingLabel() || changes_ > 0) {
         isRefreshOwed_ = true;
         return;
@@ -136,7 +144,7 @@ bool CategoryListScreen::warnWithoutSelection() {
     return true;
 }
 
-// The end of a change that the list shows already: the rows that are stored are not shown before.
+// The end of a change that the list shows already. Until then the stored rows are not shown.
 JobEnd CategoryListScreen::counted(JobEnd end) {
     ++changes_;
     return [this, end = std::move(end)](int messageId) {
@@ -146,16 +154,16 @@ JobEnd CategoryListScreen::counted(JobEnd end) {
     };
 }
 
-// What had to wait while a label was edited, which a box would end, or a change was under way.
+// Does what had to wait for the end of a change, or of the editing, which a box would end.
 void CategoryListScreen::catchUp() {
     if (list_->isEditingLabel() || changes_ > 0)
         return;
     if (std::exchange(isRefreshOwed_, false)) {
-        isUnread_ = false; // once is enough
-        dialog_->post(CommandRefreshCategories);
+        isUnread_ = false; // no second refresh
+        dialog().post(CommandRefreshCategories);
     }
     if (const int messageId = std::exchange(owedMessage_, 0); messageId != 0) {
-        isTold_ = true;
+        isFailureShown_ = true;
         ShowError(state_, messageId);
     }
 }
@@ -176,12 +184,12 @@ void CategoryListScreen::newCategory() {
         list_->cancelEditing();
         if (const int row = list_->findRow(name); row >= 0)
             list_->removeRow(row);
-        tellFailedChange(messageId);
+        reportFailure(messageId);
     });
     const auto add = [name](LockedSubscriptions &subscriptions) {
         return subscriptions.addCategory(name);
     };
-    if (!startChange(state_, dialog_, add, end))
+    if (!startChange(state_, &dialog(), add, end))
         end(fileProblemString);
 }
 
@@ -210,12 +218,12 @@ void CategoryListScreen::endLabelEdit(int row, const QString &text) {
     list_->setRowText(row, name);
     const JobEnd end = counted([this](int messageId) {
         isRefreshOwed_ = true;
-        tellFailedChange(messageId);
+        reportFailure(messageId);
     });
     const auto rename = [old, name](LockedSubscriptions &subscriptions) {
         return subscriptions.RenameCategory(old, name);
     };
-    if (!startChange(state_, dialog_, rename, end))
+    if (!startChange(state_, &dialog(), rename, end))
         end(fileProblemString);
 }
 
@@ -229,26 +237,26 @@ void CategoryListScreen::deleteCategory() {
     const int asked = list_->findRow(name); // the rows may have changed behind the box
     if (asked < 0)
         return;
-    // At once, whatever is at work; the row comes back if it turns out that it cannot be.
+    // At once; the row comes back when the deletion fails.
     list_->removeRow(asked);
     list_->selectRow(asked);
     setColumnWidth();
-    const JobEnd end = counted([this](int messageId) { tellFailedChange(messageId); });
+    const JobEnd end = counted([this](int messageId) { reportFailure(messageId); });
     const auto erase = [name](LockedSubscriptions &subscriptions) {
         return subscriptions.deleteCategory(name);
     };
-    if (!startChange(state_, dialog_, erase, end))
+    if (!startChange(state_, &dialog(), erase, end))
         end(fileProblemString);
 }
 
-// Once the change is counted as over; the list then shows again what is stored.
-void CategoryListScreen::tellFailedChange(int messageId) {
+// The message and the stored rows are shown by `catchUp`.
+void CategoryListScreen::reportFailure(int messageId) {
     isRefreshOwed_ = isRefreshOwed_ || messageId != 0;
     owedMessage_ = messageId != 0 ? messageId : owedMessage_;
 }
 
 void CategoryListScreen::handleKey(int key, bool &isTaken) {
-    if (key != Qt::Key_Return && key != Qt::Key_Enter)
+    if (!isEnter(key))
         return;
     isTaken = true;
     state_.currentCategory = SelectedRow(list_);
@@ -265,23 +273,23 @@ void CategoryListScreen::handleTap(int row) {
 }
 
 void CategoryListScreen::openChannels() {
-    // What was added, renamed or deleted since they were read counts.
+    // They include the changes since the list was read.
     state_.categories = list_->rowTexts();
     ChannelListScreen screen(state_);
     if (RunDialog(ListTemplate, state_.stack, screen) == 1)
-        dialog_->post(CommandRefreshCategories);
+        dialog().post(CommandRefreshCategories);
 }
 
 void CategoryListScreen::activated() {
     if (std::exchange(isUnread_, false))
-        dialog_->post(CommandRefreshCategories);
+        dialog().post(CommandRefreshCategories);
     lookForTodayTap(state_);
-    state_.stack.inputPanel().putDown();
+    QGuiApplication::inputMethod()->hide();
 }
 
 bool CategoryListScreen::summoned() {
     const bool isListed = state_.tap && list_->findRow(state_.tap->category) >= 0;
-    dialog_->post(isListed ? CommandOpenChannels : CommandRefreshCategories);
+    dialog().post(isListed ? CommandOpenChannels : CommandRefreshCategories);
     return true;
 }
 
@@ -291,12 +299,12 @@ void CategoryListScreen::openTapped() {
     if (list_->findRow(state_.todayCategory) >= 0)
         openChannels();
     else
-        forgetTodayTap(state_); // its category has gone since
+        forgetTodayTap(state_); // its category was deleted
 }
 
 void CategoryListScreen::sized() {
     const DialogUnits units = state_.stack.units();
-    const int covered = state_.stack.inputPanel().coveredHeight();
+    const int covered = coveredHeight(state_.stack);
     if (covered > units.height(menuBarUnits)) {
         QRect place = list_->geometry();
         place.setBottom(std::max(place.top(), units.screen().height() - covered - 1));
@@ -309,22 +317,7 @@ void CategoryListScreen::sized() {
 void CategoryListScreen::close() {
     list_->finishEditing();
     state_.lists = {};
-    dialog_->end(0);
-}
-
-void CategoryListScreen::helpRequested() { showHelp(state_); }
-
-std::optional<int> CategoryListScreen::commandOfKey(const QKeyEvent &event) const {
-    switch (event.key()) {
-    case Qt::Key_F2:
-        return CommandRenameCategory;
-    case Qt::Key_F5:
-        return CommandUpdateCategory;
-    case Qt::Key_Delete:
-        return CommandDeleteCategory;
-    default:
-        return std::nullopt;
-    }
+    dialog().end(0);
 }
 
 void CategoryListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }

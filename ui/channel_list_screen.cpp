@@ -6,7 +6,6 @@
 #include "kit/list_view.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/channel_properties.h"
 #include "share/dialogs/new_channel_wizard.h"
@@ -16,14 +15,13 @@
 #include "ui/row_painter.h"
 #include "ui/update_commands.h"
 
-#include <QKeyEvent>
 #include <QPointer>
 
 namespace tidebrook {
 
 namespace {
 
-// A database that was not to be had when the program started may be had by now.
+// The database may have failed to open when the program started.
 bool listChannels(FeedStore &store, const QString &category) {
     const QString escaped = escapedCategory(category);
     return store.ListChannels(escaped) || (store.Open() && store.ListChannels(escaped));
@@ -63,24 +61,21 @@ ChannelListScreen::ChannelListScreen(AppState &state)
                                 .names = state.categories,
                                 .index = state.currentCategory}) {}
 
-bool ChannelListScreen::initialise(Dialog &dialog) {
-    if (!SteppedListScreen::initialise(dialog))
-        return false;
+void ChannelListScreen::initialise() {
+    SteppedListScreen::initialise();
+    dialog().setKey(Qt::Key_Delete, CommandDeleteChannel);
     turnTo(state().todayCategory, categoryCapacity);
-    followUpdates(state(), dialog, {CommandUpdateChannel, CommandUpdateAll});
-    QObject::connect(&state().updates, &UpdateJobs::channelUpdated, &dialog,
-                     [this](const QString &category) {
-                         if (category == name())
-                             refreshSoon();
-                     });
-    QObject::connect(
-        &state().updates, &UpdateJobs::channelCounted, &dialog,
-        [this](const QString &category, const QString &channel, int unread, int total) {
-            if (category == name())
-                showCounts(channel, unread, total);
-        });
+    followUpdates(state().updates, dialog(), {CommandUpdateChannel, CommandUpdateAll});
+    connect(&state().updates, &UpdateJobs::channelUpdated, this, [this](const QString &category) {
+        if (category == name())
+            refreshSoon();
+    });
+    connect(&state().updates, &UpdateJobs::channelCounted, this,
+            [this](const QString &category, const QString &channel, int unread, int total) {
+                if (category == name())
+                    showCounts(channel, unread, total);
+            });
     refreshSoon();
-    return true;
 }
 
 void ChannelListScreen::command(int id) {
@@ -110,13 +105,13 @@ SteppedListScreen::Collector ChannelListScreen::collector() const {
     };
 }
 
-// The headline that led here is to be found in one of the channels, which are known now.
+// The channels are known now, so the tapped headline's channel can be opened.
 void ChannelListScreen::filled() {
     if (state().todayChannel.isEmpty())
         return;
     const int tapped = findName(list().rowTexts(), state().todayChannel, channelNameCapacity);
     if (tapped < 0) {
-        forgetTodayTap(state()); // it has gone since
+        forgetTodayTap(state()); // the channel was deleted
         return;
     }
     state().channelIndex = tapped;
@@ -156,8 +151,8 @@ void ChannelListScreen::deleteChannel() {
         changeEnd()(fileProblemString);
 }
 
-// What has changed is shown if the screen is still there, also when a part of it failed; that is
-// told wherever the user has gone.
+// The screen, if it is still there, shows what has changed, also when a part of it failed. The
+// failure is shown over any screen.
 JobEnd ChannelListScreen::changeEnd() {
     return [&state = state(), screen = QPointer(&dialog())](int messageId) {
         if (!screen.isNull())
@@ -191,11 +186,6 @@ void ChannelListScreen::showProperties() {
 void ChannelListScreen::showCounts(const QString &channel, int unread, int total) {
     if (const int row = list().findRow(channel); row >= 0)
         list().setRowDetail(row, countsText(unread, total));
-}
-
-std::optional<int> ChannelListScreen::commandOfKey(const QKeyEvent &event) const {
-    return event.key() == Qt::Key_Delete ? CommandDeleteChannel
-                                         : SteppedListScreen::commandOfKey(event);
 }
 
 } // namespace tidebrook

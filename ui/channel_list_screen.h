@@ -5,18 +5,17 @@
 
 namespace tidebrook {
 
-/// The second screen: the channels of the category that was chosen in the first, each with its
-/// unread and total counts. It ends with 1, which has the first screen refresh.
+/// The second screen: the channels of the category that was opened, each with its unread and total
+/// counts. It ends with 1, on which the first screen refreshes.
 class ChannelListScreen : public SteppedListScreen {
 public:
     explicit ChannelListScreen(AppState &state);
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void close() override { leave(); }
-    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
 
 private:
+    void initialise() override;
     Collector collector() const override;
     void open(int row) override;
     void openTapped() override;

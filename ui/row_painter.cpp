@@ -24,9 +24,8 @@ struct RowColours {
     QColor text;
 };
 
-// The platform's: window with button text; highlight; button face with the text of an inactive
-// caption. On the highlight the button face's colour cannot be read in dark themes, so the text
-// there is the theme's own.
+// The colour of the button face could not be read on the highlight in dark themes, so the text
+// there has the theme's own colour.
 RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
     const QPalette &palette = option.palette;
     if (!option.state.testFlag(QStyle::State_Selected))
@@ -43,9 +42,9 @@ QFont bold(QFont font) {
 }
 
 // A little smaller than the lists' font: 10, 12 or 14 pixels, where an inch has 96 of them.
-QFont detailFont(QFont font, int listPoints) {
+QFont detailFont(QFont font) {
     constexpr double pointsPerPixel = 72.0 / 96;
-    font.setPointSizeF((listPoints + 1) * pointsPerPixel);
+    font.setPointSizeF((font.pointSize() + 1) * pointsPerPixel);
     return font;
 }
 
@@ -53,7 +52,7 @@ bool hasUnread(const QString &counts) {
     return !counts.isEmpty() && counts.front().isDigit() && counts.front() != u'0';
 }
 
-/// A text in a place of which its last lines leave the lower right corner free.
+/// A text whose last lines leave the lower right corner of its place free.
 class Label {
 public:
     Label(const QRect &place, const QSize &corner, Qt::LayoutDirection direction)
@@ -62,7 +61,7 @@ public:
     void paint(QPainter &painter, const QString &text, const QFont &font, int mostLines) const;
 
 private:
-    // What hangs below the last line's letters may reach into the corner.
+    // The descenders of the last line may reach into the corner.
     int widthAt(int bottom) const {
         return bottom - hanging > place_.height() - corner_.height()
                    ? place_.width() - corner_.width()
@@ -107,15 +106,13 @@ const QList<const char *> &rowImages() {
     return images;
 }
 
-RowPainter::RowPainter(const AppState &state, ListView &list) : RowDelegate(list), state_(state) {}
-
 void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
                        const QModelIndex &index) const {
     const ListRow row = list().row(index.row());
     const bool isChannel = row.image == ChannelImage;
     const RowColours colours = coloursOf(option, list().hasFocus());
     painter->save();
-    painter->setClipRect(option.rect); // letters can be higher than their font says
+    painter->setClipRect(option.rect); // letters can be higher than their font's metrics
     painter->fillRect(option.rect, colours.background);
     painter->setPen(option.palette.color(QPalette::Button));
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
@@ -123,7 +120,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->drawPixmap(QStyle::visualRect(option.direction, option.rect, iconPlace).topLeft(),
                         icon(list().image(row.image), iconPlace.size(), option.palette));
 
-    const QFont plain = detailFont(option.font, state_.fontSize);
+    const QFont plain = detailFont(option.font);
     const QFont detail = isChannel && hasUnread(row.detail) ? bold(plain) : plain;
     const QSize detailSize = QFontMetrics(detail).size(Qt::TextSingleLine, row.detail);
     const int labelStart = iconMargin + iconPlace.width() + gap;
@@ -132,7 +129,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const QFont label = isChannel || row.image == ReadImage ? option.font : bold(option.font);
     painter->setPen(colours.text);
     painter->setFont(label);
-    const bool isBig = state_.fontSize == fontSizes.back();
+    const bool isBig = option.font.pointSize() == fontSizes.back();
     const QSize taken = row.detail.isEmpty() ? QSize(0, 0) : detailSize + QSize(gap, 0);
     Label(place, taken, option.direction)
         .paint(*painter, withoutControls(cutText(row.text, titleCapacity).toString()), label,

@@ -6,27 +6,21 @@
 
 namespace tidebrook {
 
-struct AppState;
-
-/// What the rows of the channel and the article list show, by the number of its image.
+/// The images of the rows of the channel and the article list.
 enum RowImage : int { UnreadImage, ReadImage, ChannelImage };
 const QList<const char *> &rowImages();
 
 /// Paints the rows of the channel and the article list: the icon, the name or title, and at the
-/// bottom right the counts or the date. What is unread is bold: a channel's counts, an article's
-/// title. Titles wrap, but in the biggest size, where they have one line; what does not fit ends in
-/// an ellipsis.
+/// bottom right the counts or the date. The counts of a channel with unread articles are bold, and
+/// so is an unread title. Titles wrap, except in the biggest size; what does not fit is elided.
 class RowPainter : public RowDelegate {
     Q_OBJECT
 
 public:
-    RowPainter(const AppState &state, ListView &list);
+    using RowDelegate::RowDelegate;
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
-
-private:
-    const AppState &state_;
 };
 
 } // namespace tidebrook

@@ -2,20 +2,18 @@
 
 #include "app/list_font.h"
 #include "app/messages.h"
-#include "app/text_screens.h"
 #include "app/today_taps.h"
 #include "kit/dialog.h"
 #include "kit/header_bar.h"
+#include "kit/keys.h"
 #include "kit/list_view.h"
 #include "kit/screen_stack.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "ui/column_width.h"
 #include "ui/row_painter.h"
 
-#include <QKeyEvent>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -23,30 +21,27 @@
 
 namespace tidebrook {
 
-bool SteppedListScreen::initialise(Dialog &dialog) {
-    dialog_ = &dialog;
-    list_ = dialog.control<ListView>(ListViewControl);
-    if (list_ == nullptr || !dialog.makeMenuBar(kind_.menuBarId))
-        return false;
+void SteppedListScreen::initialise() {
+    list_ = dialog().control<ListView>(ListViewControl);
+    dialog().makeMenuBar(kind_.menuBarId);
+    dialog().setBackKeys(kind_.backCommand);
+    dialog().setKey(Qt::Key_F4, CommandShowChoices);
+    dialog().setKey(Qt::Key_F5, kind_.updateCommand);
     state_.lists[kind_.screen] = list_;
     list_->setImages(rowImages());
-    list_->setItemDelegate(new RowPainter(state_, *list_));
+    list_->setItemDelegate(new RowPainter(*list_));
     list_->setFont(state_.listFont);
-    QObject::connect(list_, &ListView::keyPressed, &dialog,
-                     [this](int key, bool &isTaken) { handleKey(key, isTaken); });
-    QObject::connect(list_, &ListView::tapped, &dialog, [this] {
+    connect(list_, &ListView::keyPressed, this, &SteppedListScreen::handleKey);
+    connect(list_, &ListView::tapped, this, [this] {
         state_.fills.requestStop();
         openSelected();
     });
-    HeaderBar &bar = dialog.makeHeaderBar(QString());
-    bar.setSteppable();
-    QObject::connect(&bar, &HeaderBar::choiceTaken, &dialog,
-                     [this](int index) { handleChoice(index); });
+    header().setSteppable();
+    connect(&header(), &HeaderBar::choiceTaken, this, &SteppedListScreen::handleChoice);
     step(kind_.index);
-    return true;
 }
 
-HeaderBar &SteppedListScreen::header() const { return *dialog_->headerBar(); }
+HeaderBar &SteppedListScreen::header() const { return *dialog().headerBar(); }
 
 void SteppedListScreen::step(int index) {
     header().hideChoices();
@@ -54,7 +49,7 @@ void SteppedListScreen::step(int index) {
     if (count == 0)
         return;
     kind_.index = (index + count) % count;
-    place_.reset(); // it was one in another list
+    place_.reset(); // of another list
     header().setCaption(name());
     list_->setAccessibleName(name());
 }
@@ -87,7 +82,7 @@ void SteppedListScreen::stepByCommand(int index) {
     refreshSoon();
 }
 
-void SteppedListScreen::refreshSoon() { dialog_->post(kind_.refreshCommand); }
+void SteppedListScreen::refreshSoon() { dialog().post(kind_.refreshCommand); }
 
 void SteppedListScreen::refresh() {
     if (followTodayTap(state_))
@@ -95,7 +90,7 @@ void SteppedListScreen::refresh() {
     if (!header().areChoicesVisible())
         list_->setFocus();
     const QString name = this->name();
-    // What is shown of the same name stays until what replaces it is there.
+    // The rows of the same name stay until others replace them.
     if (shown_ != name) {
         list_->setRows({});
         shown_.reset();
@@ -113,7 +108,7 @@ void SteppedListScreen::fill(const QString &name) {
         filling->isStopped = stop.isRequested();
     };
     const auto show = [this, filling, name] { showFilling(name, *filling); };
-    state_.fills.launch(dialog_, {collect, show, [this] { refreshSoon(); }});
+    state_.fills.launch(&dialog(), {collect, show, [this] { refreshSoon(); }});
 }
 
 void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
@@ -123,7 +118,7 @@ void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
     else
         showReadFailure();
     if (filling.isStopped)
-        refreshSoon(); // for the rest
+        refreshSoon(); // reads the rest
     else if (isRead)
         filled();
 }
@@ -131,7 +126,7 @@ void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
 void SteppedListScreen::showReadFailure() {
     list_->setRows({});
     shown_.reset();
-    forgetTodayTap(state_); // it would open at any later time
+    forgetTodayTap(state_); // else it would open at a later refresh
     ShowError(state_, databaseProblemString);
 }
 
@@ -147,7 +142,7 @@ void SteppedListScreen::showRows(const QString &name, QList<ListRow> rows) {
     sized();
 }
 
-// The list stays scrolled to where the user has it, unless he is to find himself elsewhere.
+// The list stays scrolled where it is, unless a place was set.
 void SteppedListScreen::replaceRows(QList<ListRow> rows) {
     QScrollBar &bar = *list_->verticalScrollBar();
     const int scrolled = bar.value();
@@ -161,8 +156,8 @@ void SteppedListScreen::replaceRows(QList<ListRow> rows) {
         bar.setValue(scrolled);
 }
 
-// The same text, where it was before if there are several; the row that has come into its place
-// when it is no longer there.
+// Of several rows with the text the one at the old place is selected; without any, the row that is
+// now at that place.
 void SteppedListScreen::selectPlace(const Place &place) {
     int row = place.row;
     if (!place.text.isNull() && list_->rowText(row) != place.text) {
@@ -174,7 +169,7 @@ void SteppedListScreen::selectPlace(const Place &place) {
 
 void SteppedListScreen::toggleChoices() {
     if (header().areChoicesVisible()) {
-        dialog_->post(CommandHideChoices);
+        dialog().post(CommandHideChoices);
         return;
     }
     header().setChoices(kind_.names, kind_.index);
@@ -194,20 +189,15 @@ void SteppedListScreen::handleChoice(int index) {
 }
 
 void SteppedListScreen::handleKey(int key, bool &isTaken) {
-    switch (key) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        isTaken = true;
+    const bool isStep = key == Qt::Key_Left || key == Qt::Key_Right;
+    isTaken = isStep || isEnter(key);
+    if (isEnter(key))
         return openSelected();
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-        isTaken = true;
-        if (!kind_.stopsByCommand)
-            state_.fills.requestStop();
-        return command(key == Qt::Key_Left ? CommandPrevious : CommandNext);
-    default:
+    if (!isStep)
         return;
-    }
+    if (!kind_.stopsByCommand)
+        state_.fills.requestStop();
+    command(key == Qt::Key_Left ? CommandPrevious : CommandNext);
 }
 
 std::optional<int> SteppedListScreen::selection() {
@@ -225,7 +215,7 @@ void SteppedListScreen::openSelected() {
 
 void SteppedListScreen::activated() { lookForTodayTap(state_); }
 
-// It leads to the headline once it is on top.
+// The refresh comes, and leads to the headline, once the screen is on top.
 bool SteppedListScreen::summoned() {
     refreshSoon();
     return true;
@@ -235,26 +225,13 @@ void SteppedListScreen::sized() {
     list_->setColumnWidth(listColumnWidth(state_.stack.size(), list_->rowCount(), *list_));
 }
 
-void SteppedListScreen::helpRequested() { showHelp(state_); }
-
-std::optional<int> SteppedListScreen::commandOfKey(const QKeyEvent &event) const {
-    switch (event.key()) {
-    case Qt::Key_F4:
-        return CommandShowChoices;
-    case Qt::Key_F5:
-        return kind_.updateCommand;
-    default:
-        return std::nullopt;
-    }
-}
-
 void SteppedListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
 
 void SteppedListScreen::leave() {
     state_.lists[kind_.screen] = nullptr;
     kind_.names.clear();
     forgetTodayTap(state_);
-    dialog_->end(1);
+    dialog().end(1);
 }
 
 void SteppedListScreen::turnTo(const QString &name, qsizetype capacity) {

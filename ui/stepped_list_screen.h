@@ -16,23 +16,18 @@ namespace tidebrook {
 class HeaderBar;
 class ListView;
 
-/// What the channel list and the article list have in common: a list that belongs to one of
-/// several names, which a job fills, under a header that names it, steps to the previous and the
-/// next one, round and round, and drops down all of them to choose from.
+/// The common part of the channel list and the article list: the list of one of several names,
+/// filled by a job. The header steps to the previous and the next name, round and round, and drops
+/// down all of them.
 class SteppedListScreen : public DialogProcedure {
 public:
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void activated() override;
     bool summoned() override;
     void sized() override;
-    void helpRequested() override;
-    std::optional<int> backCommand() const override { return kind_.backCommand; }
-    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
     void prepareMenu(ScreenMenu &menu) override;
 
 protected:
-    /// What is different.
     struct Kind {
         ListScreen screen;
         MenuBarId menuBarId;
@@ -40,15 +35,15 @@ protected:
         int backCommand;
         int updateCommand;
         int nothingSelectedString;
-        bool stopsByCommand; ///< the commands that step stop the fill, or else the keys for them
-        bool keepsPlace;     ///< a refresh leaves the user where he is in the list
+        bool stopsByCommand; ///< the commands that step stop the fill, else their keys do
+        bool keepsPlace;     ///< a refresh keeps the selection and the scroll position
         QStringList &names;
-        int &index; ///< of the name whose list it is; there is none where it points to nothing
+        int &index; ///< of the present name; out of range when there is none
     };
     SteppedListScreen(AppState &state, const Kind &kind) : state_(state), kind_(kind) {}
 
-    /// A row of the list, by its text if that is not null, which may have moved, or else by where
-    /// it is.
+    /// A row of the list: the one with this text, which may have moved, or the one with this number
+    /// when the text is null.
     struct Place {
         int row;
         QString text;
@@ -58,37 +53,38 @@ protected:
     using Rows = std::optional<QList<ListRow>>;
     using Collector = std::function<Rows(FillStop &)>;
 
+    void initialise() override;
+
     AppState &state() const { return state_; }
-    Dialog &dialog() const { return *dialog_; }
     ListView &list() const { return *list_; }
-    /// Null where there is none: a name may be empty.
+    /// Null when there is none: a name may be empty.
     QString name() const { return kind_.names.value(kind_.index); }
 
     /// Turns to another name, counted round and round.
     void step(int index);
-    /// Turns to this name, as far as its capacity goes, if it is there.
+    /// Turns to this name, compared within its capacity, if it is there.
     void turnTo(const QString &name, qsizetype capacity);
     void refreshSoon();
-    /// Where the user is to find himself after the next refresh.
+    /// The row to select after the next refresh.
     void setPlace(const Place &place) { place_ = place; }
-    /// The selected row; where none is, the user is told so.
+    /// The selected row; shows a warning when there is none.
     std::optional<int> selection();
-    /// Ends the screen, whose parent is to refresh.
+    /// Ends the screen with 1, on which its parent refreshes.
     void leave();
 
 private:
-    /// Reads the rows of the present name. It runs on the job's thread, and takes values with it.
+    /// Reads the rows of the present name on the job's thread, from values that it holds.
     virtual Collector collector() const = 0;
     virtual void open(int row) = 0;
-    /// The screen is to lead to a headline.
+    /// Leads to the tapped headline.
     virtual void openTapped() = 0;
-    /// The list shows all that the job has read.
+    /// The list shows all rows.
     virtual void filled() {}
 
     /// What a job has read.
     struct Filling {
         Rows rows;
-        bool isStopped = false; ///< and so may lack the end
+        bool isStopped = false; ///< the end may be missing
     };
 
     HeaderBar &header() const;
@@ -108,13 +104,12 @@ private:
 
     AppState &state_;
     const Kind kind_;
-    Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
     std::optional<QString> shown_; // the name whose rows are in the list
     std::optional<Place> place_;
 };
 
-/// The rows of what a job has read, as far as it comes before it is stopped.
+/// The rows of what a job has read, up to where it is stopped.
 template <class Item>
 QList<ListRow> makeRows(const QList<Item> &items, FillStop &stop,
                         ListRow (*makeRow)(const Item &)) {
@@ -128,7 +123,7 @@ QList<ListRow> makeRows(const QList<Item> &items, FillStop &stop,
     return rows;
 }
 
-/// The name that is this one, as far as its capacity goes; -1 without one, and for an empty one.
+/// The index of a name, compared within its capacity; -1 when it is missing or empty.
 int findName(const QStringList &names, const QString &name, qsizetype capacity);
 
 } // namespace tidebrook

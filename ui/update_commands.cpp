@@ -7,13 +7,13 @@
 
 namespace tidebrook {
 
-void followUpdates(AppState &state, Dialog &dialog, std::initializer_list<int> commands) {
-    const auto enable = [&state, &dialog, ids = QList<int>(commands)] {
-        for (const int id : ids)
-            dialog.menuBar()->enable(id, !state.updates.isUpdating());
+void followUpdates(UpdateJobs &updates, Dialog &dialog, const QList<int> &commands) {
+    const auto enable = [&updates, &dialog, commands] {
+        for (const int id : commands)
+            dialog.menuBar()->enable(id, !updates.isUpdating());
     };
-    QObject::connect(&state.updates, &UpdateJobs::begun, &dialog, enable);
-    QObject::connect(&state.updates, &UpdateJobs::done, &dialog, enable);
+    QObject::connect(&updates, &UpdateJobs::begun, &dialog, enable);
+    QObject::connect(&updates, &UpdateJobs::done, &dialog, enable);
     enable();
 }
 

@@ -2,17 +2,18 @@
 
 #include "app/app_state.h"
 
-#include <initializer_list>
+#include <QList>
+
 #include <optional>
 
 namespace tidebrook {
 
 class Dialog;
 
-/// While an update runs, a screen's commands that would start another one cannot be chosen.
-void followUpdates(AppState &state, Dialog &dialog, std::initializer_list<int> commands);
+/// Disables a screen's commands that start an update while one runs.
+void followUpdates(UpdateJobs &updates, Dialog &dialog, const QList<int> &commands);
 
-/// Updates a category, or one of its channels. The user is told when that cannot be begun.
+/// Updates a category, or one of its channels. Shows an error when that cannot be started.
 void startUpdate(AppState &state, const QString &category,
                  const std::optional<QString> &channel = std::nullopt);
 

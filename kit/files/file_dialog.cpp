@@ -36,9 +36,8 @@ public:
     explicit SaveProcedure(const FileRequest &request)
         : FileProcedure(request, SaveFileMenuBar), ending_(request.pattern.sliced(1)) {}
 
-    bool initialise(Dialog &dialog) override;
-
 protected:
+    void initialise() override;
     void take(const QString &name) override;
     void confirm() override;
 
@@ -57,13 +56,11 @@ private:
     QLineEdit *name_ = nullptr;
 };
 
-bool SaveProcedure::initialise(Dialog &dialog) {
-    name_ = dialog.control<QLineEdit>(FileNameEdit);
-    if (name_ == nullptr || !FileProcedure::initialise(dialog))
-        return false;
+void SaveProcedure::initialise() {
+    FileProcedure::initialise();
+    name_ = dialog().control<QLineEdit>(FileNameEdit);
     name_->setAccessibleName(resourceString(fileNameString));
     propose(proposal());
-    return true;
 }
 
 QString SaveProcedure::proposal() const {

@@ -2,8 +2,6 @@
 
 #include <QString>
 
-#include <functional>
-
 namespace tidebrook {
 
 class ScreenStack;
@@ -12,23 +10,19 @@ class ScreenStack;
 struct FileRequest {
     QString title;
     QString filterName; ///< as the user sees it: "OPML (*.opml)"
-    QString pattern;    ///< "*" and the ending of the files that are shown: "*.opml"
-    QString name; ///< what to save under is proposed to be this; changed to what can be a name
-    qsizetype pathLimit = 260;  ///< UTF-16 units; counted from the documents folder inside that
-    std::function<void()> help; ///< when the user asks for help; may be empty
+    QString pattern;    ///< of the files that are shown: "*" and an ending, as "*.opml"
+    QString name;       ///< the proposed name to save under; what no file name can have is changed
+    qsizetype pathLimit = 260; ///< UTF-16 units; counted from the documents folder inside it
 };
 
-/// Shows the folders and the files that the pattern has, beginning in the user's documents, until
-/// one is chosen: to be opened ...
-///
-/// Call it on the user-interface thread; it returns the absolute path when the dialog has ended. It
-/// is null when the user cancels it, or the window is closed meanwhile. A path that is longer than
-/// the limit is refused, and the user told. No file is touched, and one that was chosen may be gone
-/// by the time that it is used.
+/// Shows the folders and the files that match the pattern, beginning in the user's documents.
+/// Returns the absolute path of the file to open; null when the user cancels, or the window is
+/// closed. A path longer than the limit is refused with a message. No file is opened, and the
+/// chosen one may be gone by the time that it is used.
 QString chooseFileToOpen(ScreenStack &stack, const FileRequest &request);
-/// ... or to be written, where a name that is there already is only chosen when the user agrees to
-/// replacing it. A name without the pattern's ending gets it, within the limit. The folder was
-/// there; whether it can be written to is not known.
+/// The same for a file to write. A name without the pattern's ending gets it, within the limit. An
+/// existing file is only chosen when the user agrees to replace it. The folder exists, but may not
+/// be writable.
 QString chooseFileToSave(ScreenStack &stack, const FileRequest &request);
 
 } // namespace tidebrook

@@ -2,16 +2,16 @@
 
 #include "kit/dialog.h"
 #include "kit/files/file_name.h"
+#include "kit/header_bar.h"
+#include "kit/keys.h"
 #include "kit/list_view.h"
 #include "kit/message_box.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QScrollBar>
 
@@ -25,8 +25,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 enum RowImage : int { ImageAbove, ImageFolder, ImageFile };
-
-bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
 
 QString firstFolder() {
     const QString documents = documentsFolder();
@@ -44,21 +42,21 @@ QString shownFolder(const QString &folder) {
 
 } // namespace
 
-bool FileProcedure::initialise(Dialog &dialog) {
-    dialog_ = &dialog;
-    list_ = dialog.control<ListView>(FilesListViewControl);
-    if (list_ == nullptr || !dialog.makeMenuBar(menuBarId_))
-        return false;
-    dialog.makeHeaderBar(request_.title);
+void FileProcedure::initialise() {
+    list_ = dialog().control<ListView>(FilesListViewControl);
+    dialog().makeMenuBar(menuBarId_);
+    dialog().headerBar()->setCaption(request_.title);
+    dialog().setBackKeys(CommandCancel);
+    dialog().setEnterKeys(CommandOk);
+    dialog().setKey(Qt::ALT | Qt::Key_Up, CommandFolderAbove);
     for (const int id : {FolderLabel, FilterLabel})
-        dialog.control<QLabel>(id)->setWordWrap(false);
-    dialog.control<QLabel>(FilterLabel)->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
+        dialog().control<QLabel>(id)->setWordWrap(false);
+    dialog().control<QLabel>(FilterLabel)->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
     prepareList();
-    reader_ = &FolderReader::of(dialog.stack());
+    reader_ = &FolderReader::of(dialog().stack());
     reader_->setPattern(request_.pattern);
-    QObject::connect(reader_, &FolderReader::changed, &dialog, [this] { refresh(); });
+    connect(reader_, &FolderReader::changed, this, &FileProcedure::refresh);
     goTo(firstFolder());
-    return true;
 }
 
 FileProcedure::~FileProcedure() {
@@ -69,39 +67,24 @@ FileProcedure::~FileProcedure() {
 void FileProcedure::prepareList() {
     list_->setImages({"folder-up", "folder", "file"});
     list_->setAccessibleName(resourceString(filesString));
-    QObject::connect(list_, &ListView::tapped, dialog_, [this](int row) {
+    connect(list_, &ListView::tapped, this, [this](int row) {
         if (row >= 0)
-            dialog_->choose(CommandTakeFile);
+            dialog().choose(CommandTakeFile);
     });
-    QObject::connect(list_, &ListView::keyPressed, dialog_, [this](int key, bool &isTaken) {
+    connect(list_, &ListView::keyPressed, this, [this](int key, bool &isTaken) {
         isTaken = isEnter(key) || key == Qt::Key_Backspace;
         if (isTaken)
-            dialog_->choose(isEnter(key) ? CommandTakeFile : CommandFolderAbove);
+            dialog().choose(isEnter(key) ? CommandTakeFile : CommandFolderAbove);
     });
 }
 
-void FileProcedure::close() { dialog_->end(0); }
-
-void FileProcedure::helpRequested() {
-    if (request_.help)
-        request_.help();
-}
-
-std::optional<int> FileProcedure::backCommand() const { return CommandCancel; }
-
-std::optional<int> FileProcedure::commandOfKey(const QKeyEvent &event) const {
-    if (event.key() == Qt::Key_Up && event.modifiers() == Qt::AltModifier)
-        return CommandFolderAbove;
-    if (isEnter(event.key()))
-        return CommandOk;
-    return std::nullopt;
-}
+void FileProcedure::close() { dialog().end(0); }
 
 void FileProcedure::command(int id) {
     if (id == CommandOk)
         confirm();
     else if (id == CommandCancel)
-        dialog_->end(0);
+        close();
     else if (id == CommandTakeFile)
         takeRow();
     else if (id == CommandFolderAbove)
@@ -168,7 +151,7 @@ void FileProcedure::fill(QList<FolderEntry> entries) {
 
 void FileProcedure::showPlace() {
     const auto show = [this](int id, const QString &text) {
-        auto *label = dialog_->control<QLabel>(id);
+        auto *label = dialog().control<QLabel>(id);
         label->setText(
             label->fontMetrics().elidedText(text, Qt::ElideMiddle, label->contentsRect().width()));
         label->setAccessibleName(text);
@@ -186,11 +169,11 @@ bool FileProcedure::isWithinLimit(const QString &path) const {
 
 void FileProcedure::choose(const QString &path) {
     path_ = path;
-    dialog_->end(1);
+    dialog().end(1);
 }
 
 void FileProcedure::refuse(const QString &text) const {
-    MessageBox::ask(dialog_->stack(), MessageBox::Kind::Error, resourceString(errorString), text);
+    MessageBox::ask(dialog().stack(), MessageBox::Kind::Error, resourceString(errorString), text);
 }
 
 } // namespace tidebrook

@@ -11,8 +11,8 @@ namespace tidebrook {
 
 class ListView;
 
-/// What the dialogs for files have in common: the user goes through the folders. It ends with 1
-/// when `path` is what was chosen, and with 0 when nothing was.
+/// The common part of the file dialogs: the user goes through the folders. It ends with 1 when a
+/// `path` was chosen, and with 0 otherwise.
 class FileProcedure : public DialogProcedure {
 public:
     /// The request outlives it.
@@ -20,17 +20,14 @@ public:
         : request_(request), menuBarId_(menuBarId) {}
     ~FileProcedure() override;
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void sized() override { showPlace(); }
     void close() override;
-    void helpRequested() override;
-    std::optional<int> backCommand() const override;
-    std::optional<int> commandOfKey(const QKeyEvent &event) const override;
 
     const QString &path() const { return path_; }
 
 protected:
+    void initialise() override;
     /// A file's row was tapped, or Enter was pressed on it.
     virtual void take(const QString &name) = 0;
     /// The right soft key, or Enter anywhere else.
@@ -38,17 +35,16 @@ protected:
 
     /// Does with the selected row what a tap on it does.
     void takeRow();
-    /// Shows a folder or, if it is not there, the nearest above it, with this entry selected.
+    /// Shows a folder, or the nearest existing one above it, with this entry selected.
     void goTo(const QString &folder, const QString &selected = {});
-    /// Whether a path is not too long; where it is, the user is told so.
+    /// Whether a path is within the limit; shows a message when it is not.
     bool isWithinLimit(const QString &path) const;
     /// Ends the dialog with a path.
     void choose(const QString &path);
-    /// Tells why something cannot be done, and stays.
+    /// Shows why something cannot be done.
     void refuse(const QString &text) const;
 
     const FileRequest &request() const { return request_; }
-    Dialog &dialog() const { return *dialog_; }
     const QString &folder() const { return reader_->folder(); }
 
 private:
@@ -61,7 +57,6 @@ private:
     const FileRequest &request_;
     const MenuBarId menuBarId_;
     QString path_;
-    Dialog *dialog_ = nullptr;
     ListView *list_ = nullptr;
     FolderReader *reader_ = nullptr;
     QList<FolderEntry> entries_; // as the list shows them

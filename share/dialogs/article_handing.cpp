@@ -1,7 +1,6 @@
 #include "share/dialogs/article_handing.h"
 
 #include "app/messages.h"
-#include "app/text_screens.h"
 #include "kit/files/file_dialog.h"
 #include "kit/screen_stack.h"
 #include "res/strings.h"
@@ -19,14 +18,13 @@ QString chooseFile(AppState &state, const QString &title) {
                                           .filterName = resourceString(htmlFilterString),
                                           .pattern = QStringLiteral("*.html"),
                                           .name = title,
-                                          .pathLimit = titleCapacity - 1,
-                                          .help = [&state] { showHelp(state); }});
+                                          .pathLimit = titleCapacity - 1});
 }
 
 } // namespace
 
 void saveArticle(AppState &state, const QString &channel, const QString &title, SaveKind kind) {
-    // What is shown may be another article by the time that the file is named.
+    // Another article may be shown when the user has named the file.
     const auto save = [&store = state.device.store, channel, title, kind](const QString &path) {
         ArticleExtract article;
         if (!store.GetArticleExtract(channel, title, article))

@@ -7,11 +7,11 @@
 
 namespace tidebrook {
 
-/// Has the user name a file, and saves an article or its link in it. Returns when the file is
-/// named, or the user has given up; the file is written after that, and a failure is told.
+/// Saves an article or its link to a file that the user names. Returns when the file is named or
+/// the user cancels; the file is written after that. A failure shows an error.
 void saveArticle(AppState &state, const QString &channel, const QString &title, SaveKind kind);
 
-/// Has the desktop compose a message with an article's link, soon. A failure is told.
+/// Lets the desktop compose a message with an article's link, soon. A failure shows an error.
 void sendArticle(AppState &state, const QString &channel, const QString &title, SendKind kind);
 
 } // namespace tidebrook

@@ -8,9 +8,9 @@ class QComboBox;
 
 namespace tidebrook {
 
-/// Reads the categories, soon, and gives them to `then`; not when the receiver is gone by that
-/// time. Where there are none, one stands for them that says so. When they cannot be read the user
-/// is told, and `then` gets nothing.
+/// Reads the categories, soon, and passes them to `then`, unless the receiver is gone by that time.
+/// Without any, "No Category Exist!" stands for them. When they cannot be read, `then` gets an
+/// empty list, and an error is shown.
 void readCategories(AppState &state, QObject *receiver,
                     std::function<void(const QStringList &)> then);
 

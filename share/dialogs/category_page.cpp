@@ -3,7 +3,6 @@
 #include "kit/dialog.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "share/dialogs/category_choice.h"
 #include "share/feed_probe.h"
 #include "store/escape_sql.h"
@@ -14,8 +13,8 @@ namespace tidebrook {
 
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels,
                            bool isProbed)
-    : FormProcedure(adding.state, CommandWizardBack, CommandFinish), adding_(adding),
-      channels_(channels), isProbed_(isProbed) {}
+    : FormProcedure(adding.state, {CategoryChoiceMenuBar, CommandWizardBack, CommandFinish}),
+      adding_(adding), channels_(channels), isProbed_(isProbed) {}
 
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QString &url)
     : CategoryPage(adding, {{{}, {}, url}}, true) {}
@@ -23,19 +22,17 @@ CategoryPage::CategoryPage(const ChannelAdding &adding, const QString &url)
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels)
     : CategoryPage(adding, channels, false) {}
 
-bool CategoryPage::initialise(Dialog &dialog) {
-    categories_ = dialog.control<QComboBox>(CategoryDropDown);
-    if (categories_ == nullptr || !prepare(dialog, CategoryChoiceMenuBar))
-        return false;
+void CategoryPage::initialise() {
+    FormProcedure::initialise();
+    categories_ = dialog().control<QComboBox>(CategoryDropDown);
     beginWaiting();
-    readCategories(state(), &dialog, [this](const QStringList &names) {
+    readCategories(state(), &dialog(), [this](const QStringList &names) {
         endWaiting();
         if (names.isEmpty())
             leave(CommandWizardBack);
         else
             showCategories(names);
     });
-    return true;
 }
 
 void CategoryPage::showCategories(const QStringList &names) {
@@ -71,7 +68,7 @@ void CategoryPage::finish() {
     leave(CommandFinish);
 }
 
-// Who has finished, and does not wait for the feed's title, is to have the channel all the same.
+// The channel is added also when the user has finished, but does not wait for the feed's title.
 void CategoryPage::close() {
     if (isProbing_)
         add();

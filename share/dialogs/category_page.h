@@ -12,22 +12,21 @@ class QComboBox;
 
 namespace tidebrook {
 
-/// The wizard's last page: the category of what is added. It ends with the command that was given
-/// last.
+/// The wizard's last page: the category of the new channels. It ends with the last command.
 class CategoryPage : public FormProcedure {
 public:
-    /// Adds a feed, under the title that it gives itself ...
+    /// Adds a feed, under its own title ...
     CategoryPage(const ChannelAdding &adding, const QString &url);
     /// ... or channels whose names are known.
     CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels);
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void close() override;
 
 private:
     CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels, bool isProbed);
 
+    void initialise() override;
     void showCategories(const QStringList &names);
     void probe();
     void finish();
@@ -35,7 +34,7 @@ private:
 
     const ChannelAdding adding_;
     QList<ChannelRecord> channels_;
-    const bool isProbed_; // the one channel's name is still to be found out
+    const bool isProbed_; // the name of the one channel is read from the feed
     bool isProbing_ = false;
     QComboBox *categories_ = nullptr;
 };

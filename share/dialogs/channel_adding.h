@@ -7,15 +7,15 @@
 
 namespace tidebrook {
 
-/// The caller for whom the wizard adds channels, and who gets the result.
+/// Where the result of adding channels goes.
 struct ChannelAdding {
     AppState &state;
-    QObject *receiver; ///< nothing is told any more when it is gone
+    QObject *receiver; ///< `end` is not called when it is gone
     JobEnd end;        ///< gets 0 when all are stored, else the reason for the first that is not
 };
 
-/// Starts the adding of channels. Of a name line ends and blanks around it are left out; a channel
-/// whose name is empty then is given one.
+/// Starts adding channels. Line ends and outer blanks are removed from a name; a channel whose name
+/// is empty then gets one.
 void startAdding(const ChannelAdding &adding, const QList<ChannelRecord> &channels);
 
 } // namespace tidebrook

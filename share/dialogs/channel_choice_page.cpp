@@ -5,7 +5,6 @@
 #include "kit/list_view.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "share/dialogs/category_page.h"
 
 #include <QAbstractButton>
@@ -22,21 +21,18 @@ constexpr int besideColumn = 15; // dialog units, for the scroll bar
 
 ChannelChoicePage::ChannelChoicePage(const ChannelAdding &adding, AddMode mode,
                                      const QString &source)
-    : FormProcedure(adding.state, CommandWizardBack, CommandWizardNext), adding_(adding),
-      mode_(mode), source_(source) {}
+    : FormProcedure(adding.state, {ChannelChoiceMenuBar, CommandWizardBack, CommandWizardNext}),
+      adding_(adding), mode_(mode), source_(source) {}
 
-bool ChannelChoicePage::initialise(Dialog &dialog) {
-    list_ = dialog.control<ListView>(ChannelChoiceList);
-    all_ = dialog.control<QAbstractButton>(AllChannelsBox);
-    if (list_ == nullptr || all_ == nullptr || !prepare(dialog, ChannelChoiceMenuBar))
-        return false;
+void ChannelChoicePage::initialise() {
+    FormProcedure::initialise();
+    list_ = dialog().control<ListView>(ChannelChoiceList);
+    all_ = dialog().control<QAbstractButton>(AllChannelsBox);
     list_->setFont(state().listFont);
-    QObject::connect(all_, &QAbstractButton::clicked, &dialog,
-                     [this](bool isChecked) { checkAll(isChecked); });
-    QObject::connect(list_->model(), &QAbstractItemModel::dataChanged, &dialog,
-                     [this] { all_->setChecked(areAllChecked()); });
+    connect(all_, &QAbstractButton::clicked, this, &ChannelChoicePage::checkAll);
+    connect(list_->model(), &QAbstractItemModel::dataChanged, this,
+            [this] { all_->setChecked(areAllChecked()); });
     openList();
-    return true;
 }
 
 void ChannelChoicePage::openList() {

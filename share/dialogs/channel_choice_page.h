@@ -16,17 +16,16 @@ namespace tidebrook {
 
 class ListView;
 
-/// The wizard's second page: which channels of a list are to be added. It ends with the command
-/// that was given last.
+/// The wizard's second page: the channels to add of a list. It ends with the last command.
 class ChannelChoicePage : public FormProcedure {
 public:
     ChannelChoicePage(const ChannelAdding &adding, AddMode mode, const QString &source);
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
     void sized() override;
 
 private:
+    void initialise() override;
     void openList();
     void showEntries(std::shared_ptr<OpmlReader> reader);
     void checkAll(bool isChecked);

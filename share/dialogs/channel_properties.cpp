@@ -4,7 +4,6 @@
 #include "kit/dialog.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/category_choice.h"
 #include "share/dialogs/form_procedure.h"
@@ -42,8 +41,8 @@ Stored readStored(Device &device, const QString &category, const QString &channe
     return stored;
 }
 
-// What the user has changed; blanks at its end are none to the database. What was only shown stays
-// as it was: an edit may show less of it than there is.
+// The text that the user has changed, without the blanks at its end, which the database ignores;
+// the old one when he has not: an edit may show less than there is.
 QString edited(const QLineEdit &edit, qsizetype limit, const QString &before) {
     if (!edit.isModified())
         return before;
@@ -57,13 +56,13 @@ class PropertiesDialog : public FormProcedure {
 public:
     PropertiesDialog(AppState &state, const ChannelProperties &initial, QObject *receiver,
                      const JobEnd &applied)
-        : FormProcedure(state, CommandCancelProperties, CommandPropertiesDone), initial_(initial),
-          receiver_(receiver), applied_(applied) {}
+        : FormProcedure(state, {PropertiesMenuBar, CommandCancelProperties, CommandPropertiesDone}),
+          initial_(initial), receiver_(receiver), applied_(applied) {}
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
 
 private:
+    void initialise() override;
     void read();
     void showStored(const Stored &stored);
     void showCategories(const QStringList &names);
@@ -80,21 +79,17 @@ private:
     int shownCategory_ = -1;
 };
 
-bool PropertiesDialog::initialise(Dialog &dialog) {
-    name_ = dialog.control<QLineEdit>(ChannelNameEdit);
-    link_ = dialog.control<QLineEdit>(ChannelLinkEdit);
-    category_ = dialog.control<QComboBox>(CategoryDropDown);
-    auto_ = dialog.control<QAbstractButton>(AutoUpdateBox);
-    if (name_ == nullptr || link_ == nullptr || category_ == nullptr || auto_ == nullptr ||
-        !prepare(dialog, PropertiesMenuBar))
-        return false;
+void PropertiesDialog::initialise() {
+    FormProcedure::initialise();
+    name_ = dialog().control<QLineEdit>(ChannelNameEdit);
+    link_ = dialog().control<QLineEdit>(ChannelLinkEdit);
+    category_ = dialog().control<QComboBox>(CategoryDropDown);
+    auto_ = dialog().control<QAbstractButton>(AutoUpdateBox);
     name_->setMaxLength(nameLimit);
     name_->setText(initial_.name);
-    dialog.setFirstFocus(name_);
     link_->setMaxLength(linkLimit);
     link_->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoAutoUppercase);
     read();
-    return true;
 }
 
 void PropertiesDialog::read() {
@@ -122,7 +117,7 @@ void PropertiesDialog::showStored(const Stored &stored) {
         ShowError(state(), fileProblemString);
 }
 
-// The category itself, before one that only begins like it.
+// The exact category wins over one that only begins like it.
 void PropertiesDialog::showCategories(const QStringList &names) {
     category_->addItems(names);
     selectByBeginning(*category_, initial_.category);

@@ -6,10 +6,10 @@
 
 namespace tidebrook {
 
-/// Shows the properties of a channel until the user is done. 1 when its name, address or category
-/// are changed, which is done after that; 0 when they are not. `applied` is told once all changes
-/// are made, unless the receiver is gone by then or there are none: 0, or the string that tells
-/// why one of them failed.
+/// Shows the properties of a channel until the user is done. Returns 1 when the user changed its
+/// name, address or category, else 0. The changes are made after that; then `applied` gets 0, or
+/// the string that says why one of them failed. It is not called without changes, or when the
+/// receiver is gone.
 int runChannelProperties(AppState &state, const QString &category, const QString &channel,
                          QObject *receiver, const JobEnd &applied);
 

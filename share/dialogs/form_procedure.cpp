@@ -1,39 +1,30 @@
 #include "share/dialogs/form_procedure.h"
 
 #include "app/messages.h"
-#include "app/text_screens.h"
 #include "kit/dialog.h"
 #include "res/strings.h"
-
-#include <QKeyEvent>
 
 namespace tidebrook {
 
 FormProcedure::~FormProcedure() = default;
 
-bool FormProcedure::prepare(Dialog &dialog, MenuBarId menuBarId) {
-    dialog_ = &dialog;
-    dialog.makeTitleStrip(resourceString(programNameString));
-    dialog.makeTitleLine();
-    return dialog.makeMenuBar(menuBarId);
-}
-
-void FormProcedure::helpRequested() { showHelp(state_); }
-
-std::optional<int> FormProcedure::commandOfKey(const QKeyEvent &event) const {
-    const bool isEnter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-    return isEnter ? std::optional(nextCommand_) : std::nullopt;
+void FormProcedure::initialise() {
+    dialog().useTitleStrip();
+    dialog().drawTitleLine();
+    dialog().makeMenuBar(keys_.menuBarId);
+    dialog().setBackKeys(keys_.backCommand);
+    dialog().setEnterKeys(keys_.nextCommand);
 }
 
 void FormProcedure::leave(int result) {
     if (task_ != nullptr)
         task_->raise();
-    waiting_.reset();
-    dialog_->end(result);
+    endWaiting();
+    dialog().end(result);
 }
 
-void FormProcedure::tellNoThread() {
-    waiting_.reset();
+void FormProcedure::reportNoThread() {
+    endWaiting();
     tellProblem(state_, memoryProblemString);
 }
 

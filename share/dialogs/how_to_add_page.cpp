@@ -1,12 +1,10 @@
 #include "share/dialogs/how_to_add_page.h"
 
 #include "app/messages.h"
-#include "app/text_screens.h"
 #include "kit/dialog.h"
 #include "kit/files/file_dialog.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "share/dialogs/category_page.h"
 #include "share/dialogs/channel_choice_page.h"
@@ -26,7 +24,7 @@ constexpr qsizetype longestTooShort = 11; // as "http://.xml"
 constexpr QStringView scheme = u"http://";
 constexpr QStringView secureScheme = u"https://";
 
-// Servers are asked in lower case, whatever was typed: one character for one.
+// Addresses are requested in lower case. QString::toLower could change the length.
 QString lowerCased(QString url) {
     std::transform(url.begin(), url.end(), url.begin(), [](QChar c) { return c.toLower(); });
     return url;
@@ -35,24 +33,22 @@ QString lowerCased(QString url) {
 } // namespace
 
 HowToAddPage::HowToAddPage(const ChannelAdding &adding)
-    : FormProcedure(adding.state, CommandCancelWizard, CommandWizardNext), adding_(adding) {}
+    : FormProcedure(adding.state, {HowToAddMenuBar, CommandCancelWizard, CommandWizardNext}),
+      adding_(adding) {}
 
-bool HowToAddPage::initialise(Dialog &dialog) {
-    fromUrl_ = dialog.control<QAbstractButton>(FromUrlButton);
-    auto *fromFile = dialog.control<QAbstractButton>(FromFileButton);
-    edit_ = dialog.control<QLineEdit>(AddressEdit);
-    if (fromUrl_ == nullptr || fromFile == nullptr || edit_ == nullptr ||
-        !prepare(dialog, HowToAddMenuBar))
-        return false;
+void HowToAddPage::initialise() {
+    FormProcedure::initialise();
+    fromUrl_ = dialog().control<QAbstractButton>(FromUrlButton);
+    edit_ = dialog().control<QLineEdit>(AddressEdit);
     edit_->setMaxLength(urlLimit);
     edit_->setInputMethodHints(Qt::ImhUrlCharactersOnly | Qt::ImhNoAutoUppercase);
     edit_->setText(scheme.toString());
-    QObject::connect(edit_, &QLineEdit::textEdited, &dialog, [this] { dropSecondScheme(); });
+    connect(edit_, &QLineEdit::textEdited, this, &HowToAddPage::dropSecondScheme);
     fromUrl_->setChecked(true);
-    for (QAbstractButton *way : {fromUrl_, fromFile})
-        QObject::connect(way, &QAbstractButton::clicked, &dialog, [this] { chooseWay(); });
-    dialog.setFirstFocus(edit_);
-    return true;
+    for (const int id : {FromUrlButton, FromFileButton})
+        connect(dialog().control<QAbstractButton>(id), &QAbstractButton::clicked, this,
+                &HowToAddPage::chooseWay);
+    dialog().setFirstFocus(edit_);
 }
 
 void HowToAddPage::chooseWay() {
@@ -63,7 +59,7 @@ void HowToAddPage::chooseWay() {
     edit_->end(false);
 }
 
-// A whole address that is put behind the scheme which stands there brings its own.
+// An address that is pasted behind the proposed scheme has its own.
 void HowToAddPage::dropSecondScheme() {
     const QString text = edit_->text();
     const QStringView rest =
@@ -99,7 +95,7 @@ void HowToAddPage::goOnWithUrl() {
           });
 }
 
-// An address that does not tell may be that of a feed whose server is out of reach at present.
+// An address without a known type may be a feed whose server is out of reach at present.
 void HowToAddPage::handleType() {
     if (type_ && type_->startsWith(QLatin1String("<opml")))
         openNext(AddMode::ListFromUrl, url_);
@@ -114,8 +110,7 @@ void HowToAddPage::goOnWithFile() {
         chooseFileToOpen(state().stack, {.title = resourceString(newChannelString),
                                          .filterName = resourceString(opmlFilterString),
                                          .pattern = QStringLiteral("*.opml"),
-                                         .name = {},
-                                         .help = [this] { showHelp(state()); }});
+                                         .name = {}});
     if (!path.isNull())
         openNext(AddMode::ListFromFile, path);
 }

@@ -13,17 +13,16 @@ class QLineEdit;
 
 namespace tidebrook {
 
-/// The wizard's first page: an address is typed in, or a file chosen. What an address leads to is
-/// looked at to know which page is next. It stays open while the user goes back to it, and ends
-/// with the command that was given last.
+/// The wizard's first page: the user types an address or chooses a file. The document at the
+/// address decides which page is next. It ends with the last command.
 class HowToAddPage : public FormProcedure {
 public:
     explicit HowToAddPage(const ChannelAdding &adding);
 
-    bool initialise(Dialog &dialog) override;
     void command(int id) override;
 
 private:
+    void initialise() override;
     void chooseWay();
     void dropSecondScheme();
     void goOnWithUrl();

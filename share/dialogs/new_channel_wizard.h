@@ -5,10 +5,9 @@
 namespace tidebrook {
 
 /// Leads the user through adding channels: a feed or a list of channels from an address, or a list
-/// from a file. Returns 0 when the user has finished, whose channels are added after that, and
-/// another number when he has given up. `added` is told once they are, unless the receiver is gone
-/// by then or nothing is added: 0, or the string that tells why the first channel that was not
-/// stored was not.
+/// from a file. Returns 0 when the user has finished, and another number when he cancels. The
+/// channels are added after that; then `added` gets 0, or the string that says why the first one
+/// that failed was not stored. It is not called without channels, or when the receiver is gone.
 int runNewChannelWizard(AppState &state, QObject *receiver, const JobEnd &added);
 
 } // namespace tidebrook

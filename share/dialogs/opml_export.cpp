@@ -1,7 +1,6 @@
 #include "share/dialogs/opml_export.h"
 
 #include "app/messages.h"
-#include "app/text_screens.h"
 #include "kit/files/file_dialog.h"
 #include "res/strings.h"
 #include "share/dialogs/reported_task.h"
@@ -20,12 +19,10 @@ QString chooseFile(AppState &state, int titleId, const QString &name, qsizetype 
                                           .filterName = resourceString(opmlFilterString),
                                           .pattern = QStringLiteral("*.opml"),
                                           .name = name,
-                                          .pathLimit = nameBuffer - 1,
-                                          .help = [&state] { showHelp(state); }});
+                                          .pathLimit = nameBuffer - 1});
 }
 
-// It waits for its turn, so that it has what the user has changed before; but no later change waits
-// for its disk.
+// The writing begins after the changes that the user made before, but no later change waits for it.
 void writeInTurn(AppState &state, const QString &category, const QString &channel,
                  const QString &path) {
     if (path.isNull())

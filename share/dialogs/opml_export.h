@@ -6,9 +6,8 @@
 
 namespace tidebrook {
 
-// Has the user name a file, and writes a category or one of its channels to it as OPML. Return
-// when the file is named, or the user has given up; the list is written after that, and a failure
-// is told.
+// Write a category, or one of its channels, as OPML to a file that the user names. They return when
+// the file is named or the user cancels; the file is written after that. A failure shows an error.
 
 void exportCategory(AppState &state, const QString &category);
 void exportChannel(AppState &state, const QString &category, const QString &channel);

@@ -7,16 +7,14 @@
 namespace tidebrook {
 
 void startReportedTask(AppState &state, const std::function<int()> &work) {
-    const auto tell = [&state](int messageId) {
+    const auto run = [work, &device = state.device](const StopSignal &) {
+        return recordProblem(device, work());
+    };
+    const auto report = [&state](int messageId) {
         if (messageId != 0)
             ShowError(state, messageId);
     };
-    if (!state.blockingTasks.run(
-            &state.stack,
-            [work, &device = state.device](const StopSignal &) {
-                return recordProblem(device, work());
-            },
-            tell))
+    if (!state.blockingTasks.run(&state.stack, run, report))
         tellProblem(state, memoryProblemString);
 }
 

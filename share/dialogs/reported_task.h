@@ -6,9 +6,8 @@
 
 namespace tidebrook {
 
-/// Does work of its own while the user goes on, wherever to. It gives back 0, or the string that
-/// tells the user why it failed, which is then shown. Work is values only: it must not touch a
-/// widget.
+/// Starts work on a thread. It returns 0, or the string that says why it failed, which is then
+/// shown. It holds values only, and touches no widget.
 void startReportedTask(AppState &state, const std::function<int()> &work);
 
 } // namespace tidebrook

@@ -98,7 +98,7 @@ Hand choosingFile(QString (*choose)(ScreenStack &, const FileRequest &)) {
     return [choose](User &user) {
         user.act([&user, choose] {
             choose(user.stack(),
-                   {u"Export Category"_s, u"OPML (*.opml)"_s, u"*.opml"_s, u"News"_s, 260, {}});
+                   {u"Export Category"_s, u"OPML (*.opml)"_s, u"*.opml"_s, u"News"_s});
         });
     };
 }

@@ -1,7 +1,6 @@
 #include "update/dialogs/auto_update_page.h"
 
 #include "kit/form.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "update/dialogs/page_values.h"
 
@@ -33,16 +32,7 @@ void AutoUpdatePage::initialise(Form &form) {
     form_ = &form;
     for (int mode = 0; mode < modeCount; ++mode) {
         modes_.append(form.control<QAbstractButton>(NeverUpdateButton + mode));
-        QObject::connect(modes_.last(), &QAbstractButton::clicked, &form,
-                         [this, mode](bool checked) {
-                             if (!checked)
-                                 return;
-                             handleMode(mode);
-                             if (mode == Interval)
-                                 interval_->setFocus();
-                             else if (mode == Time)
-                                 time_->setFocus();
-                         });
+        connect(modes_.last(), &QAbstractButton::clicked, this, [this, mode] { choose(mode); });
     }
     interval_ = form.control<QComboBox>(UpdateIntervalList);
     time_ = form.control<QComboBox>(UpdateTimeList);
@@ -57,7 +47,7 @@ void AutoUpdatePage::show(const AutoUpdatePageValues &values) {
     if (values.mode) {
         if (QAbstractButton *chosen = modes_.value(*values.mode))
             chosen->setChecked(true);
-        handleMode(*values.mode);
+        enableControls(*values.mode);
     }
     if (values.interval) {
         interval_->addItems(resourceStrings(firstIntervalString, intervalCount));
@@ -73,7 +63,15 @@ void AutoUpdatePage::show(const AutoUpdatePageValues &values) {
         noRoaming_->setChecked(*values.noRoaming);
 }
 
-void AutoUpdatePage::handleMode(int mode) {
+void AutoUpdatePage::choose(int mode) {
+    enableControls(mode);
+    if (mode == Interval)
+        interval_->setFocus();
+    else if (mode == Time)
+        time_->setFocus();
+}
+
+void AutoUpdatePage::enableControls(int mode) {
     interval_->setEnabled(mode == Interval);
     time_->setEnabled(mode != Never && mode != Interval);
     needsCradle_->setEnabled(mode != Never);

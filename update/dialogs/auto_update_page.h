@@ -12,7 +12,7 @@ class QComboBox;
 
 namespace tidebrook {
 
-/// When channels are updated by themselves.
+/// The settings of the automatic update.
 class AutoUpdatePage : public PropertyPage {
 public:
     explicit AutoUpdatePage(AppState &state) : state_(state) {}
@@ -23,7 +23,8 @@ public:
 
 private:
     void show(const AutoUpdatePageValues &values);
-    void handleMode(int mode);
+    void choose(int mode);
+    void enableControls(int mode);
     int checkedMode() const;
 
     AppState &state_;

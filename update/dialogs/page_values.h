@@ -10,7 +10,8 @@
 
 namespace tidebrook {
 
-/// Reads what a page shows. Until it is there the page can be neither changed nor saved.
+/// Reads the values of a page, and shows them. Until then the page can be neither changed nor
+/// saved.
 template <class Read, class Show> void loadPage(AppState &state, Form &form, Read read, Show show) {
     form.setEnabled(false);
     state.settings.ask(&form, std::move(read), [&form, show = std::move(show)](const auto &values) {
@@ -19,7 +20,7 @@ template <class Read, class Show> void loadPage(AppState &state, Form &form, Rea
     });
 }
 
-/// Stores what a page shows; tells the user when that fails.
+/// Stores the values of a page; shows an error when that fails.
 template <class Save> void savePage(AppState &state, Form &form, Save save) {
     if (!form.isEnabled())
         return;

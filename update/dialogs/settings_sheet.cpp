@@ -1,9 +1,7 @@
 #include "update/dialogs/settings_sheet.h"
 
-#include "app/text_screens.h"
 #include "kit/dialog.h"
 #include "kit/property_sheet.h"
-#include "res/ids.h"
 #include "update/dialogs/auto_update_page.h"
 #include "update/dialogs/today_page.h"
 
@@ -13,7 +11,7 @@ void showSettings(AppState &state) {
     std::vector<std::unique_ptr<PropertyPage>> pages;
     pages.push_back(std::make_unique<TodayPage>(state));
     pages.push_back(std::make_unique<AutoUpdatePage>(state));
-    PropertySheet sheet(std::move(pages), [&state] { showHelp(state); });
+    PropertySheet sheet(std::move(pages));
     RunDialog(SettingsSheetTemplate, state.stack, sheet);
 }
 

@@ -4,8 +4,8 @@
 
 namespace tidebrook {
 
-/// Shows the settings, on the pages "Today Setting" and "Auto Update", until the user is done with
-/// them or leaves them as they were.
+/// Shows the settings, on the pages "Today Setting" and "Auto Update", until the user is done or
+/// cancels.
 void showSettings(AppState &state);
 
 } // namespace tidebrook

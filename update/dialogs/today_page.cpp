@@ -1,7 +1,6 @@
 #include "update/dialogs/today_page.h"
 
 #include "kit/form.h"
-#include "res/ids.h"
 #include "res/strings.h"
 #include "update/dialogs/page_values.h"
 
@@ -14,7 +13,7 @@ void TodayPage::initialise(Form &form) {
     form_ = &form;
     enabled_ = form.control<QAbstractButton>(TodayEnabledBox);
     timer_ = form.control<QComboBox>(TodayTimerList);
-    QObject::connect(enabled_, &QAbstractButton::toggled, timer_, &QWidget::setEnabled);
+    connect(enabled_, &QAbstractButton::toggled, timer_, &QWidget::setEnabled);
     loadPage(
         state_, form,
         [&device = state_.device] { return readTodayPage(device.settings, device.todayItemKey); },

@@ -10,7 +10,7 @@ class QComboBox;
 
 namespace tidebrook {
 
-/// Whether the Today item is shown, and how fast its headlines change.
+/// The settings of the Today item: whether it is shown, and how fast its headlines change.
 class TodayPage : public PropertyPage {
 public:
     explicit TodayPage(AppState &state) : state_(state) {}
