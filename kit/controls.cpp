@@ -3,11 +3,12 @@
 #include "kit/list_view.h"
 #include "kit/page/text_page.h"
 #include "kit/touch_scrolling.h"
-#include "kit/wrapping_buttons.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRadioButton>
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
 #include <QTabBar>
@@ -64,9 +65,9 @@ QWidget *makeControl(const ControlTemplate &item, QWidget *parent) {
     case ControlKind::Image:
         return makeLabel(item, parent);
     case ControlKind::CheckBox:
-        return new WrappingCheckBox(parent);
+        return new QCheckBox(parent);
     case ControlKind::RadioButton:
-        return new WrappingRadioButton(parent);
+        return new QRadioButton(parent);
     case ControlKind::Edit:
         return new QLineEdit(parent);
     case ControlKind::DropDownList:

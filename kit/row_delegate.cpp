@@ -1,9 +1,8 @@
 #include "kit/row_delegate.h"
 
 #include "kit/icon.h"
-#include "kit/label_editor.h"
 #include "kit/list_view.h"
-#include "kit/wrapping_buttons.h"
+#include "platform/base/text.h"
 
 #include <QPainter>
 #include <QStyle>
@@ -19,12 +18,26 @@ struct RowColours {
     QPalette::ColorRole text;
 };
 
-// A selection that keys do not reach stays visible, but does not catch the eye.
+// The selection of a list without the focus is less prominent.
 RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
     if (!(option.state & QStyle::State_Selected))
         return {QPalette::Base, QPalette::Text};
     return listHasFocus ? RowColours{QPalette::Highlight, QPalette::HighlightedText}
                         : RowColours{QPalette::Button, QPalette::ButtonText};
+}
+
+// What was typed or pasted ends at the cursor. The length limit may have halved its last character.
+void removeControls(QLineEdit &editor) {
+    const QString text = editor.text();
+    QString before = withoutControls(text.left(editor.cursorPosition()));
+    if (!before.isEmpty() && before.back().isHighSurrogate())
+        before.chop(1);
+    const QString cleaned = before + withoutControls(text.mid(editor.cursorPosition()));
+    if (cleaned == text)
+        return;
+    editor.setText(cleaned);
+    editor.setCursorPosition(static_cast<int>(before.size()));
+    editor.setModified(true);
 }
 
 } // namespace
@@ -79,7 +92,6 @@ void RowDelegate::paintCheckMark(QPainter &painter, const QStyleOptionViewItem &
                                     imageRect(option));
     mark.state.setFlag(isChecked ? QStyle::State_On : QStyle::State_Off);
     style.drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &mark, &painter, &list_);
-    paintBoxOutline(painter, mark.rect, option.palette);
 }
 
 void RowDelegate::paintTexts(QPainter &painter, const QStyleOptionViewItem &option,
@@ -98,15 +110,18 @@ void RowDelegate::paintTexts(QPainter &painter, const QStyleOptionViewItem &opti
 
 QWidget *RowDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
                                    const QModelIndex &index) const {
-    auto *editor = new LabelEditor(list_.labelLimit(), parent);
+    auto *editor = new QLineEdit(parent);
+    editor->setMaxLength(list_.labelLimit());
+    editor->setAutoFillBackground(true);
     editor->setFont(list_.font());
+    connect(editor, &QLineEdit::textEdited, editor, [editor] { removeControls(*editor); });
     list_.watchEditor(editor, index.row());
     return editor;
 }
 
 void RowDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const {
-    auto *edit = static_cast<LabelEditor *>(editor);
-    // Data that changes while it is being edited must not take away what was typed.
+    auto *edit = static_cast<QLineEdit *>(editor);
+    // A change of the row must not overwrite what was typed.
     if (edit->isModified())
         return;
     edit->setText(index.data(Qt::EditRole).toString());
@@ -115,7 +130,7 @@ void RowDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 
 void RowDelegate::setModelData(QWidget *editor, QAbstractItemModel *,
                                const QModelIndex &index) const {
-    list_.storeLabel(index, static_cast<LabelEditor *>(editor)->text());
+    list_.storeLabel(index, static_cast<QLineEdit *>(editor)->text());
 }
 
 void RowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,

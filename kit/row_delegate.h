@@ -7,7 +7,8 @@ namespace tidebrook {
 class ListView;
 struct ListRow;
 
-/// Paints the rows of a list view, and edits their labels in place.
+/// Paints the rows of a list view, and edits their labels in place. Tabs, line ends and the like
+/// become blanks in a label.
 class RowDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
