@@ -13,25 +13,22 @@ namespace {
 
 constexpr int done = 0;
 
-QString chooseFile(AppState &state, const QString &title) {
-    return chooseFileToSave(state.stack, {.title = resourceString(saveString),
-                                          .filterName = resourceString(htmlFilterString),
-                                          .pattern = QStringLiteral("*.html"),
-                                          .name = title,
-                                          .pathLimit = titleCapacity - 1});
-}
-
 } // namespace
 
 void saveArticle(AppState &state, const QString &channel, const QString &title, SaveKind kind) {
-    // Another article may be shown when the user has named the file.
+    // The caller's texts may be those of another article when the user has named the file.
     const auto save = [&store = state.device.store, channel, title, kind](const QString &path) {
         ArticleExtract article;
         if (!store.GetArticleExtract(channel, title, article))
             return unidentifiedProblemString;
         return saveArticleHtml(store, channel, title, path, kind) ? done : fileProblemString;
     };
-    const QString path = chooseFile(state, title);
+    const QString path =
+        chooseFileToSave(state.stack, {.title = resourceString(saveString),
+                                       .filterName = resourceString(htmlFilterString),
+                                       .pattern = QStringLiteral("*.html"),
+                                       .name = title,
+                                       .pathLimit = titleCapacity - 1});
     if (!path.isNull())
         startReportedTask(state, [save, path] { return save(path); });
 }

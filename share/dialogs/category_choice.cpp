@@ -4,8 +4,6 @@
 #include "app/messages.h"
 #include "res/strings.h"
 
-#include <QComboBox>
-
 #include <optional>
 
 namespace tidebrook {
@@ -21,11 +19,6 @@ void readCategories(AppState &state, QObject *receiver,
             if (!names)
                 ShowError(state, fileProblemString);
         });
-}
-
-void selectByBeginning(QComboBox &box, const QString &text) {
-    if (const int found = box.findText(text, Qt::MatchStartsWith); found >= 0)
-        box.setCurrentIndex(found);
 }
 
 } // namespace tidebrook

@@ -4,8 +4,6 @@
 
 #include <functional>
 
-class QComboBox;
-
 namespace tidebrook {
 
 /// Reads the categories, soon, and passes them to `then`, unless the receiver is gone by that time.
@@ -13,8 +11,5 @@ namespace tidebrook {
 /// empty list, and an error is shown.
 void readCategories(AppState &state, QObject *receiver,
                     std::function<void(const QStringList &)> then);
-
-/// Selects the first entry that begins with this text, whatever its case, if there is one.
-void selectByBeginning(QComboBox &box, const QString &text);
 
 } // namespace tidebrook

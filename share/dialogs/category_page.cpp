@@ -11,16 +11,9 @@
 
 namespace tidebrook {
 
-CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels,
-                           bool isProbed)
-    : FormProcedure(adding.state, {CategoryChoiceMenuBar, CommandWizardBack, CommandFinish}),
-      adding_(adding), channels_(channels), isProbed_(isProbed) {}
-
-CategoryPage::CategoryPage(const ChannelAdding &adding, const QString &url)
-    : CategoryPage(adding, {{{}, {}, url}}, true) {}
-
 CategoryPage::CategoryPage(const ChannelAdding &adding, const QList<ChannelRecord> &channels)
-    : CategoryPage(adding, channels, false) {}
+    : FormProcedure(adding.state, {CategoryChoiceMenuBar, CommandWizardBack, CommandFinish}),
+      adding_(adding), channels_(channels) {}
 
 void CategoryPage::initialise() {
     FormProcedure::initialise();
@@ -37,13 +30,14 @@ void CategoryPage::initialise() {
 
 void CategoryPage::showCategories(const QStringList &names) {
     categories_->addItems(names);
-    selectByBeginning(*categories_, names.value(names.size() / 2));
+    const QString middle = names.value(names.size() / 2);
+    categories_->setCurrentIndex(categories_->findText(middle, Qt::MatchStartsWith));
 }
 
 void CategoryPage::command(int id) {
     switch (id) {
     case CommandFinish:
-        return isProbed_ ? probe() : finish();
+        return hasNoName() ? probe() : finish();
     case CommandWizardGoOn:
         return finish();
     case CommandWizardBack:
@@ -51,6 +45,10 @@ void CategoryPage::command(int id) {
     default:
         break;
     }
+}
+
+bool CategoryPage::hasNoName() const {
+    return channels_.size() == 1 && channels_.first().channelName.isEmpty();
 }
 
 void CategoryPage::probe() {

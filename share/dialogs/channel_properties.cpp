@@ -14,6 +14,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 
+#include <algorithm>
 #include <optional>
 
 namespace tidebrook {
@@ -120,9 +121,9 @@ void PropertiesDialog::showStored(const Stored &stored) {
 // The exact category wins over one that only begins like it.
 void PropertiesDialog::showCategories(const QStringList &names) {
     category_->addItems(names);
-    selectByBeginning(*category_, initial_.category);
-    if (const auto at = names.indexOf(initial_.category); at >= 0)
-        category_->setCurrentIndex(static_cast<int>(at));
+    const int exact = static_cast<int>(names.indexOf(initial_.category));
+    const int similar = category_->findText(initial_.category, Qt::MatchStartsWith);
+    category_->setCurrentIndex(std::max(0, exact >= 0 ? exact : similar));
     shownCategory_ = category_->currentIndex();
     endWaiting();
 }

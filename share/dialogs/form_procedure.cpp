@@ -6,8 +6,6 @@
 
 namespace tidebrook {
 
-FormProcedure::~FormProcedure() = default;
-
 void FormProcedure::initialise() {
     dialog().useTitleStrip();
     dialog().drawTitleLine();

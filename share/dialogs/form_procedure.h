@@ -10,8 +10,6 @@
 
 namespace tidebrook {
 
-class StopSignal;
-
 /// The common part of the dialogs about channels: the title over a line, two soft keys, of which
 /// one goes on and the other leads back, and a task that the dialog can wait for.
 class FormProcedure : public DialogProcedure {
@@ -25,7 +23,6 @@ protected:
         int nextCommand; ///< disabled while the dialog waits
     };
     FormProcedure(AppState &state, const Keys &keys) : state_(state), keys_(keys) {}
-    ~FormProcedure() override;
 
     void initialise() override;
 
