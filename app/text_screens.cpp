@@ -22,7 +22,6 @@ public:
         if (id == CommandDone)
             dialog().end(1);
     }
-    void close() override { dialog().end(0); }
     bool hasHelp() const override { return false; }
 
 protected:

@@ -73,7 +73,7 @@ void Dialog::relayout() {
     const int barHeight = units.height(menuBarUnits);
     form_->setGeometry(rect());
     headerBar_->setGeometry(0, 0, width(), units.height(headerUnits_));
-    headerBar_->setUnits(units);
+    headerBar_->arrange();
     menuBar_->setGeometry(0, height() - barHeight, width(), barHeight);
     RelayoutFromTemplate(*form_, templateForShape(templateId_, units.screen()), units);
     procedure_.sized();
@@ -128,6 +128,8 @@ void Dialog::paintEvent(QPaintEvent *) {
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawLine(0, y, width() - 1, y);
 }
+
+void DialogProcedure::close() { dialog_->end(0); }
 
 int RunDialog(int templateId, ScreenStack &stack, DialogProcedure &procedure) {
     if (stack.isClosing())

@@ -24,8 +24,8 @@ public:
     virtual bool summoned() { return false; }
     /// The controls were laid out for another size.
     virtual void sized() {}
-    /// The window is being closed: ends the dialog, at once or later.
-    virtual void close() = 0;
+    /// The window is being closed: ends the dialog, at once or later; with 0 by default.
+    virtual void close();
     /// Whether the help can be opened over the dialog.
     virtual bool hasHelp() const { return true; }
     /// The menu is about to open.

@@ -22,7 +22,7 @@ constexpr int iconUnits = 24;
 constexpr int marginUnits = 6;
 constexpr int keyUnits = 41;
 
-// The bar paints the caption, which is seen through the key.
+// The caption of the bar shows through the key.
 class CaptionKey : public QToolButton {
 public:
     using QToolButton::QToolButton;
@@ -39,7 +39,7 @@ protected:
 
 } // namespace
 
-HeaderBar::HeaderBar(QWidget *dialog) : QWidget(dialog), units_(dialog->size()) {
+HeaderBar::HeaderBar(QWidget *dialog) : QWidget(dialog) {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
 }
@@ -130,50 +130,47 @@ void HeaderBar::hideChoices() {
 
 bool HeaderBar::areChoicesVisible() const { return choices_ != nullptr && choices_->isVisible(); }
 
-void HeaderBar::setUnits(const DialogUnits &units) {
-    units_ = units;
-    arrange();
-}
+DialogUnits HeaderBar::units() const { return DialogUnits(parentWidget()->size()); }
 
 void HeaderBar::arrange() {
     if (choices_ == nullptr)
         return;
-    const int keyWidth = units_.width(keyUnits);
+    const int keyWidth = units().width(keyUnits);
     next_->setGeometry(mirrored({width() - keyWidth, 0, keyWidth, height()}));
     previous_->setGeometry(mirrored({width() - 2 * keyWidth, 0, keyWidth, height()}));
     captionKey_->setGeometry(mirrored({0, 0, width() - 2 * keyWidth, height()}));
     captionKey_->lower();
-    const QSize iconSize(units_.width(iconUnits), units_.height(iconUnits));
+    const QSize iconSize(units().width(iconUnits), units().height(iconUnits));
     const int side = std::min(iconSize.width(), iconSize.height());
     for (QToolButton *key : {previous_, next_}) {
         key->setIconSize(QSize(side, side));
         key->setIcon(icon(key == next_ ? "next" : "previous", key->iconSize(), palette()));
     }
-    choices_->setUnits(units_);
+    choices_->setUnits(units());
     const int frame = 2 * choices_->frameWidth();
-    const int room = parentWidget()->height() - height() - units_.height(menuBarUnits);
+    const int room = parentWidget()->height() - height() - units().height(menuBarUnits);
     const int needed = choices_->rowCount() * choices_->rowHeight() + frame;
     choices_->setGeometry(0, height(), width(), std::min(room, needed));
 }
 
-// Where a place lies when the text runs from right to left.
 QRect HeaderBar::mirrored(const QRect &place) const {
     return QStyle::visualRect(layoutDirection(), rect(), place);
 }
 
 QRect HeaderBar::captionPlace() const {
-    const int margin = units_.width(marginUnits);
-    const int start = units_.width(iconUnits) + 2 * margin;
+    const int margin = units().width(marginUnits);
+    const int start = units().width(iconUnits) + 2 * margin;
     const int end =
-        captionKey_ != nullptr ? captionKey_->width() - units_.width(iconUnits) : width() - margin;
+        captionKey_ != nullptr ? captionKey_->width() - units().width(iconUnits) : width() - margin;
     return {start, 0, std::max(0, end - start), height()};
 }
 
 void HeaderBar::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    const QSize iconSize(units_.width(iconUnits), std::min(units_.height(iconUnits), height() - 2));
+    const QSize iconSize(units().width(iconUnits),
+                         std::min(units().height(iconUnits), height() - 2));
     const int middle = (height() - iconSize.height()) / 2;
-    const QRect mark(QPoint(units_.width(marginUnits), middle), iconSize);
+    const QRect mark(QPoint(units().width(marginUnits), middle), iconSize);
     painter.drawPixmap(mirrored(mark).topLeft(), icon("header", iconSize, palette()));
 
     QFont bold = font();
@@ -195,7 +192,7 @@ void HeaderBar::resizeEvent(QResizeEvent *) { arrange(); }
 
 void HeaderBar::changeEvent(QEvent *event) {
     if (event->type() == QEvent::PaletteChange)
-        arrange(); // the keys' icons have the colours of the text
+        arrange(); // which colours the keys' icons anew
     QWidget::changeEvent(event);
 }
 

@@ -11,35 +11,34 @@ namespace tidebrook {
 
 class ListView;
 
-/// The bar across the top of a screen: a caption, and on screens that can be stepped through, keys
-/// for the previous and the next and a drop-down list of all that can be chosen. They send the
-/// commands of `res/commands.h`.
+/// The bar across the top of a screen: a caption and, on screens that step through several names,
+/// keys for the previous and the next one and a drop-down list of all.
 class HeaderBar : public QWidget {
     Q_OBJECT
 
 public:
     explicit HeaderBar(QWidget *dialog);
 
-    /// The caption is shown on one line, its end left out if need be.
+    /// Shown on one line, and elided if it is too long.
     void setCaption(const QString &caption);
     QString caption() const { return caption_; }
 
-    /// Gives the bar its keys, and the caption a list to choose from.
+    /// Adds the keys and the drop-down list.
     void setSteppable();
 
-    /// What can be chosen. It is shown below the bar, over the dialog; a tap beside it, which does
-    /// nothing else, asks for its being hidden.
+    /// The choices appear below the bar, over the dialog. A tap outside of them only sends
+    /// `CommandHideChoices`.
     void setChoices(const QStringList &names, int current);
     void showChoices();
     void hideChoices();
     bool areChoicesVisible() const;
     ListView *choices() const { return choices_; }
 
-    void setUnits(const DialogUnits &units);
+    /// Lays the bar out for the size of the dialog.
+    void arrange();
 
 Q_SIGNALS:
     void chosen(int command);
-    /// A name of the drop-down list was chosen.
     void choiceTaken(int index);
 
 protected:
@@ -52,7 +51,7 @@ private:
     void prepareKey(QToolButton &key, const QString &name, int command);
     void handleChoice(int row);
     bool isBesideChoices(const QObject *watched) const;
-    void arrange();
+    DialogUnits units() const;
     QRect captionPlace() const;
     QRect mirrored(const QRect &place) const;
 
@@ -61,7 +60,6 @@ private:
     QToolButton *next_ = nullptr;
     QToolButton *captionKey_ = nullptr;
     ListView *choices_ = nullptr;
-    DialogUnits units_;
 };
 
 } // namespace tidebrook

@@ -6,9 +6,8 @@
 
 namespace tidebrook {
 
-/// An icon of `res/icons.h` at a size in device-independent pixels, sharp on the application's
-/// screen, in the palette's text colour where it has none of its own. It keeps its proportions
-/// and is centred. Each is drawn once and kept; empty when there is no such icon.
+/// An icon of `res/icons.h`, centred in a size in device-independent pixels, in its own colours and
+/// the palette's text colour. It is cached. Empty when there is no such icon.
 QPixmap icon(const char *name, const QSize &size, const QPalette &palette);
 
 } // namespace tidebrook

@@ -4,13 +4,12 @@
 
 namespace tidebrook {
 
-// As a subwindow it keeps the Tab key among its own controls.
+// A subwindow keeps the Tab key among its own controls.
 Layer::Layer(ScreenStack &stack) : QWidget(&stack, Qt::SubWindow), stack_(stack) {
     setVisible(false);
 }
 
-// Where there is nothing else to go to, the key is used up all the same, or else the window would
-// look for somebody below.
+// The key is used up also when the focus stays, else the window would look for a widget below.
 bool Layer::focusNextPrevChild(bool next) {
     QWidget::focusNextPrevChild(next);
     return true;

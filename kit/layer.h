@@ -8,7 +8,7 @@ namespace tidebrook {
 
 class ScreenStack;
 
-/// What lies on the screen stack: a dialog or a message box. It fills the window.
+/// A dialog or a message box on the screen stack. It fills the window.
 class Layer : public QWidget {
     Q_OBJECT
 
@@ -17,27 +17,27 @@ public:
 
     ScreenStack &stack() const { return stack_; }
 
-    /// Ends the layer; the stack's `run` gives back this result. The first result stands.
+    /// Ends the layer; the stack's `run` returns this result. Later calls are ignored.
     void end(int result);
     bool hasEnded() const { return hasEnded_; }
     int result() const { return result_; }
 
-    /// It came to the top of the stack, or the window became the active one while it was there.
+    /// It came to the top of the stack, or the window was activated while it was there.
     virtual void activated() {}
-    /// There is something that the screens are to lead the user to. True when this one does so, at
-    /// once or as soon as nothing lies above it; false leaves it to the layer below.
+    /// The screens are to lead the user to a place. True when this layer does so, at once or as
+    /// soon as nothing lies above it; false passes the request to the layer below.
     virtual bool summoned() { return false; }
-    /// The window is being closed: the layer is to end, now or when what it must finish is done.
+    /// The window is being closed: the layer ends, at once or when its work is done.
     virtual void closeRequested() = 0;
-    /// Whether nothing below it is seen.
+    /// Whether it hides the layers below.
     virtual bool isOpaque() const = 0;
-    /// The widget that has the focus when nothing of the layer had it before.
+    /// The widget that gets the focus when the layer is shown first.
     virtual QWidget *firstFocus() = 0;
-    /// How much of its upper end is a header; the progress line lies under that.
+    /// The height of its header; the progress line lies under it.
     virtual int headerUnits() const { return 0; }
 
 protected:
-    /// The focus goes round in the layer: what lies below it is out of reach.
+    /// The focus stays in the layer.
     bool focusNextPrevChild(bool next) override;
 
 private:

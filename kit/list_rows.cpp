@@ -24,7 +24,7 @@ QVariant ListRows::data(const QModelIndex &index, int role) const {
 }
 
 Qt::ItemFlags ListRows::flags(const QModelIndex &index) const {
-    Qt::ItemFlags flags = QAbstractListModel::flags(index) | Qt::ItemNeverHasChildren;
+    Qt::ItemFlags flags = QAbstractListModel::flags(index);
     flags.setFlag(Qt::ItemIsEditable, isEditable_ && index.isValid());
     return flags;
 }
@@ -45,11 +45,6 @@ void ListRows::remove(int row) {
     beginRemoveRows({}, row, row);
     rows_.removeAt(row);
     endRemoveRows();
-}
-
-void ListRows::change(int row, const ListRow &content) {
-    rows_[row] = content;
-    Q_EMIT dataChanged(index(row), index(row));
 }
 
 } // namespace tidebrook

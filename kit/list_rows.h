@@ -6,22 +6,17 @@
 
 namespace tidebrook {
 
-/// A row of a list: its label, what stands at its bottom right, which of the list's images it
-/// has, and in a list of check boxes, whether it is checked.
 struct ListRow {
     QString text;
-    QString detail = {};
-    int image = 0;
-    bool isChecked = false;
+    QString detail = {};    ///< at the bottom right
+    int image = 0;          ///< the number of one of the list's images
+    bool isChecked = false; ///< in a list of check boxes
 };
 
-/// The rows of a list view.
 class ListRows : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    using QAbstractListModel::QAbstractListModel;
-
     const QList<ListRow> &rows() const { return rows_; }
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -32,7 +27,10 @@ public:
     void replace(QList<ListRow> rows);
     void insert(int row, const ListRow &content);
     void remove(int row);
-    void change(int row, const ListRow &content);
+    template <class Value> void change(int row, Value ListRow::*part, const Value &value) {
+        rows_[row].*part = value;
+        Q_EMIT dataChanged(index(row), index(row));
+    }
 
 private:
     QList<ListRow> rows_;

@@ -83,29 +83,10 @@ void ListView::setRows(QList<ListRow> rows) {
 }
 
 void ListView::removeRow(int row) {
-    // Otherwise the view would choose a neighbour by itself. Where a label is being edited its row
-    // stays the chosen one.
+    // Else the view would select a neighbour. While a label is edited its row stays selected.
     if (!isEditingLabel())
         selectionModel()->clear();
     rows_.remove(row);
-}
-
-void ListView::setRowText(int row, const QString &text) {
-    ListRow content = this->row(row);
-    content.text = text;
-    rows_.change(row, content);
-}
-
-void ListView::setRowDetail(int row, const QString &detail) {
-    ListRow content = this->row(row);
-    content.detail = detail;
-    rows_.change(row, content);
-}
-
-void ListView::setChecked(int row, bool isChecked) {
-    ListRow content = this->row(row);
-    content.isChecked = isChecked;
-    rows_.change(row, content);
 }
 
 void ListView::selectRow(int row) {
@@ -126,14 +107,14 @@ void ListView::watchEditor(QLineEdit *editor, int row) {
     selectRow(row);
 }
 
-// The editor is still open here, and would take a dialog's getting the focus for its own end.
+// The editor is still open here, and would close if a dialog took the focus.
 void ListView::storeLabel(const QModelIndex &index, const QString &text) {
     edited_ = index;
     editedText_ = text;
-    QMetaObject::invokeMethod(this, &ListView::tellEdited, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &ListView::reportEdited, Qt::QueuedConnection);
 }
 
-void ListView::tellEdited() {
+void ListView::reportEdited() {
     const int row = std::exchange(edited_, QPersistentModelIndex()).row();
     if (row < 0)
         return;
@@ -147,7 +128,7 @@ void ListView::finishEditing() {
         commitData(editor_);
         closeEditor(editor_, QAbstractItemDelegate::NoHint);
     }
-    tellEdited();
+    reportEdited();
 }
 
 void ListView::cancelEditing() {
@@ -167,7 +148,7 @@ void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
 void ListView::keyPressEvent(QKeyEvent *event) {
     const int key = event->key();
     if (editor_ != nullptr) {
-        // What the editor has not used is not meant for the list.
+        // The list ignores the keys that the editor has not used.
         event->setAccepted(!isHelp(key) && !isMenu(key));
         return;
     }
@@ -186,7 +167,7 @@ void ListView::keyPressEvent(QKeyEvent *event) {
         moveByKey(*event);
 }
 
-// A key that leads to the row that is the current one already brings it back into view.
+// A key that leads to the current row scrolls to it.
 void ListView::moveByKey(QKeyEvent &event) {
     QListView::keyPressEvent(&event);
     if (event.isAccepted())
@@ -195,7 +176,7 @@ void ListView::moveByKey(QKeyEvent &event) {
 
 void ListView::mousePressEvent(QMouseEvent *event) {
     const QModelIndex index = indexAt(event->position().toPoint());
-    // A tap beside an open editor ends the editing, and opens nothing.
+    // A tap outside an open editor only ends the editing.
     isTapPossible_ = event->button() == Qt::LeftButton && editor_ == nullptr;
     pressed_ = index;
     pressedAt_ = event->position().toPoint();
@@ -208,7 +189,7 @@ void ListView::mouseReleaseEvent(QMouseEvent *event) {
     QListView::mouseReleaseEvent(event);
     const QPoint place = event->position().toPoint();
     const int way = (place - pressedAt_).manhattanLength();
-    // A row that went or moved between press and release is not the one that was meant.
+    // The row may have moved or gone between press and release.
     const bool isTap = std::exchange(isTapPossible_, false) && event->button() == Qt::LeftButton &&
                        way < QGuiApplication::styleHints()->startDragDistance() &&
                        indexAt(place) == pressed_ && !isScrollingByTouch(*this);
@@ -222,7 +203,7 @@ void ListView::mouseReleaseEvent(QMouseEvent *event) {
     Q_EMIT tapped(pressed_.row());
 }
 
-// The second press of two was not meant for what the first one has opened.
+// The second press is not meant for the dialog that the first one opens.
 void ListView::mouseDoubleClickEvent(QMouseEvent *event) {
     QListView::mouseDoubleClickEvent(event);
     isTapPossible_ = isTapPossible_ && isCheckable_;

@@ -18,20 +18,16 @@ class ListView : public QListView {
 public:
     explicit ListView(QWidget *parent);
 
-    // --- looks ---
-
-    /// Rows are 40 units high, or more where the font takes more; images 35 by 34.
+    /// Rows are 40 units high, or more if the font needs more; images 35 by 34.
     void setUnits(const DialogUnits &units);
-    /// The icons that the rows' image numbers stand for. Their names live as long as the program.
+    /// The icons for the rows' image numbers. Their names live as long as the program.
     void setImages(const QList<const char *> &names) { images_ = names; }
     const char *image(int number) const { return images_.value(number); }
-    /// The width in pixels in which rows are painted.
+    /// The width of the rows in pixels.
     void setColumnWidth(int pixels);
     int columnWidth() const { return columnWidth_; }
     QSize imageSize() const { return imageSize_; }
     int rowHeight() const;
-
-    // --- rows ---
 
     int rowCount() const { return rows_.rowCount(); }
     ListRow row(int row) const { return rows_.rows().value(row); }
@@ -41,50 +37,45 @@ public:
     /// The first row with exactly this label, or -1.
     int findRow(const QString &text) const;
 
-    /// Replaces all rows; none is selected then. A tap that is under way still opens what it was
-    /// begun on, if that stays where it is.
+    /// Replaces all rows, and selects none. A tap in progress still opens its row if that stays at
+    /// its place.
     void setRows(QList<ListRow> rows);
     void insertRow(int row, const ListRow &content) { rows_.insert(row, content); }
     void removeRow(int row);
-    void setRowText(int row, const QString &text);
-    void setRowDetail(int row, const QString &detail);
+    void setRowText(int row, const QString &text) { rows_.change(row, &ListRow::text, text); }
+    void setRowDetail(int row, const QString &text) { rows_.change(row, &ListRow::detail, text); }
 
-    /// Gives every row a check box in place of its image: a tap on the row and the space bar turn
-    /// its check.
+    /// Gives every row a check box instead of its image, which a tap and the space bar turn.
     void setCheckable(bool checkable) { isCheckable_ = checkable; }
     bool isCheckable() const { return isCheckable_; }
     bool isChecked(int row) const { return rows_.rows().value(row).isChecked; }
-    void setChecked(int row, bool isChecked);
+    void setChecked(int row, bool checked) { rows_.change(row, &ListRow::isChecked, checked); }
 
-    /// Selects and focuses a row and brings it into view; a row that there is not selects none.
+    /// Selects and focuses a row and scrolls to it; a number without a row selects none.
     void selectRow(int row);
 
-    // --- editing a label in place ---
-
     void setLabelsEditable(bool editable) { rows_.setEditable(editable); }
-    /// Labels are cut to this many UTF-16 units while they are typed.
+    /// The length limit in UTF-16 units; to be set before a label is edited.
     void setLabelLimit(int units) { labelLimit_ = units; }
     int labelLimit() const { return labelLimit_; }
     /// Opens the editor of a row's label, with all of it selected.
     void editLabel(int row);
-    /// From there until what was typed is told, or the editing was broken off.
+    /// True from there until the result was reported, or the editing cancelled.
     bool isEditingLabel() const { return editor_ != nullptr || edited_.isValid(); }
-    /// The open editor, or nullptr.
-    QLineEdit *labelEditor() const { return editor_; }
-    /// Ends the editing as Enter does, and tells `labelEdited` before it returns.
+    /// Ends the editing as Enter does, and emits `labelEdited` before it returns.
     void finishEditing();
     /// Ends the editing as Escape does.
     void cancelEditing();
 
 Q_SIGNALS:
-    /// A key was pressed on the list; one that the receiver takes does nothing else.
+    /// A key was pressed. When a receiver sets `isTaken`, the list ignores the key.
     void keyPressed(int key, bool &isTaken);
-    /// A row was tapped, and is selected; -1 where there is none.
+    /// A row was tapped and is selected; -1 for a tap outside of the rows.
     void tapped(int row);
-    /// A label was edited to this text, which the row does not have yet. Not told when the editing
-    /// was broken off. A receiver may open dialogs: the editor is gone.
+    /// A label was edited, and is still unchanged in the row. The editor is closed: a receiver may
+    /// open dialogs.
     void labelEdited(int row, const QString &text);
-    /// The editing is over, however that came, and what came of it was told.
+    /// The editing was finished and reported, or cancelled.
     void labelEditEnded();
 
 protected:
@@ -101,7 +92,7 @@ private:
     void moveByKey(QKeyEvent &event);
     void watchEditor(QLineEdit *editor, int row);
     void storeLabel(const QModelIndex &index, const QString &text);
-    void tellEdited();
+    void reportEdited();
 
     ListRows rows_;
     QList<const char *> images_;
@@ -112,7 +103,7 @@ private:
 
     int labelLimit_ = 0;
     QPointer<QLineEdit> editor_;
-    QPersistentModelIndex edited_; // the row whose text waits to be told
+    QPersistentModelIndex edited_; // the row whose new text is not reported yet
     QString editedText_;
 
     QPersistentModelIndex pressed_;
@@ -120,7 +111,7 @@ private:
     bool isTapPossible_ = false;
 };
 
-/// The selected row, or -1; also for a list that is not there.
+/// The selected row; -1 without one, and for no list.
 int SelectedRow(const ListView *list);
 
 } // namespace tidebrook

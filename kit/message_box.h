@@ -9,7 +9,7 @@ class QPushButton;
 
 namespace tidebrook {
 
-/// A box in the middle of the screen that tells or asks something. What lies below it is dimmed.
+/// A message or a question in the middle of the screen, over the dimmed layer below.
 class MessageBox : public Layer {
     Q_OBJECT
 
@@ -17,13 +17,12 @@ public:
     enum class Kind : quint8 {
         Warning,  ///< OK
         Error,    ///< OK
-        Question, ///< Yes or No; No is what Enter and Escape choose
+        Question, ///< Yes or No; Enter and Escape choose No
     };
 
     MessageBox(ScreenStack &stack, Kind kind, const QString &caption, const QString &text);
 
-    /// Shows the box until it is answered. True for OK and Yes; false also when the window is
-    /// closed meanwhile.
+    /// Shows the box until it is answered. True for OK and Yes; false also when the window closes.
     static bool ask(ScreenStack &stack, Kind kind, const QString &caption, const QString &text);
 
     void closeRequested() override { end(0); }

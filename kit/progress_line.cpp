@@ -7,7 +7,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int delay = 150;  // ms; what is done before that needs no sign
+constexpr int delay = 150;  // ms; shorter work is not shown
 constexpr int frame = 40;   // ms
 constexpr int whole = 1000; // per mille
 constexpr int pace = 25;

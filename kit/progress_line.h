@@ -5,20 +5,19 @@
 
 namespace tidebrook {
 
-/// A thin line across the screen that is there while something is at work.
+/// A thin line across the screen that is shown while any work is done.
 class ProgressLine : public QWidget {
     Q_OBJECT
 
 public:
     explicit ProgressLine(QWidget *parent);
 
-    /// One more, or one less, is at work. The line appears only if it goes on for a while.
+    /// One piece of work begins, or ends. The line appears after a delay.
     void begin();
     void finish();
     bool isAtWork() const { return running_ > 0; }
 
-    /// So many steps of so many are done; the line then shows them as long as something is at
-    /// work. 0 of 0 when that is not known.
+    /// The line shows these steps until all work ends; 0 of 0 when they are not known.
     void setSteps(int done, int all);
 
 protected:
@@ -29,7 +28,7 @@ private:
     int running_ = 0;
     int done_ = 0;
     int all_ = 0;
-    int phase_ = 0; // per mille of the way of what moves while no steps are known
+    int phase_ = 0; // of the moving bar, in per mille, while no steps are known
     QBasicTimer timer_;
 };
 

@@ -76,6 +76,4 @@ void PropertySheet::apply() {
     }
 }
 
-void PropertySheet::close() { dialog().end(0); }
-
 } // namespace tidebrook

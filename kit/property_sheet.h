@@ -34,7 +34,6 @@ public:
 
     void command(int id) override;
     void sized() override;
-    void close() override;
 
 protected:
     void initialise() override;

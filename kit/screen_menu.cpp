@@ -31,17 +31,10 @@ void ScreenMenu::check(int command, bool isChecked) {
 }
 
 void ScreenMenu::radioCheck(int first, int last, int command) {
-    QActionGroup *group = nullptr;
+    auto *group = new QActionGroup(this); // makes the style draw radio marks
     for (int id = first; id <= last; ++id) {
-        QAction *action = actions_.value(id);
-        if (action == nullptr)
-            continue;
-        if (group == nullptr)
-            group =
-                action->actionGroup() != nullptr ? action->actionGroup() : new QActionGroup(this);
-        action->setCheckable(true);
-        action->setActionGroup(group); // which makes the style draw a radio mark
-        action->setChecked(id == command);
+        group->addAction(actions_.value(id));
+        check(id, id == command);
     }
 }
 

@@ -7,16 +7,15 @@
 
 namespace tidebrook {
 
-/// A menu made from a resource. Choosing an entry tells its command.
+/// A menu made from a resource.
 class ScreenMenu : public QMenu {
     Q_OBJECT
 
 public:
     ScreenMenu(std::span<const MenuEntry> entries, QWidget *parent);
 
-    /// Checks an entry, or takes its check away.
     void check(int command, bool isChecked);
-    /// Of the entries from `first` to `last`, checks this one alone.
+    /// Of the entries from `first` to `last`, checks only that of `command`. Once for each menu.
     void radioCheck(int first, int last, int command);
     void enable(int command, bool isEnabled);
 

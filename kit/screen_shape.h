@@ -10,12 +10,12 @@ namespace tidebrook {
 /// 1 when a screen is taller than it is wide, 0 when it is square, -1 when it is wider than tall.
 int ScreenShape(const QSize &screen);
 
-/// Which of a dialog's two templates a screen takes: the even id that is given, or the odd one
-/// after it. A square screen counts as wide.
+/// The template of a dialog for a screen: the given even id, or the odd one after it. A square
+/// screen counts as wide.
 int templateForShape(int portraitId, const QSize &screen);
 
-/// Converts dialog units to pixels for a screen of a given size, which is 240 by 320 units or,
-/// when it is not taller than wide, 320 by 240. Rectangles that touch in units touch in pixels.
+/// Converts dialog units to pixels for a screen, which is 240 by 320 units or, when it is not
+/// taller than wide, 320 by 240. Rectangles that touch in units touch in pixels.
 class DialogUnits {
 public:
     explicit DialogUnits(const QSize &screen);

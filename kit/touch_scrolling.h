@@ -4,11 +4,11 @@ class QAbstractScrollArea;
 
 namespace tidebrook {
 
-/// Lets an area be scrolled with a finger: it follows the finger, goes on when that is lifted,
-/// and comes to rest. A touch that does not move stays a tap.
+/// Lets a finger scroll an area, which goes on when the finger is lifted. A touch that does not
+/// move stays a tap.
 void scrollByTouch(QAbstractScrollArea &area);
 
-/// True while a finger moves the area, and while it comes to rest afterwards.
+/// True while a finger moves the area, and until the area stands still.
 bool isScrollingByTouch(const QAbstractScrollArea &area);
 
 } // namespace tidebrook

@@ -14,7 +14,7 @@ Waiting::Waiting(Dialog &dialog, int command)
     dialog_.form().setEnabled(false);
     dialog_.menuBar()->enable(command_, false);
     if (dialog_.stack().top() == &dialog_)
-        dialog_.setFocus(); // for the keys that still do something
+        dialog_.setFocus(); // for the keys of the dialog
 }
 
 Waiting::~Waiting() {

@@ -8,12 +8,12 @@ namespace tidebrook {
 
 class Dialog;
 
-/// While it lives, a dialog waits: the wait cursor shows, its controls and the soft key of one
-/// command cannot be used, and its other soft key can. The dialog outlives it.
+/// While it lives, a dialog waits: the wait cursor shows, and the controls and the soft key of one
+/// command are disabled. The dialog outlives it.
 class Waiting {
 public:
     Waiting(Dialog &dialog, int command);
-    /// Gives everything back, and the focus to whatever had it if the dialog is on top.
+    /// Restores all of that and, if the dialog is on top, the focus.
     ~Waiting();
     Waiting(const Waiting &) = delete;
     Waiting &operator=(const Waiting &) = delete;

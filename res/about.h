@@ -4,8 +4,7 @@
 
 namespace tidebrook {
 
-/// What the About box tells: name and version, what the program is, and its licence. Plain text,
-/// some lines.
+/// The text of the About box: name, version, purpose and licence.
 QString aboutText();
 
 } // namespace tidebrook

@@ -2,7 +2,7 @@
 
 namespace tidebrook {
 
-/// What the menus, the soft keys and the screens themselves ask of a screen, by number.
+/// The commands of menus, soft keys and keys, and those that screens post.
 enum Command : int {
     CommandOk = 1,
     CommandCancel = 2,
@@ -53,7 +53,7 @@ enum Command : int {
     CommandFontNormal = 32802,
     CommandFontBig = 32803,
 
-    // posted by the screens to themselves
+    // posted by the screens
     CommandOpenChannels = 32805,
     CommandOpenArticles = 32806,
     CommandOpenArticle = 32807,

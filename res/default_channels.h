@@ -4,8 +4,8 @@
 
 namespace tidebrook {
 
-/// The channels that a new device comes with, as its seed file holds them: UTF-16LE with a
-/// byte-order mark, a line a channel (name, tab, address, tab, category), lines ended by "\r\n".
+/// The seed file of a new device: UTF-16LE with a byte-order mark, a line for each channel (name,
+/// tab, address, tab, category), ended by "\r\n".
 QByteArray defaultChannelsFile();
 
 } // namespace tidebrook

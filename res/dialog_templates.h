@@ -19,7 +19,7 @@ enum class ControlKind : quint8 {
     Page,  ///< a page of formatted text
 };
 
-/// A control that nothing refers to.
+/// The id of a control without one of its own.
 inline constexpr quint16 anonymousControl = 0xFFFF;
 
 /// A rectangle in dialog units. A screen is 240 by 320 of them, or 320 by 240 when it is wide. The

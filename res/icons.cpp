@@ -2,8 +2,7 @@
 
 #include <QFile>
 
-// The linker takes the files out of the library only for those who ask for one of them. The macro
-// must stand outside of any namespace.
+// Without a call the linker leaves the files out. The macro works outside of namespaces only.
 static void provideFiles() { Q_INIT_RESOURCE(tidebrook); }
 
 namespace tidebrook {

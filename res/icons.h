@@ -4,12 +4,11 @@
 
 namespace tidebrook {
 
-/// The drawing of an icon, as SVG, by the name of its file in `res/icons` without the ending;
-/// empty when there is none. What the drawing paints in "currentColor" takes the colour of the
-/// text around it.
+/// The SVG of an icon, by the name of its file in `res/icons` without the ending; empty when there
+/// is none. "currentColor" in it stands for the colour of the text.
 QByteArray iconSvg(const char *name);
 
-/// The help page, as HTML. Its anchor "FeedlarkHelp" is where the explanation begins.
+/// The help page, as HTML. Its explanation begins at the anchor "FeedlarkHelp".
 QByteArray helpPage();
 
 } // namespace tidebrook

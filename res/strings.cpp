@@ -20,7 +20,7 @@ constexpr char16_t memoryProblem[] = u"Encountering Memory Problem";
 
 constexpr std::array table{
     Entry{programNameString, u"Tidebrook"},
-    Entry{programClassString, u"FEEDLARK"},
+    Entry{2, u"FEEDLARK"},
     Entry{newCategoryNameString, u"New Category"},
     Entry{aboutString, u"About"},
     Entry{menuString, u"Menu"},
@@ -50,10 +50,10 @@ constexpr std::array table{
     Entry{noCategoryString, u"No Category Exist!"},
     Entry{warningString, u"Warning"},
     Entry{deleteChannelString, u"Are you sure you want to delete this channel?"},
-    Entry{propertiesString, u"Properties"},
+    Entry{32, u"Properties"},
     Entry{allCategoriesString, u"All Categories"},
     Entry{nameExistsString, u"The name is exist!"},
-    Entry{notConnectedString, u"Please connect the device to the network."},
+    Entry{35, u"Please connect the device to the network."},
     Entry{noCategorySelectedString, u"No category selected!"},
     Entry{noChannelSelectedString, u"No channel selected!"},
     Entry{noArticleSelectedString, u"No article selected!"},

@@ -8,16 +8,14 @@ namespace tidebrook {
 /// The text of an entry of the string table; empty when there is no such entry.
 QString resourceString(int id);
 
-/// So many entries, one id after the other.
+/// `count` entries with successive ids.
 QStringList resourceStrings(int firstId, int count);
 
-/// The message for an error code of the system (1000 to 1014); for any other number the one for
-/// a problem that nothing is known of.
+/// The message for an error code (1000 to 1014); any other number is an unidentified problem.
 QString errorMessage(quint32 code);
 
 // the program
 inline constexpr int programNameString = 1; // the title of its window
-inline constexpr int programClassString = 2;
 inline constexpr int todayItemNameString = 60;
 
 // soft keys and buttons
@@ -39,7 +37,6 @@ inline constexpr int exportCategoryString = 6;
 inline constexpr int exportChannelString = 7;
 inline constexpr int saveString = 14;
 inline constexpr int newChannelString = 26;
-inline constexpr int propertiesString = 32;
 inline constexpr int allCategoriesString = 33;
 
 // names for what is new, and the kinds of files
@@ -48,17 +45,17 @@ inline constexpr int newChannelNameString = 8;
 inline constexpr int opmlFilterString = 43;
 inline constexpr int htmlFilterString = 59;
 
-// file dialogs: what a row is, and the names of their controls for those who do not see them
+// file dialogs: the kind of a row, and the accessible names of the controls
 inline constexpr int folderAboveString = 62;
 inline constexpr int fileNameString = 63;
 inline constexpr int filesString = 64;
 
-// choices, one id after the other
+// choices, with successive ids
 inline constexpr int firstIntervalString = 17;
 inline constexpr int intervalCount = 6;
 inline constexpr int firstSpeedString = 23;
 inline constexpr int speedCount = 3;
-inline constexpr int noCategoryString = 29; // stands for the categories where there are none
+inline constexpr int noCategoryString = 29; // stands for the categories when there are none
 
 // questions
 inline constexpr int confirmDeletionString = 16; // their caption
@@ -69,12 +66,11 @@ inline constexpr int replaceFileString = 65;
 // warnings
 inline constexpr int warningString = 30; // their caption
 inline constexpr int nameExistsString = 34;
-inline constexpr int notConnectedString = 35;
 inline constexpr int noCategorySelectedString = 36;
 inline constexpr int noChannelSelectedString = 37;
 inline constexpr int noArticleSelectedString = 38;
 
-// errors that are told without a code
+// errors
 inline constexpr int errorString = 28; // the caption of every error
 inline constexpr int wrongUrlString = 27;
 inline constexpr int noFileNameString = 66;

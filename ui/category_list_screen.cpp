@@ -130,11 +130,7 @@ void CategoryListScreen::showCategories(const QStringList &names) {
         rows.append({name});
     list_->setRows(std::move(rows));
     list_->selectRow(0);
-    setColumnWidth();
-}
-
-void CategoryListScreen::setColumnWidth() {
-    list_->setColumnWidth(listColumnWidth(state_.stack.size(), list_->rowCount(), *list_));
+    fitColumn(*list_, state_.stack);
 }
 
 bool CategoryListScreen::warnWithoutSelection() {
@@ -176,7 +172,7 @@ void CategoryListScreen::updateCategory() {
 void CategoryListScreen::newCategory() {
     const QString name = newName(*list_);
     list_->insertRow(0, {name});
-    setColumnWidth();
+    fitColumn(*list_, state_.stack);
     list_->editLabel(0);
     const JobEnd end = counted([this, name](int messageId) {
         if (messageId == 0)
@@ -240,7 +236,7 @@ void CategoryListScreen::deleteCategory() {
     // At once; the row comes back when the deletion fails.
     list_->removeRow(asked);
     list_->selectRow(asked);
-    setColumnWidth();
+    fitColumn(*list_, state_.stack);
     const JobEnd end = counted([this](int messageId) { reportFailure(messageId); });
     const auto erase = [name](LockedSubscriptions &subscriptions) {
         return subscriptions.deleteCategory(name);
@@ -311,7 +307,7 @@ void CategoryListScreen::sized() {
         list_->setGeometry(place);
         list_->scrollTo(list_->currentIndex());
     }
-    setColumnWidth();
+    fitColumn(*list_, state_.stack);
 }
 
 void CategoryListScreen::close() {

@@ -26,7 +26,6 @@ private:
     void initialise() override;
     void refresh();
     void showCategories(const QStringList &names);
-    void setColumnWidth();
     bool warnWithoutSelection();
 
     JobEnd counted(JobEnd end);

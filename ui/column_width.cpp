@@ -1,9 +1,9 @@
 #include "ui/column_width.h"
 
-#include "kit/screen_shape.h"
+#include "kit/list_view.h"
+#include "kit/screen_stack.h"
 
 #include <QStyle>
-#include <QWidget>
 
 namespace tidebrook {
 
@@ -15,13 +15,12 @@ constexpr int borders = 2; // pixels
 
 } // namespace
 
-int listColumnWidth(const QSize &screen, int rowCount, const QWidget &list) {
-    const int rowThreshold = ScreenShape(screen) == 1 ? portraitRows : landscapeRows;
-    const int scrollBar =
-        rowCount > rowThreshold
-            ? list.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &list)
-            : 0;
-    return screen.width() - borders - scrollBar;
+void fitColumn(ListView &list, const ScreenStack &stack) {
+    const int rowThreshold = ScreenShape(stack.size()) == 1 ? portraitRows : landscapeRows;
+    int width = stack.width() - borders;
+    if (list.rowCount() > rowThreshold)
+        width -= list.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &list);
+    list.setColumnWidth(width);
 }
 
 } // namespace tidebrook

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QSize>
-
-class QWidget;
-
 namespace tidebrook {
 
-/// How wide a list's rows are: as wide as the screen but for two pixels, and, with more rows than
-/// fit without one, the scroll bar.
-int listColumnWidth(const QSize &screen, int rowCount, const QWidget &list);
+class ListView;
+class ScreenStack;
+
+/// Makes a list's rows two pixels narrower than the screen and, with more rows than fit without a
+/// scroll bar, narrower by that too.
+void fitColumn(ListView &list, const ScreenStack &stack);
 
 } // namespace tidebrook

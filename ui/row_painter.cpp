@@ -101,11 +101,6 @@ void Label::paint(QPainter &painter, const QString &text, const QFont &font, int
 
 } // namespace
 
-const QList<const char *> &rowImages() {
-    static const QList<const char *> images{"article-unread", "article-read", "channel"};
-    return images;
-}
-
 void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
                        const QModelIndex &index) const {
     const ListRow row = list().row(index.row());

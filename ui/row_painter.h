@@ -2,13 +2,10 @@
 
 #include "kit/row_delegate.h"
 
-#include <QList>
-
 namespace tidebrook {
 
 /// The images of the rows of the channel and the article list.
 enum RowImage : int { UnreadImage, ReadImage, ChannelImage };
-const QList<const char *> &rowImages();
 
 /// Paints the rows of the channel and the article list: the icon, the name or title, and at the
 /// bottom right the counts or the date. The counts of a channel with unread articles are bold, and

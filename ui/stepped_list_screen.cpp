@@ -28,7 +28,7 @@ void SteppedListScreen::initialise() {
     dialog().setKey(Qt::Key_F4, CommandShowChoices);
     dialog().setKey(Qt::Key_F5, kind_.updateCommand);
     state_.lists[kind_.screen] = list_;
-    list_->setImages(rowImages());
+    list_->setImages({"article-unread", "article-read", "channel"}); // as `RowImage` counts them
     list_->setItemDelegate(new RowPainter(*list_));
     list_->setFont(state_.listFont);
     connect(list_, &ListView::keyPressed, this, &SteppedListScreen::handleKey);
@@ -221,9 +221,7 @@ bool SteppedListScreen::summoned() {
     return true;
 }
 
-void SteppedListScreen::sized() {
-    list_->setColumnWidth(listColumnWidth(state_.stack.size(), list_->rowCount(), *list_));
-}
+void SteppedListScreen::sized() { fitColumn(*list_, state_.stack); }
 
 void SteppedListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
 

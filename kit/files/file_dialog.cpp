@@ -16,7 +16,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int nameInBoxUnits = 120; // a box breaks no word, however long
+constexpr int nameInBoxUnits = 120; // a box does not break words
 
 class OpenProcedure : public FileProcedure {
 public:
@@ -44,12 +44,12 @@ protected:
 private:
     void save(const QString &typed);
     bool mayReplace(const QString &path) const;
-    /// Why nothing can be written there; null when something can.
+    /// Why the file cannot be written; null when it can.
     QString faultOf(const QString &typed, const QString &path) const;
     void propose(const QString &name);
-    /// The name that was asked for, as far as there is room for it.
+    /// The requested name, within the limit.
     QString proposal() const;
-    /// A text of the string table, with a name or path in it that a box has room for.
+    /// A text of the string table with a name or path, elided to fit into a box.
     QString textWith(int stringId, const QString &name) const;
 
     const QString ending_;

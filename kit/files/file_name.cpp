@@ -11,8 +11,7 @@ namespace tidebrook {
 
 namespace {
 
-// Of 255 on all file systems that are in use; a file that is replaced is written under a longer
-// name at first.
+// File systems take 255 bytes; a file that is replaced is first written under a longer name.
 constexpr qsizetype nameBytes = 248;
 
 qsizetype byteCount(QStringView text) { return text.toUtf8().size(); }
@@ -60,7 +59,7 @@ QString nearestFolder(const QString &folder) {
     return place.filePath();
 }
 
-// Not with QDir's own idea of what is absolute, which a colon at the beginning is enough for.
+// Not by QDir::isAbsolutePath, which takes a leading colon for an absolute path.
 QString pathMeant(const QString &text, const QString &folder) {
     if (text == u'~' || text.startsWith(QLatin1String("~/")))
         return QDir::cleanPath(QDir::homePath() + text.sliced(1));

@@ -4,31 +4,30 @@
 
 namespace tidebrook {
 
-/// Makes a text one that can be the name of a file which everybody sees: what no name can have in
-/// it becomes a blank, and dots and blanks at its beginning and blanks at its end go. It is cut so
-/// that it has, with this ending, no more UTF-16 units than the limit, nor more bytes than a file
-/// system takes; an ending that it has already stays. Empty when nothing is left.
-QString possibleFileName(const QString &text, const QString &ending, qsizetype limit = 255);
+/// Changes a text to a possible name of a visible file: characters that no name can have become
+/// blanks, and leading dots and outer blanks go. With the ending, it is cut to the limit in UTF-16
+/// units and to the bytes that a file system takes; an ending that it has stays. Empty when nothing
+/// is left.
+QString possibleFileName(const QString &text, const QString &ending, qsizetype limit);
 
-/// The path or name, with this ending unless it has that in whatever case.
+/// Adds the ending, unless the path has it in any case.
 QString withEnding(const QString &path, const QString &ending);
 
-/// Whether no file can have this name, because of its bytes.
+/// Whether a name has more bytes than a file system takes.
 bool isNameTooLong(const QString &name);
 
-/// The path of what has this name in a folder.
 QString pathIn(const QString &folder, const QString &name);
 
-/// The folder itself, or the nearest above it that is there.
+/// The folder itself, or the nearest existing one above it.
 QString nearestFolder(const QString &folder);
 
-/// The absolute path that the user means by a text, in this folder: "~" is home.
+/// The absolute path of a text that was typed in this folder: "~" is home.
 QString pathMeant(const QString &text, const QString &folder);
 
-/// Where the user's documents are, whether that is there or not.
+/// The folder of the user's documents, which may not exist.
 QString documentsFolder();
 
-/// The part of a path from the documents folder on; all of it when it lies outside.
+/// A path relative to the documents folder; the path itself when it lies outside.
 QString pathFromDocuments(const QString &path);
 
 } // namespace tidebrook

@@ -78,8 +78,6 @@ void FileProcedure::prepareList() {
     });
 }
 
-void FileProcedure::close() { dialog().end(0); }
-
 void FileProcedure::command(int id) {
     if (id == CommandOk)
         confirm();
@@ -126,7 +124,7 @@ void FileProcedure::refresh() {
         fill(std::move(entries));
 }
 
-// What is selected stays so, and what is in sight does, also where rows come and go above it.
+// The selection and the scroll position stay, also when rows above them change.
 void FileProcedure::fill(QList<FolderEntry> entries) {
     const int before = SelectedRow(list_);
     const QString selected = before > 0 || wanted_.isEmpty() ? list_->rowText(before) : wanted_;

@@ -22,7 +22,6 @@ public:
 
     void command(int id) override;
     void sized() override { showPlace(); }
-    void close() override;
 
     const QString &path() const { return path_; }
 

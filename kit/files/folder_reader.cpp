@@ -13,9 +13,9 @@ namespace tidebrook {
 
 namespace {
 
-QCollator peopleOrder() {
+QCollator localeOrder() {
     QCollator order;
-    if (order.locale().language() == QLocale::C) // which only knows the order of codes
+    if (order.locale().language() == QLocale::C) // which sorts by codes
         order.setLocale(QLocale(QLocale::English));
     order.setNumericMode(true);
     order.setCaseSensitivity(Qt::CaseInsensitive);
@@ -36,21 +36,21 @@ FolderReader::FolderReader(ScreenStack &stack) : QObject(&stack), progress_(stac
     model_.setNameFilterDisables(false);
     later_.setSingleShot(true);
     connect(&later_, &QTimer::timeout, this, &FolderReader::changed);
-    const auto tellLater = [this] { later_.start(0); };
-    connect(&model_, &QFileSystemModel::rowsInserted, this, tellLater);
-    connect(&model_, &QFileSystemModel::rowsRemoved, this, tellLater);
-    connect(&model_, &QFileSystemModel::dataChanged, this, tellLater);
-    connect(&model_, &QFileSystemModel::layoutChanged, this, tellLater);
+    const auto changeLater = [this] { later_.start(0); };
+    connect(&model_, &QFileSystemModel::rowsInserted, this, changeLater);
+    connect(&model_, &QFileSystemModel::rowsRemoved, this, changeLater);
+    connect(&model_, &QFileSystemModel::dataChanged, this, changeLater);
+    connect(&model_, &QFileSystemModel::layoutChanged, this, changeLater);
     connect(&model_, &QFileSystemModel::directoryLoaded, this, &FolderReader::noteLoaded);
 }
 
 void FolderReader::read(const QString &folder) {
     if (folder == folder_)
-        return; // the model would not tell that it was read
+        return; // the model would not report that it was read
     folder_ = folder;
     setReading(true);
     model_.setRootPath(folder);
-    if (model_.rootPath() != folder) // it has just gone
+    if (model_.rootPath() != folder) // it is gone
         noteLoaded(folder);
 }
 
@@ -82,12 +82,12 @@ QList<FolderEntry> FolderReader::entries() const {
         FolderEntry entry;
     };
     const QModelIndex root = model_.index(folder_);
-    const QCollator order = peopleOrder();
+    const QCollator order = localeOrder();
     std::vector<Sortable> found;
     for (int i = 0; root.isValid() && i < model_.rowCount(root); ++i) {
         const QModelIndex index = model_.index(i, 0, root);
         const QString name = model_.fileName(index);
-        if (!name.startsWith(u'.')) // the model shows hidden folders that it was once led into
+        if (!name.startsWith(u'.')) // the model has hidden folders that were once its root
             found.push_back({order.sortKey(name), {name, model_.isDir(index)}});
     }
     std::sort(found.begin(), found.end(), [](const Sortable &one, const Sortable &other) {

@@ -9,7 +9,6 @@ namespace tidebrook {
 class ProgressLine;
 class ScreenStack;
 
-/// What stands in a folder.
 struct FolderEntry {
     QString name;
     bool isFolder = false;
@@ -17,34 +16,33 @@ struct FolderEntry {
     bool operator==(const FolderEntry &) const = default;
 };
 
-/// Reads folders, one at a time, on a thread of its own, and tells what becomes of the one that it
-/// has read. Use it on the user-interface thread.
+/// Reads one folder at a time on a thread of its own, and watches it. Used on the user-interface
+/// thread.
 class FolderReader : public QObject {
     Q_OBJECT
 
 public:
-    /// The one of a stack, which owns it. It stays when its dialog ends, because its own end blocks
-    /// for what the system takes to stop watching folders (seconds on a busy machine), and for what
-    /// its thread takes for the entry that it is at.
+    /// The reader of a stack, which owns it. It outlives the dialogs, because its destruction
+    /// blocks until the system stops watching folders, which takes seconds on a busy machine.
     static FolderReader &of(ScreenStack &stack);
 
-    /// Of files it reads those that the pattern has, in whatever case.
+    /// Only files that match the pattern are read, in any case.
     void setPattern(const QString &pattern) { model_.setNameFilters({pattern}); }
-    /// Begins to read a folder, by its absolute path, in place of the one before. The stack's
-    /// progress line is at work while it reads.
+    /// Begins to read a folder, by its absolute path, instead of the one before. The stack's
+    /// progress line shows it.
     void read(const QString &folder);
-    /// Reads and watches nothing any more.
+    /// Stops reading and watching.
     void rest();
     const QString &folder() const { return folder_; }
     bool isReading() const { return isReading_; }
 
-    /// What was found so far: folders before files, each in the order in which people sort, and
-    /// nothing hidden. None in a folder that cannot be read.
+    /// The entries found so far, without hidden ones: folders before files, each sorted as the
+    /// locale does. None in a folder that cannot be read.
     QList<FolderEntry> entries() const;
 
 Q_SIGNALS:
-    /// The entries may be others, or all was read; once in a turn of the event loop. A folder that
-    /// is gone is told of too.
+    /// Entries may have changed, or all were read, or the folder is gone. Emitted once in a turn of
+    /// the event loop.
     void changed();
 
 private:
@@ -52,8 +50,8 @@ private:
     void noteLoaded(const QString &folder);
     void setReading(bool isReading);
 
-    // Nothing here shows icons and kinds of files, which cost a look into each. Still, the model
-    // takes an entry without any kind for one that it shows already.
+    // Real icons and types would cost a look into each file. The type is not empty, because the
+    // model takes an entry without one for an entry that it has already.
     class NoIcons : public QAbstractFileIconProvider {
     public:
         QIcon icon(IconType) const override { return {}; }

@@ -30,7 +30,7 @@ constexpr qreal indentPixels = 40;  // by which HTML's quotes and definitions ar
 constexpr qreal leastContrast = 3;
 
 qreal atMost(qreal value, qreal low, qreal high) {
-    return value > low ? std::min(value, high) : low; // also for what is no number
+    return value > low ? std::min(value, high) : low; // low for NaN
 }
 
 qreal luminance(const QColor &colour) {
@@ -43,7 +43,7 @@ qreal luminance(const QColor &colour) {
 
 QColor readableOn(const QColor &base, const QColor &colour) {
     const qreal ground = luminance(base);
-    const int target = ground < 0.18 ? 255 : 0; // where black and white are told apart as well
+    const int target = ground < 0.18 ? 255 : 0; // black and white contrast equally with 0.18
     const auto nearer = [target](int part) { return part + (target - part) / 5; };
     QColor shown(colour.red(), colour.green(), colour.blue());
     for (int step = 0; step < 12; ++step) {
@@ -55,8 +55,8 @@ QColor readableOn(const QColor &base, const QColor &colour) {
     return shown;
 }
 
-// A run of empty lines is one, and no character is left that stands for an object, ends a frame,
-// turns the page's own words around, or is half of one.
+// Joins runs of empty lines, and removes characters that stand for objects, end frames or override
+// the direction of text, and halves of surrogate pairs.
 QString shownText(const QString &text) {
     static const QRegularExpression unwanted(
         u"[\\x{0}-\\x{8}\\x{b}-\\x{1f}\\x{7f}-\\x{9f}\\x{fdd0}-\\x{fdef}\\x{fff9}-\\x{fffc}"
@@ -175,7 +175,7 @@ private:
             return;
         if (links_.isEmpty() || links_.last() != href.mid(1))
             links_.append(href.mid(1));
-        format.setAnchorHref(linkAnchor(links_.size() - 1));
+        format.setAnchorHref(u"link:%1"_s.arg(links_.size() - 1));
     }
 
     void setColour(const QTextCharFormat &given, QTextCharFormat &format) const {
@@ -208,7 +208,5 @@ QStringList showPage(QTextDocument &document, const QString &html, const PageLoo
     document.setIndentWidth(QFontMetricsF(look.body).horizontalAdvance(u"00. "_s));
     return PageBuilder(document, look).build(parsed);
 }
-
-QString linkAnchor(qsizetype link) { return u"link:%1"_s.arg(link); }
 
 } // namespace tidebrook

@@ -7,7 +7,7 @@
 
 namespace tidebrook {
 
-/// A document that loads nothing, whatever it is told to show: no file, no address, no data.
+/// A document that loads nothing: no file, no address, no data.
 class PageDocument : public QTextDocument {
 public:
     using QTextDocument::QTextDocument;
@@ -16,20 +16,18 @@ protected:
     QVariant loadResource(int type, const QUrl &name) override;
 };
 
-/// What a page looks like where it leaves that open.
+/// The look of a page where the page does not set it.
 struct PageLook {
-    QFont body;     ///< its size is that of text which the page gives none
-    qreal zoom = 1; ///< by how much the page's own sizes are bigger than they say
-    QColor base;    ///< what the text stands on
+    QFont body;     ///< of text without a size of its own
+    qreal zoom = 1; ///< the factor of the page's own sizes
+    QColor base;    ///< the background
     QColor link;
 };
 
-/// Puts a page into a document, in place of what it shows. Any HTML will do: what a device could
-/// not lay out in a moment, or show in the width of its screen, is left out or made small, and
-/// colours that could not be told from `base` are moved away from it. A link's anchor in the
-/// document is what `linkAnchor` gives for the target's place in the list returned.
+/// Replaces the contents of a document by a page of any HTML. Elements that take long to lay out,
+/// or are wider than the screen, are left out or made small, and colours too near to `base` are
+/// changed. Returns the targets of the page's links. The anchor of a link is "link:" and its index
+/// there.
 QStringList showPage(QTextDocument &document, const QString &html, const PageLook &look);
-
-QString linkAnchor(qsizetype link);
 
 } // namespace tidebrook

@@ -13,15 +13,15 @@ namespace {
 using namespace Qt::StringLiterals;
 
 enum class Fate {
-    Leave,      // the element goes, what it holds stays
-    LeaveWhole, // what it holds goes too
-    Keep,       // stays with its attributes
-    Break,      // becomes a plain line, as the parts of tables do
-    Rename,     // stays under another name
+    Drop,      // its contents stay
+    DropWhole, // its contents go too
+    Keep,      // with its attributes
+    Break,     // becomes a plain line, as the parts of tables do
+    Rename,    // stays under another name
 };
 
 struct Element {
-    Fate fate = Fate::Leave;
+    Fate fate = Fate::Drop;
     QString name;
 };
 
@@ -39,7 +39,7 @@ QHash<QString, Element> makeElements() {
                                "figcaption address"_s.split(u' '))
         elements.insert(name, {Fate::Rename, u"div"_s});
     for (const QString &name : u"script style title"_s.split(u' '))
-        elements.insert(name, {Fate::LeaveWhole, name});
+        elements.insert(name, {Fate::DropWhole, name});
     elements.insert(u"ins"_s, {Fate::Rename, u"u"_s});
     elements.insert(u"menu"_s, {Fate::Rename, u"ul"_s});
     return elements;
@@ -55,8 +55,8 @@ bool isKeptAttribute(const QString &name) {
     return kept.contains(name);
 }
 
-// Sizes all in points, of which the innermost holds: a document mixes other ones up. Levels are
-// those of HTML's font element, where 3 is that of the body.
+// Sizes are all in points, because a document does not nest other units. The levels are those of
+// HTML's font element, where the body has 3.
 QString sizeStyle(int level) {
     static constexpr std::array<qreal, 7> points{6.3, 7.2, 9, 10.8, 13.5, 18, 21.6};
     return u"font-size:%1pt;"_s.arg(points.at(static_cast<size_t>(std::clamp(level, 1, 7) - 1)));
@@ -147,9 +147,9 @@ private:
         const Element element = elementFor(name);
         QString style = sizeStyleOf(element.name);
         const QString attributes = takeAttributes(style);
-        if (element.fate == Fate::LeaveWhole && !isEnd)
+        if (element.fate == Fate::DropWhole && !isEnd)
             skipContents(name);
-        if (element.fate == Fate::Leave || element.fate == Fate::LeaveWhole)
+        if (element.fate == Fate::Drop || element.fate == Fate::DropWhole)
             return;
         result_ += isEnd ? u"</"_s : u"<"_s;
         result_ += element.name;
@@ -158,14 +158,14 @@ private:
         result_ += u'>';
     }
 
-    // One that is never closed keeps its contents, lest the rest of the page goes with it.
+    // An element that is never closed keeps its contents, else the rest of the page would go too.
     void skipContents(QStringView name) {
         const qsizetype end = indexOrEnd(QString(u"</"_s + name), at_);
         if (end < html_.size())
             at_ = indexOrEnd(u">", end) + 1;
     }
 
-    // What they say about the style comes last in that.
+    // Adds sizes and styles to `style`; the style attribute wins.
     QString takeAttributes(QString &style) {
         QString attributes;
         QStringList seen;
@@ -194,7 +194,7 @@ private:
         return u" %1=\"%2%3\""_s.arg(name, name == u"href" ? QString(linkMark) : QString(), value);
     }
 
-    // Behind the equals sign; without quotes that would end it.
+    // The value behind the equals sign, with its quotes escaped.
     QString takeValue() {
         at_ += 1;
         skipSpaces();

@@ -82,7 +82,7 @@ void TextPage::changeEvent(QEvent *event) {
         buildKeepingPlace();
 }
 
-// The menu would copy what the document has for a target.
+// Qt's menu would copy the anchor instead of the target.
 void TextPage::contextMenuEvent(QContextMenuEvent *event) {
     const QPoint inDocument = event->pos() + QPoint(0, verticalScrollBar()->value());
     QMenu *menu = createStandardContextMenu(inDocument);
@@ -96,7 +96,7 @@ void TextPage::contextMenuEvent(QContextMenuEvent *event) {
     menu->popup(event->globalPos());
 }
 
-// As plain text: the rest is of use on this page only.
+// Only as plain text: the anchors mean nothing elsewhere.
 QMimeData *TextPage::createMimeDataFromSelection() const {
     auto *copied = new QMimeData;
     copied->setText(textCursor().selection().toPlainText());
@@ -127,7 +127,7 @@ void TextPage::keepPlace(const std::function<void()> &change) {
     change();
     if (isAtTop)
         return verticalScrollBar()->setValue(0);
-    document()->documentLayout()->documentSize(); // lays it all out, so that its end can be reached
+    document()->documentLayout()->documentSize(); // lays it all out, else the end is out of reach
     QTextCursor place(document());
     place.setPosition(std::min(position, document()->characterCount() - 1));
     verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(place).top());

@@ -7,24 +7,23 @@
 
 namespace tidebrook {
 
-/// Shows a page of formatted text that comes as HTML, from whomever. Nothing is loaded for it,
-/// neither from the network nor from files, pictures are left out, no script runs, and no page
-/// takes longer to show, or more memory, than others of its length. It is as wide as the screen:
-/// long words are broken. Colours are changed where they could not be read.
+/// Shows a page of formatted text from any HTML. Nothing is loaded, from the network or from files,
+/// there are no pictures and no scripts, and the time and the memory grow with the length of the
+/// page alone. Long words are broken to the width of the screen. Unreadable colours are changed.
 ///
-/// It has the keys that move up and down, those that go to the next link and take it, and those
-/// that select all and copy; all others are left to the dialog.
+/// It handles the keys that scroll, go to links and take them, select all and copy; all others go
+/// to the dialog.
 class TextPage : public QTextBrowser {
     Q_OBJECT
 
 public:
     explicit TextPage(QWidget *parent);
 
-    /// Shows a page from its top; any HTML, however bad.
+    /// Shows a page from its top.
     void setPage(const QString &html);
 
-    /// How big the page is: 2, 3 or 4, in which text without a size of its own has 9, 11 or 13
-    /// points and any other size is in proportion. The place in the page is kept roughly.
+    /// At level 2, 3 or 4, text without a size of its own has 9, 11 or 13 points, and other sizes
+    /// are in proportion. The page stays scrolled to about the same place.
     void setZoom(int level);
 
     QVariant loadResource(int type, const QUrl &name) override;
@@ -37,10 +36,10 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
 
 Q_SIGNALS:
-    /// A link was taken: its target as the page has it, also one that is no address.
+    /// A link was taken. The target is that of the page, also if it is no address.
     void linkTapped(const QString &target);
 
-    /// It was brought to show something else than its page: the owner sets the page again.
+    /// The browser shows another document: the owner sets the page again.
     void left();
 
 private:
@@ -50,7 +49,7 @@ private:
     void follow(const QUrl &link);
 
     QString html_;
-    QStringList links_; // what the page's links lead to
+    QStringList links_; // the targets of the page's links
     int zoom_ = 2;
 };
 

@@ -216,7 +216,7 @@ TEST(FileName, OfAnythingIsThatOfAFileInSight) {
         {u"x"_s + smile.repeated(255) + u".opml", u"x"_s + smile.repeated(60) + u".opml"},
     };
     for (const auto &[wanted, proposed] : cases)
-        EXPECT_EQ(possibleFileName(wanted, u".opml"_s), proposed);
+        EXPECT_EQ(possibleFileName(wanted, u".opml"_s, 255), proposed);
 }
 
 } // namespace

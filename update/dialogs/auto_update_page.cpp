@@ -5,6 +5,7 @@
 #include "update/dialogs/page_values.h"
 
 #include <QAbstractButton>
+#include <QButtonGroup>
 #include <QComboBox>
 #include <QLocale>
 #include <QTime>
@@ -12,8 +13,6 @@
 namespace tidebrook {
 
 namespace {
-
-constexpr int modeCount = 3;
 
 enum Mode { Never, Interval, Time };
 
@@ -30,10 +29,10 @@ QStringList hours() {
 
 void AutoUpdatePage::initialise(Form &form) {
     form_ = &form;
-    for (int mode = 0; mode < modeCount; ++mode) {
-        modes_.append(form.control<QAbstractButton>(NeverUpdateButton + mode));
-        connect(modes_.last(), &QAbstractButton::clicked, this, [this, mode] { choose(mode); });
-    }
+    modes_ = new QButtonGroup(&form);
+    for (const int mode : {Never, Interval, Time})
+        modes_->addButton(form.control<QAbstractButton>(NeverUpdateButton + mode), mode);
+    connect(modes_, &QButtonGroup::idClicked, this, &AutoUpdatePage::choose);
     interval_ = form.control<QComboBox>(UpdateIntervalList);
     time_ = form.control<QComboBox>(UpdateTimeList);
     needsCradle_ = form.control<QAbstractButton>(NeedsCradleBox);
@@ -45,7 +44,7 @@ void AutoUpdatePage::initialise(Form &form) {
 
 void AutoUpdatePage::show(const AutoUpdatePageValues &values) {
     if (values.mode) {
-        if (QAbstractButton *chosen = modes_.value(*values.mode))
+        if (QAbstractButton *chosen = modes_->button(*values.mode))
             chosen->setChecked(true);
         enableControls(*values.mode);
     }
@@ -79,9 +78,7 @@ void AutoUpdatePage::enableControls(int mode) {
 }
 
 int AutoUpdatePage::checkedMode() const {
-    if (modes_[Never]->isChecked())
-        return Never;
-    return modes_[Interval]->isChecked() ? Interval : Time;
+    return modes_->checkedId() < 0 ? Time : modes_->checkedId();
 }
 
 void AutoUpdatePage::save() {

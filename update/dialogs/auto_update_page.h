@@ -5,9 +5,8 @@
 #include "res/ids.h"
 #include "update/update_settings.h"
 
-#include <QList>
-
 class QAbstractButton;
+class QButtonGroup;
 class QComboBox;
 
 namespace tidebrook {
@@ -29,7 +28,7 @@ private:
 
     AppState &state_;
     Form *form_ = nullptr;
-    QList<QAbstractButton *> modes_;
+    QButtonGroup *modes_ = nullptr;
     QComboBox *interval_ = nullptr;
     QComboBox *time_ = nullptr;
     QAbstractButton *needsCradle_ = nullptr;
