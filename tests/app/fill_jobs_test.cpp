@@ -1,7 +1,7 @@
 #include "app/fill_jobs.h"
 #include "support/forked_process.h"
 #include "support/no_threads.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -5,7 +5,7 @@
 #include "res/default_channels.h"
 #include "store/provisioning.h"
 #include "store/store_check.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,7 +3,7 @@
 #include "platform/desktop/service.h"
 #include "reader/application.h"
 #include "reader/device_opening.h"
-#include "ui/session.h"
+#include "ui/test_session.h"
 
 #include <QApplication>
 
@@ -23,7 +23,7 @@ inline bool runReader(const DeviceRoot &root, const Hand &user) {
     ScreenStack *window = nullptr;
     for (QWidget *widget : QApplication::topLevelWidgets())
         window = window != nullptr ? window : qobject_cast<ScreenStack *>(widget);
-    User someone(*window);
+    User someone(*window, failTest);
     std::thread hands([&] {
         user(someone);
         someone.closeWindow();

@@ -3,7 +3,7 @@
 #include "platform/sync/process_lock.h"
 #include "platform/sync/wait_any.h"
 #include "support/no_threads.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QTest>
 #include <QWidget>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "feed_server/feed_server.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QProcess>
 

@@ -1,6 +1,5 @@
 #include "feed/pub_date.h"
 #include "platform/base/clock.h"
-#include "support/text_printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "platform/base/replace_file.h"
 #include "platform/sql/registry.h"
 #include "support/forked_process.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QDir>
 #include <QSet>

@@ -1,7 +1,6 @@
 #include "feed_server/feed_server.h"
 #include "platform/http/http.h"
 #include "platform/http/http_queue.h"
-#include "support/text_printing.h"
 
 #include <QBuffer>
 

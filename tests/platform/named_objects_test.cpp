@@ -3,7 +3,7 @@
 #include "platform/sync/wait_any.h"
 #include "support/device_folders.h"
 #include "support/forked_process.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QElapsedTimer>
 #include <QFile>

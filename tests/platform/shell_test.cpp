@@ -1,7 +1,6 @@
 #include "platform/base/text.h"
 #include "platform/desktop/shell.h"
 #include "support/fake_opener.h"
-#include "support/text_printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,4 @@
 #include "platform/sql/sql.h"
-#include "support/text_printing.h"
 
 #include <QTemporaryDir>
 

@@ -1,5 +1,4 @@
 #include "platform/xml/xml_document.h"
-#include "support/text_printing.h"
 
 #include <QList>
 #include <QStringEncoder>

@@ -4,7 +4,7 @@
 #include "platform/sync/pause.h"
 #include "service/running_service.h"
 #include "support/full_disk.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 #include "update/request_file.h"
 #include "update/update_run.h"
 

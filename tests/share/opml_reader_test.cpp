@@ -1,7 +1,7 @@
 #include "feed_server/feed_server.h"
 #include "platform/sync/stop_signal.h"
 #include "share/opml_reader.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QDir>
 #include <QFile>

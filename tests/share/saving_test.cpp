@@ -3,7 +3,7 @@
 #include "share/opml_writer.h"
 #include "support/fake_opener.h"
 #include "support/full_disk.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QFile>
 

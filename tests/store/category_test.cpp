@@ -1,7 +1,7 @@
 #include "store/category_list.h"
 #include "store/seeding.h"
 #include "store/store_check.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QFile>
 

@@ -1,5 +1,5 @@
 #include "store/store_check.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QDir>
 #include <QFile>

@@ -10,7 +10,7 @@
 #include "store/update_state.h"
 #include "support/forked_process.h"
 #include "support/full_disk.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QDir>
 #include <QDirIterator>

@@ -1,6 +1,6 @@
 #include "subscriptions/locked_subscriptions.h"
 #include "support/full_disk.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 #include "update/auto_list.h"
 
 #include <QFile>

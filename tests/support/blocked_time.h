@@ -31,10 +31,9 @@ public:
         QCoreApplication::instance()->installEventFilter(this);
     }
 
-    /// Since this was made, with the turn that is under way.
-    std::chrono::nanoseconds longest() {
-        return begun_ ? std::max(longest_, asleep() - *begun_) : longest_;
-    }
+    /// Since this was made, with the turn that is under way. No program can help it that programs
+    /// wait for want of memory, and so none of that time counts.
+    std::chrono::nanoseconds longest() { return longestTurn() - (memoryStalls() - stalledBefore_); }
 
 protected:
     // Dispatchers tell that they are awake only when they have delivered what has woken them up:
@@ -51,13 +50,17 @@ private:
         begun_ = asleep();
     }
     void end() {
-        longest_ = longest();
+        longest_ = longestTurn();
         begun_.reset();
     }
-    static std::chrono::nanoseconds timeOf(clockid_t clock) {
-        timespec time{};
-        clock_gettime(clock, &time);
-        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    std::chrono::nanoseconds longestTurn() {
+        return begun_ ? std::max(longest_, asleep() - *begun_) : longest_;
+    }
+    /// Of all programs so far; 0 where the system does not count it.
+    static std::chrono::microseconds memoryStalls() {
+        QFile file(QStringLiteral("/proc/pressure/memory"));
+        file.open(QIODevice::ReadOnly);
+        return std::chrono::microseconds(file.readLine().split('=').last().trimmed().toLongLong());
     }
     // Where the system does not tell it, a wait for a processor counts as being blocked.
     std::chrono::nanoseconds processorWait() {
@@ -65,10 +68,14 @@ private:
         return std::chrono::nanoseconds(scheduling_.read(128).split(' ').value(1).toLongLong());
     }
     std::chrono::nanoseconds asleep() {
-        return timeOf(CLOCK_MONOTONIC) - timeOf(CLOCK_THREAD_CPUTIME_ID) - processorWait();
+        timespec computed{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &computed);
+        return std::chrono::steady_clock::now().time_since_epoch() - processorWait() -
+               std::chrono::seconds(computed.tv_sec) - std::chrono::nanoseconds(computed.tv_nsec);
     }
 
     QFile scheduling_{QStringLiteral("/proc/thread-self/schedstat")};
+    const std::chrono::microseconds stalledBefore_ = memoryStalls();
     bool isLooking_ = false;                        // for events
     std::optional<std::chrono::nanoseconds> begun_; // what `asleep` was then; unset between turns
     std::chrono::nanoseconds longest_{0};

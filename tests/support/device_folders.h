@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/base/device_root.h"
-#include "support/text_printing.h"
 
 #include <QTemporaryDir>
 

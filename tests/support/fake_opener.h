@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -5,8 +5,6 @@
 
 #include <ostream>
 
-QT_BEGIN_NAMESPACE
-
 // Lets a failing test show a text instead of its bytes.
 inline void PrintTo(const QString &text, std::ostream *out) {
     *out << '"' << text.toUtf8().constData() << '"';
@@ -15,5 +13,3 @@ inline void PrintTo(const QString &text, std::ostream *out) {
 inline void PrintTo(const QByteArray &bytes, std::ostream *out) {
     *out << '"' << bytes.constData() << '"';
 }
-
-QT_END_NAMESPACE

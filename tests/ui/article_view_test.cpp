@@ -69,7 +69,7 @@ TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
         }
     });
     run([&](User &user) { EXPECT_TRUE(isListOf(user, 13, u"+Big"_s)) << "after a restart"; });
-    session = std::make_unique<Session>(device.root);
+    session = std::make_unique<TestSession>(device.root);
     session->state().settings.tell([this] { gate.acquire(); });
     EXPECT_TRUE(session->run([&](User &user) {
         ASSERT_TRUE(user.sees([&] { return user.list() && user.list()->rowCount() == 3; }));

@@ -1,7 +1,7 @@
 #include "kit/files/file_dialog.h"
 #include "kit/files/file_name.h"
-#include "ui/home.h"
-#include "ui/session.h"
+#include "test_device/home.h"
+#include "ui/test_session.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ FileRequest request(const QString &name = {}) {
 /// "nothing", or "open" when it does not end.
 QString outcome(Choose choose, const FileRequest &request, const Hand &hand) {
     const TestDevice device(u"Moon\thttp://example.org/b\tScience\n"_s);
-    Session session(device.root);
+    TestSession session(device.root);
     QString result = u"open"_s;
     const auto use = [&](User &user) {
         ASSERT_TRUE(user.seesRows({u"Science"_s}) && user.seesQuiet());

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "feed_server/feed_server.h"
-#include "ui/home.h"
+#include "test_device/home.h"
 #include "ui/reading_test.h"
 
 namespace tidebrook {

@@ -89,7 +89,7 @@ TEST_F(TodayTest, AStartThatBringsTheReaderForwardLeadsToTheTappedHeadlineWherev
 TEST_F(TodayTest, AHeadlineThatHasGoneEndsInAListAndOneThatIsToldLateWaitsForWhatIsOpen) {
     NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
     tapHeadline(tapped, u"Gone"_s, u"b"_s);
-    session = std::make_unique<Session>(device.root); // tapped before the reader was started
+    session = std::make_unique<TestSession>(device.root); // tapped before the reader was started
     EXPECT_TRUE(session->run([&](User &user) {
         const auto leave = [&user] {
             ASSERT_TRUE(user.seesCaption(u"Travel"_s) && user.seesQuiet());

@@ -2,7 +2,7 @@
 #include "feed_server/generated_feed.h"
 #include "platform/base/clock.h"
 #include "platform/sync/stop_signal.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 #include "update/auto_list.h"
 #include "update/auto_round.h"
 #include "update/update_history.h"

@@ -1,5 +1,5 @@
 #include "store/settings_store.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 #include "update/auto_schedule.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "platform/sync/named_event.h"
 #include "support/full_disk.h"
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 #include "update/update_settings.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QDir>
 #include <QFile>

@@ -10,7 +10,6 @@
 #include <QApplication>
 
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -21,7 +20,10 @@ namespace tidebrook {
 /// lie, and see what a dialog shows while it waits for an answer.
 class User {
 public:
-    explicit User(ScreenStack &stack) : stack_(stack) {}
+    /// Gets what the user looked for in vain, on either thread.
+    using Failure = std::function<void(const QString &)>;
+
+    User(ScreenStack &stack, Failure fail) : stack_(stack), fail_(std::move(fail)) {}
 
     // --- doing ---
 
@@ -38,7 +40,6 @@ public:
     void tapBelowRows();
     /// Touches a row with a finger, and moves that so many pixels down (or up) before lifting it.
     void touchRow(int row, int way = 0);
-    /// Turns the mouse's wheel over the list by so many steps, downward.
     void turnWheel(int steps);
     /// Taps a button by its text or, where it has none, by its name.
     void tap(const QString &buttonText);
@@ -127,31 +128,37 @@ private:
     bool seesSame(Texts texts, const QStringList &expected);
 
     ScreenStack &stack_;
+    const Failure fail_;
     Mailbox mailbox_;
 };
+
+/// Turns the mouse's wheel over a list by so many steps, downward; on the screens' thread.
+void turnWheelOver(ListView &list, int steps);
 
 /// The reader's screens over a device: opened, driven by a user, and closed.
 class Session {
 public:
-    explicit Session(const DeviceRoot &device, const QSize &screen = {240, 320});
-    ~Session();
+    Session(const DeviceRoot &device, const QSize &screen, User::Failure fail);
+    virtual ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
     AppState &state() { return *state_; }
+    User &user() { return user_; }
 
     /// Opens the category list and has the user work. Whatever is open when the user is done is
     /// closed as by the window's own button. True when all screens ended.
-    bool run(const std::function<void(User &)> &user);
+    bool run(const std::function<void(User &)> &work);
 
-    /// For how long the screens' thread was at most blocked while the user worked.
-    std::chrono::milliseconds longestBlocked() const { return longestBlocked_; }
+protected:
+    /// Shows the screens until the last one ends.
+    virtual void show();
 
 private:
     Device device_;
     ScreenStack stack_;
+    User user_;
     std::unique_ptr<AppState> state_;
-    std::chrono::milliseconds longestBlocked_{0};
 };
 
 /// What a user does, to be kept in tables.
@@ -165,10 +172,5 @@ inline Hand tapping(const QString &button) {
 inline Hand choosing(const QStringList &path) {
     return [=](User &user) { user.choose(path); };
 }
-
-/// Sees this box, answers it with Enter, and sees no other.
-void expectBox(User &user, const QString &text);
-
-QStringList storedCategories(const DeviceRoot &device);
 
 } // namespace tidebrook

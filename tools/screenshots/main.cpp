@@ -3,8 +3,8 @@
 
 #include "kit/files/file_dialog.h"
 #include "kit/touch_style.h"
-#include "ui/home.h"
-#include "ui/session.h"
+#include "screen_driver/session.h"
+#include "test_device/home.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -186,7 +186,9 @@ bool photographAll(const QDir &folder, bool isDark) {
     const QString ending = (screen.height() > screen.width() ? u"-portrait"_s : u"-landscape"_s) +
                            (isDark ? u"-dark"_s : u"-light"_s) +
                            (qApp->devicePixelRatio() > 1 ? u"@2x.png"_s : u".png"_s);
-    Session session(device.root, screen);
+    Session session(device.root, screen, [](const QString &missing) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(missing));
+    });
     bool isRight = false;
     session.run([&](User &user) {
         isRight = std::ranges::all_of(steps, [&](const Step &step) {
@@ -202,13 +204,9 @@ bool photographAll(const QDir &folder, bool isDark) {
 
 int main(int argc, char **argv) {
     const QApplication application(argc, argv);
-    if (argc != 2) {
-        std::fputs("Usage: screenshots FOLDER\n", stderr);
-        return 2;
-    }
     QApplication::setQuitOnLastWindowClosed(false);
     tidebrook::installTouchStyle();
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const QDir folder(QCoreApplication::arguments().value(1));
     folder.mkpath(QStringLiteral("."));
     return tidebrook::photographAll(folder, false) && tidebrook::photographAll(folder, true) ? 0
                                                                                              : 1;

@@ -1,22 +1,18 @@
-#include "ui/session.h"
+#include "screen_driver/session.h"
 
 #include "kit/dialog.h"
 #include "kit/layer.h"
 #include "kit/page/text_page.h"
 #include "kit/progress_line.h"
-#include "support/blocked_time.h"
 #include "ui/category_list_screen.h"
 
 #include <QAbstractButton>
 #include <QClipboard>
 #include <QComboBox>
-#include <QFile>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTest>
 #include <QWheelEvent>
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
@@ -47,14 +43,6 @@ QPoint middleOf(const ListView &list, int row) {
 
 QString checkText(bool isChecked, const QString &text) {
     return (isChecked ? u"x "_s : u"- "_s) + text;
-}
-
-/// For how long programs have waited for want of memory so far, as the system counts it; 0 where it
-/// does not. No program can help that.
-std::chrono::microseconds memoryStalls() {
-    QFile file(u"/proc/pressure/memory"_s);
-    file.open(QIODevice::ReadOnly);
-    return std::chrono::microseconds(file.readLine().split('=').last().trimmed().toLongLong());
 }
 
 /// Null for what is no control of a user.
@@ -109,7 +97,8 @@ QStringList User::seen(Texts texts) {
 
 bool User::seesSame(Texts texts, const QStringList &expected) {
     const bool isSame = sees([&] { return (this->*texts)() == expected; });
-    EXPECT_TRUE(isSame) << "sees " << seen(texts).join(u" | ").toStdString();
+    if (!isSame)
+        fail_(u"sees " + seen(texts).join(u" | "));
     return isSame;
 }
 
@@ -158,13 +147,15 @@ void User::touchRow(int row, int way) {
 }
 
 void User::turnWheel(int steps) {
-    act([this, steps] {
-        QWidget *area = list()->viewport();
-        const QPoint place = area->rect().center();
-        QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -120 * steps),
-                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(area, &event);
-    });
+    act([this, steps] { turnWheelOver(*list(), steps); });
+}
+
+void turnWheelOver(ListView &list, int steps) {
+    QWidget *area = list.viewport();
+    const QPoint place = area->rect().center();
+    QWheelEvent event(place, area->mapToGlobal(place), {}, QPoint(0, -120 * steps), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(area, &event);
 }
 
 void User::tap(const QString &buttonText) {
@@ -174,7 +165,7 @@ void User::tap(const QString &buttonText) {
             if (button->isVisible() && shown.remove(u'&') == buttonText)
                 return QTest::mouseClick(button, Qt::LeftButton);
         }
-        ADD_FAILURE() << "there is no " << buttonText.toStdString();
+        fail_(u"there is no " + buttonText);
     });
 }
 
@@ -182,7 +173,8 @@ void User::tapLink(const QString &text) {
     act([this, text] {
         auto *page = stack_.top()->findChild<TextPage *>();
         QTextCursor place = page->document()->find(text);
-        ASSERT_FALSE(place.isNull()) << "there is no " << text.toStdString();
+        if (place.isNull())
+            return fail_(u"there is no " + text);
         place.setPosition(place.selectionStart());
         page->setTextCursor(place); // which brings it into sight
         const QPoint inside = page->cursorRect().center() + QPoint(4, 0);
@@ -193,12 +185,14 @@ void User::tapLink(const QString &text) {
 void User::choose(const QStringList &path) {
     press(Qt::Key_F10);
     for (const QString &text : path) {
-        ASSERT_TRUE(seesPopup());
-        act([text] {
+        if (!seesPopup())
+            return fail_(u"there is no menu for " + text);
+        act([this, text] {
             QMenu *menu = openMenu();
             const auto entries = menu != nullptr ? menu->actions() : QList<QAction *>();
             const auto entry = std::ranges::find(entries, text, &QAction::text);
-            ASSERT_NE(entry, entries.end()) << "there is no " << text.toStdString();
+            if (entry == entries.end())
+                return fail_(u"there is no " + text);
             menu->setActiveAction(*entry);
             QTest::keyClick(menu, (*entry)->menu() != nullptr ? Qt::Key_Right : Qt::Key_Return);
         });
@@ -254,8 +248,11 @@ QStringList User::controlsNow() const {
 
 QStringList User::entries(const QString &within) {
     choose(within.isEmpty() ? QStringList() : QStringList{within});
-    EXPECT_TRUE(seesPopup());
     QStringList texts;
+    if (!seesPopup()) {
+        fail_(u"there is no menu"_s);
+        return texts;
+    }
     look([&] {
         for (const QAction *entry : openMenu()->actions()) {
             if (!entry->isSeparator())
@@ -281,7 +278,8 @@ bool User::seesQuiet() {
     });
 }
 
-Session::Session(const DeviceRoot &device, const QSize &screen) : device_(device) {
+Session::Session(const DeviceRoot &device, const QSize &screen, User::Failure fail)
+    : device_(device), user_(stack_, std::move(fail)) {
     device_.open(5s);
     stack_.resize(screen);
     stack_.show();
@@ -293,22 +291,15 @@ Session::~Session() {
     device_.close();
 }
 
-bool Session::run(const std::function<void(User &)> &user) {
-    User someone(stack_);
+bool Session::run(const std::function<void(User &)> &work) {
     bool isUserDone = false;
     std::thread hands([&] {
-        user(someone);
-        someone.seesQuiet(); // what was asked last is not overtaken
-        someone.closeWindow();
-        someone.act([&] { isUserDone = true; });
+        work(user_);
+        user_.seesQuiet(); // what was asked last is not overtaken
+        user_.closeWindow();
+        user_.act([&] { isUserDone = true; });
     });
-    {
-        BlockedTime blocked;
-        const auto stalledBefore = memoryStalls();
-        OpenCategoryList(*state_);
-        longestBlocked_ = std::chrono::ceil<std::chrono::milliseconds>(
-            blocked.longest() - (memoryStalls() - stalledBefore));
-    }
+    show();
     while (!isUserDone) // who has left the screens may still want to look
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     hands.join();
@@ -316,15 +307,6 @@ bool Session::run(const std::function<void(User &)> &user) {
     return stack_.top() == nullptr;
 }
 
-void expectBox(User &user, const QString &text) {
-    ASSERT_TRUE(user.seesBox(text)) << text.toStdString();
-    user.press(Qt::Key_Return);
-    ASSERT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
-}
-
-QStringList storedCategories(const DeviceRoot &device) {
-    Registry registry(device);
-    return CategoryListStore(registry).listedCategories().value_or(QStringList());
-}
+void Session::show() { OpenCategoryList(*state_); }
 
 } // namespace tidebrook

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "support/test_device.h"
+#include "test_device/test_device.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -37,10 +36,7 @@ public:
     /// A document's path.
     QString filePath(const QString &name) const { return documents_ + u'/' + name; }
     /// Null for what is no file.
-    QByteArray content(const QString &name) const {
-        QFile file(filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray content(const QString &name) const { return contentOf(filePath(name)); }
     QStringList files() const { return QDir(documents_).entryList(QDir::Files); }
 
 private:

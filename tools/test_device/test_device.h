@@ -3,7 +3,6 @@
 #include "platform/base/device_root.h"
 #include "platform/sql/registry.h"
 #include "store/feed_store.h"
-#include "support/text_printing.h"
 
 #include <QStringList>
 #include <QTemporaryDir>
