@@ -1,73 +1,61 @@
-#include "bench/first_paint.h"
+// What a program costs until its list is painted; linked into the reader and into the bare window.
+//
+// It is called as "PROGRAM ROWS [stay]". It ends as soon as a list of at least so many rows was
+// first painted, and prints what it had cost until then: "at", the moment of the steady clock,
+// "cpu" and "Pss". One that is to stay pauses then. A program without such a list ends by a signal.
+
+#include "bench/figures.h"
 
 #include <QAbstractItemView>
 #include <QCoreApplication>
 #include <QEvent>
-#include <QFile>
 
 #include <unistd.h>
-
-#include <chrono>
-#include <csignal>
-#include <cstdio>
-#include <ctime>
 
 namespace tidebrook {
 
 namespace {
 
-constexpr unsigned timeout = 120; // seconds
+class FirstPaint : public QObject {
+public:
+    explicit FirstPaint(QCoreApplication *application)
+        : QObject(application), rows_(QCoreApplication::arguments().value(1).toInt()) {
+        alarm(120);
+        application->installEventFilter(this);
+    }
 
-double cpuTime() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
-long long proportionalSize() {
-    QFile rollup(QStringLiteral("/proc/self/smaps_rollup"));
-    if (rollup.open(QIODevice::ReadOnly)) {
-        for (const QByteArray &line : rollup.readAll().split('\n')) {
-            if (line.startsWith("Pss:"))
-                return line.simplified().split(' ').value(1).toLongLong();
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (event->type() != QEvent::Paint)
+            return false;
+        const auto *view = qobject_cast<QAbstractItemView *>(watched->parent());
+        const bool isList = view && view->viewport() == watched && view->model();
+        if (isList && view->model()->rowCount() >= rows_) {
+            QCoreApplication::instance()->removeEventFilter(this);
+            // Behind this event it is painted, and what was painted is on the screen.
+            QCoreApplication::postEvent(this, new QEvent(QEvent::User));
         }
+        return false;
     }
-    return 0;
-}
 
-// Closing down is no part of a start.
-void tellAndEnd() {
-    const std::chrono::duration<double> at = std::chrono::steady_clock::now().time_since_epoch();
-    const double cpu = cpuTime();
-    std::printf("at=%.6f cpu=%.6f pss=%lld\n", at.count(), cpu, proportionalSize());
-    std::fflush(stdout);
-    if (qEnvironmentVariableIsSet("TIDEBROOK_BENCH_STAY")) {
-        std::signal(SIGTERM, SIG_DFL);
-        pause();
+    // Closing down is no part of a start.
+    void customEvent(QEvent * /*event*/) override {
+        printFigures("work", {{"at", secondsOf(CLOCK_MONOTONIC)},
+                              {"cpu", secondsOf(CLOCK_PROCESS_CPUTIME_ID)},
+                              {"Pss", procFigure("self/smaps_rollup", "Pss")}});
+        if (QCoreApplication::arguments().value(2) == u"stay")
+            pause();
+        _exit(0);
     }
-    _exit(0);
-}
+
+private:
+    const int rows_;
+};
+
+void watchFirstPaint() { new FirstPaint(QCoreApplication::instance()); }
 
 } // namespace
 
-FirstPaint::FirstPaint(int rows) : rows_(rows) {
-    alarm(timeout);
-    QCoreApplication::instance()->installEventFilter(this);
-}
-
-bool FirstPaint::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() != QEvent::Paint)
-        return false;
-    const auto *view = qobject_cast<QAbstractItemView *>(watched->parent());
-    const bool isList = view != nullptr && view->viewport() == watched && view->model() != nullptr;
-    if (isList && view->model()->rowCount() >= rows_) {
-        QCoreApplication::instance()->removeEventFilter(this);
-        // Behind this event it is painted, and what was painted is on the screen.
-        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
-    }
-    return false;
-}
-
-void FirstPaint::customEvent(QEvent * /*event*/) { tellAndEnd(); }
+Q_COREAPP_STARTUP_FUNCTION(watchFirstPaint)
 
 } // namespace tidebrook

@@ -4,10 +4,11 @@
 #include <libxml/parser.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <array>
-#include <cstring>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 namespace tidebrook {
 
@@ -18,14 +19,7 @@ constexpr long redirectLimit = 10;
 constexpr long timeLimit = 60'000; // ms
 constexpr int pollTime = 1000;     // ms
 
-struct DocumentFree {
-    void operator()(xmlDoc *document) const { xmlFreeDoc(document); }
-};
-struct TextFree {
-    void operator()(xmlChar *text) const { xmlFree(text); }
-};
-using Document = std::unique_ptr<xmlDoc, DocumentFree>;
-using OwnedText = std::unique_ptr<xmlChar, TextFree>;
+using Document = std::unique_ptr<xmlDoc, void (*)(xmlDoc *)>;
 
 std::string_view nameOf(const xmlNode *node) { return reinterpret_cast<const char *>(node->name); }
 
@@ -48,7 +42,7 @@ void bindText(sqlite3_stmt *statement, int parameter, xmlNode *element) {
                           SQLITE_STATIC);
         return;
     }
-    const OwnedText text(xmlNodeGetContent(element));
+    const std::unique_ptr<xmlChar, xmlFreeFunc> text(xmlNodeGetContent(element), xmlFree);
     sqlite3_bind_text(statement, parameter, reinterpret_cast<const char *>(text.get()), -1,
                       SQLITE_TRANSIENT);
 }
@@ -78,7 +72,8 @@ xmlNode *channelOf(const Document &document) {
 
 } // namespace
 
-FloorStore::FloorStore(const std::string &path) {
+FloorStore::FloorStore(const std::string &device) {
+    const std::string path = device + "/RSSVault.sdf";
     xmlInitParser();
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(path.c_str(), &database_, flags, nullptr) != SQLITE_OK) {
@@ -100,24 +95,17 @@ void FloorStore::run(const char *statement) {
         throw std::runtime_error(std::string(statement) + ": " + sqlite3_errmsg(database_));
 }
 
-void FloorStore::prepareInsert() {
-    if (!insert_ && sqlite3_prepare_v3(database_, insertText, -1, SQLITE_PREPARE_PERSISTENT,
-                                       &insert_, nullptr) != SQLITE_OK)
-        throw std::runtime_error(sqlite3_errmsg(database_));
-}
-
-void FloorStore::begin() { run("BEGIN IMMEDIATE"); }
-
-void FloorStore::commit() { run("COMMIT"); }
-
 FloorStore::Counts FloorStore::insertFeed(const std::string &body, const Channel &channel) {
     constexpr int options = XML_PARSE_HUGE | XML_PARSE_NOBLANKS | XML_PARSE_NOCDATA |
                             XML_PARSE_NONET | XML_PARSE_COMPACT;
     const Document document(
-        xmlReadMemory(body.data(), static_cast<int>(body.size()), nullptr, nullptr, options));
+        xmlReadMemory(body.data(), static_cast<int>(body.size()), nullptr, nullptr, options),
+        xmlFreeDoc);
     if (!document)
         throw std::runtime_error("a document cannot be read");
-    prepareInsert();
+    if (!insert_ && sqlite3_prepare_v3(database_, insertText, -1, SQLITE_PREPARE_PERSISTENT,
+                                       &insert_, nullptr) != SQLITE_OK)
+        throw std::runtime_error(sqlite3_errmsg(database_));
     sqlite3_bind_text(insert_, 1, channel.name.c_str(), -1, SQLITE_STATIC);
     sqlite3_bind_int64(insert_, 7, channel.stamp);
     sqlite3_bind_text(insert_, 8, channel.category.c_str(), -1, SQLITE_STATIC);
@@ -143,53 +131,43 @@ FloorStore::Counts FloorStore::insertFeed(const std::string &body, const Channel
 namespace {
 
 /// One transfer into memory.
-class FloorTransfer {
-public:
-    FloorTransfer() : easy_(curl_easy_init()) {
-        curl_easy_setopt(easy_, CURLOPT_NOSIGNAL, 1L);
-        curl_easy_setopt(easy_, CURLOPT_FOLLOWLOCATION, 1L);
-        curl_easy_setopt(easy_, CURLOPT_MAXREDIRS, redirectLimit);
-        curl_easy_setopt(easy_, CURLOPT_TIMEOUT_MS, timeLimit);
-        curl_easy_setopt(easy_, CURLOPT_ACCEPT_ENCODING, "");
-        curl_easy_setopt(easy_, CURLOPT_FAILONERROR, 1L);
-        curl_easy_setopt(easy_, CURLOPT_BUFFERSIZE, receiveBuffer);
-        curl_easy_setopt(easy_, CURLOPT_PRIVATE, this);
-        curl_easy_setopt(easy_, CURLOPT_WRITEDATA, this);
-        curl_easy_setopt(easy_, CURLOPT_WRITEFUNCTION, &FloorTransfer::receive);
+struct FloorTransfer {
+    FloorTransfer() : easy(curl_easy_init()) {
+        curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+        curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+        curl_easy_setopt(easy, CURLOPT_MAXREDIRS, redirectLimit);
+        curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, timeLimit);
+        curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "");
+        curl_easy_setopt(easy, CURLOPT_FAILONERROR, 1L);
+        curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, receiveBuffer);
+        curl_easy_setopt(easy, CURLOPT_PRIVATE, this);
+        curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+        curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &FloorTransfer::receive);
     }
-    ~FloorTransfer() { curl_easy_cleanup(easy_); }
+    ~FloorTransfer() { curl_easy_cleanup(easy); }
     FloorTransfer(const FloorTransfer &) = delete;
     FloorTransfer &operator=(const FloorTransfer &) = delete;
 
     void aim(const std::string &url, std::size_t index) {
-        curl_easy_setopt(easy_, CURLOPT_URL, url.c_str());
-        index_ = index;
-        body_.clear();
+        curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
+        urlIndex = index;
+        body.clear();
     }
 
-    CURL *easy() const { return easy_; }
-    std::size_t index() const { return index_; }
-    std::string takeBody() { return std::move(body_); }
-
-private:
     static size_t receive(char *data, size_t, size_t size, void *self) {
         auto *transfer = static_cast<FloorTransfer *>(self);
-        if (transfer->body_.empty())
-            transfer->reserveBody();
-        transfer->body_.append(data, size);
+        curl_off_t length = -1;
+        if (transfer->body.empty())
+            curl_easy_getinfo(transfer->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+        if (length > 0)
+            transfer->body.reserve(static_cast<std::size_t>(length));
+        transfer->body.append(data, size);
         return size;
     }
 
-    void reserveBody() {
-        curl_off_t length = -1;
-        curl_easy_getinfo(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-        if (length > 0)
-            body_.reserve(static_cast<std::size_t>(length));
-    }
-
-    CURL *easy_;
-    std::string body_;
-    std::size_t index_ = 0;
+    CURL *easy;
+    std::string body;
+    std::size_t urlIndex = 0;
 };
 
 void check(CURLcode code, const char *url) {
@@ -197,88 +175,50 @@ void check(CURLcode code, const char *url) {
         throw std::runtime_error(std::string(url) + ": " + curl_easy_strerror(code));
 }
 
-/// Several transfers at a time; each is aimed at the next address when it is done.
-class FloorTransfers {
-public:
-    FloorTransfers(const std::vector<std::string> &urls, std::size_t parallel)
-        : urls_(urls), multi_(curl_multi_init()) {
-        for (std::size_t i = 0; i < parallel && i < urls.size(); ++i)
-            startNext(*transfers_.emplace_back(std::make_unique<FloorTransfer>()));
-    }
-    ~FloorTransfers() {
-        for (const auto &transfer : transfers_)
-            curl_multi_remove_handle(multi_, transfer->easy());
-        transfers_.clear();
-        curl_multi_cleanup(multi_);
-    }
-    FloorTransfers(const FloorTransfers &) = delete;
-    FloorTransfers &operator=(const FloorTransfers &) = delete;
-
-    struct Body {
-        std::size_t index;
-        std::string text;
-    };
-
-    /// The bodies that are complete; none when all have been given out. The requests that follow
-    /// them are on their way already.
-    std::vector<Body> take() {
-        std::vector<Body> bodies;
-        int running = 0;
-        while (bodies.empty() && taken_ < urls_.size()) {
-            curl_multi_perform(multi_, &running);
-            collect(bodies);
-            if (bodies.empty())
-                curl_multi_poll(multi_, nullptr, 0, pollTime, nullptr);
-        }
-        curl_multi_perform(multi_, &running);
-        return bodies;
-    }
-
-private:
-    void collect(std::vector<Body> &bodies) {
-        int left = 0;
-        while (const CURLMsg *message = curl_multi_info_read(multi_, &left)) {
-            FloorTransfer *transfer = nullptr;
-            curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
-            check(message->data.result, urls_[transfer->index()].c_str());
-            bodies.push_back({transfer->index(), transfer->takeBody()});
-            ++taken_;
-            curl_multi_remove_handle(multi_, transfer->easy());
-            startNext(*transfer);
-        }
-    }
-
-    void startNext(FloorTransfer &transfer) {
-        if (next_ == urls_.size())
-            return;
-        transfer.aim(urls_[next_], next_);
-        ++next_;
-        curl_multi_add_handle(multi_, transfer.easy());
-    }
-
-    const std::vector<std::string> &urls_;
-    CURLM *multi_;
-    std::vector<std::unique_ptr<FloorTransfer>> transfers_;
-    std::size_t next_ = 0;
-    std::size_t taken_ = 0;
-};
-
 } // namespace
 
 std::string floorFetch(const std::string &url) {
     FloorTransfer transfer;
     transfer.aim(url, 0);
-    check(curl_easy_perform(transfer.easy()), url.c_str());
-    return transfer.takeBody();
+    check(curl_easy_perform(transfer.easy), url.c_str());
+    return std::move(transfer.body);
 }
 
 void floorFetchAll(const std::vector<std::string> &urls, std::size_t parallel,
                    const std::function<void(std::size_t, const std::string &)> &take) {
-    FloorTransfers transfers(urls, parallel);
-    for (auto bodies = transfers.take(); !bodies.empty(); bodies = transfers.take()) {
-        for (const FloorTransfers::Body &body : bodies)
-            take(body.index, body.text);
+    CURLM *multi = curl_multi_init();
+    std::size_t next = 0;
+    const auto startNext = [&](FloorTransfer &transfer) {
+        if (next == urls.size())
+            return;
+        transfer.aim(urls[next], next);
+        ++next;
+        curl_multi_add_handle(multi, transfer.easy);
+    };
+    std::vector<FloorTransfer> transfers(std::min(parallel, urls.size()));
+    for (FloorTransfer &transfer : transfers)
+        startNext(transfer);
+    int running = 0;
+    for (std::size_t taken = 0; taken < urls.size();) {
+        std::vector<std::pair<std::size_t, std::string>> bodies;
+        curl_multi_perform(multi, &running);
+        for (int left = 0; const CURLMsg *message = curl_multi_info_read(multi, &left);) {
+            FloorTransfer *transfer = nullptr;
+            curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
+            check(message->data.result, urls[transfer->urlIndex].c_str());
+            bodies.emplace_back(transfer->urlIndex, std::move(transfer->body));
+            curl_multi_remove_handle(multi, transfer->easy);
+            startNext(*transfer);
+        }
+        if (bodies.empty())
+            curl_multi_poll(multi, nullptr, 0, pollTime, nullptr);
+        else
+            curl_multi_perform(multi, &running); // the next requests are on their way meanwhile
+        for (const auto &[index, body] : bodies)
+            take(index, body);
+        taken += bodies.size();
     }
+    curl_multi_cleanup(multi);
 }
 
 } // namespace tidebrook

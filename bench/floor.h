@@ -29,19 +29,18 @@ public:
         std::int64_t stamp = 0;
     };
 
-    /// Opens a store that exists. Throws std::runtime_error on this and every other failure.
-    explicit FloorStore(const std::string &path);
+    /// Opens the store of a device. Throws std::runtime_error on this and every other failure.
+    explicit FloorStore(const std::string &device);
     ~FloorStore();
     FloorStore(const FloorStore &) = delete;
     FloorStore &operator=(const FloorStore &) = delete;
 
-    void begin();
+    void begin() { run("BEGIN IMMEDIATE"); }
     Counts insertFeed(const std::string &document, const Channel &channel);
-    void commit();
+    void commit() { run("COMMIT"); }
 
 private:
     void run(const char *statement);
-    void prepareInsert();
 
     sqlite3 *database_ = nullptr;
     sqlite3_stmt *insert_ = nullptr;

@@ -1,67 +1,60 @@
-#include "bench/cases.h"
+#include "bench/bench.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
+#include <QSet>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <cstdio>
-#include <optional>
+#include <exception>
 
 namespace tidebrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-void describe(QCommandLineParser &parser) {
-    parser.setApplicationDescription(QStringLiteral(
-        "Measures refreshes beside a floor, which does the same work with ready-made parts and no\n"
-        "rules, the list of channels, the background downloader, the reader's start, its\n"
-        "screens, and bringing channels in and out. Exit status: 0 all was measured, 1 something\n"
-        "could not be, 2 wrong usage."));
-    parser.addOptions({
-        {QStringLiteral("counts"), QStringLiteral("Count instructions, too; takes minutes.")},
-        {QStringLiteral("idle"),
-         QStringLiteral("Count the wake-ups of the sleeping service, too, as the case \"service\" "
-                        "does when it is named; takes two minutes.")},
-        {QStringLiteral("runs"), QStringLiteral("Make each measurement N times (5)."),
-         QStringLiteral("N"), QStringLiteral("5")},
-        {QStringLiteral("profiles"),
-         QStringLiteral("Keep callgrind's files in DIR; with --counts."), QStringLiteral("DIR")},
-    });
-    parser.addPositionalArgument(QStringLiteral("case"),
-                                 Cases::names().join(u", ") + u"; all by default.",
-                                 QStringLiteral("[case...]"));
+const struct {
+    QString name;
+    void (*measure)(Bench &bench);
+} cases[]{
+    {u"one"_s, refreshOneFeed},     {u"held"_s, refreshBesideOthers}, {u"many"_s, refreshManyFeeds},
+    {u"channels"_s, listChannels},  {u"service"_s, measureService},   {u"reader"_s, measureReader},
+    {u"screens"_s, measureScreens}, {u"sharing"_s, measureSharing},
+};
+
+void describe(QCommandLineParser &parser, const QStringList &names) {
+    parser.setApplicationDescription(
+        u"Measures Tidebrook beside a floor, which does the same work with ready-made parts and\n"
+        "no rules, or beside what is allowed. Exit status: 0 all was measured, 1 something could\n"
+        "not be, 2 wrong usage."_s);
+    parser.addOptions(
+        {{u"counts"_s, u"Count instructions, too; takes minutes."_s},
+         {u"runs"_s, u"Make each measurement N times (5)."_s, u"N"_s, u"5"_s},
+         {u"profiles"_s, u"Keep callgrind's files in DIR; with --counts."_s, u"DIR"_s}});
+    parser.addPositionalArgument(
+        u"case"_s,
+        names.join(u", ") + u"; all by default. Only a \"service\" that is named is watched while "
+                            "it sleeps, too, for two minutes.",
+        u"[case...]"_s);
     parser.addHelpOption();
 }
 
-std::optional<Options> read(const QCommandLineParser &parser) {
-    Options options;
-    options.counts = parser.isSet(QStringLiteral("counts"));
-    options.runs = parser.value(QStringLiteral("runs")).toInt();
-    options.profiles = parser.value(QStringLiteral("profiles"));
-    options.cases = parser.positionalArguments();
-    options.idle =
-        parser.isSet(QStringLiteral("idle")) || options.cases.contains(QStringLiteral("service"));
-    const bool areKnown =
-        std::all_of(options.cases.cbegin(), options.cases.cend(),
-                    [](const QString &name) { return Cases::names().contains(name); });
-    return options.runs > 0 && areKnown ? std::optional(options) : std::nullopt;
-}
-
-int run(const Options &options) {
-    const QTemporaryDir folder(QDir::temp().filePath(QStringLiteral("tidebrook-bench-XXXXXX")));
-    if (!folder.isValid()) {
-        std::fprintf(stderr, "bench: there is no temporary folder to be had\n");
-        return 1;
-    }
+int run(Bench &bench) {
     try {
-        Cases(options, folder.path()).run();
-        return 0;
+        for (const auto &[name, measure] : cases) {
+            if (bench.named.isEmpty() || bench.named.contains(name))
+                measure(bench);
+        }
     } catch (const std::exception &error) {
         std::fprintf(stderr, "bench: %s\n", error.what());
         return 1;
     }
+    std::printf(
+        "\nMedians of %d runs, taken in turns; %s.\n%d targets met, %d not met.\n", bench.runs,
+        bench.areCounted ? "instructions of one run more" : "instructions only with --counts",
+        bench.report.metTargets, bench.report.missedTargets);
+    return 0;
 }
 
 } // namespace
@@ -69,15 +62,24 @@ int run(const Options &options) {
 } // namespace tidebrook
 
 int main(int argc, char **argv) {
+    using namespace tidebrook;
     const QCoreApplication application(argc, argv);
-    qputenv("no_proxy", "127.0.0.1"); // also for the programs that are run
+    // For the programs that are run.
+    qputenv("no_proxy", "127.0.0.1");
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QStringList names;
+    for (const auto &each : cases)
+        names.append(each.name);
     QCommandLineParser parser;
-    tidebrook::describe(parser);
+    describe(parser, names);
     parser.process(application);
-    const std::optional<tidebrook::Options> options = tidebrook::read(parser);
-    if (!options) {
-        std::fprintf(stderr, "%s", parser.helpText().toLocal8Bit().constData());
-        return 2;
-    }
-    return tidebrook::run(*options);
+    const QStringList named = parser.positionalArguments();
+    const int runs = parser.value(u"runs"_s).toInt();
+    if (runs <= 0 || !QSet(names.begin(), names.end()).contains({named.begin(), named.end()}))
+        parser.showHelp(2);
+    const QTemporaryDir folder(QDir::temp().filePath(u"tidebrook-bench-XXXXXX"_s));
+    const QDir profiles(parser.isSet(u"profiles"_s) ? parser.value(u"profiles"_s) : folder.path());
+    profiles.mkpath(u"."_s);
+    Bench bench{runs, parser.isSet(u"counts"_s), named, folder.path(), profiles};
+    return run(bench);
 }

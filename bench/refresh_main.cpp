@@ -1,45 +1,36 @@
-#include "bench/measured_region.h"
-#include "update/refresh.h"
+#include "bench/figures.h"
+#include "platform/base/clock.h"
+#include "update/auto_round.h"
 
 #include <curl/curl.h>
 
-#include <cstdio>
-
-// bench_refresh HOME CATEGORY JOBS {CHANNEL URL}...
+// bench_refresh HOME JOBS {URL CHANNEL CATEGORY}... refreshes these channels. "bench_refresh HOME"
+// is an automatic round over every channel of the list, also those that had one a moment ago; its
+// items are the feeds that were unchanged.
 
 namespace tidebrook {
 
 namespace {
 
-QList<RefreshJob> readJobs(int argc, char **argv) {
-    QList<RefreshJob> jobs;
-    for (int i = 4; i + 1 < argc; i += 2) {
-        jobs.append({QString::fromLocal8Bit(argv[i + 1]), QString::fromLocal8Bit(argv[i]),
-                     QString::fromLocal8Bit(argv[2])});
-    }
-    return jobs;
-}
-
-QList<RefreshResult> refresh(const RefreshTarget &target, const QList<RefreshJob> &jobs,
-                             int parallel) {
-    if (jobs.size() == 1)
-        return {refreshChannel(target, jobs.first())};
-    return refreshChannels(target, jobs, parallel, [](qsizetype, const RefreshResult &) {});
-}
-
-bool report(const MeasuredRegion &region, const QList<RefreshResult> &results) {
-    int items = 0;
-    int stored = 0;
+Figures refresh(const RefreshTarget &target, const QList<RefreshJob> &jobs, int parallel) {
+    const QList<RefreshResult> results =
+        jobs.size() == 1 ? QList{refreshChannel(target, jobs.first())}
+                         : refreshChannels(target, jobs, parallel, [](auto, const auto &) {});
+    Figures counts;
     for (const RefreshResult &result : results) {
-        if (result.error != 0) {
-            std::fprintf(stderr, "bench_refresh: a refresh failed with code %u\n", result.error);
-            return false;
-        }
-        items += result.counts.total;
-        stored += result.storedCount;
+        counts["items"] += result.counts.total;
+        counts["stored"] += result.storedCount;
+        counts["failed"] += result.error == 0 ? 0 : 1;
     }
-    region.print(items, stored);
-    return true;
+    return counts;
+}
+
+Figures runRound(const RefreshTarget &target, const QDateTime &now) {
+    const AutoRoundResult result = runAutoRound(target, {.start = now, .since = now.addSecs(1)},
+                                                [](const auto &, const auto &) {});
+    return {{"items", result.unchanged},
+            {"stored", result.storedCount},
+            {"failed", result.isOver ? result.failed : 1}};
 }
 
 } // namespace
@@ -48,22 +39,23 @@ bool report(const MeasuredRegion &region, const QList<RefreshResult> &results) {
 
 int main(int argc, char **argv) {
     using namespace tidebrook;
-    if (argc < 6) {
-        std::fprintf(stderr, "usage: bench_refresh HOME CATEGORY JOBS {CHANNEL URL}...\n");
-        return 2;
-    }
+    QList<RefreshJob> jobs;
+    for (int i = 3; i + 2 < argc; i += 3)
+        jobs.append({QString::fromUtf8(argv[i]), QString::fromUtf8(argv[i + 1]),
+                     QString::fromUtf8(argv[i + 2])});
     const DeviceRoot device(QString::fromLocal8Bit(argv[1]));
     Registry registry(device);
     FeedStore store(device, registry, QStringLiteral("Bench"));
-    if (!registry.isOpen() || !store.OpenExisting()) {
-        std::fprintf(stderr, "bench_refresh: %s cannot be opened\n", argv[1]);
+    const RefreshTarget target{device, registry, store, {}};
+    if (!registry.isOpen() || !store.OpenExisting())
         return 1;
-    }
-    const QList<RefreshJob> jobs = readJobs(argc, argv);
-    const int parallel = QByteArray(argv[3]).toInt();
+    const QDateTime now = utcNow();
+    Figures counts;
     curl_global_init(CURL_GLOBAL_DEFAULT);
-    MeasuredRegion region;
-    const QList<RefreshResult> results = refresh({device, registry, store, {}}, jobs, parallel);
-    region.end();
-    return report(region, results) ? 0 : 1;
+    Figures figures = measureRegion([&] {
+        counts = jobs.isEmpty() ? runRound(target, now)
+                                : refresh(target, jobs, QByteArray(argv[2]).toInt());
+    });
+    figures.merge(counts);
+    printFigures("work", figures);
 }

@@ -1,10 +1,9 @@
-#include "bench/service_cases.h"
+// The background downloader: asleep, until it is at work, and at work.
 
-#include "bench/background_process.h"
-#include "bench/call_trace.h"
-#include "bench/cases.h"
-#include "bench/process_figures.h"
+#include "bench/bench.h"
+#include "bench/store_maker.h"
 #include "platform/base/clock.h"
+#include "platform/base/replace_file.h"
 #include "platform/sync/named_event.h"
 #include "store/settings_store.h"
 #include "update/auto_schedule.h"
@@ -12,283 +11,28 @@
 #include "update/download_request.h"
 #include "update/request_file.h"
 
-#include <QDir>
-#include <QSaveFile>
-
-#include <algorithm>
-#include <chrono>
 #include <thread>
 
 namespace tidebrook {
 
-namespace {
-
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
-using Milliseconds = std::chrono::duration<double, std::milli>;
+
+namespace {
 
 constexpr int feedItems = 30;
 constexpr int usualFeeds = 50;
 constexpr int roundFeeds = 200;
 constexpr int requestCount = 20;
-constexpr std::chrono::seconds answerTimeout = 30s;
-constexpr std::chrono::seconds watch = 130s;
 
-constexpr double memoryTarget = 1.3;
-constexpr double latencyTarget = 20; // ms
-constexpr double wakeUpTarget = 3;   // one a minute, in the time of the watch
-constexpr double roundCpuTarget = 1.0 / 3;
-constexpr double roundBytesTarget = 1.0 / 20;
-
-QString channelName(int number) { return QStringLiteral("Automatic feed %1").arg(number); }
-
-void writeRequest(const DeviceRoot &device, const RefreshJob &job) {
-    QSaveFile file(requestFilePath(device));
-    const QByteArray bytes = encodeChannelFile(channelLine(job));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        throw MeasurementError(file.fileName() + u": " + file.errorString());
-}
-
-void pauseFor(std::chrono::seconds time) {
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(1s);
-        throwIfInterrupted();
-    }
-}
-
-} // namespace
-
-/// The service of a device, which hears requests once this is there.
-class ServiceCases::Service {
-public:
-    explicit Service(const QString &home)
-        : device_(home), answers_(device_),
-          process_(Runner::pathOf(QStringLiteral("feedlarkd")),
-                   {QStringLiteral("--foreground"), QStringLiteral("--home"), home},
-                   QProcess::StandardError) {
-        process_.awaitLine("serves");
-    }
-
-    pid_t pid() const { return process_.pid(); }
-
-    void awaitRound(int channels) {
-        process_.awaitLine("automatic update: " + QByteArray::number(channels) + " channels");
-    }
-
-    /// Has a feed updated; when that was asked for.
-    std::chrono::steady_clock::time_point request(const Feed &feed) {
-        writeRequest(device_, {feed.url, feed.channel, benchCategory.toString()});
-        answers_.expect();
-        NamedEvent event(device_, requestEvent, NamedEvent::Reset::Manual);
-        const auto start = std::chrono::steady_clock::now();
-        if (!event.set() || answers_.wait(answerTimeout) != DownloadAnswer::Done)
-            throw MeasurementError(QStringLiteral("a request was not answered"));
-        return start;
-    }
-
-private:
-    const DeviceRoot device_;
-    DownloadAnswers answers_;
-    BackgroundProcess process_;
-};
-
-ServiceCases::ServiceCases(const Options &options, const QString &folder, const Runner &runner,
-                           Report &report)
-    : options_(options), folder_(folder), runner_(runner), report_(report) {
-    server_.setValidators(true);
-    qputenv("TIDEBROOK_PAUSES", "0"); // for the programs that are run
-}
-
-void ServiceCases::run() {
-    measureMemory();
-    if (options_.idle)
-        countWakeUps();
-    measureLatency();
-    measureRounds();
-}
-
-// --- the memory of a service that sleeps ---
-
-void ServiceCases::measureMemory() {
-    report_.section(QStringLiteral("The service asleep, with 50 channels, beside an empty program "
-                                   "with its libraries"),
-                    QStringLiteral("feedlarkd"), QStringLiteral("empty"));
-    const QString idle = makeDevice(QStringLiteral("idle"), usualFeeds, false);
-    const QString due = makeDevice(QStringLiteral("due"), usualFeeds, true);
-    measureMemory(QStringLiteral("started"), idle, [](Service &) {});
-    measureMemory(QStringLiteral("after a round"), due,
-                  [](Service &service) { service.awaitRound(usualFeeds); });
-    measureMemory(QStringLiteral("after a request"), idle,
-                  [this](Service &service) { service.request(feeds(1).first()); });
-}
-
-void ServiceCases::measureMemory(const QString &name, const QString &store,
-                                 const std::function<void(Service &)> &preparation) {
-    std::vector<Memory> ours;
-    std::vector<Memory> theirs;
-    for (int run = 0; run < options_.runs; ++run) {
-        onCopy(store, [&](const QString &home) {
-            Service service(home);
-            BackgroundProcess empty(Runner::pathOf(QStringLiteral("bench_idle")), {},
-                                    QProcess::StandardOutput);
-            empty.awaitLine("ready");
-            preparation(service);
-            awaitIdle(service.pid());
-            if (librariesOf(service.pid()) != librariesOf(empty.pid()))
-                throw MeasurementError(QStringLiteral("the empty program has other libraries"));
-            const auto [ofService, ofEmpty] = memoryOf(service.pid(), empty.pid());
-            ours.push_back(ofService);
-            theirs.push_back(ofEmpty);
-        });
-    }
-    const auto row = [&](const QString &what, double Memory::*field, std::optional<double> target) {
-        report_.row(
-            {name + u": " + what, medianOf(ours, field), medianOf(theirs, field), 0, target});
-    };
-    // Other programs with the same libraries share the Pss, but nothing else.
-    row(QStringLiteral("Pss, KiB"), &Memory::proportional, std::nullopt);
-    row(QStringLiteral("as if alone, KiB"), &Memory::alone, memoryTarget);
-    row(QStringLiteral("Rss, KiB"), &Memory::resident, std::nullopt);
-    row(QStringLiteral("anonymous, KiB"), &Memory::anonymous, std::nullopt);
-}
-
-// --- how often it wakes up for nothing ---
-
-// Being traced wakes a process up, so it is another one that is traced.
-void ServiceCases::countWakeUps() {
-    report_.section(QStringLiteral("The service asleep for 130 s, with automatic updates that are "
-                                   "not due"),
-                    QStringLiteral("feedlarkd"), QStringLiteral("allowed"));
-    Service service(makeDevice(QStringLiteral("watched"), usualFeeds, false));
-    Service traced(makeDevice(QStringLiteral("traced"), usualFeeds, false));
-    awaitIdle(traced.pid());
-    CallTrace trace(traced.pid(), folder_);
-    awaitIdle(service.pid());
-    const qint64 before = sleepsOf(service.pid());
-    pauseFor(watch);
-    const qint64 wakeUps = sleepsOf(service.pid()) - before;
-    report_.row({QStringLiteral("wake-ups"), static_cast<double>(wakeUps), wakeUpTarget, 0, 1.0});
-    report_.note(u"  system calls meanwhile: " + trace.end());
-}
-
-// --- how soon a request is at the server ---
-
-void ServiceCases::measureLatency() {
-    report_.section(QStringLiteral("From a request's event to its first byte at the server, 20 "
-                                   "requests each"),
-                    QStringLiteral("feedlarkd"), QStringLiteral("allowed"));
-    const QString home = makeDevice(QStringLiteral("asked"), 1, false);
-    std::vector<double> cold;
-    for (int i = 0; i < requestCount; ++i) {
-        Service service(home);
-        cold.push_back(latencyOf(service));
-    }
-    reportLatency(QStringLiteral("first of a service"), cold);
-    Service service(home);
-    latencyOf(service);
-    std::vector<double> warm;
-    warm.reserve(requestCount);
-    for (int i = 0; i < requestCount; ++i)
-        warm.push_back(latencyOf(service));
-    reportLatency(QStringLiteral("later ones"), warm);
-}
-
-double ServiceCases::latencyOf(Service &service) {
-    awaitIdle(service.pid());
-    server_.clearRequests();
-    const auto start = service.request(feeds(1).first());
-    return Milliseconds(server_.requests().first().arrived - start).count();
-}
-
-void ServiceCases::reportLatency(const QString &name, const std::vector<double> &latencies) {
-    report_.row({name + u": median, ms", medianOf(latencies), latencyTarget, 2, 1.0});
-    report_.row({name + u": worst, ms", *std::max_element(latencies.begin(), latencies.end()),
-                 latencyTarget, 2, 1.0});
-}
-
-// --- what a round costs when nothing has changed ---
-
-void ServiceCases::measureRounds() {
-    report_.section(QStringLiteral("An automatic round over 200 feeds of 30 items, none of which "
-                                   "has changed"),
-                    QStringLiteral("validators"), QStringLiteral("full bodies"));
-    const QString store = makeDevice(QStringLiteral("round"), roundFeeds, true);
-    const Sample first = runner_.run(QStringLiteral("bench_round"), {store});
-    if (first.stored != roundFeeds * feedItems)
-        throw MeasurementError(QStringLiteral("the first round stored %1").arg(first.stored));
-    Rounds unchanged;
-    Rounds full;
-    for (int run = 0; run < options_.runs; ++run) {
-        runRound(unchanged, store, Validators::Sent);
-        runRound(full, store, Validators::Missing);
-    }
-    if (options_.counts) {
-        countRound(unchanged, store, Validators::Sent);
-        countRound(full, store, Validators::Missing);
-    }
-    reportRounds(unchanged, full);
-}
-
-void ServiceCases::runRound(Rounds &rounds, const QString &store, Validators validators) {
-    server_.setValidators(validators == Validators::Sent);
-    server_.clearCounts();
-    onCopy(store, [&](const QString &home) {
-        rounds.series.samples.push_back(runner_.run(QStringLiteral("bench_round"), {home}));
-    });
-    check(rounds.series.samples.back(), validators);
-    rounds.bytes = static_cast<double>(server_.bytesSent() + server_.bytesReceived());
-}
-
-void ServiceCases::countRound(Rounds &rounds, const QString &store, Validators validators) {
-    server_.setValidators(validators == Validators::Sent);
-    const QString profile = validators == Validators::Sent ? QStringLiteral("round-unchanged")
-                                                           : QStringLiteral("round-full");
-    Sample sample;
-    onCopy(store, [&](const QString &home) {
-        rounds.series.instructions =
-            runner_.count(QStringLiteral("bench_round"), {home}, profile, sample);
-    });
-    check(sample, validators);
-}
-
-void ServiceCases::check(const Sample &sample, Validators validators) const {
-    const int unchanged = validators == Validators::Sent ? roundFeeds : 0;
-    if (sample.items != unchanged || sample.stored != 0)
-        throw MeasurementError(QStringLiteral("a round found %1 unchanged and stored %2 articles")
-                                   .arg(sample.items)
-                                   .arg(sample.stored));
-}
-
-void ServiceCases::reportRounds(const Rounds &unchanged, const Rounds &full) {
-    const auto row = [&](const QString &name, double ours, double theirs,
-                         std::optional<double> target) {
-        report_.row({name, ours / roundFeeds, theirs / roundFeeds, 0, target});
-    };
-    if (options_.counts)
-        row(QStringLiteral("instructions/feed"), unchanged.series.instructions,
-            full.series.instructions, std::nullopt);
-    constexpr double microseconds = 1e6;
-    row(QStringLiteral("CPU/feed, us"), unchanged.series.median(&Sample::cpu) * microseconds,
-        full.series.median(&Sample::cpu) * microseconds, roundCpuTarget);
-    row(QStringLiteral("wall time/feed, us"), unchanged.series.median(&Sample::wall) * microseconds,
-        full.series.median(&Sample::wall) * microseconds, std::nullopt);
-    row(QStringLiteral("bytes/feed, both ways"), unchanged.bytes, full.bytes, roundBytesTarget);
-}
-
-// --- what they have in common ---
-
-Feeds ServiceCases::feeds(int count) const {
-    Feeds feeds;
-    for (int i = 0; i < count; ++i)
-        feeds.append({channelName(i),
-                      server_.url(QStringLiteral("/generated/%1/%2").arg(feedItems).arg(i + 1))});
-    return feeds;
-}
+constexpr double latencyAllowed = 20; // ms
+constexpr double wakeUpsAllowed = 3;  // one a minute, in the time of the watch
 
 // A device that has never had a round has one due.
-QString ServiceCases::makeDevice(const QString &name, int feedCount, bool isRoundDue) const {
-    QString home = QDir(folder_).filePath(QStringLiteral("service-") + name);
-    makeStore(home, {.automaticFeeds = feeds(feedCount)});
+QString makeDevice(const Bench &bench, const QString &name, const QList<RefreshJob> &feeds,
+                   bool isRoundDue) {
+    QString home = bench.folder.filePath(u"service-"_s + name);
+    makeStore(home, {.feeds = feeds, .areAutomatic = true});
     const DeviceRoot device(home);
     Registry registry(device);
     SettingsStore settings(registry);
@@ -297,6 +41,143 @@ QString ServiceCases::makeDevice(const QString &name, int feedCount, bool isRoun
     if (!isRoundDue)
         AutoSchedule(registry).endRound(utcNow());
     return home;
+}
+
+/// Has the service of a device update a channel; when that was asked for.
+std::chrono::steady_clock::time_point request(const QString &home, const RefreshJob &channel) {
+    const DeviceRoot device(home);
+    DownloadAnswers answers(device);
+    NamedEvent event(device, requestEvent, NamedEvent::Reset::Manual);
+    const bool isWritten =
+        replaceFile(requestFilePath(device), encodeChannelFile(channelLine(channel)));
+    answers.expect();
+    const auto start = std::chrono::steady_clock::now();
+    require(isWritten && event.set() && answers.wait(30s) == DownloadAnswer::Done,
+            u"a request is answered"_s);
+    return start;
+}
+
+// --- the memory of a service that sleeps ---
+
+void measureMemory(Bench &bench, const char *name, const QString &store,
+                   const QStringList &libraries,
+                   const std::function<void(Service &, const QString &home)> &prepare) {
+    Runs ofService;
+    Runs ofEmpty;
+    for (int run = 0; run < bench.runs; ++run) {
+        const StoreCopy copy(store);
+        Service service(copy.home);
+        const BackgroundProcess empty(u"bench_idle"_s, libraries, "ready");
+        prepare(service, copy.home);
+        awaitIdle(service.id());
+        require(librariesOf(service.id()) == librariesOf(empty.id()),
+                u"the empty program has the service's libraries"_s);
+        const auto both = memoryOf(service.id(), empty.id());
+        ofService.push_back(both[0]);
+        ofEmpty.push_back(both[1]);
+    }
+    // Other programs with the same libraries share the Pss, but nothing else.
+    bench.report.compare(std::string(name) + ": ", ofService, ofEmpty,
+                         {{"Pss", "Pss, KiB"},
+                          {"alone", "as if alone, KiB", 1, 0, 1.3},
+                          {"Rss", "Rss, KiB"},
+                          {"Anonymous", "anonymous, KiB"}});
+}
+
+void measureMemory(Bench &bench, const QList<RefreshJob> &feeds) {
+    bench.report.section("The service asleep, beside an empty program with its libraries", "empty",
+                         "feedlarkd");
+    const QString idle = makeDevice(bench, u"idle"_s, feeds.first(usualFeeds), false);
+    const QString due = makeDevice(bench, u"due"_s, feeds.first(usualFeeds), true);
+    measureMemory(bench, "started", idle, {}, [](auto &, auto &) {});
+    measureMemory(bench, "after a round", due, {u"curl"_s}, [](Service &service, auto &) {
+        service.awaitLine("automatic update: " + QByteArray::number(usualFeeds) + " channels");
+    });
+    measureMemory(bench, "after a request", idle, {u"curl"_s},
+                  [&](auto &, const QString &home) { request(home, feeds.first()); });
+}
+
+// --- how often it wakes up for nothing ---
+
+void countWakeUps(Bench &bench, const QList<RefreshJob> &feeds) {
+    bench.report.section("The service asleep for 130 s, with no round due", "allowed", "feedlarkd");
+    const QString home = makeDevice(bench, u"watched"_s, feeds.first(usualFeeds), false);
+    const Service service(home);
+    awaitIdle(service.id());
+    const double before = sleepsOf(service.id());
+    std::this_thread::sleep_for(130s);
+    bench.report.compare({}, {{{"count", sleepsOf(service.id()) - before}}},
+                         {{{"count", wakeUpsAllowed}}}, {{"count", "wake-ups", 1, 0, 1.0}});
+}
+
+// --- how soon a request is at the server ---
+
+void measureLatency(Bench &bench, const RefreshJob &feed, FeedServer &server) {
+    bench.report.section("From a request's event to its first byte at the server, 20 requests each",
+                         "allowed", "feedlarkd");
+    const QString home = makeDevice(bench, u"asked"_s, {feed}, false);
+    const auto latencyOf = [&](const Service &service) -> Figures {
+        awaitIdle(service.id());
+        server.clearRequests();
+        const auto start = request(home, feed);
+        const std::chrono::duration<double> latency = server.requests().first().arrived - start;
+        return {{"latency", latency.count()}};
+    };
+    Runs first;
+    for (int i = 0; i < requestCount; ++i)
+        first.push_back(latencyOf(Service(home)));
+    bench.report.limit("first of a service", first, "latency", latencyAllowed);
+    const Service service(home);
+    request(home, feed);
+    Runs later;
+    for (int i = 0; i < requestCount; ++i)
+        later.push_back(latencyOf(service));
+    bench.report.limit("later ones", later, "latency", latencyAllowed);
+}
+
+// --- what a round costs when nothing has changed ---
+
+void measureRounds(Bench &bench, const QList<RefreshJob> &feeds, FeedServer &server) {
+    bench.report.section("An automatic round over 200 feeds of 30 items, none of which has changed",
+                         "full bodies", "validators");
+    const QString store = makeDevice(bench, u"round"_s, feeds, true);
+    const auto runRound = [&](const QString &home, double unchanged, double stored) {
+        server.clearCounts();
+        Figures figures = bench.measure(u"bench_refresh"_s, {home}, Extent::Region);
+        require(figures["items"] == unchanged && figures["stored"] == stored &&
+                    figures["failed"] == 0,
+                u"a round finds what is new"_s);
+        figures["bytes"] = static_cast<double>(server.bytesSent() + server.bytesReceived());
+        return figures;
+    };
+    runRound(store, 0, roundFeeds * feedItems);
+    std::vector<Side> sides;
+    for (const bool haveValidators : {true, false})
+        sides.emplace_back([&, haveValidators] {
+            serveFeeds(server, roundFeeds, feedItems, haveValidators);
+            return runRound(StoreCopy(store).home, haveValidators ? roundFeeds : 0, 0);
+        });
+    const std::vector<Runs> both = bench.takeTurns(sides);
+    constexpr double microseconds = 1e6;
+    bench.report.compare({}, both[0], both[1],
+                         {{"instructions", "instructions/feed", 1.0 / roundFeeds},
+                          {"cpu", "CPU/feed, us", microseconds / roundFeeds, 0, 1.0 / 3},
+                          {"wall", "wall time/feed, us", microseconds / roundFeeds},
+                          {"bytes", "bytes/feed, both ways", 1.0 / roundFeeds, 0, 1.0 / 20}});
+}
+
+} // namespace
+
+void measureService(Bench &bench) {
+    qputenv("TIDEBROOK_PAUSES", "0"); // for the programs that are run
+    FeedServer server;
+    const QList<RefreshJob> feeds = serveFeeds(server, roundFeeds, feedItems, true);
+    measureMemory(bench, feeds);
+    if (bench.named.contains(u"service"_s))
+        countWakeUps(bench, feeds);
+    measureLatency(bench, feeds.first(), server);
+    measureRounds(bench, feeds, server);
+    qunsetenv("TIDEBROOK_PAUSES");
 }
 
 } // namespace tidebrook

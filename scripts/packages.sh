@@ -9,7 +9,7 @@ buildPackages=(
     libgtest-dev ca-certificates
 )
 # shellcheck disable=SC2034
-benchPackages=(libxml2-dev strace valgrind)
+benchPackages=(libxml2-dev valgrind)
 # shellcheck disable=SC2034
 checkPackages=(clang clang-format clang-tidy)
 

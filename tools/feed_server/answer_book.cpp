@@ -1,11 +1,8 @@
 #include "feed_server/answer_book.h"
 
-#include "feed_server/generated_feed.h"
-
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
-#include <QStringList>
 
 namespace tidebrook {
 
@@ -41,14 +38,12 @@ void AnswerBook::setValidators(bool areSent) {
     haveValidators_ = areSent;
 }
 
-Answer AnswerBook::find(const QString &path) {
+Answer AnswerBook::find(const QString &path) const {
     const std::lock_guard lock(mutex_);
     const auto told = answers_.constFind(path);
     if (told != answers_.constEnd())
         return *told;
     std::optional<Answer> found = file(path);
-    if (!found)
-        found = generated(path);
     if (!found)
         return {.body = "There is nothing here.\n", .contentType = "text/plain", .status = 404};
     if (haveValidators_)
@@ -63,20 +58,6 @@ std::optional<Answer> AnswerBook::file(const QString &path) const {
         !file.open(QIODevice::ReadOnly))
         return std::nullopt;
     return Answer{.body = file.readAll()};
-}
-
-std::optional<Answer> AnswerBook::generated(const QString &path) {
-    const QStringList parts = path.split(u'/');
-    bool isCount = false;
-    bool isSeed = false;
-    const int items = parts.value(2).toInt(&isCount);
-    const quint32 seed = parts.value(3).toUInt(&isSeed);
-    if (parts.size() != 4 || parts[1] != u"generated" || !isCount || !isSeed || items < 0)
-        return std::nullopt;
-    QByteArray &feed = generatedFeeds_[path];
-    if (feed.isEmpty())
-        feed = generatedFeed(items, seed);
-    return Answer{.body = feed};
 }
 
 } // namespace tidebrook

@@ -39,16 +39,14 @@ public:
     void setDirectory(const QString &directory);
     void setValidators(bool areSent);
 
-    Answer find(const QString &path);
+    Answer find(const QString &path) const;
 
 private:
     std::optional<Answer> file(const QString &path) const;
-    std::optional<Answer> generated(const QString &path);
 
     mutable std::mutex mutex_; // guards what follows
     QHash<QString, Answer> answers_;
-    QString directory_;                         // null: none
-    QHash<QString, QByteArray> generatedFeeds_; // by path
+    QString directory_; // null: none
     bool haveValidators_ = false;
 };
 

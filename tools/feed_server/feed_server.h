@@ -16,8 +16,7 @@ namespace tidebrook {
 /// Paths are given percent-decoded and without a query; a query in a request does not change the
 /// answer. What was said last about a path holds, also for requests that come while the server
 /// is running; answers that have begun are ended as they began. Paths that nothing was said about
-/// are looked for in the directory; /generated/ITEMS/SEED is generatedFeed(ITEMS, SEED) then; the
-/// others are answered with 404.
+/// are looked for in the directory; the others are answered with 404.
 ///
 /// Thread-safe.
 class FeedServer {
@@ -63,8 +62,8 @@ public:
     /// Serves the files below `directory`, as they are when they are asked for.
     void serveDirectory(const QString &directory) { book_.setDirectory(directory); }
 
-    /// Whether files and generated feeds are sent with an ETag, which differs whenever their
-    /// content does, and are answered with 304 to whom has it. Not unless told.
+    /// Whether files are sent with an ETag, which differs whenever their content does, and are
+    /// answered with 304 to whom has it. Not unless told.
     void setValidators(bool areSent) { book_.setValidators(areSent); }
 
     /// How long every request, from now on, waits for its answer.

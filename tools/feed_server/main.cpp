@@ -15,11 +15,9 @@ namespace {
 
 void describe(QCommandLineParser &parser) {
     parser.setApplicationDescription(
-        u"Serves feeds on 127.0.0.1 until it is ended or its parent process ends:\n"
-        "the files of a directory at /, and made-up feeds at /generated/ITEMS/SEED."_s);
+        u"Serves the files of a directory on 127.0.0.1 until it is ended or its parent ends."_s);
     parser.addOptions(
         {{u"directory"_s, u"Serve the files below DIR."_s, u"DIR"_s},
-         {u"delay"_s, u"Wait MS milliseconds before every answer."_s, u"MS"_s, u"0"_s},
          {u"validators"_s, u"Send ETags, and answer 304 to clients that have the newest."_s}});
     parser.addHelpOption();
 }
@@ -29,7 +27,6 @@ int serve(const QCommandLineParser &parser) {
     if (parser.isSet(u"directory"_s))
         server.serveDirectory(parser.value(u"directory"_s));
     server.setValidators(parser.isSet(u"validators"_s));
-    server.setDelay(std::chrono::milliseconds(parser.value(u"delay"_s).toInt()));
     std::printf("listening on http://127.0.0.1:%d\n", server.port());
     std::fflush(stdout);
     return pause(); // until a signal ends the process
