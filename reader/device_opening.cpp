@@ -16,7 +16,7 @@ int problemOf(Device &device, DeviceFault fault) {
     switch (fault) {
     case DeviceFault::CategoriesNotListed:
         return fileProblemString;
-    case DeviceFault::StoreClosed:
+    case DeviceFault::StoreFailed:
         SetLastErrorCode(device.registry, device.store.error());
         return device.store.error() == SeedFileMissing ? fileProblemString : databaseProblemString;
     case DeviceFault::RegistryUnreadable:

@@ -4,6 +4,7 @@
 #include "platform/sync/file_lock.h"
 #include "res/default_channels.h"
 #include "res/strings.h"
+#include "store/error_codes.h"
 #include "store/escape_sql.h"
 #include "store/provisioning.h"
 #include "store/seeding.h"
@@ -38,11 +39,13 @@ DeviceFault Device::open(std::optional<std::chrono::milliseconds> lockTimeout) {
     if (!isReadable)
         return DeviceFault::RegistryUnreadable;
     if (!isStoreOpen)
-        return DeviceFault::StoreClosed;
+        return DeviceFault::StoreFailed;
     ownFiles_ = files();
     // While another process is at work, a category may be lost for a moment only.
     areListed = (!channelsLock.isHeld() || listLostCategories()) && areListed;
-    return areListed ? DeviceFault::None : DeviceFault::CategoriesNotListed;
+    if (areListed)
+        return DeviceFault::None;
+    return store.error() != 0 ? DeviceFault::StoreFailed : DeviceFault::CategoriesNotListed;
 }
 
 bool Device::seedIfEmpty(bool isLocked) {
@@ -60,7 +63,9 @@ bool Device::isStillThere() const { return ownFiles_.isEmpty() || files() == own
 bool Device::listLostCategories() {
     QStringList ofChannels;
     auto listed = categoryStore.listedCategories();
-    if (!listed || !store.ListChannelCategories(ofChannels))
+    if (!store.ListChannelCategories(ofChannels))
+        store.recordError(DatabaseFailed);
+    if (!listed || store.error() != 0)
         return false;
     for (QString &name : *listed)
         name = TrimTrailingBlanks(withoutDropped(name)).toString();

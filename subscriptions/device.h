@@ -18,7 +18,7 @@ namespace tidebrook {
 enum class DeviceFault {
     None,
     RegistryUnreadable,
-    StoreClosed,         ///< the store's error field has the code
+    StoreFailed,         ///< the store's error field has the code
     CategoriesNotListed, ///< a category that is seeded, or has channels, could not be listed
 };
 

@@ -2,9 +2,6 @@
 #include "platform/sync/file_lock.h"
 #include "ui/reading_test.h"
 
-#include <QDir>
-#include <QFile>
-
 #include <optional>
 
 namespace tidebrook {
@@ -15,46 +12,6 @@ protected:
     const QString lock = device.root.filePath(u"\\run\\channels.lock");
     std::optional<FileLock> rival;
 };
-
-TEST_F(ApplicationTest, OnBadGroundTheScreensOpenAndTellWhatIsWrong) {
-    const auto damaging = [&](const QString &name) {
-        return [this, name] {
-            EXPECT_TRUE(writeFile(device.root.filePath(name), QByteArray(8192, 'x')));
-        };
-    };
-    const struct {
-        const char *what;
-        std::function<void()> spoil;
-        QString problem = {};
-    } grounds[]{
-        {"a rival that never lets go", [&] { rival.emplace(lock); }},
-        {"a damaged database", damaging(u"RSSVault.sdf"_s), databaseProblem},
-        {"no database and no seed",
-         [&] {
-             QFile::remove(device.root.filePath(u"RSSVault.sdf"));
-             QFile::remove(device.root.filePath(u"\\windows\\RSSChannels.txt"));
-         },
-         fileProblem},
-        {"a damaged registry", damaging(u"registry.db"_s), fileProblem},
-        {"a file in the device's place",
-         [&] {
-             QDir(device.root.path()).removeRecursively();
-             EXPECT_TRUE(writeFile(device.root.path(), "x"));
-         },
-         fileProblem},
-    };
-    device.store.reset();
-    device.registry.reset();
-    for (const auto &ground : grounds) {
-        SCOPED_TRACE(ground.what);
-        ground.spoil();
-        EXPECT_TRUE(runReader(device.root, [&](User &user) {
-            EXPECT_TRUE(ground.problem.isNull() ? user.seesRows(seeded)
-                                                : user.seesBox(ground.problem));
-        }));
-        rival.reset();
-    }
-}
 
 TEST_F(ApplicationTest, WhatIsUnderWayWhenTheWindowClosesIsDoneBeforeTheDatabaseIs) {
     EXPECT_TRUE(runReader(device.root, [&](User &user) {

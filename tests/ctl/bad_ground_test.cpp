@@ -41,37 +41,6 @@ protected:
     }
 };
 
-TEST_F(BadGroundTest, ADamagedFileIsToldByEveryCommandAndNeverTakenForEmptiness) {
-    struct Case {
-        QString file;
-        QString name; // as the check calls it
-        qint64 begin; // of the damage, or how far before the end that is
-        QString words;
-        bool isForCheckAlone = false;
-    };
-    const Case cases[] = {
-        {database, u"database: "_s, 0, u"Encountering Problem when Accessing Database (1001)"_s},
-        {database, u"database: "_s, 4096, {}},
-        {u"registry.db"_s, u"registry: "_s, 0, u"the settings cannot be read"_s},
-        {u"registry.db"_s, u"registry: "_s, 4096, {}},
-        {database, u"database: "_s, -4096, {}, true},
-    };
-    for (const Case &test : cases) {
-        SCOPED_TRACE(qPrintable(test.name + QString::number(test.begin)));
-        const QString path = filePath(test.file);
-        const QByteArray content = contentOf(path);
-        const qint64 begin = test.begin < 0 ? content.size() + test.begin : test.begin;
-        ASSERT_TRUE(writeFile(path, content.first(begin).leftJustified(content.size(), '\xFF')));
-        for (const QString &call : {u"channels"_s, u"articles ch"_s, u"init"_s}) {
-            if (!test.isForCheckAlone)
-                fails(call, test.words);
-        }
-        EXPECT_TRUE(run(u"check"_s).out.startsWith(test.name));
-        ASSERT_TRUE(writeFile(path, content));
-    }
-    expectTheArticles();
-}
-
 TEST_F(BadGroundTest, AMissingLibraryForHttpIsToldAsWhatItIs) {
     const QTemporaryDir libraries;
     ASSERT_TRUE(writeFile(libraries.filePath(u"libcurl.so.4"_s), {}));
