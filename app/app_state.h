@@ -1,10 +1,9 @@
 #pragma once
 
-#include "app/blocking_tasks.h"
 #include "app/fill_jobs.h"
 #include "app/update_jobs.h"
-#include "app/work_queue.h"
 #include "platform/sync/named_mutex.h"
+#include "platform/sync/tasks.h"
 #include "subscriptions/device.h"
 #include "update/today_tap.h"
 
@@ -39,11 +38,11 @@ struct AppState {
     ScreenStack &stack;
 
     /// Changes of the categories, channels and articles, and what must see them done.
-    WorkQueue changes;
+    Tasks changes{Tasks::Serial};
     /// Reading and writing settings, which need not wait for that.
-    WorkQueue settings;
+    Tasks settings{Tasks::Serial};
     /// What waits for servers, and for files that the user has named.
-    BlockingTasks blockingTasks;
+    Tasks blockingTasks{Tasks::Concurrent};
     FillJobs fills;
     /// What the screens have asked the downloader for. One that fails is told to the user.
     UpdateJobs updates;

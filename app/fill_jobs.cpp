@@ -2,7 +2,6 @@
 
 #include <QTimer>
 
-#include <system_error>
 #include <utility>
 
 namespace tidebrook {
@@ -17,7 +16,10 @@ constexpr auto retryPause = 100ms;
 
 } // namespace
 
-FillJobs::FillJobs(NamedMutex &dbMutex) : dbMutex_(dbMutex) {}
+FillJobs::FillJobs(NamedMutex &dbMutex) : dbMutex_(dbMutex) {
+    connect(&tasks_, &Tasks::begun, this, &FillJobs::begun);
+    connect(&tasks_, &Tasks::done, this, &FillJobs::done);
+}
 
 FillJobs::~FillJobs() { finish(); }
 
@@ -32,17 +34,15 @@ bool FillJobs::launch(QObject *receiver, Fill fill) {
     // Without any mutex fills run all the same.
     if (dbMutex_.isOpen() && !count(-1, jobPatience))
         return false;
-    auto job = std::make_shared<Job>(Job{std::move(fill), receiver, false, {}});
-    try {
-        job->thread = std::thread(&FillJobs::run, this, job);
-    } catch (const std::system_error &) {
+    const auto job = std::make_shared<Job>(Job{std::move(fill), receiver});
+    if (!tasks_.ask(
+            this, [this, job] { run(*job); }, [this, job] { end(job); })) {
         count(1, jobPatience);
         return false;
     }
     jobs_.push_back(job);
     if (refusedReceiver_ == receiver)
         refused_ = nullptr; // this is what it was owed
-    Q_EMIT begun();
     return true;
 }
 
@@ -68,19 +68,15 @@ bool FillJobs::count(int change, std::chrono::milliseconds timeout) {
     return true;
 }
 
-void FillJobs::run(const std::shared_ptr<Job> &job) {
+void FillJobs::run(Job &job) {
     FillStop stop(fillStop_, isFinished_);
-    job->fill.collect(stop);
+    job.fill.collect(stop);
     if (stop.isCounted())
         count(-1, jobPatience);
-    mailbox_.post([this, job] { end(job); });
 }
 
 void FillJobs::end(const std::shared_ptr<Job> &job) {
-    if (std::erase(jobs_, job) == 0)
-        return; // `finish` has waited for it
-    job->thread.join();
-    Q_EMIT done();
+    std::erase(jobs_, job);
     if (!job->isOutdated && !job->receiver.isNull())
         job->fill.show();
     offerAgain();
@@ -102,10 +98,7 @@ void FillJobs::offerAgain() {
 
 void FillJobs::finish() {
     isFinished_ = true;
-    for (const std::shared_ptr<Job> &job : std::exchange(jobs_, {})) {
-        job->thread.join();
-        Q_EMIT done();
-    }
+    tasks_.finish();
 }
 
 } // namespace tidebrook

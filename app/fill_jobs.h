@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/sync/mailbox.h"
 #include "platform/sync/named_mutex.h"
+#include "platform/sync/tasks.h"
 
 #include <QObject>
 #include <QPointer>
@@ -10,7 +10,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <thread>
 #include <vector>
 
 namespace tidebrook {
@@ -86,23 +85,22 @@ private:
         Fill fill;
         QPointer<QObject> receiver; // looked at on the user-interface thread alone
         bool isOutdated = false;
-        std::thread thread;
     };
 
     void refuse(QObject *receiver, Fill fill);
     void outdate(const QObject *receiver);
-    void run(const std::shared_ptr<Job> &job);
+    void run(Job &job);
     void end(const std::shared_ptr<Job> &job);
     bool count(int change, std::chrono::milliseconds timeout);
     void offerAgain();
 
     NamedMutex &dbMutex_;
-    Mailbox mailbox_; // of the user-interface thread
     std::atomic<int> fillStop_ = 0;
     std::vector<std::shared_ptr<Job>> jobs_;
     std::atomic<bool> isFinished_ = false;
     std::function<void()> refused_; // is owed its `again`
     QPointer<QObject> refusedReceiver_;
+    Tasks tasks_{Tasks::Concurrent};
 };
 
 } // namespace tidebrook

@@ -3,9 +3,6 @@
 #include <QCoreApplication>
 #include <QEvent>
 
-#include <system_error>
-#include <utility>
-
 namespace tidebrook {
 
 namespace {
@@ -38,71 +35,50 @@ bool UpdateJobs::startUpdateCategory(const QString &category) {
 }
 
 bool UpdateJobs::start(const Work &work) {
-    if (isUpdating_ || isFinished_)
+    const auto doWork = [this, work, timeout = answerTimeout_] { return run(work, timeout); };
+    const auto end = [this](bool isDone) {
+        noteEnd();
+        if (!isDone)
+            Q_EMIT failed();
+    };
+    if (isUpdating_ || !tasks_.ask(this, doWork, end))
         return false;
-    try {
-        thread_ = std::thread(&UpdateJobs::run, this, work, answerTimeout_);
-    } catch (const std::system_error &) {
-        return false;
-    }
     isUpdating_ = true;
     QCoreApplication::instance()->installEventFilter(this);
     Q_EMIT begun();
     return true;
 }
 
-void UpdateJobs::run(const Work &work, std::chrono::milliseconds answerTimeout) {
-    const UpdateObserver observer{
-        .stepped =
-            [this](int index, int count) {
-                tell([this, index, count] { Q_EMIT stepped(index, count); });
-            },
-        .updated =
-            [this](const QString &category, const QString &channel) {
-                tell([this, category, channel] { Q_EMIT channelUpdated(category, channel); });
-            },
-        .counted =
-            [this](const QString &category, const QString &channel, ReadFlagCounts counts) {
-                tell([this, category, channel, counts] {
-                    Q_EMIT channelCounted(category, channel, counts.unread, counts.total);
-                });
-            }};
+bool UpdateJobs::run(const Work &work, std::chrono::milliseconds answerTimeout) {
+    const auto later = [this](auto signal) {
+        return [this, signal](auto... values) {
+            tasks_.post([this, signal, values...] { Q_EMIT(this->*signal)(values...); });
+        };
+    };
     UpdateRun updateRun({device_.root, device_.registry, device_.store, interrupt_, answerTimeout},
-                        observer);
-    const bool hasFailed = !work(updateRun);
-    tell([this, hasFailed] {
-        end();
-        if (hasFailed)
-            Q_EMIT failed();
-    });
+                        {.stepped = later(&UpdateJobs::stepped),
+                         .updated = later(&UpdateJobs::channelUpdated),
+                         .counted = later(&UpdateJobs::channelCounted)});
+    return work(updateRun);
 }
 
-// Of a run that was waited for by `finish` nothing is told any more.
-void UpdateJobs::tell(std::function<void()> call) {
-    mailbox_.post([this, call = std::move(call)] {
-        if (!isFinished_)
-            call();
-    });
-}
-
-void UpdateJobs::end() {
-    thread_.join();
+void UpdateJobs::noteEnd() {
     QCoreApplication::instance()->removeEventFilter(this);
     isUpdating_ = false;
     Q_EMIT done();
 }
 
 void UpdateJobs::finish() {
-    isFinished_ = true;
     interrupt_.stop();
+    tasks_.finish();
     if (isUpdating_)
-        end();
+        noteEnd();
 }
 
 bool UpdateJobs::eventFilter(QObject *watched, QEvent *event) {
     // A window gets the same press before its widgets do.
     if (watched->isWidgetType() && isInput(event->type()))
-        interrupt_.noteInput();
+        interrupt_.wake();
     return false;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/sync/mailbox.h"
+#include "platform/sync/interrupt.h"
+#include "platform/sync/tasks.h"
 #include "subscriptions/device.h"
-#include "update/run_interrupt.h"
 #include "update/update_run.h"
 
 #include <QObject>
@@ -10,7 +10,6 @@
 
 #include <chrono>
 #include <functional>
-#include <thread>
 
 namespace tidebrook {
 
@@ -62,17 +61,14 @@ private:
     using Work = std::function<bool(UpdateRun &)>;
 
     bool start(const Work &work);
-    void run(const Work &work, std::chrono::milliseconds answerTimeout);
-    void tell(std::function<void()> call);
-    void end();
+    bool run(const Work &work, std::chrono::milliseconds answerTimeout);
+    void noteEnd();
 
     Device &device_;
-    Mailbox mailbox_; // of the user-interface thread
-    RunInterrupt interrupt_;
+    Interrupt interrupt_;
     std::chrono::milliseconds answerTimeout_ = usualAnswerTimeout;
-    std::thread thread_;
     bool isUpdating_ = false;
-    bool isFinished_ = false;
+    Tasks tasks_{Tasks::Serial};
 };
 
 } // namespace tidebrook

@@ -8,15 +8,10 @@
 #include "res/strings.h"
 #include "ui/category_list_screen.h"
 
-#include <QEventLoop>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSocketNotifier>
 #include <QTimer>
-
-#include <atomic>
-#include <csignal>
-#include <system_error>
 
 namespace tidebrook {
 
@@ -27,21 +22,6 @@ constexpr int iconSize = 128;
 constexpr int windowIconDelay = 300; // ms
 constexpr int unseenDelay = 40;      // ms until the window is shown without a screen in it
 
-std::atomic<StopSignal *> signalled = nullptr;
-
-void raiseStop(int) {
-    if (StopSignal *stop = signalled)
-        stop->raise();
-}
-
-void watchSignals(StopSignal &stop) {
-    signalled = &stop;
-    struct sigaction action {};
-    action.sa_handler = raiseStop;
-    for (const int number : {SIGTERM, SIGINT, SIGHUP})
-        sigaction(number, &action, nullptr);
-}
-
 } // namespace
 
 Application::Application(DeviceOpening &opening, SingleInstance &single)
@@ -50,20 +30,17 @@ Application::Application(DeviceOpening &opening, SingleInstance &single)
     watchOthers();
 }
 
-Application::~Application() { signalled = nullptr; }
-
 void Application::watchOthers() {
     if (single_.requestDescriptor() >= 0) {
         auto *requests =
             new QSocketNotifier(single_.requestDescriptor(), QSocketNotifier::Read, this);
         connect(requests, &QSocketNotifier::activated, this, [this, requests] {
-            if (stack_.isClosing() || stop_.isRaised())
+            if (stack_.isClosing() || stop_.isStopped())
                 requests->setEnabled(false); // the process that asks is to run itself
             else
                 comeForward();
         });
     }
-    watchSignals(stop_);
     if (stop_.descriptor() >= 0) {
         auto *stops = new QSocketNotifier(stop_.descriptor(), QSocketNotifier::Read, this);
         connect(stops, &QSocketNotifier::activated, this, [this, stops] {
@@ -99,32 +76,20 @@ bool Application::InitInstance() {
 // Usually that is done by now, and the window appears with its first screen in it. Where it takes
 // longer, the window is there and alive meanwhile.
 int Application::awaitDevice() {
-    WorkQueue waiting;
-    QEventLoop loop;
-    DeviceOpening::Opened opened;
+    QTimer unseen;
+    unseen.setSingleShot(true);
+    unseen.callOnTimeout(this, &Application::showWindow);
+    unseen.start(unseenDelay);
     stack_.progressLine().begin();
-    QTimer::singleShot(unseenDelay, &loop, [this] { showWindow(); });
-    const bool isWaiting = waiting.ask(
-        &loop, [this] { return opening_.take(); },
-        [&](DeviceOpening::Opened result) {
-            opened = std::move(result);
-            loop.quit();
-        });
-    if (isWaiting)
-        loop.exec();
-    else
-        opened = opening_.take();
+    DeviceOpening::Opened opened = opening_.take();
     stack_.progressLine().finish();
     device_ = std::move(opened.device);
     return opened.messageId;
 }
 
 void Application::activateDownloader() {
-    try {
-        activation_ = std::thread([root = opening_.root] { activateService(root); });
-    } catch (const std::system_error &) {
-        return; // an update then fails by its time-out
-    }
+    // Where it fails, an update fails by its time-out.
+    activation_.start([root = opening_.root] { activateService(root); });
 }
 
 void Application::showWindow() {
@@ -154,8 +119,7 @@ void Application::runScreens(int messageId) {
 void Application::closeDown() {
     stack_.close();
     state_->finish();
-    if (activation_.joinable())
-        activation_.join();
+    activation_.join();
     device_->close();
     state_.reset();
     device_.reset();

@@ -3,14 +3,14 @@
 #include "app/app_state.h"
 #include "kit/screen_stack.h"
 #include "platform/desktop/single_instance.h"
-#include "platform/sync/stop_signal.h"
+#include "platform/sync/interrupt.h"
+#include "platform/sync/tasks.h"
 #include "reader/device_opening.h"
 
 #include <QObject>
 
 #include <memory>
 #include <optional>
-#include <thread>
 
 namespace tidebrook {
 
@@ -22,7 +22,6 @@ class Application : public QObject {
 public:
     /// Both outlive it.
     Application(DeviceOpening &opening, SingleInstance &single);
-    ~Application() override;
 
     /// Brings everything up, shows the screens until the user leaves them, and takes everything
     /// down. False when the window was closed before a screen was seen.
@@ -40,10 +39,11 @@ private:
     DeviceOpening &opening_;
     SingleInstance &single_;
     ScreenStack stack_;
-    StopSignal stop_;                // the system asks the program to end
+    Interrupt stop_; // by the system, which asks the program to end
+    const TerminationSignals signals_{stop_};
     std::unique_ptr<Device> device_; // ends after all who use it
     std::optional<AppState> state_;
-    std::thread activation_;
+    Threads activation_;
 };
 
 } // namespace tidebrook

@@ -4,7 +4,7 @@
 #include "res/strings.h"
 #include "store/error_codes.h"
 
-#include <system_error>
+#include <QEventLoop>
 
 namespace tidebrook {
 
@@ -32,17 +32,22 @@ DeviceOpening::Opened openDevice(const DeviceRoot &root) {
     return {std::move(device), messageId};
 }
 
-std::future<DeviceOpening::Opened> begin(const DeviceRoot &root) {
-    try {
-        return std::async(std::launch::async, openDevice, root);
-    } catch (const std::system_error &) { // there is no thread
-        return std::async(std::launch::deferred, openDevice, root);
-    }
-}
-
 } // namespace
 
-DeviceOpening::DeviceOpening(const DeviceRoot &deviceRoot)
-    : root(deviceRoot), opened_(begin(deviceRoot)) {}
+DeviceOpening::DeviceOpening(const DeviceRoot &deviceRoot) : root(deviceRoot) {
+    const bool isBegun = tasks_.ask(
+        &tasks_, [deviceRoot] { return openDevice(deviceRoot); },
+        [this](Opened opened) { opened_ = std::move(opened); });
+    if (!isBegun) // there is no thread
+        opened_ = openDevice(root);
+}
+
+DeviceOpening::Opened DeviceOpening::take() {
+    QEventLoop loop;
+    QObject::connect(&tasks_, &Tasks::done, &loop, &QEventLoop::quit);
+    if (opened_.device == nullptr)
+        loop.exec();
+    return std::move(opened_);
+}
 
 } // namespace tidebrook

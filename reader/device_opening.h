@@ -1,14 +1,14 @@
 #pragma once
 
 #include "platform/base/device_root.h"
+#include "platform/sync/tasks.h"
 #include "subscriptions/device.h"
 
-#include <future>
 #include <memory>
 
 namespace tidebrook {
 
-/// Opens a device on a thread of its own, from its making on.
+/// Opens a device on a thread of its own, from its making on. Used by the user-interface thread.
 class DeviceOpening {
 public:
     explicit DeviceOpening(const DeviceRoot &deviceRoot);
@@ -18,13 +18,14 @@ public:
         int messageId = 0; ///< the string of what is to be told to the user, or 0
     };
 
-    /// Waits until it is done, and hands over what was opened. Once, on any thread.
-    Opened take() { return opened_.get(); }
+    /// Runs an event loop until the device is open, and hands over what was opened, once.
+    Opened take();
 
     const DeviceRoot root;
 
 private:
-    std::future<Opened> opened_; // whose end waits for the thread
+    Opened opened_;
+    Tasks tasks_{Tasks::Serial};
 };
 
 } // namespace tidebrook

@@ -6,7 +6,6 @@
 #include "platform/sync/wait_any.h"
 
 #include <algorithm>
-#include <system_error>
 
 namespace tidebrook {
 
@@ -36,17 +35,13 @@ std::chrono::milliseconds timeToRecover(int futileRounds) {
 
 } // namespace
 
-Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log)
+Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log,
+                       Interrupt &interrupt)
     : device_(device), todayItemKey_(todayItemKey), log_(log), registry_(device),
-      request_(device, requestEvent, NamedEvent::Reset::Manual), schedule_(registry_),
-      server_(device, registry_, todayItemKey, log, stop_) {}
+      request_(device, requestEvent, NamedEvent::Reset::Manual), interrupt_(interrupt),
+      schedule_(registry_), server_(device, registry_, todayItemKey, log, interrupt.stopSignal()) {}
 
-Downloader::~Downloader() { stop_.raise(); }
-
-void Downloader::stop() {
-    stop_.raise();
-    wake_.raise();
-}
+Downloader::~Downloader() { interrupt_.stop(); }
 
 // The files that stay open here, or are locked.
 FileIdentities Downloader::files() const {
@@ -57,9 +52,9 @@ FileIdentities Downloader::files() const {
 bool Downloader::run() {
     const FileIdentities ownFiles = files();
     giveBackMemory(); // what starting has needed
-    while (!stop_.isRaised()) {
+    while (!interrupt_.isStopped()) {
         lookAfterRound();
-        const WaitResult result = WaitAny({&request_}, wake_.descriptor(), timeToSleep());
+        const WaitResult result = WaitAny({&request_}, interrupt_.descriptor(), timeToSleep());
         // What was put in their place, as from a backup, is another device.
         if (result.kind == WaitResult::Kind::Failed || ownFiles.isEmpty() || files() != ownFiles) {
             log_.error(
@@ -71,7 +66,7 @@ bool Downloader::run() {
             request_.reset();
             server_.serveLatest();
         } else if (result.kind == WaitResult::Kind::Input) {
-            wake_.clear();
+            interrupt_.clear();
         }
     }
     // One that has come too late to be served is answered all the same.
@@ -119,11 +114,8 @@ void Downloader::noteEndOfRound() {
 
 void Downloader::startRound(const AutoRound &round) {
     roundStart_ = round.start;
-    try {
-        round_ = std::jthread([this, round] { runRound(round); });
-    } catch (const std::system_error &error) {
-        log_.error(QStringLiteral("no thread for the automatic update: %1")
-                       .arg(QString::fromLocal8Bit(error.what())));
+    if (!round_.start([this, round] { runRound(round); })) {
+        log_.error(QStringLiteral("no thread for the automatic update"));
         roundStart_ = {};
     }
 }
@@ -133,7 +125,7 @@ void Downloader::runRound(const AutoRound &round) {
     AutoRoundResult result;
     if (store.Open()) {
         HttpLimits limits;
-        limits.stop = &stop_;
+        limits.stop = &interrupt_.stopSignal();
         result = runAutoRound({device_, registry_, store, limits}, round,
                               [this](const RefreshJob &job, const RefreshResult &ended) {
                                   log_.result(job.channelName, ended.error, ended.storedCount);
@@ -143,13 +135,13 @@ void Downloader::runRound(const AutoRound &round) {
         log_.error(QStringLiteral("the database cannot be opened (%1)").arg(store.error()));
     }
     // A round that was stopped goes on at the next start.
-    if (stop_.isRaised())
+    if (interrupt_.isStopped())
         return;
     if (!result.isOver)
         log_.warning(QStringLiteral("the automatic update will be tried again"));
     isRoundDone_ = result.isOver;
     isRoundOver_ = true;
-    wake_.raise();
+    interrupt_.wake();
 }
 
 } // namespace tidebrook

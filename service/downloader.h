@@ -3,24 +3,19 @@
 #include "platform/base/device_root.h"
 #include "platform/base/file_identity.h"
 #include "platform/sql/registry.h"
+#include "platform/sync/interrupt.h"
 #include "platform/sync/named_event.h"
-#include "platform/sync/stop_signal.h"
-#include "platform/sync/wake_signal.h"
+#include "platform/sync/tasks.h"
 #include "service/request_server.h"
 #include "service/service_log.h"
 #include "update/auto_round.h"
 #include "update/auto_schedule.h"
 
 #include <QDateTime>
-#include <QList>
 #include <QString>
-
-#include <sys/types.h>
 
 #include <atomic>
 #include <chrono>
-#include <thread>
-#include <utility>
 
 namespace tidebrook {
 
@@ -28,8 +23,10 @@ namespace tidebrook {
 /// While there is nothing to do it sleeps, and looks once a minute whether there is.
 class Downloader {
 public:
-    Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log);
-    /// Ends what is under way.
+    /// The log and the interrupt outlive it.
+    Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log,
+               Interrupt &interrupt);
+    /// Stops what is under way.
     ~Downloader();
     Downloader(const Downloader &) = delete;
     Downloader &operator=(const Downloader &) = delete;
@@ -37,11 +34,9 @@ public:
     /// False when requests cannot be heard, or settings cannot be read.
     bool isReady() { return request_.isOpen() && registry_.isOpen(); }
 
-    /// Works until it is stopped (true) or the device is gone.
+    /// Works until the interrupt is stopped (true), which also ends what is under way, or the
+    /// device is gone.
     bool run();
-
-    /// Ends `run`, also what it has under way. From any thread, and from a signal handler.
-    void stop();
 
 private:
     FileIdentities files() const;
@@ -56,8 +51,7 @@ private:
     ServiceLog &log_;
     Registry registry_;
     NamedEvent request_;
-    StopSignal stop_;
-    WakeSignal wake_;
+    Interrupt &interrupt_; // woken by the end of a round
     AutoSchedule schedule_;
 
     int futileRounds_ = 0;                   // in a row, which have to be run again
@@ -67,7 +61,7 @@ private:
     bool isRoundDone_ = false; // every channel had its turn; written before isRoundOver_
     std::atomic<bool> isRoundOver_ = false;
     RequestServer server_;
-    std::jthread round_; // the first to end
+    Threads round_; // the first to end
 };
 
 } // namespace tidebrook

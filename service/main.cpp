@@ -12,7 +12,6 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <optional>
@@ -46,24 +45,6 @@ struct Options {
     bool isVerbose = false;
 };
 
-std::atomic<Downloader *> runningDownloader = nullptr;
-
-void stopDownloader(int) {
-    if (Downloader *downloader = runningDownloader)
-        downloader->stop();
-}
-
-void handleSignals(Downloader &downloader) {
-    runningDownloader = &downloader;
-    struct sigaction action {};
-    action.sa_handler = stopDownloader;
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
-        sigaction(signal, &action, nullptr);
-    // A server that hangs up is told by the write that fails.
-    action.sa_handler = SIG_IGN;
-    sigaction(SIGPIPE, &action, nullptr);
-}
-
 int fail(const QString &message) {
     std::fprintf(stderr, "feedlarkd: %s\n", qUtf8Printable(message));
     return ExitFailed;
@@ -74,10 +55,14 @@ int runService(const Options &options) {
     if (!options.isForeground && !detachment.begin())
         return fail(QStringLiteral("there is no process to go into the background"));
     ServiceLog log(options.isVerbose, !options.isForeground);
+    std::signal(SIGPIPE, SIG_IGN);   // a server that hangs up is told by the write that fails
     mallopt(M_ARENA_MAX, 2);         // threads come and go here, and none is in a hurry for memory
     std::optional<ProcessLock> lock; // let go last, when nothing is under way any more
+    Interrupt interrupt;
+    std::optional<TerminationSignals> termination;
     // It hears requests before it is known to run, so that none is told of too early.
-    Downloader downloader(options.root, todayItemKey(resourceString(todayItemNameString)), log);
+    Downloader downloader(options.root, todayItemKey(resourceString(todayItemNameString)), log,
+                          interrupt);
     if (!downloader.isReady())
         return fail(QStringLiteral("%1: the device cannot be used").arg(options.root.path()));
     lock.emplace(serviceLockPath(options.root));
@@ -85,14 +70,13 @@ int runService(const Options &options) {
     if (!isFirst && !runningService(options.root))
         return fail(QStringLiteral("%1: cannot be locked").arg(serviceLockPath(options.root)));
     if (isFirst)
-        handleSignals(downloader);
+        termination.emplace(interrupt);
     if (!options.isForeground)
         detachment.ready(isFirst ? options.root.filePath(u"\\run\\feedlarkd.log") : QString());
     if (!isFirst)
         return ExitEnded;
     log.info(QStringLiteral("feedlarkd " TIDEBROOK_VERSION " serves %1").arg(options.root.path()));
     const bool isStopped = downloader.run();
-    runningDownloader = nullptr;
     log.info(QStringLiteral("feedlarkd is ending"));
     return isStopped ? ExitEnded : ExitFailed;
 }

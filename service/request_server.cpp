@@ -7,13 +7,12 @@
 #include "update/update_history.h"
 
 #include <algorithm>
-#include <system_error>
 
 namespace tidebrook {
 
 namespace {
 
-constexpr std::size_t threadLimit = 32;
+constexpr int threadLimit = 32;
 
 } // namespace
 
@@ -21,34 +20,19 @@ RequestServer::RequestServer(const DeviceRoot &device, Registry &registry,
                              const QString &todayItemKey, ServiceLog &log, const StopSignal &stop)
     : device_(device), registry_(registry), todayItemKey_(todayItemKey), log_(log), stop_(stop) {}
 
-RequestServer::~RequestServer() {
-    std::vector<std::jthread> threads;
-    {
-        const std::lock_guard lock(mutex_);
-        threads = std::move(threads_);
-    }
-    threads.clear(); // joined
-}
-
 void RequestServer::serveLatest() {
     RequestFile request(device_);
     const std::lock_guard lock(mutex_);
-    // It may have been read already on the heels of an earlier one, before it was told of.
-    if (std::find(underWay_.begin(), underWay_.end(), request) != underWay_.end() ||
-        std::find(waiting_.begin(), waiting_.end(), request) != waiting_.end())
+    // It may have been read already, when an earlier one was.
+    if (std::ranges::count(underWay_, request) + std::ranges::count(waiting_, request) > 0)
         return;
     waiting_.push_back(std::move(request));
-    std::erase_if(threads_, [this](const std::jthread &thread) {
-        return std::erase(ended_, thread.get_id()) > 0;
-    });
-    if (threads_.size() >= threadLimit)
+    if (workerCount_ == threadLimit)
         return;
-    try {
-        threads_.emplace_back([this] { work(); });
-    } catch (const std::system_error &error) {
-        log_.error(QStringLiteral("no thread to serve a request: %1")
-                       .arg(QString::fromLocal8Bit(error.what())));
-    }
+    if (threads_.start([this] { work(); }))
+        ++workerCount_;
+    else
+        log_.error(QStringLiteral("no thread to serve a request"));
 }
 
 void RequestServer::work() {
@@ -68,7 +52,7 @@ void RequestServer::work() {
 std::optional<RequestFile> RequestServer::takeNewest() {
     const std::lock_guard lock(mutex_);
     if (waiting_.empty()) {
-        ended_.push_back(std::this_thread::get_id());
+        --workerCount_;
         if (underWay_.empty())
             giveBackMemory();
         return std::nullopt;

@@ -2,7 +2,7 @@
 
 #include "platform/base/device_root.h"
 #include "platform/sql/registry.h"
-#include "platform/sync/stop_signal.h"
+#include "platform/sync/tasks.h"
 #include "service/service_log.h"
 #include "update/refresh.h"
 #include "update/request_file.h"
@@ -11,7 +11,6 @@
 
 #include <mutex>
 #include <optional>
-#include <thread>
 #include <vector>
 
 namespace tidebrook {
@@ -22,20 +21,15 @@ namespace tidebrook {
 /// up. Every request that was read is served all the same. One thread calls it.
 class RequestServer {
 public:
-    /// The parts outlive it. When `stop` is raised, what is under way ends at once.
+    /// The parts outlive it. When `stop` is raised, what is under way ends at once. Its own end
+    /// waits for its threads, which answer what is still to be answered; raise `stop` first.
     RequestServer(const DeviceRoot &device, Registry &registry, const QString &todayItemKey,
                   ServiceLog &log, const StopSignal &stop);
-    /// Waits for its threads, which answer what is still to be answered; raise `stop` first.
-    ~RequestServer();
-    RequestServer(const RequestServer &) = delete;
-    RequestServer &operator=(const RequestServer &) = delete;
 
     /// Serves what the request file holds now. What is no request is answered with a failure.
     void serveLatest();
 
 private:
-    using Queue = std::vector<RequestFile>;
-
     void work();
     std::optional<RequestFile> takeNewest();
     RefreshResult serve(const RequestFile &request);
@@ -48,11 +42,12 @@ private:
     ServiceLog &log_;
     const StopSignal &stop_;
 
-    std::mutex mutex_; // guards what follows
-    Queue waiting_;    // the newest last
-    Queue underWay_;
-    std::vector<std::jthread> threads_;
-    std::vector<std::thread::id> ended_;
+    std::mutex mutex_;                 // guards these
+    std::vector<RequestFile> waiting_; // the newest last
+    std::vector<RequestFile> underWay_;
+    int workerCount_ = 0;
+
+    Threads threads_; // the first to end
 };
 
 } // namespace tidebrook

@@ -1,53 +1,12 @@
 #include "update/refresh.h"
 
+#include "platform/sync/tasks.h"
+
 #include <atomic>
-#include <condition_variable>
 #include <mutex>
-#include <queue>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 namespace tidebrook {
-
-namespace {
-
-// The workers take the next job from a common counter and put its index here when it is done.
-class DoneQueue {
-public:
-    void put(qsizetype index) {
-        const std::lock_guard lock(mutex_);
-        indices_.push(index);
-        isFilled_.notify_one();
-    }
-
-    qsizetype take() {
-        std::unique_lock lock(mutex_);
-        isFilled_.wait(lock, [this] { return !indices_.empty(); });
-        const qsizetype index = indices_.front();
-        indices_.pop();
-        return index;
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable isFilled_;
-    std::queue<qsizetype> indices_;
-};
-
-// As many threads as there are to be had.
-std::vector<std::jthread> startWorkers(qsizetype count, const std::function<void()> &work) {
-    std::vector<std::jthread> workers;
-    try {
-        while (static_cast<qsizetype>(workers.size()) < count)
-            workers.emplace_back(work);
-    } catch (const std::system_error &) {
-        // The system has no more; those that have begun do the work.
-    }
-    return workers;
-}
-
-} // namespace
 
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job) {
     FeedFetcher fetcher(target.device, target.registry, target.limits, target.options);
@@ -83,21 +42,20 @@ refreshChannels(const RefreshTarget &target, const QList<RefreshJob> &jobs, int 
                 const std::function<void(qsizetype, const RefreshResult &)> &observer) {
     std::vector<RefreshResult> results(static_cast<std::size_t>(jobs.size()));
     std::atomic<qsizetype> nextJob = 0;
-    DoneQueue done;
+    std::mutex observerMutex;
     const auto work = [&] {
         for (qsizetype index = nextJob++; index < jobs.size(); index = nextJob++) {
-            results[static_cast<std::size_t>(index)] = refreshChannel(target, jobs[index]);
-            done.put(index);
+            RefreshResult &result = results[static_cast<std::size_t>(index)];
+            result = refreshChannel(target, jobs[index]);
+            const std::lock_guard lock(observerMutex);
+            observer(index, result);
         }
     };
-    std::vector<std::jthread> workers = startWorkers(qMin(qsizetype{parallel}, jobs.size()), work);
-    if (workers.empty())
-        work();
-    for (qsizetype i = 0; i < jobs.size(); ++i) {
-        const qsizetype index = done.take();
-        observer(index, results[static_cast<std::size_t>(index)]);
-    }
-    workers.clear(); // joined
+    Threads helpers;
+    for (qsizetype i = 1; i < qMin(qsizetype{parallel}, jobs.size()) && helpers.start(work);)
+        ++i;
+    work();
+    helpers.join();
     return {results.begin(), results.end()};
 }
 

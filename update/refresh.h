@@ -27,9 +27,9 @@ RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job)
 RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, FeedFetcher &fetcher,
                            bool isFetched);
 
-/// Refreshes channels, up to `parallel` (1 or more) at a time on threads of its own, which have
-/// ended when it returns. `observer` is told of each channel as it ends (its index, and its
-/// result), on the calling thread.
+/// Refreshes channels, up to `parallel` (1 or more) at a time, on the calling thread and on others
+/// that have ended when it returns. `observer` gets each channel's index and result as it ends, on
+/// any of the threads, one call at a time.
 QList<RefreshResult>
 refreshChannels(const RefreshTarget &target, const QList<RefreshJob> &jobs, int parallel,
                 const std::function<void(qsizetype, const RefreshResult &)> &observer);

@@ -80,7 +80,7 @@ bool UpdateRun::updateListed(const QString &category, const QString &channel) {
         ReadFlagCounts counts;
         parts_.store.PublishTotalUnread();
         if (parts_.store.CountReadFlags(category, channel, counts))
-            observer_.counted(category, channel, counts);
+            observer_.counted(category, channel, counts.unread, counts.total);
     }
     return true;
 }
@@ -91,7 +91,7 @@ DownloadAnswer UpdateRun::request(const RefreshJob &job) {
     // One that cannot be started is told by the time-out.
     activateService(parts_.device);
     requestDownload(parts_.device, job, answers_);
-    parts_.interrupt.forgetInput();
+    parts_.interrupt.clear();
     const DownloadAnswer answer =
         answers_.wait(parts_.answerTimeout, parts_.interrupt.descriptor());
     if (answer == DownloadAnswer::TimedOut)

@@ -2,9 +2,9 @@
 
 #include "platform/base/device_root.h"
 #include "platform/sql/registry.h"
+#include "platform/sync/interrupt.h"
 #include "store/feed_store.h"
 #include "update/download_request.h"
-#include "update/run_interrupt.h"
 
 #include <QString>
 
@@ -18,7 +18,7 @@ struct UpdateParts {
     const DeviceRoot &device;
     Registry &registry;
     FeedStore &store;
-    RunInterrupt &interrupt;
+    Interrupt &interrupt;                                         ///< woken by the user's input
     std::chrono::milliseconds answerTimeout = usualAnswerTimeout; ///< for each request
 };
 
@@ -30,7 +30,7 @@ struct UpdateObserver {
     /// The one channel that was asked for is updated, or the user did not want to wait for that.
     std::function<void(const QString &category, const QString &channel)> updated;
     /// Of a category: a channel is updated, and has so many articles.
-    std::function<void(const QString &category, const QString &channel, ReadFlagCounts counts)>
+    std::function<void(const QString &category, const QString &channel, int unread, int total)>
         counted;
 };
 

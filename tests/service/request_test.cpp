@@ -71,7 +71,7 @@ TEST_F(RequestTest, ThoseOfACategoryGoInTheListsOrderAndAreNotRushed) {
     Registry registry(root_);
     FeedStore store(root_, registry, testTodayKey.toString());
     ASSERT_TRUE(store.Open());
-    RunInterrupt interrupt;
+    Interrupt interrupt;
     const UpdateParts parts{root_, registry, store, interrupt};
     EXPECT_EQ(parts.answerTimeout, 60s) << "what slow servers need";
     UpdateRun updates(parts,

@@ -69,7 +69,7 @@ protected:
         EXPECT_TRUE(session->run(begin));
     }
     /// Has a queue of the session do nothing more until the gate is opened.
-    void closeGate(User &user, WorkQueue AppState::*queue) {
+    void closeGate(User &user, Tasks AppState::*queue) {
         user.look([&] { (session->state().*queue).tell([this] { gate.acquire(); }); });
     }
     /// From the categories to the first channel's articles (2) or the first article (3).

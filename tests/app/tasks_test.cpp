@@ -1,5 +1,4 @@
-#include "app/blocking_tasks.h"
-#include "app/work_queue.h"
+#include "platform/sync/tasks.h"
 #include "support/no_threads.h"
 
 #include <QTest>
@@ -16,8 +15,8 @@ using namespace std::chrono_literals;
 
 constexpr int timeout = 20'000; // ms
 
-TEST(WorkQueueTest, DoesAllInOrderAndTellsWhoIsStillThere) {
-    WorkQueue queue;
+TEST(TasksTest, SerialOnesAreAllDoneInOrderAndToldToWhoIsStillThere) {
+    Tasks queue(Tasks::Serial);
     QObject screen;
     auto gone = std::make_unique<QObject>();
     std::vector<int> expected(100);
@@ -52,31 +51,30 @@ TEST(WorkQueueTest, DoesAllInOrderAndTellsWhoIsStillThere) {
 int waitForStop(const StopSignal &stop) { return stop.wait(20s) ? 1 : 2; }
 int answer(const StopSignal &) { return 3; }
 
-TEST(BlockingTasksTest, AreToldUnlessTheyAreCalledOffOrNobodyIsThere) {
-    BlockingTasks blockingTasks;
+TEST(TasksTest, ConcurrentOnesAreToldUnlessTheyAreCalledOffOrNobodyIsThere) {
+    Tasks tasks(Tasks::Concurrent);
     int running = 0;
-    QObject::connect(&blockingTasks, &BlockingTasks::begun, &blockingTasks, [&] { ++running; });
-    QObject::connect(&blockingTasks, &BlockingTasks::done, &blockingTasks, [&] { --running; });
+    QObject::connect(&tasks, &Tasks::begun, &tasks, [&] { ++running; });
+    QObject::connect(&tasks, &Tasks::done, &tasks, [&] { --running; });
     QList<int> told;
     const auto tell = [&told](int result) { told.append(result); };
     QObject receiver;
     auto gone = std::make_unique<QObject>();
-    const auto calledOff = blockingTasks.run(&receiver, waitForStop, tell);
+    const auto calledOff = tasks.run(&receiver, waitForStop, tell);
     ASSERT_TRUE(calledOff);
     calledOff->raise();
-    ASSERT_TRUE(blockingTasks.run(gone.get(), answer, tell));
+    ASSERT_TRUE(tasks.run(gone.get(), answer, tell));
     gone.reset();
-    ASSERT_TRUE(blockingTasks.run(&receiver, answer, tell));
+    ASSERT_TRUE(tasks.run(&receiver, answer, tell));
     EXPECT_TRUE(QTest::qWaitFor([&] { return running == 0; }, timeout));
     EXPECT_EQ(told, QList<int>{3});
 
     std::atomic<int> ended = 0;
     const auto work = [&ended](const StopSignal &stop) { return ended += waitForStop(stop); };
-    ASSERT_TRUE(blockingTasks.run(&receiver, work, tell) &&
-                blockingTasks.run(&receiver, work, tell));
-    blockingTasks.finish();
+    ASSERT_TRUE(tasks.run(&receiver, work, tell) && tasks.run(&receiver, work, tell));
+    tasks.finish();
     EXPECT_EQ(ended, 2) << "each is called off, and waited for";
-    EXPECT_FALSE(blockingTasks.run(&receiver, answer, tell));
+    EXPECT_FALSE(tasks.run(&receiver, answer, tell));
     QCoreApplication::processEvents();
     EXPECT_EQ(told, QList<int>{3});
 }
