@@ -9,7 +9,6 @@ namespace tidebrook {
     USE(curl_easy_getinfo)                                                                         \
     USE(curl_easy_header)                                                                          \
     USE(curl_easy_init)                                                                            \
-    USE(curl_easy_perform)                                                                         \
     USE(curl_easy_setopt)                                                                          \
     USE(curl_easy_strerror)                                                                        \
     USE(curl_free)                                                                                 \

@@ -20,7 +20,7 @@ struct HttpLimits {
     const StopSignal *stop = nullptr;                // ends a transfer at once when it is raised
 };
 
-/// What a server told of the state of a document, byte for byte; empty where it told nothing or
+/// What a server said of the state of a document, byte for byte; empty where it said nothing or
 /// more than a kilobyte. Sent back, it has the server answer 304 while the document is the same.
 struct HttpValidators {
     QByteArray etag;
@@ -38,7 +38,7 @@ struct HttpRequest {
 enum class HttpProgress {
     NotStarted, ///< the library for HTTP cannot be loaded
     NotOpened,  ///< the address is none that can be requested: malformed, or not http or https
-    NotSent,    ///< the server could not be reached, or sent on for ever or to another scheme
+    NotSent,    ///< no server was reached, or it redirects without end or to another scheme
     Incomplete, ///< the answer did not come whole: cut off, too slow, too large, stopped or refused
     Complete,   ///< the answer is here, whatever its status
 };

@@ -17,34 +17,22 @@ QByteArray hostOf(const QString &address) {
 
 class Queue {
 public:
-    Queue(const std::vector<QString> &addresses, const HttpLimits &limits,
+    Queue(const std::vector<QString> &addresses, int parallel, const HttpLimits &limits,
           const HttpQueueObserver &observer)
-        : limits_(limits), observer_(observer), multi_(newMulti()) {
+        : limits_(limits), observer_(observer), loop_(limits.stop, parallel), parallel_(parallel) {
         for (std::size_t i = 0; i < addresses.size(); ++i)
             waiting_.push_back({i, {addresses[i]}, hostOf(addresses[i]), 0});
     }
 
-    ~Queue() {
-        for (Running &running : running_)
-            curl().curl_multi_remove_handle(multi_.get(), running.get.transfer().handle());
-    }
-
-    Queue(const Queue &) = delete;
-    Queue &operator=(const Queue &) = delete;
-
-    bool run(int parallel) {
-        if (!multi_)
-            return false;
-        curl().curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, static_cast<long>(parallel));
-        while (!isStopped()) {
-            startAsMany(static_cast<std::size_t>(parallel));
+    bool run() {
+        while (loop_.isOpen() && !isStopped()) {
+            startAsMany();
             if (running_.empty())
-                return true;
-            int count = 0;
-            if (curl().curl_multi_perform(multi_.get(), &count) != CURLM_OK)
+                return waiting_.empty();
+            const auto ended = loop_.takeEnded();
+            if (!ended)
                 return false;
-            if (!takeEnded())
-                wait();
+            end(*ended);
         }
         return false;
     }
@@ -57,27 +45,31 @@ private:
         int redirects;
     };
     struct Running {
-        Running(Waiting &&what, const HttpLimits &limits)
-            : waiting(std::move(what)), get(waiting.request, limits) {
-            // Other hosts are gone on to when they are free.
+        Running(Waiting &&what, const HttpLimits &limits, CurlLoop &of)
+            : waiting(std::move(what)), get(waiting.request, limits), loop(of) {
+            // A redirect waits until its host is free.
             get.transfer().set(CURLOPT_FOLLOWLOCATION, 0L);
         }
-        Waiting waiting;
+        ~Running() { loop.remove(get.transfer()); }
+        Running(const Running &) = delete;
+        Running &operator=(const Running &) = delete;
+
+        const Waiting waiting;
         HttpGet get;
+        CurlLoop &loop;
     };
 
     bool isStopped() const { return limits_.stop && limits_.stop->isRaised(); }
 
     bool isBusy(const QByteArray &host) const {
-        return std::any_of(running_.begin(), running_.end(),
-                           [&](const Running &running) { return running.waiting.host == host; });
+        return std::ranges::any_of(
+            running_, [&](const Running &running) { return running.waiting.host == host; });
     }
 
-    void startAsMany(std::size_t parallel) {
-        while (running_.size() < parallel && !isStopped()) {
-            const auto next =
-                std::find_if(waiting_.begin(), waiting_.end(),
-                             [this](const Waiting &waiting) { return !isBusy(waiting.host); });
+    void startAsMany() {
+        while (std::ssize(running_) < parallel_ && !isStopped()) {
+            const auto next = std::ranges::find_if(
+                waiting_, [this](const Waiting &waiting) { return !isBusy(waiting.host); });
             if (next == waiting_.end())
                 return;
             Waiting waiting = std::move(*next);
@@ -96,34 +88,24 @@ private:
     }
 
     void start(Waiting &&waiting) {
-        running_.emplace_back(std::move(waiting), limits_);
+        running_.emplace_back(std::move(waiting), limits_, loop_);
         HttpGet &get = running_.back().get;
-        if (!get.isOpened() ||
-            curl().curl_multi_add_handle(multi_.get(), get.transfer().handle()) != CURLM_OK)
+        if (!get.isOpened() || !loop_.add(get.transfer()))
             end(std::prev(running_.end()), CURLE_URL_MALFORMAT);
     }
 
-    bool takeEnded() {
-        bool hasEnded = false;
-        int left = 0;
-        while (const CURLMsg *message = curl().curl_multi_info_read(multi_.get(), &left)) {
-            CURL *const handle = message->easy_handle;
-            const CURLcode result = message->data.result;
-            const auto ended =
-                std::find_if(running_.begin(), running_.end(), [&](Running &running) {
-                    return running.get.transfer().handle() == handle;
-                });
-            end(ended, result);
-            hasEnded = true;
-        }
-        return hasEnded;
+    void end(const CurlLoop::Ended &ended) {
+        end(std::ranges::find_if(
+                running_,
+                [&](Running &running) { return running.get.transfer().handle() == ended.handle; }),
+            ended.code);
     }
 
     void end(std::list<Running>::iterator running, CURLcode result) {
         const Waiting waiting = running->waiting;
         const QString next = result == CURLE_OK ? running->get.transfer().redirect() : QString();
         if (!next.isEmpty() && waiting.redirects < redirectLimit && hasWebScheme(parseUrl(next))) {
-            remove(running);
+            running_.erase(running);
             waiting_.push_front({waiting.index,
                                  {next, waiting.request.validators},
                                  hostOf(next),
@@ -132,23 +114,14 @@ private:
         }
         const HttpAnswer answer =
             running->get.takeAnswer(next.isEmpty() ? result : CURLE_TOO_MANY_REDIRECTS);
-        remove(running);
-        observer_.takeAnswer(waiting.index, answer);
-    }
-
-    void remove(std::list<Running>::iterator running) {
-        curl().curl_multi_remove_handle(multi_.get(), running->get.transfer().handle());
         running_.erase(running);
-    }
-
-    void wait() {
-        curl_waitfd stopped{limits_.stop ? limits_.stop->descriptor() : -1, CURL_WAIT_POLLIN, 0};
-        curl().curl_multi_poll(multi_.get(), &stopped, limits_.stop ? 1 : 0, longestPoll, nullptr);
+        observer_.takeAnswer(waiting.index, answer);
     }
 
     const HttpLimits limits_;
     const HttpQueueObserver &observer_;
-    const CurlMulti multi_; // outlives the transfers
+    CurlLoop loop_; // outlives the transfers
+    const int parallel_;
     std::list<Waiting> waiting_;
     std::list<Running> running_; // at fixed addresses, which their transfers know
 };
@@ -157,7 +130,7 @@ private:
 
 bool httpGetAll(const std::vector<QString> &addresses, int parallel, const HttpLimits &limits,
                 const HttpQueueObserver &observer) {
-    return Queue(addresses, limits, observer).run(parallel);
+    return Queue(addresses, parallel, limits, observer).run();
 }
 
 } // namespace tidebrook

@@ -10,6 +10,7 @@ constexpr char webSchemes[] = "http,https";
 constexpr long receiveBuffer = 128 * 1024; // bytes; fewer and larger pieces cost less
 constexpr qsizetype validatorLimit = 1024; // bytes; servers send far shorter ones
 constexpr int notModified = 304;
+constexpr int longestPoll = 60'000;         // ms; curl asks for less when it has to do something
 constexpr qint64 headerLimit = 1024 * 1024; // bytes of all headers and trailers of a transfer
 
 QByteArray charsetOf(const QByteArray &contentType) {
@@ -22,7 +23,7 @@ QByteArray charsetOf(const QByteArray &contentType) {
     return {};
 }
 
-// A longer one would only be sent back for nothing.
+// A longer one is not worth sending back.
 QByteArray keptValidator(const QByteArray &value) {
     return value.size() <= validatorLimit ? value : QByteArray();
 }
@@ -62,8 +63,6 @@ CurlList headerList(std::initializer_list<QByteArray> headers) {
     return list;
 }
 
-CurlMulti newMulti() { return CurlMulti(isCurlReady() ? curl().curl_multi_init() : nullptr); }
-
 HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
     : easy_(isCurlReady() ? curl().curl_easy_init() : nullptr), sink_(std::move(sink)),
       bodyLeft_(bodyLimit), headersLeft_(headerLimit), wireLeft_(2 * (headerLimit + bodyLimit)) {
@@ -80,8 +79,8 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
     set(CURLOPT_WRITEFUNCTION, &HttpTransfer::receive);
     set(CURLOPT_HEADERDATA, this);
     set(CURLOPT_HEADERFUNCTION, &HttpTransfer::receiveHeader);
-    // The body of a redirect, the frames of chunks and what unpacks to nothing go past the two
-    // above: they are counted where the library tells of all that comes, which cannot end it.
+    // The body of a redirect, the frames of chunks and what unpacks to nothing reach none of the
+    // two above. The debug function gets all that comes and counts it, but cannot end the transfer.
     set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     set(CURLOPT_DEBUGDATA, this);
     set(CURLOPT_DEBUGFUNCTION, &HttpTransfer::countWire);
@@ -107,29 +106,12 @@ void HttpTransfer::setHeaders(CurlList headers) {
 }
 
 CURLcode HttpTransfer::perform(const StopSignal *stop) {
-    if (!easy_)
+    CurlLoop loop(stop, 1);
+    if (!loop.add(*this))
         return CURLE_FAILED_INIT;
-    if (!stop)
-        return curl().curl_easy_perform(easy_);
-    const CurlMulti multi = newMulti();
-    if (!multi || curl().curl_multi_add_handle(multi.get(), easy_) != CURLM_OK)
-        return CURLE_FAILED_INIT;
-    curl_waitfd stopped{stop->descriptor(), CURL_WAIT_POLLIN, 0};
-    CURLcode result = CURLE_ABORTED_BY_CALLBACK;
-    while (!stop->isRaised()) {
-        int running = 0;
-        if (curl().curl_multi_perform(multi.get(), &running) != CURLM_OK)
-            break;
-        int left = 0;
-        const CURLMsg *message = curl().curl_multi_info_read(multi.get(), &left);
-        if (message) {
-            result = message->data.result;
-            break;
-        }
-        curl().curl_multi_poll(multi.get(), &stopped, 1, longestPoll, nullptr);
-    }
-    curl().curl_multi_remove_handle(multi.get(), easy_);
-    return result;
+    const auto ended = loop.takeEnded();
+    loop.remove(*this);
+    return ended ? ended->code : CURLE_ABORTED_BY_CALLBACK;
 }
 
 QByteArray HttpTransfer::header(const char *name) const {
@@ -137,27 +119,6 @@ QByteArray HttpTransfer::header(const char *name) const {
     if (!easy_ || curl().curl_easy_header(easy_, name, 0, CURLH_HEADER, -1, &found) != CURLHE_OK)
         return {};
     return QByteArray(found->value);
-}
-
-qint64 HttpTransfer::number(CURLINFO info) const {
-    curl_off_t number = 0;
-    if (easy_)
-        curl().curl_easy_getinfo(easy_, info, &number);
-    return qint64{number};
-}
-
-long HttpTransfer::status() const {
-    long status = 0;
-    if (easy_)
-        curl().curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
-    return status;
-}
-
-QString HttpTransfer::redirect() const {
-    const char *address = nullptr;
-    if (easy_)
-        curl().curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &address);
-    return QString::fromUtf8(address);
 }
 
 size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
@@ -204,6 +165,33 @@ int HttpTransfer::countWire(CURL *, curl_infotype type, char *, size_t size, voi
 
 int HttpTransfer::checkWire(void *self, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
     return static_cast<HttpTransfer *>(self)->wireLeft_ < 0 ? 1 : 0;
+}
+
+CurlLoop::CurlLoop(const StopSignal *stop, int connections)
+    : stop_(stop), multi_(isCurlReady() ? curl().curl_multi_init() : nullptr) {
+    if (multi_)
+        curl().curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, long{connections});
+}
+
+bool CurlLoop::add(const HttpTransfer &transfer) {
+    return multi_ && transfer.handle() &&
+           curl().curl_multi_add_handle(multi_.get(), transfer.handle()) == CURLM_OK;
+}
+
+void CurlLoop::remove(const HttpTransfer &transfer) {
+    curl().curl_multi_remove_handle(multi_.get(), transfer.handle());
+}
+
+std::optional<CurlLoop::Ended> CurlLoop::takeEnded() {
+    curl_waitfd stopped{stop_ ? stop_->descriptor() : -1, CURL_WAIT_POLLIN, 0};
+    int count = 0;
+    while (multi_ && !(stop_ && stop_->isRaised()) &&
+           curl().curl_multi_perform(multi_.get(), &count) == CURLM_OK) {
+        if (const CURLMsg *message = curl().curl_multi_info_read(multi_.get(), &count))
+            return Ended{message->easy_handle, message->data.result};
+        curl().curl_multi_poll(multi_.get(), &stopped, stop_ ? 1 : 0, longestPoll, nullptr);
+    }
+    return std::nullopt;
 }
 
 HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {

@@ -6,14 +6,14 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 
 namespace tidebrook {
 
 // What the transports of this module share over libcurl. No other module includes this.
 
-/// How many times a request is sent on to another address.
+/// How many redirects a request follows.
 inline constexpr long redirectLimit = 10;
-inline constexpr int longestPoll = 60'000; // ms; curl asks for less when it has to do something
 
 struct CurlMultiCleanup {
     void operator()(CURLM *multi) const { curl().curl_multi_cleanup(multi); }
@@ -34,11 +34,9 @@ QByteArray partOf(const CurlUrl &url, CURLUPart part);
 /// Whether an address is one of http or https.
 bool hasWebScheme(const CurlUrl &url);
 CurlList headerList(std::initializer_list<QByteArray> headers);
-CurlMulti newMulti();
 
 /// One transfer: hands the body on piece by piece and keeps its size within the limit. Of headers,
-/// trailers and redirects it takes no more than a feed can have any use for. It is on its way
-/// between its curl handle's being added to a multi handle and being taken out of it.
+/// trailers and redirects it takes no more than a feed can have any use for.
 class HttpTransfer {
 public:
     using Sink = std::function<bool(const char *, qint64)>;
@@ -62,12 +60,20 @@ public:
 
     /// The value of a header of the answer, or nothing.
     QByteArray header(const char *name) const;
-    qint64 number(CURLINFO info) const;
-    long status() const;
-    /// Where the answer sends on to; empty when it is no redirect.
-    QString redirect() const;
+    qint64 number(CURLINFO what) const { return info<curl_off_t>(what); }
+    long status() const { return info<long>(CURLINFO_RESPONSE_CODE); }
+    /// The address that the answer redirects to; empty when it is no redirect.
+    QString redirect() const {
+        return QString::fromUtf8(info<const char *>(CURLINFO_REDIRECT_URL));
+    }
 
 private:
+    template <typename Value> Value info(CURLINFO what) const {
+        Value value{};
+        if (easy_)
+            curl().curl_easy_getinfo(easy_, what, &value);
+        return value;
+    }
     static size_t receive(char *data, size_t, size_t size, void *self);
     static size_t receiveHeader(char *line, size_t, size_t size, void *self);
     static int countWire(CURL *, curl_infotype type, char *, size_t size, void *self);
@@ -81,6 +87,32 @@ private:
     qint64 headersLeft_;
     qint64 wireLeft_;      // of all that comes, unpacked or not, read or not
     int packingCount_ = 0; // how often the answer being read is packed
+};
+
+/// Runs transfers on one thread, side by side.
+class CurlLoop {
+public:
+    /// Keeps up to `connections` open. `stop` may be null.
+    CurlLoop(const StopSignal *stop, int connections);
+
+    /// False when nothing can be run.
+    bool isOpen() const { return multi_ != nullptr; }
+
+    /// Has the transfer run; it must be removed before it ends. False when that is not possible.
+    bool add(const HttpTransfer &transfer);
+    /// Changes nothing when it was not added.
+    void remove(const HttpTransfer &transfer);
+
+    struct Ended {
+        CURL *handle; ///< of the transfer
+        CURLcode code;
+    };
+    /// Runs until a transfer has ended. Nothing when the stop was raised or libcurl failed.
+    std::optional<Ended> takeEnded();
+
+private:
+    const StopSignal *const stop_;
+    const CurlMulti multi_;
 };
 
 /// How far a transfer got that has ended so.
