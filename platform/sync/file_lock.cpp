@@ -2,9 +2,10 @@
 
 #include "platform/base/plain_file.h"
 
+#include <QDeadlineTimer>
+
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <thread>
@@ -13,15 +14,15 @@ namespace tidebrook {
 
 namespace {
 
-// Nothing tells when a lock is let go.
+// No signal comes when a lock is released.
 constexpr std::chrono::milliseconds lookPause(10);
 
 bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> timeout) {
     if (!timeout)
         return lockFile(descriptor, LOCK_EX);
-    const auto end = std::chrono::steady_clock::now() + *timeout;
+    const QDeadlineTimer end(*timeout);
     while (!lockFile(descriptor, LOCK_EX | LOCK_NB)) {
-        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= end)
+        if (errno != EWOULDBLOCK || end.hasExpired())
             return false;
         std::this_thread::sleep_for(lookPause);
     }
@@ -31,12 +32,7 @@ bool lockInTime(int descriptor, std::optional<std::chrono::milliseconds> timeout
 } // namespace
 
 FileLock::FileLock(const QString &path, std::optional<std::chrono::milliseconds> timeout)
-    : descriptor_(openPlainFile(path, O_RDWR | O_CREAT)),
-      isHeld_(descriptor_ >= 0 && lockInTime(descriptor_, timeout)) {}
-
-FileLock::~FileLock() {
-    if (descriptor_ >= 0)
-        close(descriptor_);
-}
+    : file_(openPlainFile(path, O_RDWR | O_CREAT)),
+      isHeld_(file_.isOpen() && lockInTime(file_.number(), timeout)) {}
 
 } // namespace tidebrook

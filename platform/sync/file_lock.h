@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/base/descriptor.h"
+
 #include <QString>
 
 #include <chrono>
@@ -8,22 +10,21 @@
 namespace tidebrook {
 
 /// Holds a file locked against other processes, and other locks of this one, while it lives. The
-/// lock ends with its holder, however that ends, and the file stays.
+/// lock ends with its holder, however that ends, and the file stays. It is for work of several
+/// steps: no thread owns it, unlike a `NamedMutex`, and it can be waited for, unlike a
+/// `ProcessLock`.
 class FileLock {
 public:
     /// Waits for the others, and, where there is a `timeout`, not longer than that.
     explicit FileLock(const QString &path,
                       std::optional<std::chrono::milliseconds> timeout = std::nullopt);
-    ~FileLock();
-    FileLock(const FileLock &) = delete;
-    FileLock &operator=(const FileLock &) = delete;
 
     /// False when the file could not be made, or not locked in time.
     bool isHeld() const { return isHeld_; }
 
 private:
-    int descriptor_;
-    bool isHeld_;
+    const Descriptor file_;
+    const bool isHeld_;
 };
 
 } // namespace tidebrook

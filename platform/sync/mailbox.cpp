@@ -13,7 +13,7 @@ namespace tidebrook {
 
 namespace {
 
-// Qt's event queue is not built with ThreadSanitizer, which has to be told of it.
+// Qt's event queue is not built with ThreadSanitizer, which does not see that it synchronises.
 void handOver([[maybe_unused]] void *event) {
 #ifdef __SANITIZE_THREAD__
     __tsan_release(event);

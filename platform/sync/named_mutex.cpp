@@ -8,7 +8,6 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <ctime>
@@ -26,8 +25,6 @@ struct NamedMutex::Shared {
 };
 
 namespace {
-
-using std::chrono::milliseconds;
 
 constexpr quint32 readyMark = 0x54424D31;
 
@@ -52,20 +49,13 @@ bool initialiseMutex(pthread_mutex_t *mutex) {
     return isInitialised;
 }
 
-timespec deadlineAfter(milliseconds timeout) {
-    constexpr milliseconds longest = std::chrono::hours(24 * 365);
-    const milliseconds wait = std::clamp(timeout, milliseconds::zero(), longest);
-    timespec deadline{};
-    clock_gettime(CLOCK_MONOTONIC, &deadline);
-    const auto nanoseconds =
-        std::chrono::nanoseconds(deadline.tv_nsec) + std::chrono::nanoseconds(wait);
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(nanoseconds);
-    deadline.tv_sec += seconds.count();
-    deadline.tv_nsec = (nanoseconds - seconds).count();
-    return deadline;
+timespec deadlineAfter(std::chrono::milliseconds timeout) {
+    const auto end = (std::chrono::steady_clock::now() + timeout).time_since_epoch();
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(end);
+    return {seconds.count(), std::chrono::nanoseconds(end - seconds).count()};
 }
 
-/// pthread_mutex_clocklock, of which ThreadSanitizer has to be told.
+/// pthread_mutex_clocklock, which ThreadSanitizer does not know.
 int lockUntil(pthread_mutex_t *mutex, const timespec &deadline) {
 #ifdef __SANITIZE_THREAD__
     __tsan_mutex_pre_lock(mutex, __tsan_mutex_try_lock);
@@ -90,7 +80,7 @@ NamedMutex::~NamedMutex() {
     }
 }
 
-bool NamedMutex::lock(milliseconds timeout) {
+bool NamedMutex::lock(std::chrono::milliseconds timeout) {
     if (!isOpen())
         return false;
     int result = lockUntil(&shared_->mutex, deadlineAfter(timeout));
@@ -122,9 +112,9 @@ NamedMutex::Mapping NamedMutex::map(int file) {
 
 /// The file outlives a power cut, and would then hold an owner that is never declared dead.
 /// So every process keeps the file's shared lock while it uses the mutex, and a process that gets
-/// the exclusive one is alone with it and initialises the mutex anew. Turning that into a shared
-/// lock lets others come between, who begin it anew once more: nobody can have locked it yet. Where
-/// one of them ended half way the mark is missing, which holds still under the shared lock.
+/// the exclusive one is alone with it and initialises the mutex anew. While it turns that into a
+/// shared lock, another process may initialise the mutex again, which no process has locked yet.
+/// Where a process ended before it had initialised the mutex, the mark is missing.
 NamedMutex::Mapping NamedMutex::share(int file) {
     bool isUsable = file >= 0;
     while (isUsable) {

@@ -13,9 +13,10 @@
 
 namespace tidebrook {
 
-/// A mutex that processes share by its name. The thread that has it may lock it again, and then
-/// has to unlock it as often. When its holder ends without unlocking it, however that happens,
-/// the next one gets it: what the mutex guards must be sound at every moment.
+/// A mutex that processes share by its name, for short waits between threads and processes: it
+/// wakes the next one at once, where a `FileLock` looks again and again. The thread that has it may
+/// lock it again, and then has to unlock it as often. When its holder ends without unlocking it,
+/// however that happens, the next one gets it: what the mutex guards must be sound at every moment.
 ///
 /// It lies in a file, `run/NAME.mutex`, which is made when it is missing and must never be
 /// removed. Thread-safe. An object must not end while another thread of this process has locked
@@ -32,8 +33,8 @@ public:
     /// locked.
     bool isOpen() const { return shared_ != nullptr; }
 
-    /// Waits for the mutex as long as `timeout`; zero or less only tries, and more than a year
-    /// counts as a year. True when this thread has the mutex now.
+    /// Waits for the mutex as long as `timeout`; zero or less only tries. True when this thread has
+    /// the mutex now.
     bool lock(std::chrono::milliseconds timeout);
 
     /// False, and nothing is changed, when this thread has not locked the mutex through this

@@ -9,7 +9,8 @@
 namespace tidebrook {
 
 /// Holds a file for this process while it lives; it never waits. The lock ends with the process,
-/// however that ends, and the file, which is made when it is missing, stays.
+/// however that ends, and the file, which is made when it is missing, stays. It marks a running
+/// program: alone of the locks it says which process holds it.
 ///
 /// A forked child does not inherit the lock: a process that goes into the background takes it
 /// after its last fork. While the lock is held, nothing but this class may open its file in this

@@ -7,7 +7,7 @@
 
 namespace tidebrook {
 
-/// Tells any number of threads of this process to end. Once raised it stays so. Thread-safe.
+/// Has any number of threads of this process end. Once raised it stays so. Thread-safe.
 class StopSignal {
 public:
     /// May be called in a signal handler.
@@ -19,7 +19,7 @@ public:
 
     /// For waiting together with other descriptors: readable once it is raised. Never read it.
     /// Negative when the process has no descriptor left; then no waiting thread is woken, but
-    /// `isRaised` still tells.
+    /// `isRaised` still holds.
     int descriptor() const { return wakeUp_.descriptor(); }
 
 private:

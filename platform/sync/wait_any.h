@@ -4,8 +4,6 @@
 
 #include <chrono>
 #include <initializer_list>
-#include <optional>
-#include <span>
 
 namespace tidebrook {
 
@@ -23,14 +21,12 @@ struct WaitResult {
 
 /// Waits for the first of several events, for input and for the end of a time, which a change of
 /// the date does not stretch. An event goes before input, and of several events the first one in
-/// the list; the others stay as they are. Of all who wait for an auto-reset event one gets it,
-/// and the others wait on for what is left of their time. An event that is not open is never set.
+/// the list; the others stay as they are. An auto-reset event wakes one of those that wait for it;
+/// the others wait on for what is left of their time. An event that is not open is never set.
 ///
-/// `inputDescriptor` is not read, and -1 stands for none. A time-out of zero or less only looks;
-/// without one it waits for ever. Thread-safe.
-WaitResult WaitAny(std::span<NamedEvent *const> events, int inputDescriptor,
-                   std::optional<std::chrono::milliseconds> timeout);
+/// `inputDescriptor` is not read, and -1 stands for none. A time-out of zero or less only looks.
+/// Thread-safe.
 WaitResult WaitAny(std::initializer_list<NamedEvent *> events, int inputDescriptor,
-                   std::optional<std::chrono::milliseconds> timeout);
+                   std::chrono::milliseconds timeout);
 
 } // namespace tidebrook

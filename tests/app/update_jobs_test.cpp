@@ -28,7 +28,7 @@ class Downloader {
 public:
     Downloader(Device &device, std::string script)
         : device_(device), script_(std::move(script)), thread_([this] {
-              while (WaitAny({&told_}, stop_.descriptor(), {}).kind == WaitResult::Kind::Event)
+              while (WaitAny({&told_}, stop_.descriptor(), 1h).kind == WaitResult::Kind::Event)
                   serve();
           }) {}
     ~Downloader() { stop_.raise(); }
