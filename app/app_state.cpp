@@ -17,9 +17,11 @@ template <class Worker> void showOn(ProgressLine &line, const Worker &worker) {
 
 } // namespace
 
+Queues::Queues(Device &device)
+    : dbMutex(device.root, u"RSSMutex"), fills(dbMutex), updates(device) {}
+
 AppState::AppState(Device &parts, ScreenStack &screenStack)
-    : device(parts), dbMutex(parts.root, u"RSSMutex"), stack(screenStack), fills(dbMutex),
-      updates(parts) {
+    : Queues(parts), device(parts), stack(screenStack) {
     showOn(stack.progressLine(), changes);
     showOn(stack.progressLine(), settings);
     showOn(stack.progressLine(), blockingTasks);
@@ -32,7 +34,7 @@ AppState::AppState(Device &parts, ScreenStack &screenStack)
     QObject::connect(&updates, &UpdateJobs::failed, &stack, [this] { ShowError(*this, 0); });
 }
 
-void AppState::finish() {
+void Queues::finish() {
     updates.finish();
     fills.finish();
     blockingTasks.finish();

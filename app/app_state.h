@@ -25,17 +25,9 @@ enum ListScreen : std::size_t { CategoryScreen, ChannelScreen, ArticleScreen, Li
 /// The sizes of the lists' font in points: Small, Normal, Big.
 inline constexpr std::array fontSizes{9, 11, 13};
 
-/// What the screens share. It belongs to the user-interface thread; work that may wait is given to
-/// its queues, and gets values.
-struct AppState {
-    /// While something is at work, the stack's progress line shows it.
-    AppState(Device &parts, ScreenStack &screenStack);
-    AppState(const AppState &) = delete;
-    AppState &operator=(const AppState &) = delete;
-
-    Device &device;
-    NamedMutex dbMutex; ///< "RSSMutex"
-    ScreenStack &stack;
+/// What works for the screens. Work that may wait is given to it, and gets values.
+struct Queues {
+    explicit Queues(Device &device);
 
     /// Changes of the categories, channels and articles, and what must see them done.
     Tasks changes{Tasks::Serial};
@@ -43,13 +35,43 @@ struct AppState {
     Tasks settings{Tasks::Serial};
     /// What waits for servers, and for files that the user has named.
     Tasks blockingTasks{Tasks::Concurrent};
+    NamedMutex dbMutex; ///< "RSSMutex", of the fills
     FillJobs fills;
-    /// What the screens have asked the downloader for. One that fails is told to the user.
+    /// What the screens have asked the downloader for. A failure is shown to the user.
     UpdateJobs updates;
 
-    /// Ends all that works for the screens: what fills a list, reads a setting or waits for the
-    /// downloader or a server at once, what changes data or writes a file when it is done.
+    /// Ends all of them: what fills a list, reads a setting or waits for the downloader or a server
+    /// at once, what changes data or writes a file when it is done.
     void finish();
+};
+
+/// The lists' font, in the size that the user has chosen.
+struct ListFont {
+    int fontSize = fontSizes[0];
+    bool isFontSizeKnown = false; ///< it was read, or chosen
+    QFont listFont;
+};
+
+/// The headline of the Today item that was tapped.
+struct TappedHeadline {
+    /// It is waiting: no screen leads to it yet.
+    std::optional<TodayTap> tap;
+
+    // The screens are to lead to it; empty when there is none.
+    QString todayCategory;
+    QString todayChannel;
+    QString todayTitle;
+};
+
+/// What the screens share. Belongs to the user-interface thread.
+struct AppState : Queues, ListFont, TappedHeadline {
+    /// While something is at work, the stack's progress line shows it.
+    AppState(Device &parts, ScreenStack &screenStack);
+    AppState(const AppState &) = delete;
+    AppState &operator=(const AppState &) = delete;
+
+    Device &device;
+    ScreenStack &stack;
 
     /// The list of each list screen that is open.
     std::array<QPointer<ListView>, ListScreenCount> lists;
@@ -65,18 +87,6 @@ struct AppState {
     // The article that is shown, and its channel.
     QString fillChannel;
     QString fillTitle;
-
-    int fontSize = fontSizes[0];
-    bool isFontSizeKnown = false; ///< it was read, or chosen
-    QFont listFont;
-
-    /// A tapped headline that no screen has led to yet.
-    std::optional<TodayTap> tap;
-
-    // The tapped headline that the screens are to lead to; empty when there is none.
-    QString todayCategory;
-    QString todayChannel;
-    QString todayTitle;
 };
 
 } // namespace tidebrook

@@ -20,8 +20,6 @@ int indexOfSize(int points) {
     return found == fontSizes.end() ? 0 : static_cast<int>(found - fontSizes.begin());
 }
 
-} // namespace
-
 void applyListFont(AppState &state) {
     state.listFont = state.stack.font();
     state.listFont.setPointSize(state.fontSize);
@@ -30,6 +28,8 @@ void applyListFont(AppState &state) {
             list->setFont(state.listFont);
     }
 }
+
+} // namespace
 
 bool chooseFontSize(AppState &state, int command) {
     if (command < CommandFontSmall || command > CommandFontBig)
@@ -57,10 +57,10 @@ void readFontSize(AppState &state, QObject *receiver) {
         });
 }
 
-int fontSizeIndex(const AppState &state) { return indexOfSize(state.fontSize); }
+int fontSizeIndex(const ListFont &font) { return indexOfSize(font.fontSize); }
 
-void checkFontSize(const AppState &state, ScreenMenu &menu) {
-    menu.radioCheck(CommandFontSmall, CommandFontBig, CommandFontSmall + fontSizeIndex(state));
+void checkFontSize(const ListFont &font, ScreenMenu &menu) {
+    menu.radioCheck(CommandFontSmall, CommandFontBig, CommandFontSmall + fontSizeIndex(font));
 }
 
 } // namespace tidebrook

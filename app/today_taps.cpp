@@ -20,20 +20,20 @@ void lookForTodayTap(AppState &state) {
         });
 }
 
-bool followTodayTap(AppState &state) {
-    const auto tap = std::exchange(state.tap, std::nullopt);
-    if (!tap)
-        return false;
-    state.todayCategory = tap->category;
-    state.todayChannel = tap->channel;
-    state.todayTitle = tap->title;
-    return true;
+bool followTodayTap(TappedHeadline &headline) {
+    const auto tap = std::exchange(headline.tap, std::nullopt);
+    if (tap) {
+        headline.todayCategory = tap->category;
+        headline.todayChannel = tap->channel;
+        headline.todayTitle = tap->title;
+    }
+    return tap.has_value();
 }
 
-void forgetTodayTap(AppState &state) {
-    state.todayCategory.clear();
-    state.todayChannel.clear();
-    state.todayTitle.clear();
+void forgetTodayTap(TappedHeadline &headline) {
+    headline.todayCategory.clear();
+    headline.todayChannel.clear();
+    headline.todayTitle.clear();
 }
 
 } // namespace tidebrook
