@@ -42,7 +42,7 @@ bool FillJobs::launch(QObject *receiver, Fill fill) {
     }
     jobs_.push_back(job);
     if (refusedReceiver_ == receiver)
-        refused_ = nullptr; // this is what it was owed
+        refused_ = nullptr; // this is the fill that was refused
     return true;
 }
 
@@ -52,7 +52,6 @@ void FillJobs::refuse(QObject *receiver, Fill fill) {
     offerAgain();
 }
 
-// What the receiver asked for before, it does not want any more.
 void FillJobs::outdate(const QObject *receiver) {
     for (const std::shared_ptr<Job> &job : jobs_)
         job->isOutdated = job->isOutdated || job->receiver == receiver;
@@ -82,8 +81,8 @@ void FillJobs::end(const std::shared_ptr<Job> &job) {
     offerAgain();
 }
 
-// The stop that had a fill refused is one that no fill will see any more. Balanced as one would
-// have, it no longer keeps the screen blank.
+// No fill will see the stop for which one was refused. Balanced in its place, the stop no longer
+// keeps the screen blank.
 void FillJobs::offerAgain() {
     if (!refused_ || isFinished_ || !jobs_.empty())
         return;

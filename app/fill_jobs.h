@@ -25,9 +25,9 @@ public:
         isRequested_ = isRequested_ || counter_ >= 1;
         return isRequested_ || isFinished_;
     }
-    /// Whether a stop is asked for, which this one leaves for the next fill.
+    /// Whether a stop is requested, without taking it from the next fill.
     bool isPending() const { return counter_ >= 1 || isFinished_; }
-    /// Whether the counter asked for it.
+    /// Whether the counter requested it.
     bool isCounted() const { return isRequested_; }
 
 private:
@@ -58,16 +58,15 @@ public:
         /// Shows it, on the user-interface thread. Not called when a newer fill was asked for by
         /// the same receiver, or the receiver is gone.
         std::function<void()> show;
-        /// Asks for the fill once more: a stop that was pending had it refused, and is balanced
-        /// now.
+        /// Asks for the fill once more: it was refused for a pending stop, which is balanced now.
         std::function<void()> again;
     };
 
-    /// Starts a fill. True when it was started, or not because a stop is pending; false when the
-    /// mutex could not be had within 2 seconds, or there is no thread.
+    /// Starts a fill. True also when a stop is pending, which refuses it; false when the mutex was
+    /// not free within 2 seconds, or no thread can be started.
     bool launch(QObject *receiver, Fill fill);
 
-    /// Asks for a stop. Waits up to a second for the mutex; without it nothing is asked.
+    /// Requests a stop. Waits up to a second for the mutex, and does nothing without it.
     void requestStop();
 
     int fillStop() const { return fillStop_; }
@@ -98,7 +97,7 @@ private:
     std::atomic<int> fillStop_ = 0;
     std::vector<std::shared_ptr<Job>> jobs_;
     std::atomic<bool> isFinished_ = false;
-    std::function<void()> refused_; // is owed its `again`
+    std::function<void()> refused_; // the `again` of a fill that was refused
     QPointer<QObject> refusedReceiver_;
     Tasks tasks_{Tasks::Concurrent};
 };

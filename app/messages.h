@@ -12,8 +12,9 @@ void ShowMessage(AppState &state, int captionId, int textId);
 /// shown, because reading it may wait.
 void ShowError(AppState &state, int textId);
 
-/// Records, as "ERRORNO", the code of a problem that a text of the string table tells, and gives
-/// the text's id back. For 0 and for other texts nothing is recorded. On any thread; it may wait.
+/// Records, as "ERRORNO", the code of the problem that a text of the string table describes, and
+/// returns the text's id. For 0 and for other texts nothing is recorded. On any thread; it may
+/// wait.
 int recordProblem(Device &device, int textId);
 
 /// Shows a problem, and records its code soon.

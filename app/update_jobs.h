@@ -15,8 +15,8 @@ namespace tidebrook {
 
 /// The updates that the user asks for and waits for, one at a time, each on a thread of its own.
 /// While one runs, a key or a button that is pressed, or a finger put on any widget, is the input
-/// that ends the wait for a channel. What comes of it is told on the user-interface thread. Used
-/// by that thread alone.
+/// that ends the wait for a channel. Used by the user-interface thread alone, on which the signals
+/// arrive.
 class UpdateJobs : public QObject {
     Q_OBJECT
 
@@ -26,19 +26,20 @@ public:
     /// As `finish`.
     ~UpdateJobs() override;
 
-    // As `UpdateRun` does it. False, and nothing is told, when one runs already, this has finished,
-    // or there is no thread to be had.
+    // As those of `UpdateRun`. False, and no signal is sent, when one runs already, this has
+    // finished, or no thread can be started.
     bool startUpdateChannel(const QString &category, const QString &channel);
     bool startUpdateCategory(const QString &category);
 
     /// From the start until `done`.
     bool isUpdating() const { return isUpdating_; }
 
-    /// How long each answer is waited for, of what is started from now on: 60 seconds unless told.
+    /// How long each answer is waited for, of what is started from now on: 60 seconds unless it is
+    /// set.
     void setAnswerTimeout(std::chrono::milliseconds timeout) { answerTimeout_ = timeout; }
 
-    /// Stops what runs and waits for its end. Nothing is started any more, and nothing told of
-    /// what ran but `done`.
+    /// Stops what runs and waits for its end, of which `done` is the only signal. Nothing can be
+    /// started any more.
     void finish();
 
 Q_SIGNALS:
@@ -46,12 +47,12 @@ Q_SIGNALS:
     void begun();
     void done();
 
-    /// As `UpdateObserver` tells it.
+    /// As those of `UpdateObserver`.
     void stepped(int index, int count);
     void channelUpdated(const QString &category, const QString &channel);
     void channelCounted(const QString &category, const QString &channel, int unread, int total);
 
-    /// Told after `done`; the code is in the registry's "ERRORNO".
+    /// Sent after `done`; the code is in the registry's "ERRORNO".
     void failed();
 
 protected:

@@ -73,8 +73,8 @@ bool Application::InitInstance() {
     return true;
 }
 
-// Usually that is done by now, and the window appears with its first screen in it. Where it takes
-// longer, the window is there and alive meanwhile.
+// Usually the device is open by now, and the window appears with its first screen in it. Where
+// opening takes longer, the window is shown and works meanwhile.
 int Application::awaitDevice() {
     QTimer unseen;
     unseen.setSingleShot(true);
@@ -88,7 +88,7 @@ int Application::awaitDevice() {
 }
 
 void Application::activateDownloader() {
-    // Where it fails, an update fails by its time-out.
+    // Where this fails, an update fails by its time-out.
     activation_.start([root = opening_.root] { activateService(root); });
 }
 
@@ -106,7 +106,7 @@ void Application::showWindow() {
 
 void Application::runScreens(int messageId) {
     state_.emplace(*device_, stack_);
-    // Drawing it takes as long as all that the first screen shows, which comes first.
+    // Drawing the icon takes as long as drawing the first screen, which comes first.
     QTimer::singleShot(windowIconDelay, &stack_, [this] {
         stack_.setWindowIcon(icon("tidebrook", QSize(iconSize, iconSize), stack_.palette()));
     });
@@ -115,7 +115,7 @@ void Application::runScreens(int messageId) {
     OpenCategoryList(*state_);
 }
 
-// The window goes first; what changes data is waited for; then the database closes.
+// The window closes first; then changes of data are waited for; then the database closes.
 void Application::closeDown() {
     stack_.close();
     state_->finish();

@@ -8,14 +8,14 @@
 
 namespace tidebrook {
 
-/// Opens a device on a thread of its own, from its making on. Used by the user-interface thread.
+/// Opens a device on a thread of its own, from construction on. Used by the user-interface thread.
 class DeviceOpening {
 public:
     explicit DeviceOpening(const DeviceRoot &deviceRoot);
 
     struct Opened {
         std::unique_ptr<Device> device;
-        int messageId = 0; ///< the string of what is to be told to the user, or 0
+        int messageId = 0; ///< the string of the problem to show to the user, or 0
     };
 
     /// Runs an event loop until the device is open, and hands over what was opened, once.

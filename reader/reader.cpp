@@ -26,12 +26,12 @@ void prepareApplication() {
     QApplication::setApplicationDisplayName(resourceString(programNameString));
     QApplication::setApplicationVersion(QStringLiteral(TIDEBROOK_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("tidebrook"));
-    // The end of the screens is told by the category list, in nested loops, and by nothing else.
+    // The category list alone ends the screens, which run in nested loops.
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
 void makeDevice(const DeviceRoot &device) {
-    // What cannot be made is told by the screens, which then find no device.
+    // Where this fails, the screens find no device and say so.
     if (device.isDevice() || provisionDevice(device))
         device.makeFolders();
 }
@@ -84,8 +84,7 @@ void Start::take(QtMsgType type, const QMessageLogContext &context, const QStrin
     current->said_ += qFormatLogMessage(type, context, text).toLocal8Bit() + '\n';
 }
 
-// The display is there now. What is left of making the application takes its time, while the
-// device opens.
+// The display is there now. The device opens while the rest of the application is made.
 void Start::go() {
     if (QGuiApplication::screens().isEmpty())
         ::_exit(0);

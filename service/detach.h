@@ -5,8 +5,7 @@
 namespace tidebrook {
 
 /// Puts a program into the background: the process that was started waits until the service is
-/// ready or has failed, and ends. For a process of one thread
-/// that has opened nothing yet.
+/// ready or has failed, and ends. For a process of one thread that has opened nothing yet.
 class Detachment {
 public:
     /// Goes on in a new process without a terminal, and returns there; ends the one that was

@@ -27,7 +27,7 @@ QString summary(const AutoRoundResult &result) {
                                : QString());
 }
 
-// Before a round is run again that came to nothing, without a network as a rule.
+// How long after a round that failed, as a rule without a network, it is run again.
 std::chrono::milliseconds timeToRecover(int futileRounds) {
     constexpr int mostDoublings = 10;
     return 1min * (1 << std::min(futileRounds - 1, mostDoublings));
@@ -43,7 +43,7 @@ Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, Se
 
 Downloader::~Downloader() { interrupt_.stop(); }
 
-// The files that stay open here, or are locked.
+// The files that this process keeps open or locked.
 FileIdentities Downloader::files() const {
     return identitiesOf({device_.path(), device_.registryPath(), serviceLockPath(device_),
                          device_.path() + u"/run/" + requestEvent + u".event"});
@@ -55,7 +55,7 @@ bool Downloader::run() {
     while (!interrupt_.isStopped()) {
         lookAfterRound();
         const WaitResult result = WaitAny({&request_}, interrupt_.descriptor(), timeToSleep());
-        // What was put in their place, as from a backup, is another device.
+        // Files that were put in their place, as from a backup, are another device.
         if (result.kind == WaitResult::Kind::Failed || ownFiles.isEmpty() || files() != ownFiles) {
             log_.error(
                 QStringLiteral("%1: the device is not the one that it was").arg(device_.path()));
@@ -69,7 +69,7 @@ bool Downloader::run() {
             interrupt_.clear();
         }
     }
-    // One that has come too late to be served is answered all the same.
+    // A request that came too late to be served is answered all the same.
     if (request_.test())
         server_.serveLatest();
     return true;

@@ -20,7 +20,7 @@
 namespace tidebrook {
 
 /// The background downloader: answers requests, and runs the automatic updates when they are due.
-/// While there is nothing to do it sleeps, and looks once a minute whether there is.
+/// While there is nothing to do it sleeps, and looks once a minute whether a round is due.
 class Downloader {
 public:
     /// The log and the interrupt outlive it.
@@ -31,7 +31,7 @@ public:
     Downloader(const Downloader &) = delete;
     Downloader &operator=(const Downloader &) = delete;
 
-    /// False when requests cannot be heard, or settings cannot be read.
+    /// False when requests cannot be received, or settings cannot be read.
     bool isReady() { return request_.isOpen() && registry_.isOpen(); }
 
     /// Works until the interrupt is stopped (true), which also ends what is under way, or the

@@ -55,12 +55,12 @@ int runService(const Options &options) {
     if (!options.isForeground && !detachment.begin())
         return fail(QStringLiteral("there is no process to go into the background"));
     ServiceLog log(options.isVerbose, !options.isForeground);
-    std::signal(SIGPIPE, SIG_IGN);   // a server that hangs up is told by the write that fails
+    std::signal(SIGPIPE, SIG_IGN);   // writing to a server that hangs up fails instead
     mallopt(M_ARENA_MAX, 2);         // threads come and go here, and none is in a hurry for memory
-    std::optional<ProcessLock> lock; // let go last, when nothing is under way any more
+    std::optional<ProcessLock> lock; // released last, when nothing is under way any more
     Interrupt interrupt;
     std::optional<TerminationSignals> termination;
-    // It hears requests before it is known to run, so that none is told of too early.
+    // It receives requests before it is known to run, so that none comes too early.
     Downloader downloader(options.root, todayItemKey(resourceString(todayItemNameString)), log,
                           interrupt);
     if (!downloader.isReady())

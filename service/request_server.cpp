@@ -39,7 +39,7 @@ void RequestServer::work() {
     while (const std::optional<RequestFile> request = takeNewest()) {
         const RefreshResult result = serve(*request);
         {
-            // Before the answer, behind which the same file may be told of anew.
+            // Before the answer, after which the same file may be requested again.
             const std::lock_guard lock(mutex_);
             std::erase(underWay_, *request);
         }

@@ -16,17 +16,18 @@
 namespace tidebrook {
 
 /// Serves requests for downloads on threads of its own, several at once, so that a server that
-/// does not answer keeps nobody waiting but those who ask for its feeds. Of those that wait for a
-/// thread the newest is served first, since only it is answered: who asked for another has given
-/// up. Every request that was read is served all the same. One thread calls it.
+/// does not answer delays only the requests for its feeds. Of the requests that wait for a thread
+/// the newest is served first, since only it is answered: a requester waits for its latest request
+/// alone. Every request that was read is served all the same. One thread calls it.
 class RequestServer {
 public:
-    /// The parts outlive it. When `stop` is raised, what is under way ends at once. Its own end
-    /// waits for its threads, which answer what is still to be answered; raise `stop` first.
+    /// The parts outlive it. When `stop` is raised, what is under way ends at once. The destructor
+    /// waits for the threads, which answer the remaining requests; raise `stop` first.
     RequestServer(const DeviceRoot &device, Registry &registry, const QString &todayItemKey,
                   ServiceLog &log, const StopSignal &stop);
 
-    /// Serves what the request file holds now. What is no request is answered with a failure.
+    /// Serves what the request file holds now. A file that is no request is answered with a
+    /// failure.
     void serveLatest();
 
 private:

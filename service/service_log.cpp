@@ -11,11 +11,11 @@ namespace tidebrook {
 
 namespace {
 
-// A file of the service's own begins anew at this size, so that it never fills the device.
+// The service's own file is emptied at this size, so that it never fills the device.
 constexpr off_t fileLimit = 1024 * 1024; // bytes
 
-// The journal tells which stream is its own; others of the session's programs inherit what it
-// tells, but not the stream.
+// The journal names its stream in the environment, which other programs of the session inherit
+// without the stream.
 bool isJournal(int stream) {
     struct stat status {};
     const QByteArray own = qgetenv("JOURNAL_STREAM");

@@ -21,10 +21,10 @@ using namespace std::chrono_literals;
 constexpr int channelsAtOnce = 4;
 constexpr int silenceLimit = 3; // times in a row that a host may keep a round waiting for nothing
 
-// No user waits for a round. A failure in it must not reach a user who waits for something else.
+// A failure in a round must not be shown to a user who waits for something else.
 constexpr FetchOptions unattended{.keepsPauses = false, .recordsErrors = false};
 
-// Rounds are not to the second as far apart as they are meant to be.
+// Rounds begin some seconds early or late.
 constexpr std::chrono::seconds tolerance = 1min;
 
 /// One run of a round.
@@ -45,7 +45,7 @@ private:
         bool isSettled = false;             // there was nothing to prune, and the counts were right
         std::optional<FeedFetcher> fetcher; // of one whose document is still to be downloaded
     };
-    // A turn that reached no server, which is held against it only if others were reached.
+    // A turn that reached no server, which counts as a failure only if others were reached.
     struct Unreached {
         RefreshJob job;
         RefreshResult result;
@@ -100,7 +100,7 @@ AutoRoundResult Run::run() {
     return result_;
 }
 
-// What the list says of a channel may be older than what the store says; the store's holds.
+// The list may be older than the store, whose address and category are used.
 bool Run::collect() {
     std::optional<QList<RefreshJob>> listed = autoUpdatedChannels(target_.device);
     if (!listed)
@@ -140,14 +140,14 @@ std::optional<HttpValidators> Run::begin(Channel &channel) {
     if (!until.isValid() && silences_.value(host) < silenceLimit)
         return validatorsOf(channel);
     ++result_.leftAlone;
-    if (!until.isValid()) // the next round is soon enough to see whether it speaks again
+    if (!until.isValid()) // the next round tries it again
         return std::nullopt;
     noteRetryAfter(states_, channel.job, until);
     return std::nullopt;
 }
 
-// A document is only as good as unchanged while the store holds what came of it: no article has
-// been pruned, and no other database or channel has taken the place of the one that it went into.
+// An unchanged document may be skipped only while the store holds its articles: none has been
+// pruned, and the database and the channel are those that it was stored in.
 HttpValidators Run::validatorsOf(Channel &channel) const {
     const UpdateState &state = channel.state;
     if (state.validators.isEmpty())

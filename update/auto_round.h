@@ -26,11 +26,11 @@ struct AutoRoundResult {
     bool isOver = false;
 };
 
-/// Updates the channels of the automatic list, four at a time but never two of one host, without
-/// pauses: only documents that have changed since they were stored are sent. Ends early when the
-/// target's limits are told to stop. A round in which no server at all was reached is held
-/// against no feed: it is the network that was not there. `observer` is told of each channel that
-/// was tried, on this thread.
+/// Updates the channels of the automatic list on this thread, without pauses. It downloads four at
+/// a time, never two of one host, and only documents that have changed since they were stored:
+/// `refreshChannels` does neither, and so is for channels that a user asks for. Ends early when the
+/// stop of the target's limits is raised. A round in which no server at all was reached counts as a
+/// failure of no feed, since the network was missing. `observer` gets each channel that was tried.
 AutoRoundResult
 runAutoRound(const RefreshTarget &target, const AutoRound &round,
              const std::function<void(const RefreshJob &, const RefreshResult &)> &observer);

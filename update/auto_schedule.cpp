@@ -40,6 +40,17 @@ QDateTime addTo(const QDateTime &moment, std::chrono::milliseconds time) {
     return moment.addMSecs(time.count());
 }
 
+// The time from one round to the next; nothing when there are no rounds.
+std::optional<std::chrono::seconds> roundPeriod(const AutoUpdateSettings &settings) {
+    const bool isInterval = settings.mode == AutoUpdateSettings::Interval &&
+                            settings.interval >= 1 && settings.interval <= intervals.size();
+    if (isInterval)
+        return intervals[settings.interval - 1];
+    if (settings.isDaily() && settings.hour < hoursOfDay)
+        return 24h;
+    return std::nullopt;
+}
+
 } // namespace
 
 AutoUpdateSettings AutoUpdateSettings::read(Registry &registry) {
@@ -55,23 +66,13 @@ AutoUpdateSettings AutoUpdateSettings::read(Registry &registry) {
     return read;
 }
 
-std::optional<std::chrono::seconds> roundPeriod(const AutoUpdateSettings &settings) {
-    const bool isInterval = settings.mode == AutoUpdateSettings::Interval &&
-                            settings.interval >= 1 && settings.interval <= intervals.size();
-    if (isInterval)
-        return intervals[settings.interval - 1];
-    if (settings.mode == AutoUpdateSettings::Daily && settings.hour < hoursOfDay)
-        return 24h;
-    return std::nullopt;
-}
-
 std::optional<QDateTime> nextRound(const AutoUpdateSettings &settings, const QDateTime &lastRound,
                                    const QDateTime &now) {
     const std::optional<std::chrono::seconds> period = roundPeriod(settings);
     if (!period)
         return std::nullopt;
     QDateTime next = lastRound.isValid() ? addTo(lastRound, *period) : now;
-    if (settings.mode == AutoUpdateSettings::Daily)
+    if (settings.isDaily())
         next = firstAfter(lastRound.isValid() ? lastRound : now, settings.hour);
     return next.isValid() ? std::optional(next) : std::nullopt; // the calendar has an end
 }
@@ -88,20 +89,24 @@ QDateTime storedLastRound(Registry &registry) {
     return isNumber ? QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC) : QDateTime();
 }
 
+QDateTime AutoSchedule::recordedRound() const {
+    return unstored_.isValid() ? unstored_ : storedLastRound(registry_);
+}
+
 void AutoSchedule::store(const QDateTime &lastRound) {
     const QString seconds = QString::number(lastRound.toSecsSinceEpoch());
     const bool isStored = registry_.write(programKey, lastRoundValue, seconds) && registry_.flush();
     unstored_ = isStored ? QDateTime() : lastRound;
 }
 
-// What an interval has left of it does not depend on what the clock says: when the clock is
-// changed, the last round moves with it. A round at an hour of the day goes by the clock.
+// The rest of an interval does not depend on the clock: when the clock is changed, the last round
+// moves with it. A round at an hour of the day goes by the clock.
 void AutoSchedule::followClock(const QDateTime &now, std::chrono::milliseconds uptime,
                                bool isInterval) {
     if (lastNow_.isValid()) {
         const std::chrono::milliseconds clock(lastNow_.msecsTo(now));
         const std::chrono::milliseconds step = clock - (uptime - lastUptime_);
-        const QDateTime last = unstored_.isValid() ? unstored_ : storedLastRound(registry_);
+        const QDateTime last = recordedRound();
         if (isInterval && last.isValid() && std::chrono::abs(step) > clockStep)
             store(addTo(last, step));
     }
@@ -109,32 +114,29 @@ void AutoSchedule::followClock(const QDateTime &now, std::chrono::milliseconds u
     lastUptime_ = uptime;
 }
 
-// A last round in the future was written before the clock was set back while nobody looked. What
-// is meant by it is not known, but it must not keep the next one waiting for years.
+// A last round in the future was written before the clock was set back while no downloader ran. It
+// must not delay the next one for years.
 QDateTime AutoSchedule::lastRound(const QDateTime &now, const AutoUpdateSettings &settings) {
-    QDateTime last = unstored_.isValid() ? unstored_ : storedLastRound(registry_);
-    const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
-    const bool isTooLate = last.isValid() && last > (isDaily ? now.addDays(1) : now);
+    const QDateTime stored = recordedRound();
+    const QDateTime latest = settings.isDaily() ? now.addDays(1) : now;
     // A first round at an hour of the day that has passed is not one that was missed.
-    if (isTooLate || (isDaily && !last.isValid())) {
-        last = now;
-        store(last);
-    }
-    return last;
+    if (stored.isValid() ? stored <= latest : !settings.isDaily())
+        return stored;
+    store(now);
+    return now;
 }
 
-// Somebody who chooses an hour of the day that has passed has not missed it.
+// An hour of the day that has passed when it is chosen is not a round that was missed.
 void AutoSchedule::beginAnewAt(const QDateTime &now, const AutoUpdateSettings &settings) {
-    const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
     const bool isChosenNow = lastSettings_ && (lastSettings_->mode != settings.mode ||
                                                lastSettings_->hour != settings.hour);
-    if (isDaily && isChosenNow)
+    if (settings.isDaily() && isChosenNow)
         store(now);
     lastSettings_ = settings;
 }
 
-std::optional<AutoSchedule::Round> AutoSchedule::dueRound(const QDateTime &now,
-                                                          std::chrono::milliseconds uptime) {
+auto AutoSchedule::dueRound(const QDateTime &now, std::chrono::milliseconds uptime)
+    -> std::optional<Round> {
     const AutoUpdateSettings settings = AutoUpdateSettings::read(registry_);
     if (unstored_.isValid())
         store(unstored_);
@@ -146,12 +148,10 @@ std::optional<AutoSchedule::Round> AutoSchedule::dueRound(const QDateTime &now,
     if (!next_ || *next_ > now)
         return std::nullopt;
     // A round that a restart has broken off goes on, but not when another was due meanwhile.
-    const bool isDaily = settings.mode == AutoUpdateSettings::Daily;
     const QDateTime latest =
-        isDaily ? firstAfter(now.addDays(-1), settings.hour) : addTo(now, -*period);
-    return Round{last.isValid() ? qMax(*next_, latest) : latest, isDaily, settings.isSkipped()};
+        settings.isDaily() ? firstAfter(now.addDays(-1), settings.hour) : addTo(now, -*period);
+    return Round{last.isValid() ? qMax(*next_, latest) : latest, settings.isDaily(),
+                 settings.isSkipped()};
 }
-
-void AutoSchedule::endRound(const QDateTime &start) { store(start); }
 
 } // namespace tidebrook

@@ -23,12 +23,10 @@ struct AutoUpdateSettings {
 
     static AutoUpdateSettings read(Registry &registry);
 
+    bool isDaily() const { return mode == Daily; }
     /// Whether a round that is due now must be left out.
     bool isSkipped() const { return (onlyCradled && !isCradled) || (neverRoaming && isRoaming); }
 };
-
-/// The time from one round to the next; nothing when there are no rounds.
-std::optional<std::chrono::seconds> roundPeriod(const AutoUpdateSettings &settings);
 
 /// When the round behind `lastRound` (invalid: there was none) is due. One in the past is due now,
 /// once for all that were missed. Nothing when there are no automatic updates.
@@ -53,12 +51,13 @@ public:
     std::optional<Round> dueRound(const QDateTime &now, std::chrono::milliseconds uptime);
 
     /// The round that began at `start` is over, or was left out.
-    void endRound(const QDateTime &start);
+    void endRound(const QDateTime &start) { store(start); }
 
     /// When the next round is due, as the settings were last time; nothing for never.
     std::optional<QDateTime> next() const { return next_; }
 
 private:
+    QDateTime recordedRound() const;
     QDateTime lastRound(const QDateTime &now, const AutoUpdateSettings &settings);
     void beginAnewAt(const QDateTime &now, const AutoUpdateSettings &settings);
     void followClock(const QDateTime &now, std::chrono::milliseconds uptime, bool isInterval);

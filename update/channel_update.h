@@ -8,9 +8,9 @@ namespace tidebrook {
 /// second each), and with the database closed and opened again at the end. Takes up to 52
 /// seconds; call it on a thread that may wait.
 ///
-/// The result tells whether the database is open again and the channel counted; false at once
-/// when a text of the job is null. Whether the refresh itself succeeded is told by the store's
-/// error field, which is 0 then: it is cleared at the start. `result` is given what came of it.
+/// Returns whether the database is open again and the channel counted; false at once when a text
+/// of the job is null. The store's error field, which is cleared at the start, has the code of the
+/// refresh's failure, and `result` how it ended.
 bool updateChannel(const RefreshTarget &target, const RefreshJob &job,
                    RefreshResult *result = nullptr);
 

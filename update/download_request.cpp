@@ -6,7 +6,6 @@
 #include "platform/sync/pause.h"
 #include "platform/sync/wait_any.h"
 #include "update/channel_file.h"
-#include "update/request_file.h"
 
 #include <fcntl.h>
 
@@ -14,7 +13,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int signalPause = 100; // ms, between the request's being written and its being told
+constexpr int signalPause = 100; // ms, between writing the request and setting its event
 
 void writeRequest(const DeviceRoot &device, const RefreshJob &job) {
     const QString path = requestFilePath(device);
@@ -49,7 +48,7 @@ DownloadAnswer DownloadAnswers::wait(std::chrono::milliseconds timeout, int inpu
     return DownloadAnswer::TimedOut;
 }
 
-bool requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAnswers &answers) {
+void requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAnswers &answers) {
     {
         const RequestTurn turn(device);
         writeRequest(device, job);
@@ -58,7 +57,6 @@ bool requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAn
     }
     Pause(signalPause);
     NamedEvent(device, requestEvent, NamedEvent::Reset::Manual).set();
-    return true;
 }
 
 } // namespace tidebrook

@@ -21,7 +21,7 @@ enum class DownloadAnswer {
 };
 
 /// The two events by which the downloader answers, held open by a process that waits for them: an
-/// answer that nobody holds them for is gone. For one thread, one request after another.
+/// answer is lost while no process holds its event open. For one thread, one request after another.
 class DownloadAnswers {
 public:
     explicit DownloadAnswers(const DeviceRoot &device);
@@ -42,8 +42,8 @@ private:
 
 /// Asks the downloader to update a channel now: writes the one request file, which so holds only
 /// the latest request, and sets the event "RSS_NONAUTODL", with a pause between the two. What
-/// `answers` get from then on is the answer to this request. True also when writing failed: the
-/// downloader then finds no request and says so.
-bool requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAnswers &answers);
+/// `answers` get from then on is the answer to this request. When writing failed, the downloader
+/// finds no request and answers with a failure.
+void requestDownload(const DeviceRoot &device, const RefreshJob &job, DownloadAnswers &answers);
 
 } // namespace tidebrook

@@ -44,8 +44,6 @@ RequestTurn::RequestTurn(const DeviceRoot &device) : mutex_(device, u"UpdateChan
     mutex_.lock(longestTurn);
 }
 
-RequestTurn::~RequestTurn() { mutex_.unlock(); }
-
 bool answerDownload(const DeviceRoot &device, Registry &registry, const RequestFile &request,
                     quint32 code) {
     NamedEvent answer(device, code == 0 ? doneEvent : failedEvent, NamedEvent::Reset::Auto);

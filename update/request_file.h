@@ -43,15 +43,12 @@ private:
     std::optional<RefreshJob> job_;
 };
 
-/// Held while a request is written, and from the look whether one is still the latest until its
-/// answer is given: so the writer of a newer one does not get that answer. A process that
-/// was stopped or killed meanwhile keeps the others waiting for a moment only.
+/// Held while a request is written, and while one that is still the latest is answered: so the
+/// writer of a newer one does not get that answer. A process that was stopped or killed meanwhile
+/// blocks the others for half a second at most.
 class RequestTurn {
 public:
     explicit RequestTurn(const DeviceRoot &device);
-    ~RequestTurn();
-    RequestTurn(const RequestTurn &) = delete;
-    RequestTurn &operator=(const RequestTurn &) = delete;
 
 private:
     NamedMutex mutex_;

@@ -16,9 +16,9 @@ struct TodayTap {
     QString title;
 };
 
-/// Takes the tap that is waiting, if there is one: it is told by the event "CLKTODAY", and by the
-/// Today item's values "CATEGORY", "CHANNEL" and "TITLE". One that lacks a text is taken and comes
-/// to nothing. Does not wait.
+/// Takes the tap that is waiting, if there is one: the event "CLKTODAY" reports it, and the Today
+/// item's values "CATEGORY", "CHANNEL" and "TITLE" describe it. One that lacks a text is taken and
+/// ignored. Does not wait.
 std::optional<TodayTap> takeTodayTap(const DeviceRoot &device, Registry &registry,
                                      const QString &todayItemKey);
 

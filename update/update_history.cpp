@@ -20,6 +20,10 @@ QDateTime after(const QDateTime &moment, std::chrono::seconds time) {
     return moment.addSecs(time.count());
 }
 
+bool hasStatus(const HttpAnswer &answer, int status) {
+    return answer.progress == HttpProgress::Complete && answer.status == status;
+}
+
 // How long a feed that has failed this often in a row is left alone.
 std::chrono::seconds backOff(int failures) {
     std::chrono::seconds time = firstBackOff;
@@ -63,13 +67,10 @@ QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now) 
 }
 
 bool asksToBeLeftAlone(const HttpAnswer &answer) {
-    return isOverloaded(answer) ||
-           (answer.progress == HttpProgress::Complete && answer.status == unavailable);
+    return isOverloaded(answer) || hasStatus(answer, unavailable);
 }
 
-bool isOverloaded(const HttpAnswer &answer) {
-    return answer.progress == HttpProgress::Complete && answer.status == tooManyRequests;
-}
+bool isOverloaded(const HttpAnswer &answer) { return hasStatus(answer, tooManyRequests); }
 
 QDateTime retryAfter(const HttpAnswer &answer, const QDateTime &now) {
     if (asksToBeLeftAlone(answer) && answer.retryAfter > 0s)

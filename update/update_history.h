@@ -25,12 +25,11 @@ bool asksToBeLeftAlone(const HttpAnswer &answer);
 /// Whether it has had too much of this program, and not only of this feed.
 bool isOverloaded(const HttpAnswer &answer);
 
-/// Remembers how a refresh that a user has asked for ended. Whatever was held against the feed is
-/// forgotten.
+/// Remembers how a refresh that a user has asked for ended. The feed's failures are forgotten.
 void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
 
-/// Remembers an attempt of a round that reached no server at all: nothing is held against the
-/// feed, and it has not had its turn.
+/// Remembers an attempt of a round that reached no server at all: it counts as no failure, and the
+/// feed has not had its turn.
 void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
 
 /// Remembers that the feed's server has asked to be left alone, before the feed had its turn.

@@ -75,7 +75,7 @@ bool UpdateRun::updateListed(const QString &category, const QString &channel) {
     const DownloadAnswer answer = request(job);
     if (isFailure(answer))
         return false;
-    // Who does not wait for a channel wants the next one at once, not this one's counts.
+    // A user who ends the wait wants the next channel at once, not this one's counts.
     if (answer == DownloadAnswer::Done) {
         ReadFlagCounts counts;
         parts_.store.PublishTotalUnread();
@@ -88,7 +88,7 @@ bool UpdateRun::updateListed(const QString &category, const QString &channel) {
 DownloadAnswer UpdateRun::request(const RefreshJob &job) {
     if (parts_.interrupt.isStopped())
         return DownloadAnswer::Input;
-    // One that cannot be started is told by the time-out.
+    // Where it cannot be started, the request times out.
     activateService(parts_.device);
     requestDownload(parts_.device, job, answers_);
     parts_.interrupt.clear();

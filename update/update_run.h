@@ -22,8 +22,8 @@ struct UpdateParts {
     std::chrono::milliseconds answerTimeout = usualAnswerTimeout; ///< for each request
 };
 
-/// What an update run tells while it is under way, on its own thread. All of them are set. Names
-/// are told as they were cut.
+/// What an update run reports while it is under way, on its own thread. All of them are set. Names
+/// are passed as they were cut.
 struct UpdateObserver {
     /// Of a category: the channel at `index` (from 0) of `count` is in hand.
     std::function<void(int index, int count)> stepped;
@@ -48,11 +48,11 @@ class UpdateRun {
 public:
     UpdateRun(const UpdateParts &parts, const UpdateObserver &observer);
 
-    /// A channel of which no address is to be had is none to update: nothing is told of it.
+    /// A channel without an address is left out: nothing is reported of it.
     bool updateChannel(const QString &category, const QString &channel);
 
     /// Ends with the first channel that fails. One that is deleted meanwhile is passed over, and
-    /// of one whose wait the user ends the counts are not told.
+    /// of one whose wait the user ends the counts are not reported.
     bool updateCategory(const QString &category);
 
 private:

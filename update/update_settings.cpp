@@ -6,15 +6,13 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int nothingChosen = -1;
-
 std::optional<quint32> read(SettingsStore &settings, QStringView key, QStringView name) {
     quint32 value = 0;
     return settings.RegReadDword(key, name, value) ? std::optional(value) : std::nullopt;
 }
 
 quint32 storedChoice(std::optional<int> choice) {
-    return static_cast<quint32>(choice.value_or(nothingChosen));
+    return static_cast<quint32>(choice.value_or(-1));
 }
 
 quint32 storedMode(std::optional<int> mode) {
@@ -46,24 +44,18 @@ bool saveTodayPage(const DeviceRoot &device, SettingsStore &settings, QStringVie
 
 AutoUpdatePageValues readAutoUpdatePage(SettingsStore &settings) {
     AutoUpdatePageValues values;
-    const auto mode = read(settings, programKey, u"UpdateMode");
-    if (!mode)
-        return values;
-    values.mode = static_cast<int>(*mode);
-    const auto interval = read(settings, programKey, u"UpdateInterval");
-    if (!interval)
-        return values;
-    values.interval = static_cast<int>(*interval - 1);
-    const auto time = read(settings, programKey, u"UpdateTime");
-    if (!time)
-        return values;
-    values.time = static_cast<int>(*time);
-    const auto needsCradle = read(settings, programKey, u"ACTOPTION");
-    if (!needsCradle)
-        return values;
-    values.needsCradle = *needsCradle != 0;
-    if (const auto noRoaming = read(settings, programKey, u"NoRoaming"))
-        values.noRoaming = *noRoaming != 0;
+    bool areRead = true;
+    const auto readNext = [&](QStringView name, auto &value, quint32 base = 0) {
+        const auto stored = areRead ? read(settings, programKey, name) : std::nullopt;
+        areRead = stored.has_value();
+        if (stored)
+            value = static_cast<std::decay_t<decltype(*value)>>(*stored - base);
+    };
+    readNext(u"UpdateMode", values.mode);
+    readNext(u"UpdateInterval", values.interval, 1);
+    readNext(u"UpdateTime", values.time);
+    readNext(u"ACTOPTION", values.needsCradle);
+    readNext(u"NoRoaming", values.noRoaming);
     return values;
 }
 

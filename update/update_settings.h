@@ -9,7 +9,7 @@
 
 namespace tidebrook {
 
-/// Tells a Today item to reload what it shows and whether it is shown: auto reset, and kept only
+/// Has a Today item reload what it shows and whether it is shown: auto reset, and kept only
 /// while a Today item holds it open.
 inline constexpr QStringView todayItemsEvent = u"TODAYITEMS";
 
@@ -33,8 +33,8 @@ struct AutoUpdatePageValues {
 /// missing, and counts as not read then.
 TodayPageValues readTodayPage(SettingsStore &settings, QStringView todayKey);
 
-/// Stores and flushes both (nothing chosen as -1), and tells the Today item when "Enabled" was
-/// stored. False when not everything could be.
+/// Stores and flushes both (nothing chosen as -1), and has the Today item reload when "Enabled" was
+/// stored. False when one of them could not be stored.
 bool saveTodayPage(const DeviceRoot &device, SettingsStore &settings, QStringView todayKey,
                    const TodayPageValues &values);
 
