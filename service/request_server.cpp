@@ -37,7 +37,8 @@ void RequestServer::serveLatest() {
 
 void RequestServer::work() {
     while (const std::optional<RequestFile> request = takeNewest()) {
-        const RefreshResult result = serve(*request);
+        const RefreshResult result =
+            request->job() ? update(*request->job()) : RefreshResult{NothingKnown, 0, {}, false};
         {
             // Before the answer, after which the same file may be requested again.
             const std::lock_guard lock(mutex_);
@@ -61,10 +62,6 @@ std::optional<RequestFile> RequestServer::takeNewest() {
     waiting_.pop_back();
     underWay_.push_back(request);
     return request;
-}
-
-RefreshResult RequestServer::serve(const RequestFile &request) {
-    return request.job() ? update(*request.job()) : RefreshResult{NothingKnown, 0, {}, false};
 }
 
 void RequestServer::note(const RequestFile &request, const RefreshResult &result) {

@@ -33,7 +33,6 @@ public:
 private:
     void work();
     std::optional<RequestFile> takeNewest();
-    RefreshResult serve(const RequestFile &request);
     void note(const RequestFile &request, const RefreshResult &result);
     RefreshResult update(const RefreshJob &job);
 
