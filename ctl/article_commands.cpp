@@ -21,16 +21,15 @@ QString shown(const QString &text) { return text.startsWith(missingText) ? QStri
 } // namespace
 
 QString listedTitle(CommandDevice &device, const QString &channel, const QString &title) {
-    const auto guard = device.store.lock();
-    if (!device.store.ListArticles(channel, SortMode::Date))
+    QList<ArticleRow> articles;
+    if (!device.store.ListArticles(channel, SortMode::Date, articles))
         return title;
     QString found = title;
-    for (const ArticleRow &article : device.store.takeArticleRows()) {
-        const QString listed = article.titleText();
-        if (listed == title)
+    for (const ArticleRow &article : std::as_const(articles)) {
+        if (article.title == title)
             return title;
-        if (printable(listed) == title)
-            found = listed;
+        if (printable(article.title) == title)
+            found = article.title;
     }
     return found;
 }
@@ -42,12 +41,12 @@ int runArticles(CommandDevice &device, const Arguments &arguments) {
         return failUsage(QStringLiteral("there is no order \"%1\"").arg(arguments.order));
     if (!device.hasChannel(channel))
         return ExitFailed;
-    const auto guard = device.store.lock();
-    if (!device.store.ListArticles(channel, *mode))
+    QList<ArticleRow> articles;
+    if (!device.store.ListArticles(channel, *mode, articles))
         return failStore(device);
-    for (const ArticleRow &article : device.store.takeArticleRows())
-        printFields({article.isRead() ? QStringLiteral("r") : QStringLiteral("u"),
-                     article.publicationDateText(), article.titleText()});
+    for (const ArticleRow &article : std::as_const(articles))
+        printFields({article.isRead ? QStringLiteral("r") : QStringLiteral("u"),
+                     article.publicationDate, article.title});
     return ExitDone;
 }
 
@@ -56,7 +55,7 @@ int runShow(CommandDevice &device, const Arguments &arguments) {
     if (!device.hasChannel(channel))
         return ExitFailed;
     const QString title = listedTitle(device, channel, arguments.operands[1]);
-    ArticleDetail detail;
+    ArticleExtract detail;
     const bool isMarked = device.store.GetArticleDetail(channel, title, detail);
     // Every stored article has a link, be it only the mark of a missing one.
     if (detail.itemLink.isEmpty())

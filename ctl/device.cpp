@@ -51,9 +51,10 @@ std::optional<QList<ListedChannel>> CommandDevice::channels(const QString &categ
     const auto guard = store.lock();
     QList<ListedChannel> listed;
     for (const QString &name : category.isNull() ? categories() : QStringList{category}) {
-        bool isRead = store.ListChannels(escapedCategory(name));
-        for (const ChannelRow &row : store.takeChannelRows()) {
-            ListedChannel channel{row.nameText(), name, {}, row.unread, row.total};
+        QList<ChannelRow> rows;
+        bool isRead = store.ListChannels(escapedCategory(name), rows);
+        for (const ChannelRow &row : std::as_const(rows)) {
+            ListedChannel channel{row.name, name, {}, row.unread, row.total};
             isRead = isRead && store.GetChannelLink(name, channel.name, channel.link);
             listed.append(channel);
         }

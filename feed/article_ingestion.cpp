@@ -46,19 +46,13 @@ ArticleIngestion::ArticleIngestion(SqlCommand &command, const QString &channelNa
                                    const QString &category)
     : command_(command), channelName_(escapedChannelName(channelName)), category_(category) {}
 
-bool ArticleIngestion::execute() {
-    command_.setText(statement_);
-    lastStatus_ = command_.execute();
-    return lastStatus_ != ExecuteStatus::Failed;
-}
-
 qint64 ArticleIngestion::oldestKept() { return ingestionClock(articleLifeDays); }
 
 bool ArticleIngestion::pruneChannel() {
-    statement_ = QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1' and TIMESTAMP < "
-                                "'%2' ")
-                     .arg(channelName_, QString::number(oldestKept()));
-    return execute();
+    const QString statement =
+        QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1' and TIMESTAMP < '%2' ")
+            .arg(channelName_, QString::number(oldestKept()));
+    return command_.execute(statement) != SqliteStep::Failed;
 }
 
 bool ArticleIngestion::insertItem(ItemRecord item) {
@@ -78,10 +72,9 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote) ||
         hasLoneQuote(category_))
         return false;
-    statement_ = insertStatement(articleOf(item, date));
-    const bool isIngested = execute();
-    storedCount_ += lastStatus_ == ExecuteStatus::Done ? 1 : 0;
-    return isIngested;
+    const SqliteStep ended = command_.execute(insertStatement(articleOf(item, date)));
+    storedCount_ += ended == SqliteStep::Done ? 1 : 0;
+    return ended != SqliteStep::Failed;
 }
 
 ArticleRecord ArticleIngestion::articleOf(const ItemRecord &item, const QString &date) const {

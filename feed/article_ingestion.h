@@ -2,7 +2,7 @@
 
 #include "feed/feed_records.h"
 #include "platform/sql/sql.h"
-#include "store/article_record.h"
+#include "store/records.h"
 
 #include <QString>
 
@@ -32,14 +32,11 @@ public:
     int storedCount() const { return storedCount_; }
 
 private:
-    bool execute();
     ArticleRecord articleOf(const ItemRecord &item, const QString &date) const;
 
     SqlCommand &command_;
     const QString channelName_; // escaped
     const QString category_;
-    QString statement_;
-    ExecuteStatus lastStatus_ = ExecuteStatus::Done;
     int storedCount_ = 0;
 };
 

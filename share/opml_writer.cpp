@@ -12,11 +12,6 @@ namespace tidebrook {
 
 namespace {
 
-struct Outline {
-    QString name;
-    QString link;
-};
-
 // A document with a character that XML does not have would be refused by every reader.
 QString xmlText(QString text) {
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -40,35 +35,32 @@ bool isIn(FeedStore &store, const QString &category, const QString &channel) {
 }
 
 // Nothing when a part of it cannot be read.
-std::optional<QList<Outline>> outlinesOf(FeedStore &store, const QString &category,
-                                         const QString &channel) {
+std::optional<QList<ChannelRecord>> channelsOf(FeedStore &store, const QString &category,
+                                               const QString &channel) {
     const auto guard = store.lock(); // not while the file is written
-    QList<Outline> outlines;
-    if (!channel.isNull()) {
-        if (!isIn(store, category, channel))
+    QList<ChannelRow> rows{{channel}};
+    const bool isListed = channel.isNull() ? store.ListChannels(escapedCategory(category), rows)
+                                           : isIn(store, category, channel);
+    if (!isListed)
+        return std::nullopt;
+    QList<ChannelRecord> channels;
+    for (const ChannelRow &row : std::as_const(rows)) {
+        QString link;
+        if (!store.GetChannelLink(category, row.name, link))
             return std::nullopt;
-        outlines.append({channel, {}});
-    } else {
-        if (!store.ListChannels(escapedCategory(category)))
-            return std::nullopt;
-        for (const ChannelRow &row : store.takeChannelRows())
-            outlines.append({row.nameText(), {}});
+        channels.append({category, row.name, link});
     }
-    for (Outline &outline : outlines) {
-        if (!store.GetChannelLink(category, outline.name, outline.link))
-            return std::nullopt;
-    }
-    return outlines;
+    return channels;
 }
 
-void writeOutline(QXmlStreamWriter &writer, const Outline &outline) {
+void writeOutline(QXmlStreamWriter &writer, const ChannelRecord &channel) {
     writer.writeEmptyElement(QStringLiteral("outline"));
-    writer.writeAttribute(QStringLiteral("text"), xmlText(outline.name));
+    writer.writeAttribute(QStringLiteral("text"), xmlText(channel.channelName));
     writer.writeAttribute(QStringLiteral("type"), QStringLiteral("link"));
-    writer.writeAttribute(QStringLiteral("url"), xmlText(outline.link));
+    writer.writeAttribute(QStringLiteral("url"), xmlText(channel.channelLink));
 }
 
-QByteArray documentOf(const QString &category, const QList<Outline> &outlines) {
+QByteArray documentOf(const QString &category, const QList<ChannelRecord> &channels) {
     QByteArray document;
     QXmlStreamWriter writer(&document);
     writer.setAutoFormatting(true);
@@ -81,8 +73,8 @@ QByteArray documentOf(const QString &category, const QList<Outline> &outlines) {
     writer.writeStartElement(QStringLiteral("body"));
     writer.writeStartElement(QStringLiteral("outline"));
     writer.writeAttribute(QStringLiteral("text"), xmlText(category));
-    for (const Outline &outline : outlines)
-        writeOutline(writer, outline);
+    for (const ChannelRecord &channel : channels)
+        writeOutline(writer, channel);
     writer.writeEndDocument();
     return document;
 }
@@ -93,8 +85,8 @@ bool exportOpml(FeedStore &store, const QString &category, const QString &channe
                 const QString &path) {
     if (category.isNull() || path.isNull())
         return false;
-    const std::optional<QList<Outline>> outlines = outlinesOf(store, category, channel);
-    return outlines && replaceFile(path, documentOf(category, *outlines), Readers::Usual);
+    const std::optional<QList<ChannelRecord>> channels = channelsOf(store, category, channel);
+    return channels && replaceFile(path, documentOf(category, *channels), Readers::Usual);
 }
 
 } // namespace tidebrook

@@ -17,10 +17,6 @@ bool CategoryListStore::readCount(quint32 &count) {
     return settings_.RegReadDword(programKey, countName, count);
 }
 
-bool CategoryListStore::commit(Registry::Batch &batch) {
-    return batch.commit() && settings_.registry().flush();
-}
-
 bool CategoryListStore::ReadCategoryList(CategoryList &list) {
     list.clear();
     quint32 count = 0;
@@ -57,22 +53,27 @@ std::optional<QStringList> CategoryListStore::listedCategories() {
     return list;
 }
 
-bool CategoryListStore::AddCategory(const QString &name) {
+bool CategoryListStore::change(const QString &name,
+                               const std::function<bool(quint32 count)> &work) {
     if (name.isNull())
         return false;
     Registry::Batch batch(settings_.registry());
     quint32 count = 0;
     if (!batch.isOpen())
         return false;
-    if (!readCount(count)) {
-        commit(batch); // the count that the read has made
+    const bool hasCount = readCount(count); // a read without a count makes one, which is kept
+    if (hasCount && !work(count))
         return false;
-    }
-    quint32 data = 0;
-    if (settings_.RegReadDword(categoriesKey, name, data))
-        return false;
-    // The read has made the value; only a value of another type is not a category now.
-    return settings_.RegWriteDword(programKey, countName, count + 1) && commit(batch);
+    return batch.commit() && settings_.registry().flush() && hasCount;
+}
+
+bool CategoryListStore::AddCategory(const QString &name) {
+    return change(name, [&](quint32 count) {
+        quint32 data = 0;
+        // A read without a value makes it; only a value of another type is not a category then.
+        return !settings_.RegReadDword(categoriesKey, name, data) &&
+               settings_.RegWriteDword(programKey, countName, count + 1);
+    });
 }
 
 bool CategoryListStore::ensureListed(const QString &name) {
@@ -82,18 +83,10 @@ bool CategoryListStore::ensureListed(const QString &name) {
 }
 
 bool CategoryListStore::DeleteCategory(const QString &name) {
-    if (name.isNull())
-        return false;
-    Registry::Batch batch(settings_.registry());
-    quint32 count = 0;
-    if (!batch.isOpen())
-        return false;
-    if (!readCount(count)) {
-        commit(batch); // the count that the read has made
-        return false;
-    }
-    return settings_.registry().remove(categoriesKey, name) &&
-           settings_.RegWriteDword(programKey, countName, qMax(count, 1U) - 1) && commit(batch);
+    return change(name, [&](quint32 count) {
+        return settings_.registry().remove(categoriesKey, name) &&
+               settings_.RegWriteDword(programKey, countName, qMax(count, 1U) - 1);
+    });
 }
 
 } // namespace tidebrook

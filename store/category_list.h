@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace tidebrook {
@@ -44,7 +45,7 @@ public:
 
 private:
     bool readCount(quint32 &count);
-    bool commit(Registry::Batch &batch);
+    bool change(const QString &name, const std::function<bool(quint32 count)> &work);
 
     SettingsStore settings_;
 };

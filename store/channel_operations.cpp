@@ -21,7 +21,7 @@ bool FeedStore::InsertChannel(const ChannelRecord &record, QString *storedName) 
     const auto guard = lock();
     if (!session_)
         return recordFailure(false);
-    SqlCommand command = newCommand();
+    SqlCommand command(*session_);
     return insertChannel(command, record, storedName);
 }
 
@@ -33,76 +33,71 @@ bool FeedStore::insertChannel(SqlCommand &command, const ChannelRecord &record,
     const QString category = escapedCategory(record.category);
     QString name = withoutDropped(cutText(record.channelName, channelNameCapacity));
     const auto insert = [&] {
-        statement_ = QStringLiteral("INSERT INTO RSSCHRecord VALUES ('%1', '%2', 0, 0, '")
-                         .arg(category, escapedChannelName(name)) +
-                     link + QStringLiteral("', NULL, NULL, NULL)");
-        command.setText(statement_);
-        return command.execute();
+        return command.execute(QStringLiteral("INSERT INTO RSSCHRecord VALUES ('%1', '%2', 0, 0, '")
+                                   .arg(category, escapedChannelName(name)) +
+                               link + QStringLiteral("', NULL, NULL, NULL)"));
     };
-    ExecuteStatus status = insert();
-    if (status == ExecuteStatus::IntegrityViolation && name.size() < suffixableNameLength) {
+    SqliteStep status = insert();
+    if (status == SqliteStep::IntegrityViolation && name.size() < suffixableNameLength) {
         name += u'-' + QString::number(QRandomGenerator::global()->bounded(suffixLimit));
         status = insert();
     }
-    if (status == ExecuteStatus::IntegrityViolation)
+    if (status == SqliteStep::IntegrityViolation)
         return false;
-    if (status != ExecuteStatus::Done)
+    if (status != SqliteStep::Done)
         return recordFailure(false);
     if (storedName)
         *storedName = name;
     return true;
 }
 
-bool FeedStore::ListChannels(const QString &escapedCategory) {
+bool FeedStore::ListChannels(const QString &escapedCategory, QList<ChannelRow> &channels) {
     const auto guard = lock();
-    beginList(sizeof(ChannelRow));
-    return query(QStringLiteral("SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSCHRecord "
-                                "WHERE CATEGORY = '%1'")
-                     .arg(escapedCategory),
-                 [this](SqlCommand &command) { return ReadChannelRows(command); });
+    return ReadChannelRows(
+        QStringLiteral("SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSCHRecord "
+                       "WHERE CATEGORY = '%1'")
+            .arg(escapedCategory),
+        channels);
 }
 
 bool FeedStore::FindCategory(const QString &name, QString &category) {
     const auto guard = lock();
     category = QString();
-    return query(QStringLiteral("SELECT CATEGORY FROM RSSCHRecord WHERE CHANNEL_NAME='%1'")
-                     .arg(escapedChannelName(name)),
-                 [&](SqlCommand &command) {
-                     return readRows(command, [&](const SqlRowset &rows) {
-                         category = TrimTrailingBlanks(rows.text(0)).toString();
-                         return false;
-                     });
-                 });
+    return readRows(QStringLiteral("SELECT CATEGORY FROM RSSCHRecord WHERE CHANNEL_NAME='%1'")
+                        .arg(escapedChannelName(name)),
+                    [&](const SqliteStatement &row) {
+                        category = TrimTrailingBlanks(row.text(0)).toString();
+                        return false;
+                    });
 }
 
 bool FeedStore::ListChannelCategories(QStringList &categories) {
     const auto guard = lock();
     categories.clear();
-    return query(QStringLiteral("SELECT DISTINCT CATEGORY FROM RSSCHRecord"),
-                 [&](SqlCommand &command) {
-                     return readRows(command, [&](const SqlRowset &rows) {
-                         categories.append(TrimTrailingBlanks(rows.text(0)).toString());
-                         return true;
-                     });
-                 });
+    return readRows(QStringLiteral("SELECT DISTINCT CATEGORY FROM RSSCHRecord"),
+                    [&](const SqliteStatement &row) {
+                        categories.append(TrimTrailingBlanks(row.text(0)).toString());
+                        return true;
+                    });
 }
 
 bool FeedStore::GetChannelLink(const QString &category, const QString &name, QString &link) {
     const auto guard = lock();
     link.clear();
-    return query(QStringLiteral("SELECT CHANNEL_LINK FROM RSSCHRecord WHERE CATEGORY = '%1' and "
-                                "CHANNEL_NAME='%2'")
-                     .arg(escapedCategory(category), escapedChannelName(name)),
-                 [this, &link](SqlCommand &command) { return ReadChannelLink(command, link); });
+    return ReadChannelLink(
+        QStringLiteral("SELECT CHANNEL_LINK FROM RSSCHRecord WHERE CATEGORY = '%1' and "
+                       "CHANNEL_NAME='%2'")
+            .arg(escapedCategory(category), escapedChannelName(name)),
+        link);
 }
 
 bool FeedStore::SetChannelLink(const QString &name, const QString &link) {
     return changeAndReopen([&] {
         const QStringView trimmed = TrimTrailingBlanks(cutText(link, linkCapacity));
         return isSafeLink(link) &&
-               runStatement(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_LINK = '%1' WHERE "
-                                           "CHANNEL_NAME='%2'")
-                                .arg(trimmed, escapedChannelName(name)));
+               ExecuteNonQuery(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_LINK = '%1' WHERE "
+                                              "CHANNEL_NAME='%2'")
+                                   .arg(trimmed, escapedChannelName(name)));
     });
 }
 
@@ -111,12 +106,12 @@ bool FeedStore::RenameChannel(const QString &old, const QString &to) {
         // The articles first: when the name is taken they have it already, and the channel not.
         const QString newName = escapedChannelName(to);
         const QString oldName = escapedChannelName(old);
-        return runStatement(QStringLiteral("UPDATE RSSRecord SET CHANNEL_NAME = '%1' WHERE "
-                                           "CHANNEL_NAME='%2'")
-                                .arg(newName, oldName)) &&
-               runStatement(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_NAME = '%1' WHERE "
-                                           "CHANNEL_NAME='%2'")
-                                .arg(newName, oldName));
+        return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET CHANNEL_NAME = '%1' WHERE "
+                                              "CHANNEL_NAME='%2'")
+                                   .arg(newName, oldName)) &&
+               ExecuteNonQuery(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_NAME = '%1' WHERE "
+                                              "CHANNEL_NAME='%2'")
+                                   .arg(newName, oldName));
     });
 }
 
@@ -124,10 +119,10 @@ bool FeedStore::MoveChannel(const QString &name, const QString &category) {
     return changeAndReopen([&] {
         const QString newCategory = escapedCategory(category);
         const QString channel = escapedChannelName(name);
-        return runStatement(
+        return ExecuteNonQuery(
                    QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
                        .arg(newCategory, channel)) &&
-               runStatement(
+               ExecuteNonQuery(
                    QStringLiteral("UPDATE RSSCHRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
                        .arg(newCategory, channel));
     });
@@ -135,36 +130,30 @@ bool FeedStore::MoveChannel(const QString &name, const QString &category) {
 
 bool FeedStore::DeleteChannel(const QString &name) {
     const QString channel = escapedChannelName(name);
-    return runStatements(
+    return executeAll(
         {QStringLiteral("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%1'").arg(channel),
          QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(channel)});
 }
 
 bool FeedStore::RecountChannel(const QString &escapedName, ReadFlagCounts *counts) {
-    const auto guard = lock();
-    if (!session_)
-        return recordFailure(false);
-    SqliteTransaction transaction(*session_);
-    int unread = 0;
-    int total = 0;
-    const bool isCounted =
-        transaction.isOpen() &&
-        query(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1' and "
-                             "READ_UNREAD = 0")
-                  .arg(escapedName),
-              [&](SqlCommand &command) { return CountRows(command, unread); }) &&
-        query(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1'")
-                  .arg(escapedName),
-              [&](SqlCommand &command) { return CountRows(command, total); });
-    const bool isDone =
-        isCounted &&
-        runStatement(QStringLiteral("UPDATE RSSCHRecord SET NUM_OF_UNREAD='%1', TOTAL_ITEMS='%2' "
-                                    "WHERE CHANNEL_NAME='%3'")
-                         .arg(QString::number(unread), QString::number(total), escapedName)) &&
-        transaction.commit();
+    ReadFlagCounts counted;
+    const bool isDone = changeWhole([&] {
+        return CountRows(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1' "
+                                        "and READ_UNREAD = 0")
+                             .arg(escapedName),
+                         counted.unread) &&
+               CountRows(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1'")
+                             .arg(escapedName),
+                         counted.total) &&
+               ExecuteNonQuery(
+                   QStringLiteral("UPDATE RSSCHRecord SET NUM_OF_UNREAD='%1', TOTAL_ITEMS='%2' "
+                                  "WHERE CHANNEL_NAME='%3'")
+                       .arg(QString::number(counted.unread), QString::number(counted.total),
+                            escapedName));
+    });
     if (isDone && counts)
-        *counts = {unread, total};
-    return recordFailure(isDone);
+        *counts = counted;
+    return isDone;
 }
 
 bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts &counts) {
@@ -172,19 +161,19 @@ bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts
     counts = {};
     ReadFlagCounts stored;
     bool isYoung = true;
-    const auto tally = [&](const SqlRowset &rows) {
+    const auto tally = [&](const SqliteStatement &row) {
         ++counts.total;
-        counts.unread += rows.integer(0) == 0 ? 1 : 0;
-        isYoung = isYoung && rows.integer(1) >= oldestKept;
-        stored = {static_cast<int>(rows.integer(2)), static_cast<int>(rows.integer(3))};
+        counts.unread += row.integer(0) == 0 ? 1 : 0;
+        isYoung = isYoung && row.integer(1) >= oldestKept;
+        stored = {static_cast<int>(row.integer(2)), static_cast<int>(row.integer(3))};
         return true;
     };
-    const bool isRead = query(
+    const bool isRead = readRows(
         QStringLiteral("SELECT READ_UNREAD, TIMESTAMP, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSRecord "
                        "JOIN RSSCHRecord ON RSSCHRecord.CHANNEL_NAME = RSSRecord.CHANNEL_NAME "
                        "WHERE RSSCHRecord.CHANNEL_NAME = '%1'")
             .arg(escapedChannelName(name)),
-        [&](SqlCommand &command) { return readRows(command, tally); });
+        tally);
     return isRead && isYoung && stored.unread == counts.unread && stored.total == counts.total;
 }
 
@@ -192,8 +181,7 @@ bool FeedStore::PublishTotalUnread() {
     qint64 sum = 0;
     {
         const auto guard = lock();
-        if (!query(QStringLiteral("SELECT NUM_OF_UNREAD FROM RSSCHRecord"),
-                   [&](SqlCommand &command) { return SumUnread(command, sum); }))
+        if (!SumUnread(QStringLiteral("SELECT NUM_OF_UNREAD FROM RSSCHRecord"), sum))
             return false;
     }
     // The database is free for others while the registry is waited for.
@@ -203,7 +191,7 @@ bool FeedStore::PublishTotalUnread() {
 bool FeedStore::MoveCategory(const QString &from, const QString &to) {
     const QString old = escapedCategory(from);
     const QString category = escapedCategory(to);
-    return runStatements(
+    return executeAll(
         {QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME IN "
                         "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%2')")
              .arg(category, old),
@@ -213,7 +201,7 @@ bool FeedStore::MoveCategory(const QString &from, const QString &to) {
 
 bool FeedStore::DeleteCategoryChannels(const QString &category) {
     const QString old = escapedCategory(category);
-    return runStatements(
+    return executeAll(
         {QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME IN "
                         "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%1')")
              .arg(old),

@@ -19,18 +19,18 @@ constexpr QStringView databaseName = u"RSSVault.sdf";
 constexpr QStringView unfinishedName = u"\\Temp\\RSSVault-new.sdf";
 constexpr QStringView creationLock = u"\\run\\create.lock";
 
-constexpr char16_t articleTable[] =
-    u"CREATE TABLE RSSRecord (CHANNEL_NAME NCHAR(51), GUID NCHAR(256) UNIQUE, TITLE NCHAR(256), "
-    u"ITEM_LINK NVARCHAR(513), DESCRIPTION NVARCHAR(3999), PUBDATE NCHAR(40), READ_UNREAD BIT, "
-    u"TIMESTAMP BIGINT, CATEGORY NCHAR(40))";
-constexpr char16_t channelTable[] =
-    u"CREATE TABLE RSSCHRecord (CATEGORY NCHAR(40), CHANNEL_NAME NCHAR(51)  PRIMARY KEY, "
-    u"NUM_OF_UNREAD SMALLINT, TOTAL_ITEMS SMALLINT, CHANNEL_LINK NVARCHAR(513), "
-    u"IMAGE_TITLE NVARCHAR(40), IMAGE_URL NVARCHAR(256), IMAGE_LINK NVARCHAR(513))";
-constexpr char16_t articleIndex[] =
-    u"CREATE UNIQUE INDEX PK_RECORD on RSSRecord (CHANNEL_NAME ASC, TITLE ASC)";
-constexpr char16_t channelIndex[] =
-    u"CREATE UNIQUE INDEX PK_CHRD on RSSCHRecord (CATEGORY ASC, CHANNEL_NAME ASC)";
+constexpr char articleTable[] =
+    "CREATE TABLE RSSRecord (CHANNEL_NAME NCHAR(51), GUID NCHAR(256) UNIQUE, TITLE NCHAR(256), "
+    "ITEM_LINK NVARCHAR(513), DESCRIPTION NVARCHAR(3999), PUBDATE NCHAR(40), READ_UNREAD BIT, "
+    "TIMESTAMP BIGINT, CATEGORY NCHAR(40))";
+constexpr char channelTable[] =
+    "CREATE TABLE RSSCHRecord (CATEGORY NCHAR(40), CHANNEL_NAME NCHAR(51)  PRIMARY KEY, "
+    "NUM_OF_UNREAD SMALLINT, TOTAL_ITEMS SMALLINT, CHANNEL_LINK NVARCHAR(513), "
+    "IMAGE_TITLE NVARCHAR(40), IMAGE_URL NVARCHAR(256), IMAGE_LINK NVARCHAR(513))";
+constexpr char articleIndex[] =
+    "CREATE UNIQUE INDEX PK_RECORD on RSSRecord (CHANNEL_NAME ASC, TITLE ASC)";
+constexpr char channelIndex[] =
+    "CREATE UNIQUE INDEX PK_CHRD on RSSCHRecord (CATEGORY ASC, CHANNEL_NAME ASC)";
 
 // What a killed process was building; no other process builds while the lock is held.
 void removeUnfinished(const DeviceRoot &device) {
@@ -97,9 +97,9 @@ bool FeedStore::OpenExisting() {
     return recordFailure(session_ != nullptr);
 }
 
+// Builds the database aside and puts it in place whole. Nothing is left behind after a failure.
 bool FeedStore::CreateDatabase() {
-    const auto guard = lock();
-    ReleaseSession();
+    session_.reset();
     const QString path = device_.filePath(databaseName);
     if (!device_.isDevice() || !device_.makeFolders())
         return recordFailure(false);
@@ -126,17 +126,16 @@ bool FeedStore::CreateDatabase() {
 quint32 FeedStore::buildDatabase(SqliteDatabase &database) {
     SqliteTransaction transaction(database);
     SqlCommand command(database);
-    const auto run = [this, &command](const char16_t *statement) {
-        statement_ = QString::fromUtf16(statement);
-        return ExecuteNonQuery(command);
+    const auto run = [&](const char *statement) {
+        return command.execute(QString::fromLatin1(statement)) == SqliteStep::Done;
     };
     if (!run(articleTable) || !run(channelTable))
         return DatabaseFailed;
-    const std::optional<QList<SeedChannel>> seed = readSeedChannels(device_);
+    const std::optional<QList<ChannelRecord>> seed = readSeedChannels(device_);
     if (!seed)
         return SeedFileMissing;
-    for (const SeedChannel &channel : *seed) {
-        if (!insertChannel(command, {channel.category, channel.name, channel.link}, nullptr))
+    for (const ChannelRecord &channel : *seed) {
+        if (!insertChannel(command, channel, nullptr))
             return DatabaseFailed;
     }
     // Only now, so that the seed is held to the columns' own constraints alone.
@@ -144,19 +143,16 @@ quint32 FeedStore::buildDatabase(SqliteDatabase &database) {
     return isBuilt ? 0U : quint32{DatabaseFailed};
 }
 
-bool FeedStore::ReleaseSession() {
+void FeedStore::ReleaseSession() {
     const auto guard = lock();
     session_.reset();
-    return true;
 }
 
-bool FeedStore::Close() {
+void FeedStore::Close() {
     const auto guard = lock();
     isEnded_ = true;
-    return ReleaseSession();
+    session_.reset();
 }
-
-SqlCommand FeedStore::newCommand() { return SqlCommand(*session_); }
 
 bool FeedStore::recordFailure(bool isDone) {
     if (!isDone)
@@ -185,16 +181,21 @@ bool FeedStore::changeAndReopen(const std::function<bool()> &work) {
     return isDone;
 }
 
-bool FeedStore::changeAtOnce(const std::function<void(SqlCommand &)> &work) {
+// All that `work` changes, or nothing.
+bool FeedStore::changeWhole(const std::function<bool()> &work) {
     const auto guard = lock();
     if (!session_)
         return recordFailure(false);
     SqliteTransaction transaction(*session_);
-    if (!transaction.isOpen())
-        return recordFailure(false);
-    SqlCommand command = newCommand();
-    work(command);
-    return recordFailure(transaction.commit());
+    return recordFailure(transaction.isOpen() && work() && transaction.commit());
+}
+
+bool FeedStore::changeAtOnce(const std::function<void(SqlCommand &)> &work) {
+    return changeWhole([&] {
+        SqlCommand command(*session_);
+        work(command);
+        return true;
+    });
 }
 
 } // namespace tidebrook

@@ -4,9 +4,10 @@
 #include "platform/sql/registry.h"
 #include "platform/sql/sql.h"
 #include "store/escape_sql.h"
-#include "store/rows.h"
+#include "store/records.h"
 #include "store/settings_store.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -14,31 +15,9 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace tidebrook {
-
-/// A channel that is being inserted. Longer texts are cut to the capacities of the names: 40, 50
-/// and 512 characters.
-struct ChannelRecord {
-    QString category;
-    QString channelName;
-    QString channelLink;
-};
-
-/// What is kept of an article besides its title.
-struct ArticleDetail {
-    QString publicationDate; // YYYY-MM-DD, or empty
-    QString description;     // markup as the feed sent it
-    QString itemLink;
-};
-
-/// The same, as it is saved and sent.
-using ArticleExtract = ArticleDetail;
-
-struct ReadFlagCounts {
-    int unread = 0;
-    int total = 0;
-};
 
 /// The orders of an article list.
 enum class SortMode {
@@ -58,8 +37,8 @@ enum class SortMode {
 /// A name is a category of 40, a channel of 50 or a title of 255 UTF-16 units at most; more is
 /// cut. Quotes and any other character are welcome in names; a link with a quote is refused.
 ///
-/// Thread-safe: every operation takes the store's lock. A caller that lists and then walks the
-/// rows, or reads `error()` after an operation, holds `lock()` over both.
+/// Thread-safe: every operation takes the store's lock. A caller that reads `error()` after an
+/// operation, or needs several operations as one, holds `lock()` over them.
 class FeedStore {
 public:
     /// The parts outlive the store. `todayItemKey` is the registry key of the Today item.
@@ -80,15 +59,13 @@ public:
     /// be opened, or is no such database, stays as it is; the code is 1001. Without the seed file
     /// nothing is created; the code is 1006.
     bool Open();
+    /// The same for a database that is there.
     bool OpenExisting();
-    /// Builds the database aside and puts it in place whole. False, with nothing left behind,
-    /// when a part of it failed.
-    bool CreateDatabase();
     /// Closes the file. An operation that ends by opening it anew does so all the same; every other
-    /// one fails until the next Open. Always true.
-    bool ReleaseSession();
-    /// Ends the store for good: nothing opens it again. Always true.
-    bool Close();
+    /// one fails until the next Open.
+    void ReleaseSession();
+    /// Ends the store for good: nothing opens it again.
+    void Close();
 
     // --- channels ---
 
@@ -97,9 +74,8 @@ public:
     /// the name under which it was stored. A name or link that is refused is none of the database's
     /// failures, and has no code.
     bool InsertChannel(const ChannelRecord &record, QString *storedName = nullptr);
-    /// Lists a category's channels into the row buffer; `escapedCategory` has been through
-    /// EscapeSql. At most 606 rows.
-    bool ListChannels(const QString &escapedCategory);
+    /// The channels of a category, 606 at most; `escapedCategory` has been through EscapeSql.
+    bool ListChannels(const QString &escapedCategory, QList<ChannelRow> &channels);
     /// The category that a channel is in; null when there is no such channel.
     bool FindCategory(const QString &name, QString &category);
     /// Every category that any channel is in.
@@ -111,12 +87,12 @@ public:
     bool RenameChannel(const QString &old, const QString &to);
     bool MoveChannel(const QString &name, const QString &category);
     bool DeleteChannel(const QString &name);
-    /// Counts a channel's articles anew, and tells what it counted.
+    /// Counts a channel's articles anew, and stores the counts.
     bool RecountChannel(const QString &escapedName, ReadFlagCounts *counts = nullptr);
     /// Whether a channel's counts are right, and it has no article stamped before `oldestKept`:
-    /// pruning and counting it would then change nothing. Tells what it counted.
+    /// pruning and counting it would then change nothing. `counts` is what was counted.
     bool IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts &counts);
-    /// Tells the Today item the sum of all unread counts.
+    /// Stores the sum of all unread counts for the Today item.
     bool PublishTotalUnread();
 
     /// Moves every channel of one category, with its articles, to another: all or none.
@@ -126,27 +102,17 @@ public:
 
     // --- articles ---
 
-    /// Lists a channel's articles into the row buffer. At most 110 rows.
-    bool ListArticles(const QString &channel, SortMode mode);
+    /// A channel's articles, 110 at most.
+    bool ListArticles(const QString &channel, SortMode mode, QList<ArticleRow> &articles);
     /// Reads an article and marks it read. `detail` is empty when there is no such article. It is
     /// filled also when only the marking failed.
-    bool GetArticleDetail(const QString &channel, const QString &title, ArticleDetail &detail);
+    bool GetArticleDetail(const QString &channel, const QString &title, ArticleExtract &detail);
     /// Reads an article and leaves it as it is. False when there is no such article.
     bool GetArticleExtract(const QString &channel, const QString &title, ArticleExtract &extract);
     bool MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle);
     bool MarkChannelRead(const QString &channel);
     bool MarkChannelUnread(const QString &channel);
     bool CountReadFlags(const QString &category, const QString &channel, ReadFlagCounts &counts);
-
-    // --- rows ---
-
-    /// Copies a row of the last list into `out`, which has the size of such a row: the next one
-    /// for index -1, else the one of that index. False behind the last row.
-    bool NextRow(void *out, int index = -1);
-
-    /// The rows of the last list, from the cursor to the end.
-    QList<ChannelRow> takeChannelRows();
-    QList<ArticleRow> takeArticleRows();
 
     // --- for those who bring articles in ---
 
@@ -159,31 +125,34 @@ public:
 private:
     static constexpr std::size_t rowBufferSize = 65536;
 
-    bool ExecuteNonQuery(SqlCommand &command);
-    bool ReadChannelRows(SqlCommand &command);
-    bool ReadArticleRows(SqlCommand &command);
-    bool ReadArticleDetail(SqlCommand &command, ArticleDetail &detail, bool &isFound);
-    bool selectArticle(const QString &escapedChannel, const QString &escapedTitle,
-                       ArticleDetail &detail, bool &isFound);
-    bool ReadChannelLink(SqlCommand &command, QString &link);
-    bool CountRows(SqlCommand &command, int &count);
-    bool SumUnread(SqlCommand &command, qint64 &sum);
-    bool CountReadFlags(SqlCommand &command, ReadFlagCounts &counts);
-    bool readRows(SqlCommand &command, const std::function<bool(const SqlRowset &)> &takeRow);
-
-    template <class Row> QList<Row> takeRows();
-    void beginList(quint32 rowWidth);
-    bool putRow(const void *row);
-    SqlCommand newCommand();
-    bool query(const QString &statement, const std::function<bool(SqlCommand &)> &executor);
-    bool runStatement(const QString &statement);
-    bool recordFailure(bool isDone);
+    bool CreateDatabase();
+    quint32 buildDatabase(SqliteDatabase &database);
     void reopen();
+    bool recordFailure(bool isDone);
+
+    bool ExecuteNonQuery(const QString &statement);
+    bool executeAll(const QStringList &statements);
+    bool changeWhole(const std::function<bool()> &work);
     bool changeAndReopen(const std::function<bool()> &work);
     bool insertChannel(SqlCommand &command, const ChannelRecord &record, QString *storedName);
-    quint32 buildDatabase(SqliteDatabase &database);
-    bool runStatements(const QStringList &statements);
     bool markChannel(const QString &channel, int readFlag);
+
+    bool readRows(const QString &statement,
+                  const std::function<bool(const SqliteStatement &)> &takeRow,
+                  const QByteArray &orderOfEquals = {});
+    bool ReadChannelRows(const QString &statement, QList<ChannelRow> &channels);
+    bool ReadArticleRows(const QString &statement, QList<ArticleRow> &articles);
+    bool ReadArticleDetail(const QString &statement, std::optional<ArticleExtract> &article);
+    bool selectArticle(const QString &escapedChannel, const QString &escapedTitle,
+                       std::optional<ArticleExtract> &article);
+    bool ReadChannelLink(const QString &statement, QString &link);
+    bool CountRows(const QString &statement, int &count);
+    bool SumUnread(const QString &statement, qint64 &sum);
+    bool CountReadFlags(const QString &statement, ReadFlagCounts &counts);
+
+    void beginList(std::size_t rowWidth);
+    bool putRow(const void *row);
+    bool NextRow(void *row);
 
     mutable std::recursive_mutex mutex_; // guards everything below
     const DeviceRoot device_;
@@ -193,11 +162,10 @@ private:
     quint32 error_ = 0;
     bool isEnded_ = false;
     std::unique_ptr<SqliteDatabase> session_; // null while closed
-    QString statement_;                       // the one being run
-    std::array<char, rowBufferSize> rows_{};
-    quint32 rowCursor_ = 0; // index of the next row to hand out
-    quint32 rowWidth_ = 0;  // bytes
-    quint32 rowsFilled_ = 0;
+    std::array<char, rowBufferSize> rows_{};  // of the list that is being read
+    std::size_t rowWidth_ = 0;                // bytes
+    std::size_t rowsFilled_ = 0;
+    std::size_t rowCursor_ = 0; // index of the next row to hand out
 };
 
 } // namespace tidebrook

@@ -9,16 +9,33 @@ namespace tidebrook {
 
 namespace {
 
-constexpr qsizetype untypedCapacity = 40; // of a column that is declared as no text
+constexpr int untypedCapacity = 40; // of a column that is declared as no text
 
-// A value that fills its column loses its last character on the way out, and so fits the
-// callers' buffers.
-QString columnText(const SqlRowset &rows, int column) {
-    const SqlColumn &type = rows.columns()[static_cast<std::size_t>(column)];
-    const qsizetype capacity =
-        type.type == SqlColumn::Type::Text ? type.declaredSize - 1 : untypedCapacity;
-    const QString text = rows.text(column);
-    return TrimTrailingBlanks(cutText(text, capacity)).toString();
+// Dates have no time of day. Within one refresh, which has one stamp, a feed's newest comes first.
+constexpr char newestFirst[] = "TIMESTAMP DESC, rowid";
+
+// A row of a list as it stands in the row buffer. A text that does not fill its place is followed
+// by zeros.
+struct StoredChannel {
+    char16_t name[channelNameCapacity];
+    qint32 unread;
+    qint32 total;
+};
+static_assert(sizeof(StoredChannel) == 108);
+
+struct StoredArticle {
+    char16_t title[titleCapacity];
+    char16_t publicationDate[40];
+    quint16 read;
+};
+static_assert(sizeof(StoredArticle) == 592);
+
+// A value that fills its column loses its last character on the way out, and so fits the row
+// buffer.
+QString columnText(const SqliteStatement &row, int column) {
+    const int length = row.declaredLength(column);
+    const QString text = row.text(column);
+    return TrimTrailingBlanks(cutText(text, length > 0 ? length - 1 : untypedCapacity)).toString();
 }
 
 template <std::size_t capacity> void copyText(const QString &text, char16_t (&out)[capacity]) {
@@ -26,52 +43,32 @@ template <std::size_t capacity> void copyText(const QString &text, char16_t (&ou
     std::copy_n(fitting.utf16(), fitting.size(), out);
 }
 
-} // namespace
-
-bool FeedStore::ExecuteNonQuery(SqlCommand &command) {
-    if (statement_.isEmpty())
-        return false;
-    command.setText(statement_);
-    return command.execute() == ExecuteStatus::Done;
+template <std::size_t capacity> QString textOf(const char16_t (&stored)[capacity]) {
+    return QStringView(stored).toString(); // up to a zero, or all of it
 }
 
-bool FeedStore::runStatement(const QString &statement) {
-    if (!session_)
-        return recordFailure(false);
-    statement_ = statement;
-    SqlCommand command = newCommand();
-    return ExecuteNonQuery(command);
+} // namespace
+
+bool FeedStore::ExecuteNonQuery(const QString &statement) {
+    return session_ ? SqlCommand(*session_).execute(statement) == SqliteStep::Done
+                    : recordFailure(false);
 }
 
 // All of them, or none.
-bool FeedStore::runStatements(const QStringList &statements) {
-    const auto guard = lock();
-    if (!session_)
-        return recordFailure(false);
-    SqliteTransaction transaction(*session_);
-    const bool isDone = transaction.isOpen() &&
-                        std::all_of(statements.begin(), statements.end(),
-                                    [this](const QString &one) { return runStatement(one); });
-    return recordFailure(isDone && transaction.commit());
+bool FeedStore::executeAll(const QStringList &statements) {
+    return changeWhole([&] {
+        return std::all_of(statements.begin(), statements.end(),
+                           [this](const QString &one) { return ExecuteNonQuery(one); });
+    });
 }
 
-bool FeedStore::query(const QString &statement, const std::function<bool(SqlCommand &)> &executor) {
+// `takeRow` returns whether it wants another row.
+bool FeedStore::readRows(const QString &statement,
+                         const std::function<bool(const SqliteStatement &)> &takeRow,
+                         const QByteArray &orderOfEquals) {
     if (!session_)
         return recordFailure(false);
-    statement_ = statement;
-    SqlCommand command = newCommand();
-    return executor(command);
-}
-
-// `takeRow` answers whether it wants another row.
-bool FeedStore::readRows(SqlCommand &command,
-                         const std::function<bool(const SqlRowset &)> &takeRow) {
-    if (statement_.isEmpty())
-        return false;
-    command.setText(statement_);
-    SqlRowset rows;
-    if (command.execute(rows) != ExecuteStatus::Done)
-        return false;
+    SqliteStatement rows = SqlCommand(*session_).query(statement, orderOfEquals);
     while (rows.next()) {
         if (!takeRow(rows))
             return true;
@@ -79,11 +76,10 @@ bool FeedStore::readRows(SqlCommand &command,
     return !rows.failed();
 }
 
-void FeedStore::beginList(quint32 rowWidth) {
-    rowCursor_ = 0;
+void FeedStore::beginList(std::size_t rowWidth) {
     rowWidth_ = rowWidth;
     rowsFilled_ = 0;
-    rows_.fill(0);
+    rowCursor_ = 0;
 }
 
 bool FeedStore::putRow(const void *row) {
@@ -94,99 +90,85 @@ bool FeedStore::putRow(const void *row) {
     return true;
 }
 
-bool FeedStore::ReadChannelRows(SqlCommand &command) {
-    return readRows(command, [this](const SqlRowset &rows) {
-        ChannelRow row{};
-        copyText(columnText(rows, 0), row.name);
-        row.unread = static_cast<qint32>(rows.integer(1));
-        row.total = static_cast<qint32>(rows.integer(2));
-        return putRow(&row);
-    });
+bool FeedStore::NextRow(void *row) {
+    if (rowCursor_ == rowsFilled_)
+        return false;
+    std::memcpy(row, rows_.data() + rowCursor_ * rowWidth_, rowWidth_);
+    ++rowCursor_;
+    return true;
 }
 
-bool FeedStore::ReadArticleRows(SqlCommand &command) {
+bool FeedStore::ReadChannelRows(const QString &statement, QList<ChannelRow> &channels) {
+    beginList(sizeof(StoredChannel));
+    const bool isRead = readRows(statement, [this](const SqliteStatement &row) {
+        StoredChannel channel{};
+        copyText(columnText(row, 0), channel.name);
+        channel.unread = static_cast<qint32>(row.integer(1));
+        channel.total = static_cast<qint32>(row.integer(2));
+        return putRow(&channel);
+    });
+    channels.clear();
+    for (StoredChannel channel{}; NextRow(&channel);)
+        channels.append({textOf(channel.name), channel.unread, channel.total});
+    return isRead;
+}
+
+bool FeedStore::ReadArticleRows(const QString &statement, QList<ArticleRow> &articles) {
+    beginList(sizeof(StoredArticle));
     // Column 0 is the timestamp, which no list shows.
-    return readRows(command, [this](const SqlRowset &rows) {
-        ArticleRow row{};
-        copyText(columnText(rows, 1), row.title);
-        copyText(columnText(rows, 2), row.publicationDate);
-        row.read = static_cast<quint16>(rows.integer(3) & 1);
-        return putRow(&row);
-    });
+    const auto putArticle = [this](const SqliteStatement &row) {
+        StoredArticle article{};
+        copyText(columnText(row, 1), article.title);
+        copyText(columnText(row, 2), article.publicationDate);
+        article.read = static_cast<quint16>(row.integer(3) & 1);
+        return putRow(&article);
+    };
+    const bool isRead = readRows(statement, putArticle, newestFirst);
+    articles.clear();
+    for (StoredArticle article{}; NextRow(&article);)
+        articles.append(
+            {textOf(article.title), textOf(article.publicationDate), article.read == 1});
+    return isRead;
 }
 
-bool FeedStore::ReadArticleDetail(SqlCommand &command, ArticleDetail &detail, bool &isFound) {
-    isFound = false;
-    return readRows(command, [&](const SqlRowset &rows) {
-        isFound = true;
-        detail = {columnText(rows, 0), columnText(rows, 1), columnText(rows, 2)};
+bool FeedStore::ReadArticleDetail(const QString &statement,
+                                  std::optional<ArticleExtract> &article) {
+    return readRows(statement, [&](const SqliteStatement &row) {
+        article = {columnText(row, 0), columnText(row, 1), columnText(row, 2)};
         return false;
     });
 }
 
-bool FeedStore::ReadChannelLink(SqlCommand &command, QString &link) {
-    return readRows(command, [&link](const SqlRowset &rows) {
-        link = columnText(rows, 0);
+bool FeedStore::ReadChannelLink(const QString &statement, QString &link) {
+    return readRows(statement, [&](const SqliteStatement &row) {
+        link = columnText(row, 0);
         return false;
     });
 }
 
-bool FeedStore::CountRows(SqlCommand &command, int &count) {
+bool FeedStore::CountRows(const QString &statement, int &count) {
     count = 0;
-    return readRows(command, [&count](const SqlRowset &) {
+    return readRows(statement, [&](const SqliteStatement &) {
         ++count;
         return true;
     });
 }
 
-bool FeedStore::SumUnread(SqlCommand &command, qint64 &sum) {
+bool FeedStore::SumUnread(const QString &statement, qint64 &sum) {
     sum = 0;
-    return readRows(command, [&sum](const SqlRowset &rows) {
-        sum += rows.integer(0);
+    return readRows(statement, [&](const SqliteStatement &row) {
+        sum += row.integer(0);
         return true;
     });
 }
 
-bool FeedStore::CountReadFlags(SqlCommand &command, ReadFlagCounts &counts) {
+bool FeedStore::CountReadFlags(const QString &statement, ReadFlagCounts &counts) {
     counts = {};
-    return readRows(command, [&counts](const SqlRowset &rows) {
+    return readRows(statement, [&](const SqliteStatement &row) {
         ++counts.total;
-        counts.unread += (rows.integer(0) & 1) == 0 ? 1 : 0;
+        counts.unread += (row.integer(0) & 1) == 0 ? 1 : 0;
         return true;
     });
 }
-
-bool FeedStore::NextRow(void *out, int index) {
-    const auto guard = lock();
-    if (!out || index < -1 || rowWidth_ == 0)
-        return false;
-    const quint64 row = index == -1 ? rowCursor_ : static_cast<quint64>(index);
-    if ((row + 1) * rowWidth_ >= rowBufferSize)
-        return false;
-    const char *begin = rows_.data() + row * rowWidth_;
-    const bool isEnd = std::all_of(begin, begin + rowWidth_, [](char byte) { return byte == 0; });
-    if (isEnd)
-        return false;
-    std::memcpy(out, begin, rowWidth_);
-    if (index == -1)
-        ++rowCursor_;
-    return true;
-}
-
-template <class Row> QList<Row> FeedStore::takeRows() {
-    const auto guard = lock();
-    QList<Row> rows;
-    for (; rowWidth_ == sizeof(Row) && rowCursor_ < rowsFilled_; ++rowCursor_) {
-        // A row of zeros is none to NextRow; among the filled ones it is a channel without a name.
-        Row row{};
-        NextRow(&row, static_cast<int>(rowCursor_));
-        rows.append(row);
-    }
-    return rows;
-}
-
-QList<ChannelRow> FeedStore::takeChannelRows() { return takeRows<ChannelRow>(); }
-
-QList<ArticleRow> FeedStore::takeArticleRows() { return takeRows<ArticleRow>(); }
 
 } // namespace tidebrook

@@ -27,11 +27,11 @@ QString field(const QList<QStringView> &fields, qsizetype index, qsizetype capac
 
 } // namespace
 
-std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
+std::optional<QList<ChannelRecord>> readSeedChannels(const DeviceRoot &device) {
     const std::optional<QString> text = readSeedFile(device);
     if (!text)
         return std::nullopt;
-    QList<SeedChannel> channels;
+    QList<ChannelRecord> channels;
     QList<QStringView> lines = QStringView(*text).split(u'\n');
     if (lines.last().isEmpty()) // what is behind the last line's end is no line
         lines.removeLast();
@@ -41,8 +41,9 @@ std::optional<QList<SeedChannel>> readSeedChannels(const DeviceRoot &device) {
         if (line.isEmpty()) // an empty line is no channel
             continue;
         const QList<QStringView> fields = line.split(u'\t');
-        channels.append({field(fields, 0, channelNameCapacity), field(fields, 1, linkCapacity),
-                         field(fields, 2, categoryCapacity)});
+        channels.append({.category = field(fields, 2, categoryCapacity),
+                         .channelName = field(fields, 0, channelNameCapacity),
+                         .channelLink = field(fields, 1, linkCapacity)});
     }
     return channels;
 }

@@ -4,7 +4,9 @@
 
 namespace tidebrook {
 
-QString todayItemKey(const QString &itemName) { return todayItemsKey + itemName; }
+QString todayItemKey(const QString &itemName) {
+    return u"Software\\Microsoft\\Today\\Items\\" + itemName;
+}
 
 bool SettingsStore::RegReadDword(QStringView key, QStringView name, quint32 &out) {
     const std::optional<RegistryValue> value = registry_.read(key, name);
@@ -24,15 +26,15 @@ bool SettingsStore::RegWriteDword(QStringView key, QStringView name, quint32 val
     return setDword(key, name, value) && registry_.flush();
 }
 
-quint32 SettingsStore::dword(QStringView key, QStringView name, quint32 valueWhenMissing) {
-    const std::optional<RegistryValue> value = registry_.read(key, name);
-    const quint32 *number = value ? std::get_if<quint32>(&*value) : nullptr;
-    return number ? *number : valueWhenMissing;
+quint32 SettingsStore::dword(QStringView key, QStringView name) {
+    const RegistryValue value = registry_.read(key, name).value_or(quint32{0});
+    const quint32 *number = std::get_if<quint32>(&value);
+    return number ? *number : 0;
 }
 
 QString SettingsStore::text(QStringView key, QStringView name, qsizetype capacity) {
-    const std::optional<RegistryValue> value = registry_.read(key, name);
-    const QString *text = value ? std::get_if<QString>(&*value) : nullptr;
+    const RegistryValue value = registry_.read(key, name).value_or(QString());
+    const QString *text = std::get_if<QString>(&value);
     return text ? cutText(*text, capacity).toString() : QString();
 }
 

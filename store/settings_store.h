@@ -11,8 +11,7 @@ namespace tidebrook {
 inline constexpr QStringView programKey = u"Software\\Tamrel\\Feedlark";
 /// The key of the list of categories.
 inline constexpr QStringView categoriesKey = u"Software\\Tamrel\\Feedlark\\Categories";
-/// The key of the Today item: this, followed by the item's name.
-inline constexpr QStringView todayItemsKey = u"Software\\Microsoft\\Today\\Items\\";
+/// The key of the Today item.
 QString todayItemKey(const QString &itemName);
 /// The keys of the two platform values that are read: "Cradled" and "Status".
 inline constexpr QStringView hardwareStateKey = u"System\\State\\Hardware";
@@ -33,8 +32,8 @@ public:
     /// Writes a DWORD and flushes it.
     bool RegWriteDword(QStringView key, QStringView name, quint32 value);
 
-    /// Reads a DWORD without making it.
-    quint32 dword(QStringView key, QStringView name, quint32 valueWhenMissing = 0);
+    /// Reads a DWORD without making it; 0 when there is none.
+    quint32 dword(QStringView key, QStringView name);
 
     /// Reads a text of at most `capacity` characters; empty when there is none.
     QString text(QStringView key, QStringView name, qsizetype capacity);

@@ -54,7 +54,7 @@ bool UpdateStateStore::open() {
         path_, {.create = true, .syncEveryCommit = false, .busyTimeout = 2000});
     return database_ && (database_->prepare(insertion) ||
                          (database_->run(QByteArray("CREATE TABLE update_states (") + layout +
-                                         ") WITHOUT ROWID") == SqliteStep::Done &&
+                                         ") WITHOUT ROWID") &&
                           database_->prepare(insertion)));
 }
 
@@ -74,7 +74,7 @@ QHash<QString, UpdateState> UpdateStateStore::readAll() {
     if (!database_)
         return states;
     SqliteStatement query = database_->prepare("SELECT * FROM update_states");
-    while (query && query.step() == SqliteStep::Row)
+    while (query.next())
         states.insert(query.text(0), stateOf(query));
     return states;
 }
@@ -97,34 +97,19 @@ bool UpdateStateStore::change(const QString &channelName,
 }
 
 UpdateState UpdateStateStore::read(const QByteArray &channelName) {
-    SqliteStatement query = database_->prepare("SELECT * FROM update_states WHERE channel = ?");
-    if (!query)
-        return {};
-    query.bind(1, channelName);
-    return query.step() == SqliteStep::Row ? stateOf(query) : UpdateState();
+    SqliteStatement query =
+        database_->prepare("SELECT * FROM update_states WHERE channel = ?", {channelName});
+    return query.next() ? stateOf(query) : UpdateState();
 }
 
 bool UpdateStateStore::write(const QByteArray &channelName, const UpdateState &state) {
-    const QByteArray url = state.url.toUtf8();
-    const QByteArray etag = storedBytes(state.validators.etag);
-    const QByteArray lastModified = storedBytes(state.validators.lastModified);
-    SqliteStatement insert = database_->prepare(insertion);
-    if (!insert)
-        return false;
-    insert.bind(1, channelName);
-    insert.bind(2, url);
-    insert.bind(3, secondsOf(state.lastAttempt));
-    insert.bind(4, secondsOf(state.lastTurn));
-    insert.bind(5, secondsOf(state.lastSuccess));
-    insert.bind(6, qint64{state.lastError});
-    insert.bind(7, qint64{state.wasUnchanged});
-    insert.bind(8, qint64{state.storedCount});
-    insert.bind(9, qint64{state.failures});
-    insert.bind(10, secondsOf(state.leftAloneUntil));
-    insert.bind(11, etag);
-    insert.bind(12, lastModified);
-    insert.bind(13, qint64{state.total});
-    return insert.step() == SqliteStep::Done;
+    return database_->run(insertion,
+                          {channelName, state.url.toUtf8(), secondsOf(state.lastAttempt),
+                           secondsOf(state.lastTurn), secondsOf(state.lastSuccess),
+                           qint64{state.lastError}, qint64{state.wasUnchanged},
+                           qint64{state.storedCount}, qint64{state.failures},
+                           secondsOf(state.leftAloneUntil), storedBytes(state.validators.etag),
+                           storedBytes(state.validators.lastModified), qint64{state.total}});
 }
 
 } // namespace tidebrook

@@ -55,9 +55,10 @@ ChangeEnd LockedSubscriptions::addCategory(const QString &category) {
 }
 
 std::optional<bool> LockedSubscriptions::holdsChannels(const QString &category) {
-    if (!device_.store.ListChannels(escapedCategory(category)))
+    QList<ChannelRow> channels;
+    if (!device_.store.ListChannels(escapedCategory(category), channels))
         return std::nullopt;
-    return !device_.store.takeChannelRows().isEmpty();
+    return !channels.isEmpty();
 }
 
 ChangeEnd LockedSubscriptions::RenameCategory(const QString &old, const QString &name) {

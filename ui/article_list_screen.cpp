@@ -31,20 +31,16 @@ SortMode modeOf(quint32 stored) {
 }
 
 ListRow rowOf(const ArticleRow &article) {
-    return {.text = article.titleText(),
-            .detail = article.publicationDateText(),
-            .image = article.isRead() ? ReadImage : UnreadImage};
+    return {.text = article.title,
+            .detail = article.publicationDate,
+            .image = article.isRead ? ReadImage : UnreadImage};
 }
 
 std::optional<QList<ListRow>> collectArticles(FeedStore &store, const QString &channel,
                                               SortMode mode, FillStop &stop) {
     QList<ArticleRow> articles;
-    {
-        const auto guard = store.lock();
-        if (!store.ListArticles(channel, mode))
-            return std::nullopt;
-        articles = store.takeArticleRows();
-    }
+    if (!store.ListArticles(channel, mode, articles))
+        return std::nullopt;
     return makeRows(articles, stop, &rowOf);
 }
 

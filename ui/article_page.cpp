@@ -11,7 +11,7 @@ bool isMissing(const QString &description) {
 
 } // namespace
 
-QString articlePage(const QString &channel, const QString &title, const ArticleDetail &detail) {
+QString articlePage(const QString &channel, const QString &title, const ArticleExtract &detail) {
     const QString description =
         isMissing(detail.description) ? QStringLiteral(" ") : detail.description;
     return QStringLiteral(

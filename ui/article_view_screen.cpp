@@ -28,12 +28,12 @@ constexpr int zoomOfSmall = 2;
 int zoomOf(const AppState &state) { return zoomOfSmall + fontSizeIndex(state); }
 
 int rowOfTitle(FeedStore &store, const QString &channel, const QString &title, SortMode mode) {
-    const auto guard = store.lock();
-    if (!store.ListArticles(channel, mode))
+    QList<ArticleRow> articles;
+    if (!store.ListArticles(channel, mode, articles))
         return -1;
     int row = 0;
-    for (const ArticleRow &article : store.takeArticleRows()) {
-        if (article.titleText() == cutText(title, titleCapacity))
+    for (const ArticleRow &article : std::as_const(articles)) {
+        if (article.title == cutText(title, titleCapacity))
             return row;
         ++row;
     }
@@ -59,7 +59,7 @@ void ArticleViewScreen::build(Device &device, Building &building) {
     FeedStore &store = device.store;
     if (building.isRowWanted)
         building.row = rowOfTitle(store, building.channel, building.title, building.mode);
-    ArticleDetail detail;
+    ArticleExtract detail;
     if (store.GetArticleDetail(building.channel, building.title, detail))
         building.page = articlePage(building.channel, building.title, detail);
     else

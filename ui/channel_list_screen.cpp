@@ -22,15 +22,16 @@ namespace tidebrook {
 namespace {
 
 // The database may have failed to open when the program started.
-bool listChannels(FeedStore &store, const QString &category) {
+bool listChannels(FeedStore &store, const QString &category, QList<ChannelRow> &channels) {
     const QString escaped = escapedCategory(category);
-    return store.ListChannels(escaped) || (store.Open() && store.ListChannels(escaped));
+    return store.ListChannels(escaped, channels) ||
+           (store.Open() && store.ListChannels(escaped, channels));
 }
 
 QString countsText(int unread, int total) { return QStringLiteral("%1/%2").arg(unread).arg(total); }
 
 ListRow rowOf(const ChannelRow &channel) {
-    return {.text = channel.nameText(),
+    return {.text = channel.name,
             .detail = countsText(channel.unread, channel.total),
             .image = ChannelImage};
 }
@@ -38,12 +39,8 @@ ListRow rowOf(const ChannelRow &channel) {
 std::optional<QList<ListRow>> collectChannels(FeedStore &store, const QString &category,
                                               FillStop &stop) {
     QList<ChannelRow> channels;
-    {
-        const auto guard = store.lock();
-        if (!listChannels(store, category))
-            return std::nullopt;
-        channels = store.takeChannelRows();
-    }
+    if (!listChannels(store, category, channels))
+        return std::nullopt;
     return makeRows(channels, stop, &rowOf);
 }
 

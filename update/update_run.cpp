@@ -56,10 +56,11 @@ bool UpdateRun::updateCategory(const QString &category) {
 
 bool UpdateRun::listChannels(const QString &category, QStringList &names) {
     const auto guard = parts_.store.lock();
-    if (!parts_.store.ListChannels(escapedCategory(category)))
+    QList<ChannelRow> channels;
+    if (!parts_.store.ListChannels(escapedCategory(category), channels))
         return fail(parts_.store.error());
-    for (const ChannelRow &row : parts_.store.takeChannelRows())
-        names.append(row.nameText());
+    for (const ChannelRow &channel : channels)
+        names.append(channel.name);
     return true;
 }
 

@@ -6,10 +6,11 @@ namespace {
 
 enum StoredType { StoredDword = 4, StoredText = 1 };
 
-RegistryValue valueOf(const SqliteStatement &row, int typeColumn, int dataColumn) {
-    if (row.integer(typeColumn) == StoredDword)
-        return static_cast<quint32>(row.integer(dataColumn));
-    return row.text(dataColumn);
+// Of a row that begins with the type and the data.
+RegistryValue valueOf(const SqliteStatement &row) {
+    if (row.integer(0) == StoredDword)
+        return static_cast<quint32>(row.integer(1));
+    return row.text(1);
 }
 
 } // namespace
@@ -35,7 +36,7 @@ bool Registry::open() {
         database_->prepare("SELECT path, name, type, data FROM registry_values") ||
         database_->run("CREATE TABLE IF NOT EXISTS registry_values ("
                        "id INTEGER PRIMARY KEY, path TEXT NOT NULL, name TEXT NOT NULL, "
-                       "type INTEGER NOT NULL, data, UNIQUE (path, name))") == SqliteStep::Done;
+                       "type INTEGER NOT NULL, data, UNIQUE (path, name))");
     if (!hasTable) {
         error_ = database_->lastError();
         database_.reset();
@@ -47,19 +48,10 @@ Registry::~Registry() = default;
 
 std::optional<RegistryValue> Registry::read(QStringView key, QStringView name) {
     const std::lock_guard lock(mutex_);
-    if (!open())
-        return std::nullopt;
-    const QByteArray path = key.toUtf8();
-    const QByteArray valueName = name.toUtf8();
     SqliteStatement query =
-        database_->prepare("SELECT type, data FROM registry_values WHERE path = ? AND name = ?");
-    if (!query)
-        return std::nullopt;
-    query.bind(1, path);
-    query.bind(2, valueName);
-    if (query.step() != SqliteStep::Row)
-        return std::nullopt;
-    return valueOf(query, 0, 1);
+        prepare("SELECT type, data FROM registry_values WHERE path = ? AND name = ?",
+                {key.toUtf8(), name.toUtf8()});
+    return query.next() ? std::optional(valueOf(query)) : std::nullopt;
 }
 
 bool Registry::write(QStringView key, QStringView name, const RegistryValue &value) {
@@ -75,58 +67,35 @@ bool Registry::create(QStringView key, QStringView name, const RegistryValue &va
 bool Registry::insert(QStringView key, QStringView name, const RegistryValue &value,
                       const QByteArray &onConflict) {
     const std::lock_guard lock(mutex_);
-    if (!open())
-        return false;
-    const QByteArray path = key.toUtf8();
-    const QByteArray valueName = name.toUtf8();
-    SqliteStatement statement = database_->prepare(
-        "INSERT INTO registry_values (path, name, type, data) VALUES (?, ?, ?, ?) " + onConflict);
-    if (!statement)
-        return false;
-    statement.bind(1, path);
-    statement.bind(2, valueName);
-    QByteArray text;
-    if (const quint32 *number = std::get_if<quint32>(&value)) {
-        statement.bind(3, StoredDword);
-        statement.bind(4, qint64{*number});
-    } else {
-        text = std::get<QString>(value).toUtf8();
-        statement.bind(3, StoredText);
-        statement.bind(4, text);
-    }
-    return statement.step() == SqliteStep::Done;
+    const quint32 *number = std::get_if<quint32>(&value);
+    const SqliteValue data =
+        number ? SqliteValue(qint64{*number}) : SqliteValue(std::get<QString>(value).toUtf8());
+    return prepare("INSERT INTO registry_values (path, name, type, data) VALUES (?, ?, ?, ?) " +
+                       onConflict,
+                   {key.toUtf8(), name.toUtf8(), qint64{number ? StoredDword : StoredText}, data})
+               .step() == SqliteStep::Done;
 }
 
 bool Registry::remove(QStringView key, QStringView name) {
     const std::lock_guard lock(mutex_);
-    if (!open())
-        return false;
-    const QByteArray path = key.toUtf8();
-    const QByteArray valueName = name.toUtf8();
     SqliteStatement statement =
-        database_->prepare("DELETE FROM registry_values WHERE path = ? AND name = ? RETURNING id");
-    if (!statement)
-        return false;
-    statement.bind(1, path);
-    statement.bind(2, valueName);
-    return statement.step() == SqliteStep::Row && statement.step() == SqliteStep::Done;
+        prepare("DELETE FROM registry_values WHERE path = ? AND name = ? RETURNING id",
+                {key.toUtf8(), name.toUtf8()});
+    return statement.next() && statement.step() == SqliteStep::Done;
 }
 
 std::optional<QList<Registry::NamedValue>> Registry::values(QStringView key) {
     const std::lock_guard lock(mutex_);
-    if (!open())
-        return std::nullopt;
-    const QByteArray path = key.toUtf8();
-    SqliteStatement query = database_->prepare(
-        "SELECT name, type, data FROM registry_values WHERE path = ? ORDER BY id");
-    if (!query)
-        return std::nullopt;
-    query.bind(1, path);
+    SqliteStatement query = prepare(
+        "SELECT type, data, name FROM registry_values WHERE path = ? ORDER BY id", {key.toUtf8()});
     QList<NamedValue> found;
-    SqliteStep step = query.step();
-    for (; step == SqliteStep::Row; step = query.step())
-        found.append({query.text(0), valueOf(query, 1, 2)});
-    return step == SqliteStep::Done ? std::optional(found) : std::nullopt;
+    while (query.next())
+        found.append({query.text(2), valueOf(query)});
+    return query.failed() ? std::nullopt : std::optional(found);
+}
+
+SqliteStatement Registry::prepare(const QByteArray &statement, std::vector<SqliteValue> values) {
+    return open() ? database_->prepare(statement, std::move(values)) : SqliteStatement();
 }
 
 bool Registry::flush() {
@@ -136,9 +105,7 @@ bool Registry::flush() {
 
 QStringList Registry::faults() {
     const std::lock_guard lock(mutex_);
-    if (!open())
-        return {error_};
-    return database_->faults();
+    return open() ? database_->faults() : QStringList{error_};
 }
 
 Registry::Batch::Batch(Registry &registry) : lock_(registry.mutex_) {

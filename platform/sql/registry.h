@@ -74,6 +74,7 @@ public:
 
 private:
     bool open();
+    SqliteStatement prepare(const QByteArray &statement, std::vector<SqliteValue> values);
     bool insert(QStringView key, QStringView name, const RegistryValue &value,
                 const QByteArray &onConflict);
 

@@ -180,7 +180,7 @@ private:
     }
 
     // Puts a literal that ends at `end` in the place of its text.
-    void putLiteral(SqlShape::Literal literal, qsizetype end) {
+    void putLiteral(SqliteValue literal, qsizetype end) {
         result_.literals.push_back(std::move(literal));
         flushPlain(position_);
         shape_ += u'?';

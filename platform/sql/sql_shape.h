@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/sql/sqlite_database.h"
+
 #include <QByteArray>
-#include <QString>
 #include <QStringView>
 
 #include <optional>
-#include <variant>
 #include <vector>
 
 namespace tidebrook {
@@ -14,9 +14,8 @@ namespace tidebrook {
 /// literals in order. Statements that differ only in their literals share one shape, so the
 /// shape is what is worth preparing once.
 struct SqlShape {
-    using Literal = std::variant<QByteArray, qint64>; // text as UTF-8, or a whole number
-    QByteArray shape;                                 // UTF-8
-    std::vector<Literal> literals;
+    QByteArray shape; // UTF-8
+    std::vector<SqliteValue> literals;
 };
 
 /// Takes one statement apart. Only the literals of a SELECT, INSERT, UPDATE or DELETE are taken

@@ -29,38 +29,30 @@ bool isOneStatement(const char *tail) { return tail[std::strspn(tail, blanks)] =
 
 } // namespace
 
-SqliteStatement::SqliteStatement(SqliteDatabase &database, sqlite3_stmt *statement,
-                                 const QByteArray &text)
-    : database_(&database), statement_(statement), text_(text) {}
-
-SqliteStatement::SqliteStatement(SqliteStatement &&other) noexcept
-    : database_(other.database_), statement_(std::exchange(other.statement_, nullptr)),
-      text_(std::move(other.text_)) {}
-
-SqliteStatement &SqliteStatement::operator=(SqliteStatement &&other) noexcept {
-    std::swap(database_, other.database_);
-    std::swap(statement_, other.statement_);
-    text_.swap(other.text_);
-    return *this;
+void SqliteStatement::GiveBack::operator()(sqlite3_stmt *statement) const {
+    database->giveBack(text, statement);
 }
 
-SqliteStatement::~SqliteStatement() {
-    if (statement_)
-        database_->giveBack(text_, statement_);
-}
-
-void SqliteStatement::bind(int position, const QByteArray &utf8) {
-    sqlite3_bind_text64(statement_, position, utf8.constData(),
-                        static_cast<sqlite3_uint64>(utf8.size()), SQLITE_STATIC, SQLITE_UTF8);
-}
-
-void SqliteStatement::bind(int position, qint64 number) {
-    sqlite3_bind_int64(statement_, position, number);
+SqliteStatement::SqliteStatement(sqlite3_stmt *statement, const GiveBack &giveBack,
+                                 std::vector<SqliteValue> values)
+    : values_(std::move(values)), statement_(statement, giveBack) {
+    int position = 0;
+    for (const SqliteValue &value : values_) {
+        ++position;
+        if (const qint64 *number = std::get_if<qint64>(&value)) {
+            sqlite3_bind_int64(statement, position, *number);
+            continue;
+        }
+        const QByteArray &text = std::get<QByteArray>(value);
+        sqlite3_bind_text64(statement, position, text.constData(),
+                            static_cast<sqlite3_uint64>(text.size()), SQLITE_STATIC, SQLITE_UTF8);
+    }
 }
 
 SqliteStep SqliteStatement::step() {
-    const int code = sqlite3_step(statement_);
-    switch (code & 0xFF) {
+    if (!statement_)
+        return SqliteStep::Failed;
+    switch (sqlite3_step(statement_.get()) & 0xFF) {
     case SQLITE_ROW:
         return SqliteStep::Row;
     case SQLITE_DONE:
@@ -72,19 +64,29 @@ SqliteStep SqliteStatement::step() {
     }
 }
 
-int SqliteStatement::columnCount() const { return sqlite3_column_count(statement_); }
-
-QByteArray SqliteStatement::declaredType(int column) const {
-    return QByteArray(sqlite3_column_decltype(statement_, column));
+bool SqliteStatement::next() {
+    const SqliteStep ended = step();
+    failed_ = ended != SqliteStep::Row && ended != SqliteStep::Done;
+    return ended == SqliteStep::Row;
 }
 
 QString SqliteStatement::text(int column) const {
-    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement_, column));
-    return QString::fromUtf8(text, sqlite3_column_bytes(statement_, column));
+    sqlite3_stmt *row = statement_.get();
+    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(row, column));
+    return QString::fromUtf8(text, sqlite3_column_bytes(row, column));
 }
 
 qint64 SqliteStatement::integer(int column) const {
-    return sqlite3_column_int64(statement_, column);
+    return sqlite3_column_int64(statement_.get(), column);
+}
+
+int SqliteStatement::declaredLength(int column) const {
+    const QByteArrayView type(sqlite3_column_decltype(statement_.get(), column));
+    const qsizetype bracket = type.indexOf('(');
+    const QByteArrayView name = type.first(qMax(bracket, 0));
+    const bool isText = name.compare("NCHAR", Qt::CaseInsensitive) == 0 ||
+                        name.compare("NVARCHAR", Qt::CaseInsensitive) == 0;
+    return isText ? type.sliced(bracket + 1).chopped(1).toInt() : 0;
 }
 
 std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const Options &options,
@@ -126,33 +128,37 @@ bool SqliteDatabase::configure(const Options &options) {
     // A file that may only be read keeps the journal mode that it has.
     run("PRAGMA journal_mode = WAL");
     return run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
-                                       : "PRAGMA synchronous = NORMAL") == SqliteStep::Done;
+                                       : "PRAGMA synchronous = NORMAL");
 }
 
 // SQLite opens a file lazily: reading the schema is what tells a damaged one, or an empty one,
 // before anything writes to it.
 bool SqliteDatabase::hasSchema() {
     SqliteStatement query = prepare("SELECT count(*) FROM sqlite_master");
-    return query && query.step() == SqliteStep::Row && query.integer(0) > 0;
+    return query.next() && query.integer(0) > 0;
 }
 
-SqliteStatement SqliteDatabase::prepare(const QByteArray &utf8) {
-    if (sqlite3_stmt *idle = idle_.take(utf8))
-        return SqliteStatement(*this, idle, utf8);
+sqlite3_stmt *SqliteDatabase::compile(const QByteArray &utf8) {
     sqlite3_stmt *statement = nullptr;
     const char *tail = nullptr;
     const int size = static_cast<int>(utf8.size()) + 1;
     const int code = sqlite3_prepare_v3(handle_, utf8.constData(), size, SQLITE_PREPARE_PERSISTENT,
                                         &statement, &tail);
     if (code == SQLITE_OK && statement && isOneStatement(tail))
-        return SqliteStatement(*this, statement, utf8);
+        return statement;
     sqlite3_finalize(statement);
-    return {};
+    return nullptr;
 }
 
-SqliteStep SqliteDatabase::run(const QByteArray &utf8) {
-    SqliteStatement statement = prepare(utf8);
-    return statement ? statement.step() : SqliteStep::Failed;
+SqliteStatement SqliteDatabase::prepare(const QByteArray &utf8, std::vector<SqliteValue> values) {
+    sqlite3_stmt *idle = idle_.take(utf8);
+    sqlite3_stmt *statement = idle ? idle : compile(utf8);
+    return statement ? SqliteStatement(statement, {this, utf8}, std::move(values))
+                     : SqliteStatement();
+}
+
+bool SqliteDatabase::run(const QByteArray &utf8, std::vector<SqliteValue> values) {
+    return prepare(utf8, std::move(values)).step() == SqliteStep::Done;
 }
 
 void SqliteDatabase::giveBack(const QByteArray &text, sqlite3_stmt *statement) {
@@ -219,7 +225,7 @@ bool SqliteDatabase::isDamaged(const QString &path) {
     sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
     SqliteDatabase database(handle);
     SqliteStatement check = database.prepare("PRAGMA integrity_check");
-    const bool isChecked = check && check.step() == SqliteStep::Row;
+    const bool isChecked = check.next();
     const int code = sqlite3_errcode(handle) & 0xFF;
     return isChecked ? check.text(0) != u"ok" : code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
 }
@@ -227,36 +233,24 @@ bool SqliteDatabase::isDamaged(const QString &path) {
 QStringList SqliteDatabase::faults() {
     QStringList found;
     SqliteStatement check = prepare("PRAGMA integrity_check");
-    SqliteStep step = check ? check.step() : SqliteStep::Failed;
-    for (; step == SqliteStep::Row; step = check.step()) {
+    while (check.next()) {
         if (check.text(0) != u"ok")
             found.append(check.text(0));
     }
-    if (step != SqliteStep::Done)
+    if (check.failed())
         found.append(lastError());
     return found;
 }
 
 SqliteTransaction::SqliteTransaction(SqliteDatabase &database)
     : database_(database), isOuter_(!database.inTransaction()),
-      isOpen_(!isOuter_ || database.run("BEGIN IMMEDIATE") == SqliteStep::Done) {}
+      isOpen_(!isOuter_ || database.run("BEGIN IMMEDIATE")) {}
 
 SqliteTransaction::~SqliteTransaction() {
     if (isOuter_ && isOpen_ && database_.inTransaction())
         database_.run("ROLLBACK");
 }
 
-bool SqliteTransaction::commit() {
-    if (!isOpen_)
-        return false;
-    if (!isOuter_)
-        return true;
-    isOpen_ = false;
-    if (database_.run("COMMIT") == SqliteStep::Done)
-        return true;
-    if (database_.inTransaction())
-        database_.run("ROLLBACK");
-    return false;
-}
+bool SqliteTransaction::commit() { return isOpen_ && (!isOuter_ || database_.run("COMMIT")); }
 
 } // namespace tidebrook

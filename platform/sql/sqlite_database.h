@@ -7,6 +7,8 @@
 #include <QStringView>
 
 #include <memory>
+#include <variant>
+#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -15,38 +17,48 @@ namespace tidebrook {
 
 class SqliteDatabase;
 
-/// How a step of a statement ended.
+/// How a step of a statement ended. A refused key is apart from every other failure, because some
+/// callers expect it.
 enum class SqliteStep { Row, Done, IntegrityViolation, Failed };
 
-/// A prepared statement on loan from its database, to which it goes back, reset, when this
-/// object ends. It must not outlive the database. Texts that are bound must live until the last
-/// step.
+/// What is bound to a statement: a text in UTF-8, or a whole number.
+using SqliteValue = std::variant<QByteArray, qint64>;
+
+/// A prepared statement on loan from its database, to which it goes back, reset, when this object
+/// ends. It must not outlive the database. One that could not be prepared is false, and each of
+/// its steps fails.
 class SqliteStatement {
 public:
     SqliteStatement() = default;
-    SqliteStatement(SqliteDatabase &database, sqlite3_stmt *statement, const QByteArray &text);
-    SqliteStatement(SqliteStatement &&other) noexcept;
-    SqliteStatement &operator=(SqliteStatement &&other) noexcept;
-    ~SqliteStatement();
 
     explicit operator bool() const { return statement_ != nullptr; }
 
-    /// Positions count from 1, columns from 0.
-    void bind(int position, const QByteArray &utf8);
-    void bind(int position, qint64 number);
-    void bind(int position, QByteArray &&) = delete;
-
     SqliteStep step();
 
-    int columnCount() const;
-    QByteArray declaredType(int column) const;
+    /// Steps to the next row, the first at first. False at the end and after a failure; `failed`
+    /// then says which.
+    bool next();
+    bool failed() const { return failed_; }
+
+    /// The columns of the row, counted from 0.
     QString text(int column) const;
     qint64 integer(int column) const;
+    /// The characters that the table declares a text column for; 0 for a column of another type.
+    int declaredLength(int column) const;
 
 private:
-    SqliteDatabase *database_ = nullptr;
-    sqlite3_stmt *statement_ = nullptr;
-    QByteArray text_;
+    friend class SqliteDatabase;
+    struct GiveBack {
+        void operator()(sqlite3_stmt *statement) const;
+        SqliteDatabase *database;
+        QByteArray text;
+    };
+    SqliteStatement(sqlite3_stmt *statement, const GiveBack &giveBack,
+                    std::vector<SqliteValue> values);
+
+    std::vector<SqliteValue> values_; // bound, so they live as long as the statement
+    std::unique_ptr<sqlite3_stmt, GiveBack> statement_;
+    bool failed_ = false;
 };
 
 /// One SQLite file in WAL mode, with the statements that were prepared on it. Not thread-safe:
@@ -84,12 +96,12 @@ public:
     SqliteDatabase(const SqliteDatabase &) = delete;
     SqliteDatabase &operator=(const SqliteDatabase &) = delete;
 
-    /// Prepares one statement, or takes the one prepared earlier for the same text. False (by
-    /// its operator bool) when the text is no statement, or more than one.
-    SqliteStatement prepare(const QByteArray &utf8);
+    /// Prepares one statement, or takes the one prepared earlier for the same text, and binds the
+    /// values to its parameters, in order. False when the text is no statement, or more than one.
+    SqliteStatement prepare(const QByteArray &utf8, std::vector<SqliteValue> values = {});
 
-    /// Prepares and runs one statement without parameters, ignoring its rows.
-    SqliteStep run(const QByteArray &utf8);
+    /// Runs one statement that has no rows.
+    bool run(const QByteArray &utf8, std::vector<SqliteValue> values = {});
 
     bool inTransaction() const;
     /// Makes everything that was committed outlive a power cut. Waits for no other user of it.
@@ -104,6 +116,7 @@ private:
     explicit SqliteDatabase(sqlite3 *handle) : handle_(handle) {}
     bool configure(const Options &options);
     bool hasSchema();
+    sqlite3_stmt *compile(const QByteArray &utf8);
     void giveBack(const QByteArray &text, sqlite3_stmt *statement);
 
     sqlite3 *handle_;
@@ -126,7 +139,7 @@ public:
 private:
     SqliteDatabase &database_;
     const bool isOuter_;
-    bool isOpen_;
+    const bool isOpen_;
 };
 
 } // namespace tidebrook

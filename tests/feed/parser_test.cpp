@@ -41,11 +41,11 @@ TEST_F(ParserTest, ItemsAreStoredWithTheirOwnTexts) {
                     "<title></title><description> </description></item>"),
               Result::Done);
     EXPECT_EQ(device_.titles(u"ch"_s), (QStringList{u"A & B"_s, u"DEFAULT"_s}));
-    const ArticleDetail first = detail(u"ch"_s, u"A & B"_s);
+    const ArticleExtract first = detail(u"ch"_s, u"A & B"_s);
     EXPECT_EQ(first.description, u"<p>short</p>");
     EXPECT_EQ(first.itemLink, u"http://a/");
     EXPECT_EQ(first.publicationDate, u"2008-03-07");
-    const ArticleDetail second = detail(u"ch"_s, u"DEFAULT"_s);
+    const ArticleExtract second = detail(u"ch"_s, u"DEFAULT"_s);
     EXPECT_EQ(second.description, u"DEFAULT");
     EXPECT_EQ(second.publicationDate, u"");
     ReadFlagCounts counts;

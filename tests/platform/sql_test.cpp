@@ -15,25 +15,19 @@ protected:
         ASSERT_TRUE(session_);
         ASSERT_EQ(run(u"CREATE TABLE T (NAME NCHAR(51)  PRIMARY KEY, LINK NVARCHAR(513), "
                       u"N SMALLINT, FLAG BIT, STAMP BIGINT)"),
-                  ExecuteStatus::Done);
+                  SqliteStep::Done);
     }
 
-    ExecuteStatus run(QStringView statement) {
-        SqlCommand command(*session_);
-        command.setText(statement.toString());
-        return command.execute();
+    SqliteStep run(QStringView statement) {
+        return SqlCommand(*session_).execute(statement.toString());
     }
 
     QStringList texts(QStringView statement) {
-        SqlCommand command(*session_);
-        command.setText(statement.toString());
-        SqlRowset rows;
+        SqliteStatement rows = SqlCommand(*session_).query(statement.toString());
         QStringList found;
-        if (command.execute(rows) != ExecuteStatus::Done)
-            return {QStringLiteral("failed")};
         while (rows.next())
             found.append(rows.text(0));
-        return found;
+        return rows.failed() ? QStringList(QStringLiteral("failed")) : found;
     }
 
     QTemporaryDir folder_;
@@ -42,9 +36,9 @@ protected:
 
 TEST_F(SqlTest, ARefusedKeyIsToldApartFromAFailure) {
     const QStringView insert = u"INSERT INTO T VALUES ('Bob''s', 'l', 1, 0, 5)";
-    EXPECT_EQ(run(insert), ExecuteStatus::Done);
-    EXPECT_EQ(run(insert), ExecuteStatus::IntegrityViolation);
-    EXPECT_EQ(run(u"INSERT INTO NOWHERE VALUES (1)"), ExecuteStatus::Failed);
+    EXPECT_EQ(run(insert), SqliteStep::Done);
+    EXPECT_EQ(run(insert), SqliteStep::IntegrityViolation);
+    EXPECT_EQ(run(u"INSERT INTO NOWHERE VALUES (1)"), SqliteStep::Failed);
     EXPECT_EQ(texts(u"SELECT NAME FROM T"), QStringList(QStringLiteral("Bob's")));
 }
 
@@ -54,17 +48,17 @@ TEST_F(SqlTest, OnlyOneStatementRunsAtATime) {
          {u"SELECT NAME FROM T; DELETE FROM T", u"DELETE FROM T WHERE NAME='x'; DELETE FROM T",
           u"SELECT NAME FROM T -- comment", u"SELECT NAME FROM T /* comment */", u"",
           u"SELECT 'unfinished FROM T"}) {
-        EXPECT_EQ(run(text), ExecuteStatus::Failed) << text.toUtf8().constData();
+        EXPECT_EQ(run(text), SqliteStep::Failed) << text.toUtf8().constData();
     }
-    EXPECT_EQ(run(u"SELECT NAME FROM T ; \n"), ExecuteStatus::Done);
+    EXPECT_EQ(run(u"SELECT NAME FROM T ; \n"), SqliteStep::Done);
     EXPECT_EQ(texts(u"SELECT NAME FROM T"), QStringList(QStringLiteral("kept")));
 }
 
 TEST_F(SqlTest, TrailingBlanksDoNotTellNamesApart) {
-    EXPECT_EQ(run(u"INSERT INTO T VALUES ('World', 'l', 1, 0, 5)"), ExecuteStatus::Done);
+    EXPECT_EQ(run(u"INSERT INTO T VALUES ('World', 'l', 1, 0, 5)"), SqliteStep::Done);
     EXPECT_EQ(run(u"INSERT INTO T VALUES ('World  ', 'l', 1, 0, 5)"),
-              ExecuteStatus::IntegrityViolation);
-    EXPECT_EQ(run(u"INSERT INTO T VALUES ('world', 'l', 1, 0, 5)"), ExecuteStatus::Done);
+              SqliteStep::IntegrityViolation);
+    EXPECT_EQ(run(u"INSERT INTO T VALUES ('world', 'l', 1, 0, 5)"), SqliteStep::Done);
     EXPECT_EQ(texts(u"SELECT NAME FROM T WHERE NAME = 'World '"),
               QStringList(QStringLiteral("World")));
     EXPECT_EQ(texts(u"SELECT NAME FROM T WHERE LINK = 'l '"), QStringList());

@@ -36,7 +36,7 @@ TEST_F(ArticleTest, AnyTitleIsFoundByWhatTheListShows) {
         SCOPED_TRACE(title.toStdString());
         const QString name = QString::number(++channel);
         device_.addChannel(u"C"_s, name, {u"other"_s, title});
-        const ArticleDetail found = detail(name, device_.titles(name)[1]);
+        const ArticleExtract found = detail(name, device_.titles(name)[1]);
         EXPECT_EQ(found.description, u"Text");
         EXPECT_EQ(found.itemLink, u"http://example.org/1");
         EXPECT_EQ(found.publicationDate, u"2026-01-27");
@@ -49,9 +49,9 @@ TEST_F(ArticleTest, ThreadsShareOneStoreAndMarkingAChannelChangesItsCountsAlone)
     device_.addChannel(u"C"_s, u"b"_s, {u"1"_s, u"2"_s, u"3"_s});
     const auto walk = [this](const QString &channel, qsizetype count) {
         for (int i = 0; i < 50; ++i) {
-            const auto guard = store().lock();
-            ASSERT_TRUE(store().ListArticles(channel, SortMode::Date));
-            ASSERT_EQ(store().takeArticleRows().size(), count);
+            QList<ArticleRow> articles;
+            ASSERT_TRUE(store().ListArticles(channel, SortMode::Date, articles));
+            ASSERT_EQ(articles.size(), count);
         }
     };
     std::thread one(walk, u"a"_s, 2);

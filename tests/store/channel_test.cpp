@@ -70,9 +70,8 @@ TEST_F(ChannelTest, ALinkWithAQuoteNeverBecomesSql) {
 TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
     store().changeAtOnce([](SqlCommand &command) {
         for (int i = 0; i < 700; ++i) {
-            command.setText(u"INSERT INTO RSSCHRecord VALUES ('Big', 'channel %1', 0, 0, 'l', "
+            command.execute(u"INSERT INTO RSSCHRecord VALUES ('Big', 'channel %1', 0, 0, 'l', "
                             "NULL, NULL, NULL)"_s.arg(i));
-            command.execute();
         }
     });
     EXPECT_EQ(device_.channelNames(u"Big"_s).size(), 606);

@@ -68,7 +68,7 @@ TEST(Database, AFileThatIsNoneOfOursIsToldWithWhatToDoAndLeftAsItIs) {
         EXPECT_FALSE(device.store->Open());
         EXPECT_EQ(device.store->error(), 1001u);
         device.store->clearError();
-        EXPECT_FALSE(device.store->ListChannels(u"News"_s));
+        EXPECT_FALSE(device.store->PublishTotalUnread());
         EXPECT_EQ(device.store->error(), 1001u) << "an operation without a database";
         EXPECT_FALSE(device.store->InsertChannel({u"c"_s, u"n"_s, u"l"_s}));
         const QString told = checkStore(device.root, *device.registry).value(0);

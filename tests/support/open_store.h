@@ -13,8 +13,8 @@ protected:
 
     FeedStore &store() { return *device_.store; }
     /// What is read of an article, which marks it read.
-    ArticleDetail detail(const QString &channel, const QString &title) {
-        ArticleDetail found;
+    ArticleExtract detail(const QString &channel, const QString &title) {
+        ArticleExtract found;
         EXPECT_TRUE(store().GetArticleDetail(channel, title, found));
         return found;
     }

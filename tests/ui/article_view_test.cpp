@@ -17,7 +17,7 @@ TEST(ArticlePage, HasWhatTheFeedSentAndNothingOfWhatItDidNot) {
     const QString link = u"http://a/?b=1&c"_s;
     const QString text = u"<b>x</b> &amp; 'y'"_s;
     const struct {
-        ArticleDetail detail;
+        ArticleExtract detail;
         QString body;
     } pages[]{
         {{u"2026-01-02"_s, text, link}, text},

@@ -52,13 +52,12 @@ void TestDevice::addChannel(const QString &category, const QString &name,
     store->changeAtOnce([&](SqlCommand &command) {
         int number = 0;
         for (TestArticle article : articles) {
-            command.setText(QStringLiteral("INSERT INTO RSSRecord VALUES ('%1', '%1 %2', '%3', "
+            command.execute(QStringLiteral("INSERT INTO RSSRecord VALUES ('%1', '%1 %2', '%3', "
                                            "'%4', '%5', '%6', 0, 4000000000, '%7')")
                                 .arg(escapedChannelName(name), QString::number(number++),
                                      escapedTitle(article.title), article.link,
                                      article.description.replace(u'\'', QLatin1String("''")),
                                      article.date, escapedCategory(category)));
-            command.execute();
         }
         store->RecountChannel(escapedChannelName(name));
     });
@@ -66,16 +65,22 @@ void TestDevice::addChannel(const QString &category, const QString &name,
 
 QStringList TestDevice::titles(const QString &channel, SortMode mode) {
     QStringList titles;
-    store->ListArticles(channel, mode);
-    for (const ArticleRow &row : store->takeArticleRows())
-        titles.append(row.titleText());
+    QList<ArticleRow> rows;
+    store->ListArticles(channel, mode, rows);
+    for (const ArticleRow &row : std::as_const(rows))
+        titles.append(row.title);
     return titles;
 }
 
+QList<ChannelRow> TestDevice::channels(const QString &category) {
+    QList<ChannelRow> rows;
+    store->ListChannels(escapedCategory(category), rows);
+    return rows;
+}
+
 QString TestDevice::counts(const QString &category, const QString &channel) {
-    store->ListChannels(escapedCategory(category));
-    for (const ChannelRow &row : store->takeChannelRows()) {
-        if (row.nameText() == channel)
+    for (const ChannelRow &row : channels(category)) {
+        if (row.name == channel)
             return QStringLiteral("%1/%2").arg(row.unread).arg(row.total);
     }
     return {};
@@ -83,9 +88,8 @@ QString TestDevice::counts(const QString &category, const QString &channel) {
 
 QStringList TestDevice::channelNames(const QString &category) {
     QStringList names;
-    store->ListChannels(escapedCategory(category));
-    for (const ChannelRow &row : store->takeChannelRows())
-        names.append(row.nameText());
+    for (const ChannelRow &row : channels(category))
+        names.append(row.name);
     return names;
 }
 

@@ -44,6 +44,8 @@ public:
     quint32 lastErrorCode();
 
 private:
+    QList<ChannelRow> channels(const QString &category);
+
     QTemporaryDir folder_;
 
 public:
