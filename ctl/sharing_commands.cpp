@@ -19,19 +19,19 @@ int failWriting(const QString &path) {
 }
 
 // Reports what has become of a channel of a list.
-bool importChannel(CommandDevice &device, const QString &category, const OpmlEntry &entry) {
-    const QString name = storableName(entry.nameText());
+bool importChannel(CommandDevice &device, const QString &category, const ChannelRecord &offered) {
+    const QString name = storableName(offered.channelName);
     if (name.isEmpty()) {
-        fail(entry.nameText() + u": a channel needs a name");
+        fail(offered.channelName + u": a channel needs a name");
         return false;
     }
     QString storedName;
     const ChangeEnd end =
-        device.subscriptions().addChannel({category, name, entry.urlText()}, &storedName);
+        device.subscriptions().addChannel({category, name, offered.channelLink}, &storedName);
     if (end == ChangeEnd::Done)
         printLine(storedName);
     else
-        fail(entry.nameText() + u": " + failureOf(device, end));
+        fail(offered.channelName + u": " + failureOf(device, end));
     return end == ChangeEnd::Done;
 }
 
@@ -52,11 +52,8 @@ int runImport(CommandDevice &device, const Arguments &arguments) {
     if (category.isEmpty())
         return fail(QStringLiteral("a category needs a name"));
     bool isWhole = true;
-    OpmlEntry entry{};
-    for (int pass = reader.entryCount(); pass > 0; --pass) {
-        if (reader.readEntry(-1, &entry) && entry.name[0] != 0)
-            isWhole = importChannel(device, category, entry) && isWhole;
-    }
+    for (const ChannelRecord &offered : reader.takeChannels())
+        isWhole = importChannel(device, category, offered) && isWhole;
     return isWhole ? ExitDone : ExitFailed;
 }
 

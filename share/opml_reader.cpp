@@ -10,18 +10,13 @@
 #include <QBuffer>
 
 #include <algorithm>
-#include <cstring>
 
 namespace tidebrook {
 
 namespace {
 
 constexpr QStringView downloadFile = u"\\Temp\\TmpOpml.opml";
-constexpr qsizetype entriesSize = 262'144; // bytes
-constexpr qint32 entryCapacity = 223;
-static_assert((entryCapacity + 1) * sizeof(OpmlEntry) <= entriesSize, "the last is a hole");
-
-qsizetype placeOf(qint32 index) { return index * qsizetype{sizeof(OpmlEntry)}; }
+constexpr int capacity = 223;
 
 XmlNode childOf(const XmlNode &parent, std::string_view name) {
     XmlNode child = parent.firstChild();
@@ -47,7 +42,6 @@ OpmlReader::OpmlReader(const DeviceRoot &device, Registry &registry, const HttpL
 
 bool OpmlReader::open(AddMode mode, const QString &source) {
     close();
-    capacity_ = entryCapacity;
     error_ = 0;
     std::optional<QByteArray> document;
     if (mode == AddMode::ListFromUrl)
@@ -98,13 +92,13 @@ bool OpmlReader::parse(const QByteArray &bytes) {
         document->root().name() == "opml" ? childOf(document->root(), "body") : XmlNode();
     if (body.isNull())
         return fail(FeedNotRss);
-    entries_ = QByteArray(entriesSize, '\0');
+    entries_.fill({}, capacity + 1); // all of them holes
     return walk(body) || fail(FeedNotRss);
 }
 
 // As deep as a document can nest, which is not deep enough to exhaust a stack.
 bool OpmlReader::walk(const XmlNode &parent) {
-    for (XmlNode child = parent.firstChild(); !child.isNull() && count_ < capacity_;
+    for (XmlNode child = parent.firstChild(); !child.isNull() && count_ < capacity;
          child = child.nextSibling()) {
         if (!(child.childCount() > 0 ? walk(child) : takeLeaf(child)))
             return false;
@@ -123,27 +117,31 @@ bool OpmlReader::takeLeaf(const XmlNode &leaf) {
         const QString name = eitherAttribute(leaf, "text", "title");
         if (name.isNull())
             return false;
-        putEntry(name, url);
+        copyText(name, entries_[count_].name);
+        copyText(url, entries_[count_].url);
     }
     ++count_;
     return true;
 }
 
-void OpmlReader::putEntry(const QString &name, const QString &url) {
-    OpmlEntry entry{};
-    copyText(name, entry.name);
-    copyText(url, entry.url);
-    std::memcpy(entries_.data() + placeOf(count_), &entry, sizeof entry);
+bool OpmlReader::readEntry(OpmlEntry &out) {
+    if (cursor_ >= entries_.size() || cursor_ > count_)
+        return false;
+    out = entries_[cursor_];
+    ++cursor_;
+    return true;
 }
 
-bool OpmlReader::readEntry(int index, OpmlEntry *out) {
-    const qint32 wanted = index == -1 ? cursor_ : index;
-    if (entries_.isEmpty() || !out || wanted < 0 || wanted > count_)
-        return false;
-    std::memcpy(out, entries_.constData() + placeOf(wanted), sizeof *out);
-    if (index == -1)
-        ++cursor_;
-    return true;
+QList<ChannelRecord> OpmlReader::takeChannels() {
+    QList<ChannelRecord> channels;
+    OpmlEntry entry{};
+    for (int pass = entryCount(); pass > 0 && readEntry(entry); --pass) {
+        if (entry.name[0] != 0)
+            channels.append({.category = {},
+                             .channelName = QString::fromUtf16(entry.name),
+                             .channelLink = QString::fromUtf16(entry.url)});
+    }
+    return channels;
 }
 
 void OpmlReader::close() {

@@ -6,6 +6,7 @@
 #include "kit/screen_stack.h"
 #include "res/commands.h"
 #include "share/dialogs/category_page.h"
+#include "share/opml_reader.h"
 
 #include <QAbstractButton>
 
@@ -38,29 +39,22 @@ void ChannelChoicePage::initialise() {
 void ChannelChoicePage::openList() {
     const auto open = [&device = state().device, mode = mode_,
                        source = source_](const StopSignal &stop) {
-        auto reader =
-            std::make_shared<OpmlReader>(device.root, device.registry, HttpLimits{.stop = &stop});
-        return reader->open(mode, source) ? reader : nullptr;
+        OpmlReader reader(device.root, device.registry, HttpLimits{.stop = &stop});
+        return reader.open(mode, source) ? std::optional(reader.takeChannels()) : std::nullopt;
     };
-    await(open, [this](std::shared_ptr<OpmlReader> reader) {
-        if (reader != nullptr)
-            showEntries(std::move(reader));
+    await(open, [this](const std::optional<QList<ChannelRecord>> &channels) {
+        if (channels)
+            showChannels(*channels);
         else
             ShowError(state(), 0);
     });
 }
 
-void ChannelChoicePage::showEntries(std::shared_ptr<OpmlReader> reader) {
-    reader_ = std::move(reader);
+void ChannelChoicePage::showChannels(const QList<ChannelRecord> &channels) {
+    channels_ = channels;
     QList<ListRow> rows;
-    OpmlEntry entry{};
-    for (int index = 0; index < reader_->entryCount() && reader_->readEntry(-1, &entry); ++index) {
-        const QString name = entry.nameText();
-        if (name.isEmpty())
-            continue;
-        rows.append({name});
-        rowMap_.append(index);
-    }
+    for (const ChannelRecord &channel : channels)
+        rows.append({channel.channelName});
     list_->setRows(std::move(rows));
     list_->selectRow(0);
 }
@@ -80,10 +74,9 @@ bool ChannelChoicePage::areAllChecked() const {
 
 QList<ChannelRecord> ChannelChoicePage::checkedChannels() {
     QList<ChannelRecord> channels;
-    OpmlEntry entry{};
     for (int row = 0; row < list_->rowCount(); ++row) {
-        if (list_->isChecked(row) && reader_->readEntry(rowMap_[row], &entry))
-            channels.append({{}, entry.nameText(), entry.urlText()});
+        if (list_->isChecked(row))
+            channels.append(channels_[row]);
     }
     return channels;
 }

@@ -3,12 +3,10 @@
 #include "share/add_mode.h"
 #include "share/dialogs/channel_adding.h"
 #include "share/dialogs/form_procedure.h"
-#include "share/opml_reader.h"
+#include "store/records.h"
 
 #include <QList>
 #include <QString>
-
-#include <memory>
 
 class QAbstractButton;
 
@@ -27,7 +25,7 @@ public:
 private:
     void initialise() override;
     void openList();
-    void showEntries(std::shared_ptr<OpmlReader> reader);
+    void showChannels(const QList<ChannelRecord> &channels);
     void checkAll(bool isChecked);
     bool areAllChecked() const;
     QList<ChannelRecord> checkedChannels();
@@ -38,8 +36,7 @@ private:
     const QString source_;
     ListView *list_ = nullptr;
     QAbstractButton *all_ = nullptr;
-    std::shared_ptr<OpmlReader> reader_; // while its list is shown
-    QList<int> rowMap_;                  // the entry of each row
+    QList<ChannelRecord> channels_; // one for each row
 };
 
 } // namespace tidebrook

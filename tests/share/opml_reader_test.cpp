@@ -35,27 +35,17 @@ protected:
     void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port())); }
     void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
 
-    /// "name=url" of each entry of an open list as it is read in sequence, a hole as "-".
-    static QString entries(OpmlReader &reader) {
-        QStringList texts;
-        OpmlEntry entry{};
-        for (int pass = reader.entryCount(); pass > 0; --pass) {
-            EXPECT_TRUE(reader.readEntry(-1, &entry));
-            texts.append(entry.name[0] == 0 ? u"-"_s
-                                            : QString(entry.nameText() + u'=' + entry.urlText()));
-        }
-        EXPECT_FALSE(reader.readEntry(-1, &entry));
-        return texts.join(u'|');
-    }
-
-    /// The entries, or the code of the failure.
+    /// "name=url" of each channel, or the code of the failure.
     QString read(AddMode mode, const QString &source, const HttpLimits &limits = {}) {
         SetLastErrorCode(*device_.registry, 0);
         OpmlReader reader(device_.root, *device_.registry, limits);
-        if (reader.open(mode, source))
-            return entries(reader);
-        OpmlEntry entry{};
-        EXPECT_FALSE(reader.readEntry(0, &entry)) << "no partial list";
+        const bool isOpen = reader.open(mode, source);
+        QStringList texts;
+        for (const ChannelRecord &channel : reader.takeChannels())
+            texts.append(channel.channelName + u'=' + channel.channelLink);
+        if (isOpen)
+            return texts.join(u'|');
+        EXPECT_TRUE(texts.isEmpty()) << "no partial list";
         EXPECT_EQ(device_.lastErrorCode(), reader.error());
         return QString::number(reader.error());
     }
@@ -74,29 +64,28 @@ TEST_F(OpmlReaderTest, ReadsWhatAListOffers) {
     const QByteArray emoji = "\xF0\x9F\x98\x80";
     const struct {
         QByteArray document;
-        QString entries;
+        QString channels;
     } cases[] = {
         {list(leaf("a") + "<outline text=\"F\" xmlUrl=\"f\"><outline text=\"G\">" + leaf("b") +
               "</outline>" + leaf("c") + "</outline>" + leaf("d")),
-         u"a=u|b=u|c=u|d=u|-"_s},
+         u"a=u|b=u|c=u|d=u"_s},
         {list("<outline title='t' text='x' url='2' xmlUrl='1' type='link'/>"
               "<outline title='t' url='2' type='rss'/>"),
-         u"x=1|t=2|-"_s},
+         u"x=1|t=2"_s},
         {list(leaf("a", "RSS") + leaf("b") + leaf("c", "atom") + leaf("") +
               "<outline text='no address'/>words<!-- more --><other text='o' type='rss' url='p'/>"),
-         u"-|b=u|-|-|o=p|-"_s},
-        {list("<outline text='n' type='rss' xmlUrl=''/>"), u"n=|-"_s},
-        {list("<outline text='  n  ' type='rss' xmlUrl=' u   '/>" + leaf("   ")),
-         u"  n= u| =u|-"_s},
-        {list(leaf(QByteArray(60, 'n'))), QString(QString(49, u'n') + u"=u|-")},
-        {list(leaf(QByteArray(48, 'n') + emoji)), QString(QString(48, u'n') + u"=u|-")},
+         u"b=u|o=p"_s},
+        {list("<outline text='n' type='rss' xmlUrl=''/>"), u"n="_s},
+        {list("<outline text='  n  ' type='rss' xmlUrl=' u   '/>" + leaf("   ")), u"  n= u| =u"_s},
+        {list(leaf(QByteArray(60, 'n'))), QString(QString(49, u'n') + u"=u")},
+        {list(leaf(QByteArray(48, 'n') + emoji)), QString(QString(48, u'n') + u"=u")},
         {list("<outline text='n' type='rss' url='" + QByteArray(600, 'u') + "'/>"),
-         QString(u"n=" + QString(511, u'u') + u"|-")},
-        {list(leaf("&lt;R&amp;D&gt; &#x1F600; &quot;q&quot;")), u"<R&D> \U0001F600 \"q\"=u|-"_s},
-        {"<!DOCTYPE opml [<!ENTITY e \"own\">]>" + list(leaf("&e;")), u"own=u|-"_s},
+         QString(u"n=" + QString(511, u'u'))},
+        {list(leaf("&lt;R&amp;D&gt; &#x1F600; &quot;q&quot;")), u"<R&D> \U0001F600 \"q\"=u"_s},
+        {"<!DOCTYPE opml [<!ENTITY e \"own\">]>" + list(leaf("&e;")), u"own=u"_s},
         {"<?xml version=\"1.0\" encoding=\"windows-1251\"?>" + list(leaf("\xCD\xEE\xE2")),
-         u"Нов=u|-"_s},
-        {"\xFF\xFE" + utf16(QString::fromUtf8(list(leaf("é")))), u"é=u|-"_s},
+         u"Нов=u"_s},
+        {"\xFF\xFE" + utf16(QString::fromUtf8(list(leaf("é")))), u"é=u"_s},
         // refused as a whole
         {list(leaf("a") + "<outline text='n' xmlUrl='u'/>"), u"1003"_s},
         {list(leaf("a") + "<outline type='rss' xmlUrl='u'/>"), u"1003"_s},
@@ -107,29 +96,21 @@ TEST_F(OpmlReaderTest, ReadsWhatAListOffers) {
         {list(QByteArray("<o>").repeated(10'000) + QByteArray("</o>").repeated(10'000)), u"1002"_s},
     };
     for (const auto &test : cases)
-        EXPECT_EQ(readFile(test.document), test.entries) << test.document.left(200).constData();
+        EXPECT_EQ(readFile(test.document), test.channels) << test.document.left(200).constData();
 }
 
-TEST_F(OpmlReaderTest, TakesNoMoreThanItHasSlotsForAndHandsOutNoMoreThanItTook) {
-    const QByteArray spoilt = numbered(223).replace("</body>", "<outline url='u'/></body>");
-    ASSERT_TRUE(writeFile(file_, spoilt));
+TEST_F(OpmlReaderTest, TakesNoMoreThanItHasSlotsForAndKeepsNothingOfTheListBefore) {
+    const QByteArray begin = "<body>" + leaf("hole", "atom");
+    const QByteArray full = numbered(222).replace("<body>", begin);
+    ASSERT_TRUE(writeFile(file_, QByteArray(full).replace("</body>", "<o url='u'/></body>")));
     OpmlReader reader(device_.root, *device_.registry);
-    OpmlEntry entry{};
-    EXPECT_FALSE(reader.readEntry(0, &entry)) << "nothing is open yet";
     ASSERT_TRUE(reader.open(AddMode::ListFromFile, file_)) << "what is behind it is not looked at";
-    EXPECT_EQ(reader.entryCount(), 224);
-    EXPECT_TRUE(entries(reader).endsWith(u"|222=u|223=u|-"));
-    for (const auto &[index, name] : {std::pair(1, u"2"_s), std::pair(223, u""_s)}) {
-        EXPECT_TRUE(reader.readEntry(index, &entry));
-        EXPECT_EQ(entry.nameText(), name);
-    }
-    for (const int index : {224, -2})
-        EXPECT_FALSE(reader.readEntry(index, &entry));
-    reader.close();
-    EXPECT_FALSE(reader.readEntry(0, &entry));
+    const QList<ChannelRecord> channels = reader.takeChannels();
+    EXPECT_EQ(channels.size(), 222) << "what is no channel takes a slot, too";
+    EXPECT_EQ(channels.last().channelName, u"222");
     ASSERT_TRUE(writeFile(file_, numbered(1)));
     ASSERT_TRUE(reader.open(AddMode::ListFromFile, file_));
-    EXPECT_EQ(entries(reader), u"1=u|-") << "nothing is left of the list before";
+    EXPECT_EQ(reader.takeChannels().size(), 1);
 }
 
 TEST_F(OpmlReaderTest, OnlyAPlainFileOfAReasonableSizeIsRead) {
@@ -158,8 +139,8 @@ TEST_F(OpmlReaderTest, AListIsDownloadedIntoItsPlaceOrTheFailureTold) {
         return read(AddMode::ListFromUrl, u"http://localhost" + path, {.bodyBytes = 100'000});
     };
     const QString downloaded = device_.root.filePath(u"\\Temp\\TmpOpml.opml");
-    EXPECT_EQ(readUrl(u"/packed"), u"1=u|-");
-    EXPECT_EQ(readUrl(u"/moved"), u"1=u|2=u|-");
+    EXPECT_EQ(readUrl(u"/packed"), u"1=u");
+    EXPECT_EQ(readUrl(u"/moved"), u"1=u|2=u");
     EXPECT_EQ(contentOf(downloaded), numbered(2));
     EXPECT_EQ(readUrl(u"/reset"), u"1009");
     EXPECT_EQ(readUrl(u"/endless"), u"1009");

@@ -25,11 +25,8 @@ protected:
         OpmlReader reader(device_.root, *device_.registry);
         EXPECT_TRUE(reader.open(AddMode::ListFromFile, file_));
         QStringList texts;
-        OpmlEntry entry{};
-        while (reader.readEntry(-1, &entry)) {
-            if (entry.name[0] != 0)
-                texts.append(entry.nameText() + u'=' + entry.urlText());
-        }
+        for (const ChannelRecord &channel : reader.takeChannels())
+            texts.append(channel.channelName + u'=' + channel.channelLink);
         return texts;
     }
 
