@@ -19,15 +19,11 @@ FeedFetcher::FeedFetcher(const DeviceRoot &device, Registry &registry, const Htt
                          const FetchOptions &options)
     : device_(device), registry_(registry), limits_(limits), options_(options) {}
 
-void FeedFetcher::recordError(quint32 code) {
+bool FeedFetcher::fail(quint32 code) {
     error_ = code;
     toldError_ = code;
     if (options_.recordsErrors)
         SetLastErrorCode(registry_, code);
-}
-
-bool FeedFetcher::fail(quint32 code) {
-    recordError(code);
     return false;
 }
 
@@ -74,8 +70,8 @@ FeedFetcher::Taken FeedFetcher::takeAnswer(const HttpAnswer &answer) {
         return checkRoot() ? Taken::Document : Taken::Failed;
     if (!isEmptyText(answer.body))
         return Taken::Unclear;
-    // The user is told of a feed that says nothing; the run itself ends as a failed download.
-    recordError(FeedNotRss);
+    // The user sees that the feed says nothing; the run itself ends as a failed download.
+    fail(FeedNotRss);
     error_ = FeedNotDownloaded;
     return Taken::Failed;
 }
@@ -104,9 +100,9 @@ bool FeedFetcher::parse(SqlCommand &command, const QString &channelName, const Q
     if (!document_) // the request ended quietly
         return true;
     RssParser parser(command, channelName, category);
-    const RssParser::Result result = parser.parse(document_->root());
+    const bool isParsed = parser.parse(document_->root());
     storedCount_ = parser.storedCount();
-    return result == RssParser::Result::Done || fail(DatabaseFailed);
+    return isParsed || fail(DatabaseFailed);
 }
 
 } // namespace tidebrook

@@ -69,7 +69,6 @@ private:
     bool isRoaming() const;
     Taken endQuietlyOrFail(quint32 code);
     bool checkRoot();
-    void recordError(quint32 code);
 
     const DeviceRoot device_;
     Registry &registry_;

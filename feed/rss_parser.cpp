@@ -69,25 +69,25 @@ RssParser::RssParser(SqlCommand &command, const QString &channelName,
         emptyItem_.category = cutText(*category_, categoryCapacity).toString();
 }
 
-RssParser::Result RssParser::parse(XmlNode root) {
+bool RssParser::parse(XmlNode root) {
     if (!ingestion_.pruneChannel())
-        return Result::NotIngested;
+        return false;
     const QString missing = missingText.toString();
     header_ = {missing, missing, missing, missing, missing, missing, missing};
     const XmlNode channel = root.firstChild();
     if (channel.isNull() || channel.firstChild().isNull())
-        return Result::Unreadable;
+        return false;
     for (XmlNode node = channel.firstChild(); !node.isNull(); node = node.nextSibling()) {
         if (node.name() == "item") {
             if (!readItem(node))
-                return Result::NotIngested;
+                return false;
         } else if (node.name() == "image") {
             readImage(node);
         } else {
             readChannelField(node);
         }
     }
-    return Result::Done;
+    return true;
 }
 
 void RssParser::readChannelField(XmlNode node) { applyRules(channelRules, node, header_); }

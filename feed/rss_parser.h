@@ -15,20 +15,14 @@ namespace tidebrook {
 /// of the root for the channel, whatever its name. Not thread-safe.
 class RssParser {
 public:
-    enum class Result {
-        Done,
-        Unreadable,  ///< the channel or one of its parts has no children to walk
-        NotIngested, ///< pruning failed, an item could not be stored, or there are over 100,000
-    };
-
     /// `category`, escaped, is what the articles are stored under; without one it is empty, and
     /// items keep their own category element to themselves.
     RssParser(SqlCommand &command, const QString &channelName,
               const std::optional<QString> &category);
 
-    /// Prunes the channel and stores the items in the document's order. The items before a
-    /// failure stay stored.
-    Result parse(XmlNode root);
+    /// Prunes the channel and stores the items in the document's order. False when that fails, when
+    /// the channel is empty, or at the 100,001st item; the items before it stay stored.
+    bool parse(XmlNode root);
 
     int storedCount() const { return ingestion_.storedCount(); }
 

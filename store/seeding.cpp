@@ -48,10 +48,10 @@ std::optional<QList<ChannelRecord>> readSeedChannels(const DeviceRoot &device) {
     return channels;
 }
 
-Seeding seedCategories(const DeviceRoot &device, Registry &registry) {
+bool seedCategories(const DeviceRoot &device, Registry &registry) {
     const std::optional<QString> text = readSeedFile(device);
     if (!text)
-        return Seeding::NoFile;
+        return true;
     CategoryListStore categories(registry);
     Registry::Batch batch(registry);
     bool isStored = batch.isOpen();
@@ -64,8 +64,7 @@ Seeding seedCategories(const DeviceRoot &device, Registry &registry) {
             TrimTrailingBlanks(cutText(tokens[category], categoryCapacity)).toString();
         isStored = categories.AddCategory(name) || registry.read(categoriesKey, name).has_value();
     }
-    isStored = isStored && batch.commit() && registry.flush();
-    return isStored ? Seeding::Done : Seeding::NotStored;
+    return isStored && batch.commit() && registry.flush();
 }
 
 } // namespace tidebrook

@@ -15,10 +15,9 @@ namespace tidebrook {
 /// line does not have are empty. Nothing when the file cannot be read.
 std::optional<QList<ChannelRecord>> readSeedChannels(const DeviceRoot &device);
 
-enum class Seeding { Done, NoFile, NotStored };
-
 /// Adds every category that the seed file names to the list, as one change of the registry: a
-/// start that is cut short leaves them all to the next, and so does a failure (`NotStored`).
-Seeding seedCategories(const DeviceRoot &device, Registry &registry);
+/// start that is cut short leaves them all to the next, and so does a failure. False when they
+/// could not be stored; without a seed file there are none.
+bool seedCategories(const DeviceRoot &device, Registry &registry);
 
 } // namespace tidebrook

@@ -16,92 +16,55 @@ namespace {
 
 constexpr QStringView notOurs = u"it is a database of another program";
 
-class StoreCheck {
-public:
-    StoreCheck(SqliteDatabase &database, const QStringList &categories)
-        : database_(database), categories_(categories) {}
+// Each row of these queries is a line about what is not as it should be.
+constexpr char missingIndex[] =
+    "SELECT 'database: an index is missing' WHERE "
+    "(SELECT count(*) FROM sqlite_master WHERE name IN ('PK_RECORD', 'PK_CHRD')) <> 2";
+constexpr const char *disagreements[] = {
+    "SELECT printf('channel \"%s\": counts %s/%s, but has %s/%s articles', name, NUM_OF_UNREAD, "
+    "TOTAL_ITEMS, unread, total) FROM "
+    "(SELECT c.CHANNEL_NAME AS name, c.NUM_OF_UNREAD, c.TOTAL_ITEMS, "
+    "coalesce(sum(a.READ_UNREAD = 0), 0) AS unread, count(a.CHANNEL_NAME) AS total "
+    "FROM RSSCHRecord c LEFT JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+    "GROUP BY c.CHANNEL_NAME) WHERE NUM_OF_UNREAD IS NOT unread OR TOTAL_ITEMS IS NOT total",
 
-    QStringList run() {
-        checkFile();
-        if (!faults_.isEmpty()) // nothing that a broken file says is worth telling
-            return faults_;
-        checkCounts();
-        checkOwners();
-        checkArticleCategories();
-        checkCategories();
-        return faults_;
-    }
+    "SELECT printf('channel \"%s\": missing, but has %d articles', a.CHANNEL_NAME, count(*)) "
+    "FROM RSSRecord a LEFT JOIN RSSCHRecord c ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+    "WHERE c.CHANNEL_NAME IS NULL GROUP BY a.CHANNEL_NAME",
 
-private:
-    void forEachRow(const QByteArray &query, const std::function<void(SqliteStatement &)> &row) {
-        SqliteStatement statement = database_.prepare(query);
-        SqliteStep step = statement ? statement.step() : SqliteStep::Failed;
-        for (; step == SqliteStep::Row; step = statement.step())
-            row(statement);
-        if (step != SqliteStep::Done)
-            faults_.append(
-                QStringLiteral("database: cannot be read: %1").arg(database_.lastError()));
-    }
+    "SELECT printf('channel \"%s\": %d articles have another category', c.CHANNEL_NAME, count(*)) "
+    "FROM RSSCHRecord c JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+    "WHERE a.CATEGORY <> c.CATEGORY GROUP BY c.CHANNEL_NAME"};
 
-    void checkFile() {
-        for (const QString &fault : database_.faults())
-            faults_.append(QStringLiteral("database: %1").arg(fault));
-        forEachRow("SELECT count(*) FROM sqlite_master WHERE name IN ('PK_RECORD', 'PK_CHRD')",
-                   [this](SqliteStatement &row) {
-                       if (row.integer(0) != 2)
-                           faults_.append(QStringLiteral("database: an index is missing"));
-                   });
-    }
+void forEachRow(SqliteDatabase &database, const char *query, QStringList &faults,
+                const std::function<void(const SqliteStatement &)> &takeRow) {
+    SqliteStatement row = database.prepare(query);
+    while (row.next())
+        takeRow(row);
+    if (row.failed())
+        faults.append(QStringLiteral("database: cannot be read: %1").arg(database.lastError()));
+}
 
-    void checkCounts() {
-        forEachRow(
-            "SELECT c.CHANNEL_NAME, c.NUM_OF_UNREAD, c.TOTAL_ITEMS, "
-            "count(a.CHANNEL_NAME), coalesce(sum(a.READ_UNREAD = 0), 0) "
-            "FROM RSSCHRecord c LEFT JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
-            "GROUP BY c.CHANNEL_NAME",
-            [this](SqliteStatement &row) {
-                if (row.integer(1) == row.integer(4) && row.integer(2) == row.integer(3))
-                    return;
-                faults_.append(
-                    QStringLiteral("channel \"%1\": counts %2/%3, but has %4/%5 articles")
-                        .arg(row.text(0), row.text(1), row.text(2), row.text(4), row.text(3)));
-            });
-    }
-
-    void checkOwners() {
-        forEachRow("SELECT a.CHANNEL_NAME, count(*) FROM RSSRecord a "
-                   "LEFT JOIN RSSCHRecord c ON a.CHANNEL_NAME = c.CHANNEL_NAME "
-                   "WHERE c.CHANNEL_NAME IS NULL GROUP BY a.CHANNEL_NAME",
-                   [this](SqliteStatement &row) {
-                       faults_.append(QStringLiteral("channel \"%1\": missing, but has %2 articles")
-                                          .arg(row.text(0), row.text(1)));
-                   });
-    }
-
-    void checkArticleCategories() {
-        forEachRow("SELECT c.CHANNEL_NAME, count(*) FROM RSSCHRecord c "
-                   "JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
-                   "WHERE a.CATEGORY <> c.CATEGORY GROUP BY c.CHANNEL_NAME",
-                   [this](SqliteStatement &row) {
-                       faults_.append(
-                           QStringLiteral("channel \"%1\": %2 articles have another category")
-                               .arg(row.text(0), row.text(1)));
-                   });
-    }
-
-    void checkCategories() {
-        forEachRow("SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord", [this](SqliteStatement &row) {
-            const QString category = TrimTrailingBlanks(row.text(1)).toString();
-            if (!categories_.contains(category))
-                faults_.append(QStringLiteral("channel \"%1\": its category \"%2\" is not listed")
-                                   .arg(row.text(0), category));
-        });
-    }
-
-    SqliteDatabase &database_;
-    const QStringList categories_;
-    QStringList faults_;
-};
+QStringList faultsOf(SqliteDatabase &database, const QStringList &categories) {
+    QStringList faults;
+    for (const QString &fault : database.faults())
+        faults.append(u"database: " + fault);
+    const auto appendText = [&](const SqliteStatement &row) { faults.append(row.text(0)); };
+    forEachRow(database, missingIndex, faults, appendText);
+    if (!faults.isEmpty()) // what else a broken file says is of no use
+        return faults;
+    for (const char *query : disagreements)
+        forEachRow(database, query, faults, appendText);
+    forEachRow(database, "SELECT CHANNEL_NAME, CATEGORY FROM RSSCHRecord", faults,
+               [&](const SqliteStatement &row) {
+                   const QString category = TrimTrailingBlanks(row.text(1)).toString();
+                   if (!categories.contains(category))
+                       faults.append(
+                           QStringLiteral("channel \"%1\": its category \"%2\" is not listed")
+                               .arg(row.text(0), category));
+               });
+    return faults;
+}
 
 QStringList listedCategories(Registry &registry, QStringList &faults) {
     SettingsStore settings(registry);
@@ -125,7 +88,7 @@ QStringList listedCategories(Registry &registry, QStringList &faults) {
 QString unusable(const QString &path, const QString &what, const QString &reason,
                  const QString &whatComes) {
     const QString line = QStringLiteral("%1: cannot be opened: %2").arg(what, reason);
-    // What only cannot be read now, as one that is locked, is nothing to be moved.
+    // A file that only cannot be read now, as one that is locked, must not be moved.
     const bool isOurs = SqliteDatabase::isUsablePlace(path) && QFileInfo(path).size() > 0 &&
                         !SqliteDatabase::isDamaged(path) && reason != notOurs;
     return isOurs
@@ -149,7 +112,7 @@ QStringList checkStore(const DeviceRoot &device, Registry &registry) {
     QString error;
     const auto database = SqliteDatabase::open(path, {}, &error);
     if (database && hasTables(*database))
-        return faults << StoreCheck(*database, categories).run();
+        return faults << faultsOf(*database, categories);
     return faults << unusable(path, QStringLiteral("database"),
                               database ? notOurs.toString() : error,
                               QStringLiteral("one with the channels that a new device has"));

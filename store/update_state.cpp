@@ -35,10 +35,12 @@ UpdateState stateOf(const SqliteStatement &row) {
     return state;
 }
 
-constexpr char layout[] =
+constexpr char creation[] =
+    "CREATE TABLE IF NOT EXISTS update_states ("
     "channel TEXT PRIMARY KEY, url TEXT, last_attempt INTEGER, last_turn INTEGER, "
     "last_success INTEGER, last_error INTEGER, was_unchanged INTEGER, stored_count INTEGER, "
-    "failures INTEGER, left_alone_until INTEGER, etag TEXT, last_modified TEXT, total INTEGER";
+    "failures INTEGER, left_alone_until INTEGER, etag TEXT, last_modified TEXT, total INTEGER"
+    ") WITHOUT ROWID";
 constexpr char insertion[] =
     "INSERT OR REPLACE INTO update_states VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 
@@ -52,10 +54,7 @@ UpdateStateStore::UpdateStateStore(const DeviceRoot &device) : path_(device.file
 bool UpdateStateStore::open() {
     database_ = SqliteDatabase::open(
         path_, {.create = true, .syncEveryCommit = false, .busyTimeout = 2000});
-    return database_ && (database_->prepare(insertion) ||
-                         (database_->run(QByteArray("CREATE TABLE update_states (") + layout +
-                                         ") WITHOUT ROWID") &&
-                          database_->prepare(insertion)));
+    return database_ && database_->run(creation) && database_->prepare(insertion);
 }
 
 // A file that others are at work with fails too, and is not to be taken from them.

@@ -8,13 +8,13 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 
 namespace tidebrook {
@@ -96,13 +96,8 @@ void removeLeftAside(const QString &prefix, const std::function<bool(const QStri
 }
 
 bool hasMadeUpEnding(const QString &path) {
-    const QStringView ending = QStringView(path).last(letterCount);
-    const auto isSmall = [](QChar c) { return c >= u'a' && c <= u'z'; };
-    const auto isCapital = [](QChar c) { return c >= u'A' && c <= u'Z'; };
-    return std::all_of(ending.begin(), ending.end(),
-                       [&](QChar c) { return isSmall(c) || isCapital(c); }) &&
-           std::any_of(ending.begin(), ending.end(), isSmall) &&
-           std::any_of(ending.begin() + 1, ending.end(), isCapital);
+    static const QRegularExpression ending(QStringLiteral("([a-z][A-Z]){3}\\z"));
+    return path.contains(ending);
 }
 
 } // namespace tidebrook

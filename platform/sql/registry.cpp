@@ -33,7 +33,6 @@ bool Registry::open() {
         return false;
     // The row id counts up with each new value, which is the order that values are listed in.
     const bool hasTable =
-        database_->prepare("SELECT path, name, type, data FROM registry_values") ||
         database_->run("CREATE TABLE IF NOT EXISTS registry_values ("
                        "id INTEGER PRIMARY KEY, path TEXT NOT NULL, name TEXT NOT NULL, "
                        "type INTEGER NOT NULL, data, UNIQUE (path, name))");

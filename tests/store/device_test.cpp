@@ -34,7 +34,7 @@ bool firstStart(const DeviceRoot &root) {
     Registry registry(root);
     quint32 count = 0;
     SettingsStore(registry).RegReadDword(programKey, u"CategoryNumber", count);
-    return (count != 0 || seedCategories(root, registry) == Seeding::Done) &&
+    return (count != 0 || seedCategories(root, registry)) &&
            FeedStore(root, registry, testTodayKey.toString()).Open();
 }
 
