@@ -19,8 +19,8 @@ void trim(QString &text) {
         text.truncate(TrimTrailingBlanks(text).size());
 }
 
-// The description loses as many characters at its end as it has quotes: its length counts before
-// they are doubled, and the cut falls after. A doubled quote is never halved.
+// `length` counts the description before its quotes are doubled, so that it loses a character at
+// its end for each quote. A doubled quote is never halved.
 QStringView cutDescription(QStringView escaped, qsizetype length) {
     QStringView cut = cutText(escaped, length);
     qsizetype quotes = 0;
@@ -67,8 +67,7 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     trim(item.guid);
     trim(item.link);
     const QString date = normalisePubDate(item.publicationDate);
-    // These go into the statement as they are. A quote in one would end its literal, so that what
-    // follows could become SQL: such an item is refused before there is a statement.
+    // These are not escaped. A quote would end the literal, and what follows could become SQL.
     if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote) ||
         hasLoneQuote(category_))
         return false;
@@ -78,7 +77,7 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
 }
 
 ArticleRecord ArticleIngestion::articleOf(const ItemRecord &item, const QString &date) const {
-    // A title of dropped characters alone is none; stored empty, it would be a row without a word.
+    // An item whose title has dropped characters alone would be a row without a text.
     QString title = escapeFeedText(item.title, titleCapacity);
     if (title.isEmpty())
         title = missingText.toString();

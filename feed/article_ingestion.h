@@ -8,24 +8,24 @@
 
 namespace tidebrook {
 
-/// Brings the items of one channel into the article table and takes old articles out of it. It
-/// runs inside a change that its caller has begun. Not thread-safe.
+/// Stores the items of one channel as articles, and deletes its old articles, within a change that
+/// the caller has begun. Not thread-safe.
 class ArticleIngestion {
 public:
-    /// `category` goes into each article's statement as it is: it has been through EscapeSql.
+    /// `category` has been through EscapeSql.
     ArticleIngestion(SqlCommand &command, const QString &channelName, const QString &category);
 
-    /// The stamp that articles must have not to be pruned, at this moment.
+    /// The oldest stamp that is not pruned at this moment.
     static qint64 oldestKept();
 
-    /// Deletes the channel's articles whose stamp is older than seven days of the ingestion
-    /// clock. Items are stamped two days back, so an article stays for five.
+    /// Deletes the channel's articles whose stamp is older than seven days of the ingestion clock.
+    /// Items are stamped two days back, so that an article stays for five.
     bool pruneChannel();
 
     /// Stores an item as an unread article. One whose guid is stored already, in any channel, or
-    /// whose title this channel has, is left out with success: the article that is there keeps
-    /// its read flag and its age. False when the item has neither guid nor link, or a quote in
-    /// its guid or link, or a lone one in the category, or when the database failed.
+    /// whose title this channel has, is skipped with success: the stored article keeps its read
+    /// flag and its age. False when the item has neither guid nor link, or a quote in its guid or
+    /// link, or when the database failed.
     bool insertItem(ItemRecord item);
 
     /// How many articles were stored.

@@ -27,7 +27,7 @@ bool FeedFetcher::fail(quint32 code) {
     return false;
 }
 
-// While roaming a request that does not get through is no failure to tell the user of.
+// While roaming, a request that fails is not reported to the user.
 FeedFetcher::Taken FeedFetcher::endQuietlyOrFail(quint32 code) {
     if (isRoaming())
         return Taken::Document;
@@ -36,8 +36,7 @@ FeedFetcher::Taken FeedFetcher::endQuietlyOrFail(quint32 code) {
 }
 
 bool FeedFetcher::isRoaming() const {
-    // The mask leaves out bit 0, which the comparison asks for, so this never holds: a request
-    // while roaming is to fail like any other.
+    // Never true, since the mask lacks bit 0: a request while roaming must fail like any other.
     const quint32 status = SettingsStore(registry_).dword(phoneStateKey, u"Status") & 0x2003C000;
     return status == 1;
 }
@@ -80,7 +79,7 @@ bool FeedFetcher::checkRoot() { return document_->root().name() == "rss" || fail
 
 bool FeedFetcher::download(const QString &url) {
     // The file has one fixed place, and several channels may be refreshed at once: each downloads
-    // into a file of its own, puts that in the fixed place when it is whole, and reads it.
+    // into its own file, moves it to the fixed place, and reads its own.
     FileReplacement temp(device_.filePath(tempFile));
     QFile &file = temp.file();
     if (!file.isOpen() || httpDownloadDirect(url, file, limits_) != HttpProgress::Complete ||

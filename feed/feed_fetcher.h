@@ -13,18 +13,16 @@
 
 namespace tidebrook {
 
-/// How a refresh goes about it, for whom it is.
 struct FetchOptions {
     bool keepsPauses = true;   ///< the fixed ones between its steps, as for the screens
     bool recordsErrors = true; ///< in the registry, for a program that waits for the result
 };
 
-/// Refreshes one channel: gets its document over the network and hands it to the parser. Made for
-/// one channel and one thread, and used once.
+/// Refreshes one channel: gets its document over the network and has it parsed. For one thread, and
+/// used once.
 ///
-/// A failure leaves its code in `error()` and, for the program that tells the user, in the
-/// registry. It leaves the database untouched, except that articles stored before a faulty item
-/// stay.
+/// A failure leaves its code in `error()` and, if so wanted, in the registry's "ERRORNO". It leaves
+/// the database unchanged, except that articles stored before a faulty item stay.
 class FeedFetcher {
 public:
     FeedFetcher(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {},
@@ -33,18 +31,18 @@ public:
     /// 0 while nothing has failed.
     quint32 error() const { return error_; }
 
-    /// The code that the user is told, which for an empty answer is another.
+    /// The code that the user sees, which for an empty answer is another.
     quint32 toldError() const { return toldError_; }
 
-    /// Gets the document and sees that it is an RSS document. Waits for the network, for 50
-    /// seconds at most; the store is not touched.
+    /// Gets the document and checks that it is RSS. Waits for the network, for 50 seconds at most;
+    /// does not use the store.
     bool fetch(const QString &url, const QString &channelName);
 
-    /// What has become of an answer.
+    /// What an answer is.
     enum class Taken {
-        Document,  ///< it is an RSS document, or nothing to tell of
+        Document,  ///< an RSS document, or a failure that is not reported
         Unchanged, ///< the document that was stored last is still the newest
-        Unclear,   ///< a text that is no document: `download` is left to try
+        Unclear,   ///< a text that is no document: `download` is to be tried
         Failed,
     };
 
@@ -54,12 +52,11 @@ public:
     /// The second half: gets the document once more by the direct transport.
     bool download(const QString &url);
 
-    /// Stores what `fetch` got, once it has succeeded, inside a change of the database that the
-    /// caller has begun. `category` has been through EscapeSql. Where nothing has changed it only
-    /// prunes.
+    /// Stores what a `fetch` that succeeded got, within a change of the database that the caller
+    /// has begun. `category` has been through EscapeSql. An unchanged channel is only pruned.
     bool parse(SqlCommand &command, const QString &channelName, const QString &category);
 
-    /// Records a failure that is none of the fetch's own. Always false.
+    /// Records a failure. Always false.
     bool fail(quint32 code);
 
     /// How many articles `parse` stored.

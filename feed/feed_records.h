@@ -4,7 +4,7 @@
 
 namespace tidebrook {
 
-/// What stands for each text that a document does not supply.
+/// Stands for a text that a document does not supply.
 inline constexpr QStringView missingText = u"DEFAULT";
 
 /// One item of a feed as it is read, each text cut to its capacity in UTF-16 units.

@@ -68,7 +68,7 @@ qint64 ingestionClock(quint16 daysBack) {
     const QDateTime now = utcNow();
     const QDate date = now.date();
     const QTime time = now.time();
-    // In 32 bits, as every stamp that is stored already was made.
+    // In 32 bits, like the stamps in every database.
     const auto days =
         static_cast<quint32>((date.year() - 2000) * 365 + date.month() * 30 + date.day());
     const auto seconds =

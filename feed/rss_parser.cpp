@@ -44,7 +44,7 @@ void applyRules(XmlNode node, ItemRecord &item) {
 RssParser::RssParser(SqlCommand &command, const QString &channelName, const QString &category)
     : ingestion_(command, channelName, category) {
     const QString missing = missingText.toString();
-    // One refresh has one stamp, so that within it the feed's own order holds.
+    // The items of a refresh share one stamp, which keeps them in the feed's own order.
     emptyItem_ = {missing, missing, missing, missing, missing, ingestionClock(0)};
 }
 

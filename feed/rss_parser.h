@@ -9,8 +9,8 @@
 
 namespace tidebrook {
 
-/// Walks a document and hands its items to ingestion, one after another. It takes the first child
-/// of the root for the channel, whatever its name. Not thread-safe.
+/// Walks a document and has its items ingested. The first child of the root is the channel,
+/// whatever its name. Not thread-safe.
 class RssParser {
 public:
     /// `category`, escaped, is what the articles are stored under.

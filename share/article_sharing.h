@@ -9,15 +9,15 @@ namespace tidebrook {
 enum class SaveKind : quint8 { Link = 17, Article = 18 };
 enum class SendKind : quint8 { Sms = 15, Email = 16 };
 
-/// Saves an article, or its link alone, as a page of HTML, as the first bytes of a file of 65,536.
-/// The file is replaced whole. False, with the file that was there as it was, when there is no such
-/// article, or when it cannot be written; then the store's error is 1004. Does not mark the article
-/// read. Waits for the disk.
+/// Saves an article, or its link alone, as a page of HTML in a file of 65,536 bytes, the rest of
+/// which is zeros. The file is replaced whole. False, with the old file unchanged, when there is no
+/// such article, or when it cannot be written; then the store's error is 1004. Does not mark the
+/// article read. Waits for the disk.
 bool saveArticleHtml(FeedStore &store, const QString &channel, const QString &title,
                      const QString &path, SaveKind kind);
 
-/// Opens the desktop's composer with an article's link, for the user to address and to send. False
-/// when there is no such article, or no composer.
+/// Opens the desktop's composer with an article's link. False when there is no such article, or no
+/// composer.
 bool sendArticleLink(FeedStore &store, const QString &channel, const QString &title, SendKind kind);
 
 } // namespace tidebrook

@@ -6,8 +6,8 @@
 
 namespace tidebrook {
 
-/// The code of a direct download that got no further than this; 0 when it was called off, which
-/// nobody is to be told of.
+/// The code of a direct download that ended like this; 0 when it was stopped, which is not
+/// reported.
 quint32 downloadFailure(HttpProgress progress, const HttpLimits &limits);
 
 } // namespace tidebrook

@@ -17,11 +17,11 @@ constexpr qsizetype typePositions = 1020;  // where in them a type's tag can beg
 constexpr qsizetype titlePositions = 1017; // and a tag of the title
 constexpr qsizetype titleLimit = 49;       // bytes
 
-/// What the opening of a document tells: nothing as long as it does not tell yet.
+/// What is found in the opening of a document, if it can be found yet.
 using Scan = std::function<std::optional<QString>(const QByteArray &opening)>;
 
-/// Looks at a document while it comes, and takes no more of it once it has told, or cannot any
-/// more.
+/// Scans a document while it is received, and ends the download when something is found, or no
+/// longer can be.
 class Opening : public QIODevice {
 public:
     explicit Opening(const Scan &scan) : scan_(scan) { open(WriteOnly | Unbuffered); }
@@ -43,7 +43,7 @@ private:
     std::optional<QString> found_;
 };
 
-// Where a tag begins, or else a place behind all others.
+// Where a tag begins; `openingSize` when it does not come in time.
 qsizetype positionOf(QByteArrayView tag, const QByteArray &opening, qsizetype positions) {
     const qsizetype position = opening.indexOf(tag);
     return position >= 0 && position < positions ? position : openingSize;

@@ -60,8 +60,8 @@ bool OpmlReader::fail(quint32 code) {
     return false;
 }
 
-// The file has one fixed place, and two lists may be downloaded at once: each is read from what
-// came, and put in place when it is whole.
+// The file has one fixed place, and two lists may be downloaded at once: each is parsed from
+// memory.
 std::optional<QByteArray> OpmlReader::download(const QString &url) {
     QBuffer body;
     body.open(QIODevice::WriteOnly);
@@ -76,7 +76,7 @@ std::optional<QByteArray> OpmlReader::download(const QString &url) {
     return std::nullopt;
 }
 
-// Reading a pipe or a device could wait for ever.
+// Reading a pipe or a device could block for ever.
 std::optional<QByteArray> OpmlReader::readFile(const QString &path) {
     std::optional<QByteArray> bytes = readPlainFile(path, limits_.bodyBytes, Links::Followed);
     if (!bytes)
@@ -96,11 +96,11 @@ bool OpmlReader::parse(const QByteArray &bytes) {
     return walk(body) || fail(FeedNotRss);
 }
 
-// As deep as a document can nest, which is not deep enough to exhaust a stack.
+// The limit of a document's depth keeps the recursion from exhausting the stack.
 bool OpmlReader::walk(const XmlNode &parent) {
     for (XmlNode child = parent.firstChild(); !child.isNull() && count_ < capacity;
          child = child.nextSibling()) {
-        if (!(child.childCount() > 0 ? walk(child) : takeLeaf(child)))
+        if (!(child.firstChild().isNull() ? takeLeaf(child) : walk(child)))
             return false;
     }
     return true;

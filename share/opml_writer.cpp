@@ -12,7 +12,7 @@ namespace tidebrook {
 
 namespace {
 
-// A document with a character that XML does not have would be refused by every reader.
+// Readers refuse a document with a character that XML does not allow.
 QString xmlText(QString text) {
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];

@@ -6,9 +6,9 @@
 
 namespace tidebrook {
 
-/// Writes a category with all its channels, or with the one that is named (null: all), as an OPML
-/// 2.0 list. The file is replaced whole; false, with the file that was there as it was, when
-/// something of the list cannot be read or the file not be written. Waits for the disk.
+/// Writes a category with one channel, or with all its channels where `channel` is null, as an OPML
+/// 2.0 list. The file is replaced whole; false, with the old file unchanged, when a channel cannot
+/// be read or the file cannot be written. Waits for the disk.
 bool exportOpml(FeedStore &store, const QString &category, const QString &channel,
                 const QString &path);
 

@@ -8,7 +8,7 @@ namespace tidebrook {
 namespace {
 
 constexpr QStringView countName = u"CategoryNumber";
-// A damaged count must not make a list of four thousand million slots.
+// A damaged count must not exhaust the memory.
 constexpr quint32 slotLimit = 65536;
 
 } // namespace
@@ -38,7 +38,7 @@ bool CategoryListStore::ReadCategoryList(CategoryList &list) {
 }
 
 std::optional<QStringList> CategoryListStore::listedCategories() {
-    // Each read that comes upon a damaged value takes it out and fails.
+    // Each read that finds a damaged value removes it and fails.
     constexpr int damagedValueLimit = 100;
     CategoryList list;
     for (int i = 0; i < damagedValueLimit && !ReadCategoryList(list); ++i) {

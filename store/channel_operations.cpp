@@ -11,8 +11,7 @@ namespace {
 constexpr qsizetype suffixableNameLength = 45;
 constexpr int suffixLimit = 10'000;
 
-// Links go into their statements as they are. One with a quote would end its literal early, and
-// what follows could become SQL, so no such statement is ever formed.
+// Links are not escaped. A quote would end the literal, and what follows could become SQL.
 bool isSafeLink(const QString &link) { return !link.contains(u'\''); }
 
 } // namespace
@@ -103,7 +102,7 @@ bool FeedStore::SetChannelLink(const QString &name, const QString &link) {
 
 bool FeedStore::RenameChannel(const QString &old, const QString &to) {
     return changeAndReopen([&] {
-        // The articles first: when the name is taken they have it already, and the channel not.
+        // The articles first: they are renamed also when the channel's new name is taken.
         const QString newName = escapedChannelName(to);
         const QString oldName = escapedChannelName(old);
         return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET CHANNEL_NAME = '%1' WHERE "
@@ -184,7 +183,7 @@ bool FeedStore::PublishTotalUnread() {
         if (!SumUnread(QStringLiteral("SELECT NUM_OF_UNREAD FROM RSSCHRecord"), sum))
             return false;
     }
-    // The database is free for others while the registry is waited for.
+    // Without the store's lock, since the registry may be busy.
     return settings_.setDword(todayItemKey_, u"UnreadItems", static_cast<quint32>(sum));
 }
 

@@ -22,8 +22,7 @@ qsizetype capacityOf(TextKind kind) {
 
 bool isDropped(QChar c) { return c == u'\r' || c == QChar(0xFEFF) || c == QChar(0xFFFE); }
 
-// Looks at every character without a branch, which the compiler makes fast; there hardly ever is
-// one to find.
+// Without a branch for each character, which is fast; there is hardly ever one to find.
 bool hasDropped(QStringView text) {
     unsigned found = 0;
     for (const QChar c : text)
@@ -32,7 +31,7 @@ bool hasDropped(QStringView text) {
 }
 
 // Appends the text with its quotes doubled until it ends or `out` has `capacity` characters or
-// more. Every text of a feed comes through here, so what lies between quotes is copied whole.
+// more. For speed, what is between quotes is copied whole.
 void appendQuoted(QStringView text, QString &out, qsizetype capacity) {
     while (!text.isEmpty() && out.size() < capacity) {
         const qsizetype quote = text.indexOf(u'\'');

@@ -32,7 +32,7 @@ constexpr char articleIndex[] =
 constexpr char channelIndex[] =
     "CREATE UNIQUE INDEX PK_CHRD on RSSCHRecord (CATEGORY ASC, CHANNEL_NAME ASC)";
 
-// What a killed process was building; no other process builds while the lock is held.
+// Removes what a killed process was building. Needs the lock of the creation.
 void removeUnfinished(const DeviceRoot &device) {
     QDir temp(device.filePath(u"\\Temp"));
     const auto all = QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot;
@@ -44,13 +44,13 @@ void removeUnfinished(const DeviceRoot &device) {
     }
 }
 
-// Opened anew, so that what is seen is what was stored.
+// Opens the file again, to see what was stored.
 bool isStoredWhole(const QString &path) {
     const auto database = SqliteDatabase::open(path, {});
     return database && hasTables(*database);
 }
 
-// A journal that lies there belongs to no database; the new one would take it for its own.
+// Removes also a journal in the database's place, which SQLite would apply to the new one.
 bool putInPlace(const QString &built, const DeviceRoot &device) {
     const QString path = device.filePath(databaseName);
     return isStoredWhole(built) && SqliteDatabase::settle(built) && SqliteDatabase::remove(path) &&
@@ -138,7 +138,7 @@ quint32 FeedStore::buildDatabase(SqliteDatabase &database) {
         if (!insertChannel(command, channel, nullptr))
             return DatabaseFailed;
     }
-    // Only now, so that the seed is held to the columns' own constraints alone.
+    // Only now: the seed must satisfy the columns' own constraints alone.
     const bool isBuilt = run(articleIndex) && run(channelIndex) && transaction.commit();
     return isBuilt ? 0U : quint32{DatabaseFailed};
 }
@@ -161,8 +161,7 @@ bool FeedStore::recordFailure(bool isDone) {
 }
 
 void FeedStore::reopen() {
-    // The old session is let go last: while one is open the journal stays, and need not be
-    // written back and made anew for each change.
+    // The old session is closed last: the journal is written back and removed with the last one.
     const std::unique_ptr<SqliteDatabase> old = std::move(session_);
     Open();
 }
@@ -171,7 +170,7 @@ bool FeedStore::changeAndReopen(const std::function<bool()> &work) {
     const auto guard = lock();
     bool isDone = false;
     if (session_) {
-        // What ran before a failing statement stays, as if each had run alone.
+        // The statements before one that fails are kept.
         SqliteTransaction transaction(*session_);
         isDone = transaction.isOpen() && work();
         isDone = transaction.commit() && isDone;
@@ -181,7 +180,7 @@ bool FeedStore::changeAndReopen(const std::function<bool()> &work) {
     return isDone;
 }
 
-// All that `work` changes, or nothing.
+// Stores all that `work` changes, or nothing.
 bool FeedStore::changeWhole(const std::function<bool()> &work) {
     const auto guard = lock();
     if (!session_)

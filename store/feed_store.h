@@ -61,18 +61,17 @@ public:
     bool Open();
     /// The same for a database that is there.
     bool OpenExisting();
-    /// Closes the file. An operation that ends by opening it anew does so all the same; every other
-    /// one fails until the next Open.
+    /// Closes the file. Every operation fails until the next Open, or until one of those that
+    /// `changeAtOnce` names has reopened the file.
     void ReleaseSession();
-    /// Ends the store for good: nothing opens it again.
+    /// Closes the file for good.
     void Close();
 
     // --- channels ---
 
     /// Inserts a channel. A name that exists, in any category, is stored with "-" and a random
-    /// number from 0 to 9999 behind it if it is shorter than 45 characters. `storedName` is given
-    /// the name under which it was stored. A name or link that is refused is none of the database's
-    /// failures, and has no code.
+    /// number from 0 to 9999 behind it if it is shorter than 45 characters. `storedName` gets the
+    /// name under which it was stored. There is no code for a name or link that is refused.
     bool InsertChannel(const ChannelRecord &record, QString *storedName = nullptr);
     /// The channels of a category, 606 at most; `escapedCategory` has been through EscapeSql.
     bool ListChannels(const QString &escapedCategory, QList<ChannelRow> &channels);
@@ -83,7 +82,7 @@ public:
     /// An empty link when there is no such channel.
     bool GetChannelLink(const QString &category, const QString &name, QString &link);
     bool SetChannelLink(const QString &name, const QString &link);
-    /// A name that is taken fails, with the articles renamed already.
+    /// Fails for a name that is taken, with the articles renamed already.
     bool RenameChannel(const QString &old, const QString &to);
     bool MoveChannel(const QString &name, const QString &category);
     bool DeleteChannel(const QString &name);
@@ -114,12 +113,12 @@ public:
     bool MarkChannelUnread(const QString &channel);
     bool CountReadFlags(const QString &category, const QString &channel, ReadFlagCounts &counts);
 
-    // --- for those who bring articles in ---
+    // --- several changes as one ---
 
-    /// Runs `work` as one change of the database: all that it wrote is there when this returns
-    /// true. False, with nothing changed, when the change could not be begun or stored (the code
-    /// is 1001). The store is locked meanwhile. `work` may call operations of the store, but none
-    /// that opens the file anew: SetChannelLink, RenameChannel, MoveChannel, GetArticleDetail.
+    /// Runs `work` as one change of the database, under the store's lock. False, with nothing
+    /// changed, when the change could not be begun or stored (the code is 1001). `work` may call
+    /// operations of the store, but none that reopens the file: SetChannelLink, RenameChannel,
+    /// MoveChannel, GetArticleDetail.
     bool changeAtOnce(const std::function<void(SqlCommand &)> &work);
 
 private:

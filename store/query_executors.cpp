@@ -14,8 +14,7 @@ constexpr int untypedCapacity = 40; // of a column that is declared as no text
 // Dates have no time of day. Within one refresh, which has one stamp, a feed's newest comes first.
 constexpr char newestFirst[] = "TIMESTAMP DESC, rowid";
 
-// A row of a list as it stands in the row buffer. A text that does not fill its place is followed
-// by zeros.
+// A row of the row buffer. A shorter text is padded with zeros.
 struct StoredChannel {
     char16_t name[channelNameCapacity];
     qint32 unread;
@@ -30,8 +29,7 @@ struct StoredArticle {
 };
 static_assert(sizeof(StoredArticle) == 592);
 
-// A value that fills its column loses its last character on the way out, and so fits the row
-// buffer.
+// A value that fills its column loses its last character, and so fits the row buffer.
 QString columnText(const SqliteStatement &row, int column) {
     const int length = row.declaredLength(column);
     const QString text = row.text(column);
@@ -44,7 +42,7 @@ template <std::size_t capacity> void copyText(const QString &text, char16_t (&ou
 }
 
 template <std::size_t capacity> QString textOf(const char16_t (&stored)[capacity]) {
-    return QStringView(stored).toString(); // up to a zero, or all of it
+    return QStringView(stored).toString(); // ends at a zero
 }
 
 } // namespace
@@ -54,7 +52,7 @@ bool FeedStore::ExecuteNonQuery(const QString &statement) {
                     : recordFailure(false);
 }
 
-// All of them, or none.
+// Runs all of them, or none.
 bool FeedStore::executeAll(const QStringList &statements) {
     return changeWhole([&] {
         return std::all_of(statements.begin(), statements.end(),

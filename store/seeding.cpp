@@ -10,7 +10,7 @@ namespace tidebrook {
 
 namespace {
 
-constexpr qint64 seedLimit = 16 * 1024 * 1024; // bytes; room for more channels than any device has
+constexpr qint64 seedLimit = 16 * 1024 * 1024; // bytes
 
 std::optional<QString> readSeedFile(const DeviceRoot &device) {
     const std::optional<QByteArray> bytes =
@@ -33,12 +33,12 @@ std::optional<QList<ChannelRecord>> readSeedChannels(const DeviceRoot &device) {
         return std::nullopt;
     QList<ChannelRecord> channels;
     QList<QStringView> lines = QStringView(*text).split(u'\n');
-    if (lines.last().isEmpty()) // what is behind the last line's end is no line
+    if (lines.last().isEmpty())
         lines.removeLast();
     for (QStringView line : lines) {
         if (line.endsWith(u'\r'))
             line.chop(1);
-        if (line.isEmpty()) // an empty line is no channel
+        if (line.isEmpty())
             continue;
         const QList<QStringView> fields = line.split(u'\t');
         channels.append({.category = field(fields, 2, categoryCapacity),
@@ -55,7 +55,7 @@ bool seedCategories(const DeviceRoot &device, Registry &registry) {
     CategoryListStore categories(registry);
     Registry::Batch batch(registry);
     bool isStored = batch.isOpen();
-    // Fields are taken in threes with no heed to lines, and empty ones vanish.
+    // Fields count in threes regardless of lines, and empty ones do not count.
     QString delimited = *text;
     delimited.replace(u'\t', u'\n').replace(u'\r', u'\n');
     const QStringList tokens = delimited.split(u'\n', Qt::SkipEmptyParts);

@@ -11,7 +11,7 @@ QString todayItemKey(const QString &itemName) {
 bool SettingsStore::RegReadDword(QStringView key, QStringView name, quint32 &out) {
     const std::optional<RegistryValue> value = registry_.read(key, name);
     if (!value) {
-        // Never over a value that is there: a read may also fail because the file is locked.
+        // Not `write`: the read may have failed because the file is locked.
         if (registry_.create(key, name, quint32{0}))
             registry_.flush();
         return false;

@@ -25,8 +25,8 @@ public:
 
     Registry &registry() const { return registry_; }
 
-    /// Reads a DWORD. One that does not exist is made, as 0, and the read fails; one of another
-    /// type makes the read fail and stays as it is. `out` is set only by a read that succeeds.
+    /// Reads a DWORD. Where there is none it is made, as 0, and the read fails; a value of another
+    /// type stays, and the read fails. `out` is set only by a read that succeeds.
     bool RegReadDword(QStringView key, QStringView name, quint32 &out);
 
     /// Writes a DWORD and flushes it.
@@ -45,7 +45,7 @@ private:
     Registry &registry_;
 };
 
-/// Records why something failed, for the program that tells the user: the DWORD "ERRORNO". The last
+/// Records why something failed, for the program that reports it: the DWORD "ERRORNO". The last
 /// writer wins.
 void SetLastErrorCode(Registry &registry, quint32 code);
 

@@ -16,7 +16,7 @@ namespace {
 
 constexpr QStringView notOurs = u"it is a database of another program";
 
-// Each row of these queries is a line about what is not as it should be.
+// Each row of these queries is a line for a fault.
 constexpr char missingIndex[] =
     "SELECT 'database: an index is missing' WHERE "
     "(SELECT count(*) FROM sqlite_master WHERE name IN ('PK_RECORD', 'PK_CHRD')) <> 2";

@@ -14,7 +14,7 @@ QDateTime momentOf(qint64 seconds) {
     return seconds == 0 ? QDateTime() : QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
 }
 
-// A validator is bytes of any kind, which must come back the same: each becomes one character.
+// A validator may have any bytes: each is stored as one character.
 QByteArray storedBytes(const QByteArray &validator) {
     return QString::fromLatin1(validator).toUtf8();
 }
@@ -57,7 +57,7 @@ bool UpdateStateStore::open() {
     return database_ && database_->run(creation) && database_->prepare(insertion);
 }
 
-// A file that others are at work with fails too, and is not to be taken from them.
+// Opening also fails while another process uses the file, which then must stay.
 void UpdateStateStore::recover() {
     const bool isOtherLayout = database_ && database_->prepare("SELECT * FROM update_states") &&
                                !database_->prepare(insertion);

@@ -13,9 +13,9 @@
 
 namespace tidebrook {
 
-/// What is remembered of a channel's updates. Moments are UTC, and invalid where there was none.
+/// How a channel's updates went. Moments are UTC, and invalid where there was none.
 struct UpdateState {
-    QString url; ///< the address that all of this is of
+    QString url; ///< the address that all of this is about
 
     QDateTime lastAttempt;
     QDateTime lastTurn; ///< the last attempt that was an automatic one
@@ -24,7 +24,7 @@ struct UpdateState {
     bool wasUnchanged = false; ///< the last attempt: the server had nothing new to send
     int storedCount = 0;       ///< new articles of the last attempt
     int failures = 0;          ///< automatic attempts that failed since the last success or request
-    QDateTime leftAloneUntil;  ///< what the server asked for
+    QDateTime leftAloneUntil;  ///< as the server asked
 
     /// What the server said of the document that was stored last, and how many articles the
     /// channel had then.
@@ -32,20 +32,20 @@ struct UpdateState {
     int total = 0;
 };
 
-/// The updates' memory: a file beside the database that holds nothing that the user would miss.
-/// When it is deleted, also while it is in use, the next update fetches everything anew. A file
-/// that is damaged is replaced. Not thread-safe; several processes may use it at once.
+/// The states of all channels: a file beside the database that may be deleted at any time, and then
+/// makes the next update fetch everything. A damaged file is replaced. Not thread-safe; several
+/// processes may use it at once.
 class UpdateStateStore {
 public:
-    /// Opens the file, making it when it is missing. Where that fails every read finds nothing and
-    /// nothing is changed.
+    /// Opens the file, and makes it when it is missing. Where that fails every read finds nothing
+    /// and every change fails.
     explicit UpdateStateStore(const DeviceRoot &device);
 
-    /// What is remembered of each channel, by its name.
+    /// The states by the channels' names.
     QHash<QString, UpdateState> readAll();
 
-    /// Changes what is remembered of one channel, as one change: nothing that another process
-    /// remembers meanwhile is lost.
+    /// Reads and changes the state of one channel as one change, which no other process comes
+    /// between.
     bool change(const QString &channelName, const std::function<void(UpdateState &)> &work);
 
 private:

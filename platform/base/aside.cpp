@@ -33,7 +33,7 @@ QString letters() {
     return text;
 }
 
-// Between being made and being locked it may have been taken for one that was left.
+// Before it was locked, another process may have removed it as one that was left.
 bool isStillThere(int descriptor, const char *path) {
     struct stat own {};
     struct stat there {};

@@ -8,12 +8,12 @@
 
 namespace tidebrook {
 
-/// A file or folder that is made beside the place that it is meant for: its name is a prefix and
-/// six letters, small and capital ones in turn. It is locked (flock) until its descriptor is
-/// closed, so that one that is free is known to have been left by a killed process.
+/// A file or folder that is made beside its final place: its name is a prefix and six letters,
+/// small and capital ones in turn. It is locked (flock) until its descriptor is closed: one without
+/// a lock was left by a killed process.
 struct Aside {
     QString path;
-    int descriptor = -1; ///< its maker closes it; -1 when it could not be made
+    int descriptor = -1; ///< the caller closes it; -1 after a failure
 };
 
 /// `prefix` is a path. A file is open for reading and writing.
@@ -21,11 +21,11 @@ Aside makeFileAside(const QString &prefix, mode_t mode);
 /// Only its owner may enter the folder.
 Aside makeFolderAside(const QString &prefix);
 
-/// Removes what others have made with this prefix and left: it is free, the user's own, and
-/// `isOurs` says so of its path. A symbolic link stays, whatever it leads to.
+/// Removes what killed processes left with this prefix: what has no lock, belongs to the user, and
+/// `isOurs` accepts by its path. A symbolic link stays.
 void removeLeftAside(const QString &prefix, const std::function<bool(const QString &)> &isOurs);
 
-/// Whether a path ends with six letters as nobody types them.
+/// Whether a path ends with six letters, small and capital ones in turn.
 bool hasMadeUpEnding(const QString &path);
 
 } // namespace tidebrook

@@ -23,7 +23,7 @@ const QStringList &folders() {
     return names;
 }
 
-// What lies beside the root under such a name may be the user's.
+// A folder with such a name may also be the user's own.
 bool isUnfinishedRoot(const QString &path) {
     const QStringList entries =
         QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
@@ -75,8 +75,8 @@ bool DeviceRoot::provision(const std::function<bool(const DeviceRoot &)> &fill) 
         return false;
     const DeviceRoot built(aside.path);
     const bool isBuilt = built.makeFolders() && fill(built) && syncFolder(aside.path);
-    // The rename fails where something is in place that is no empty folder: a device that somebody
-    // else has made first serves as well.
+    // The rename fails unless an empty folder or nothing is in place. A device that another process
+    // made first will do.
     if (isBuilt && std::rename(QFile::encodeName(aside.path).constData(),
                                QFile::encodeName(path_).constData()) == 0)
         syncFolder(parent);

@@ -6,8 +6,8 @@
 
 namespace tidebrook {
 
-/// The directory that stands for the device's file system. Everything the system keeps between
-/// runs lies below it. A value; it opens nothing and keeps nothing open.
+/// The directory that stands for the device's file system, and holds everything that is kept
+/// between runs. A value, which keeps nothing open.
 class DeviceRoot {
 public:
     explicit DeviceRoot(const QString &path);
@@ -16,24 +16,22 @@ public:
     static DeviceRoot standard();
 
     QString path() const { return path_; }
-    /// Whether there is a device: a folder with a registry, or with the folder `windows`. No other
-    /// folder is one, and nothing is to be made in it.
+    /// Whether there is a device: a folder with a registry, or with the folder `windows`. Nothing
+    /// may be made in any other folder.
     bool isDevice() const;
 
-    /// Where a file of the device lies here: `\windows\X`, `\Temp\X`, or a bare name for the
-    /// root of the device.
+    /// The path of a file of the device: `\windows\X`, `\Temp\X`, or a bare name in the root.
     QString filePath(QStringView devicePath) const;
     QString registryPath() const;
 
-    /// Makes the root and the folders that every device has, where they are missing: `windows`,
-    /// `Temp` and `run`. Only the user may enter what is made. False when one could not be made.
+    /// Makes the root and its folders `windows`, `Temp` and `run`, where they are missing. Only the
+    /// user may enter what is made. False when one could not be made.
     bool makeFolders() const;
 
     /// Makes a device where there is nothing yet, or an empty folder. It is built aside, filled by
-    /// `fill` (which is given the root being built and returns whether it succeeded), and put in
-    /// place whole, so that no process ever sees half a device. True when there is a device
-    /// afterwards, also when another process made it meanwhile; after a failure nothing is left
-    /// behind. What a killed process left of a device that it was building is removed.
+    /// `fill`, which gets the root being built and returns whether it succeeded, and put in place
+    /// whole. True when there is a device afterwards, also when another process made it meanwhile;
+    /// after a failure nothing is left behind. Removes what a killed process was building.
     bool provision(const std::function<bool(const DeviceRoot &)> &fill) const;
 
 private:

@@ -1,16 +1,17 @@
 #pragma once
 
 #include <QList>
-#include <QPair>
 #include <QStringList>
 
 #include <sys/types.h>
 
+#include <utility>
+
 namespace tidebrook {
 
-/// Which files lie at some paths: two lists are equal when they are the same files, and not others
-/// that were put in their place. Empty when one of them is missing.
-using FileIdentities = QList<QPair<dev_t, ino_t>>;
+/// Which files lie at some paths: the lists differ when a file was replaced by another. Empty when
+/// one is missing.
+using FileIdentities = QList<std::pair<dev_t, ino_t>>;
 FileIdentities identitiesOf(const QStringList &paths);
 
 } // namespace tidebrook

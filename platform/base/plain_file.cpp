@@ -47,7 +47,7 @@ std::optional<QByteArray> readPlainFile(const QString &path, qint64 limit, Links
         !file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle))
         return std::nullopt;
     const QByteArray bytes = file.size() <= limit ? file.readAll() : QByteArray();
-    // One that grows meanwhile is over the limit, too.
+    // The file may have grown over the limit meanwhile.
     const bool isWhole = file.error() == QFile::NoError && file.size() <= limit;
     return isWhole && bytes.size() <= limit ? std::optional(bytes) : std::nullopt;
 }
@@ -67,7 +67,7 @@ bool makeOwnFolder(const QString &path) {
 bool syncFolder(const QString &path) {
     const Descriptor folder(
         open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Some file systems cannot do it, and say so.
+    // EINVAL: the file system cannot sync folders.
     return folder.isOpen() && (fsync(folder.number()) == 0 || errno == EINVAL);
 }
 

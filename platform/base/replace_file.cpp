@@ -14,7 +14,7 @@ namespace tidebrook {
 
 namespace {
 
-// In a folder of the user's nothing may be taken for ours that is not.
+// In the user's own folders, a prefix that cannot be part of another file's name.
 QString asidePrefix(const QString &path, Readers readers) {
     return readers == Readers::Owner ? QString(path + u'.')
                                      : QFileInfo(path).path() + u"/.tidebrook-";
@@ -41,7 +41,7 @@ FileReplacement::FileReplacement(const QString &path, Readers readers) : path_(p
     if (aside.descriptor >= 0)
         file_.open(aside.descriptor, QIODevice::ReadWrite | QIODevice::Unbuffered,
                    QFile::AutoCloseHandle);
-    if (fileKindAt(path) == FileKind::Plain) // whose readers the umask has no say in
+    if (fileKindAt(path) == FileKind::Plain) // its mode stays, whatever the umask
         fchmod(aside.descriptor, mode);
 }
 
@@ -58,7 +58,7 @@ bool FileReplacement::commit() {
     if (!isInPlace)
         return false;
     asidePath_.clear();
-    syncFolder(QFileInfo(path_).path()); // what is in place is not to be told to have failed
+    syncFolder(QFileInfo(path_).path()); // a failure of this is none of the replacement
     return true;
 }
 

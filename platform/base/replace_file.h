@@ -9,12 +9,11 @@ namespace tidebrook {
 /// Who may read a new file.
 enum class Readers {
     Owner, ///< its owner alone: files of the device
-    Usual, ///< those whom the umask lets, or who may read the file that is replaced: the user's
+    Usual, ///< as the umask says, or the file that is replaced: files of the user
 };
 
-/// A file that is written aside, in the folder of the one that it is to replace. While it is
-/// there it is locked, so that what a killed process left is known by being free: the next
-/// replacement removes that.
+/// A file that is written aside, in the folder of the file that it replaces. What a killed process
+/// left aside is removed by the next replacement.
 ///
 /// Only a plain file is replaced: a folder, a pipe, a device or a symbolic link stays as it is.
 class FileReplacement {
@@ -24,11 +23,11 @@ public:
     FileReplacement(const FileReplacement &) = delete;
     FileReplacement &operator=(const FileReplacement &) = delete;
 
-    /// To be written, and read; open unless the file could not be made. Without a buffer.
+    /// Open for writing and reading, unbuffered; not open when the file could not be made.
     QFile &file() { return file_; }
 
-    /// Puts it in place, lasting. False when that failed; what was there is then as it was. The
-    /// file stays open.
+    /// Syncs the file and puts it in place. False when that failed; what was there is then as it
+    /// was. The file stays open.
     bool commit();
 
 private:
@@ -37,9 +36,8 @@ private:
     QFile file_;
 };
 
-/// Puts a file in place whole, instead of the one that is there: a reader finds the one or the
-/// other, also meanwhile and after a crash. False when that failed, as where something lies that
-/// is no plain file; what was there is then as it was.
+/// Replaces a file whole: also after a crash a reader finds the old content or the new. False when
+/// that failed, or what is there is no plain file; it is then as it was.
 bool replaceFile(const QString &path, const QByteArray &content, Readers readers = Readers::Owner);
 
 } // namespace tidebrook

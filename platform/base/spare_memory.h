@@ -2,9 +2,9 @@
 
 namespace tidebrook {
 
-/// Gives memory back to the system that a process which is going to sleep does not need: what was
-/// freed, and the code of the program and its libraries, which comes back from their files as
-/// soon as it is run again. Thread-safe, but not free: for the end of some work.
+/// Returns memory to the system before the process sleeps: what was freed, and the code of the
+/// program and its libraries, which is read from their files again when it runs. Thread-safe, but
+/// slow.
 void giveBackMemory();
 
 } // namespace tidebrook

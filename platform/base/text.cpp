@@ -12,7 +12,7 @@ bool isHidden(QChar c) {
         char16_t first;
         char16_t last;
     };
-    // Of the characters that format, some in Arabic and Syriac are seen.
+    // Not QChar::Other_Format, some of which are visible in Arabic and Syriac.
     static constexpr std::array<Range, 8> ranges{{{0x00AD, 0x00AD},
                                                   {0x034F, 0x034F},
                                                   {0x061C, 0x061C},
@@ -39,7 +39,7 @@ bool isJoinerInEmoji(QStringView text, qsizetype at) {
            (after.isHighSurrogate() || after.category() == QChar::Symbol_Other);
 }
 
-// Tags and their like have pairs of their own, which are all invisible.
+// The pairs of U+E0000 to U+E03FF (tags, variation selectors) are all invisible.
 bool isHiddenPair(QStringView text, qsizetype at) {
     constexpr char16_t firstOfPair = 0xDB40;
     return text[at] == firstOfPair || (at > 0 && text[at - 1] == firstOfPair);

@@ -6,8 +6,8 @@
 
 namespace tidebrook {
 
-/// The first `capacity` UTF-16 units of a text. A cut never leaves half of a surrogate pair: it
-/// then falls one unit shorter.
+/// The first `capacity` UTF-16 units of a text; one fewer where half a surrogate pair would be
+/// left.
 QStringView cutText(QStringView text, qsizetype capacity);
 
 /// The first `capacity` bytes of a text in UTF-8, or fewer, so that no character is cut in two.
@@ -20,10 +20,10 @@ QStringView TrimTrailingBlanks(QStringView text);
 /// The text with a blank in place of every control character, line ends and tabs among them.
 QString withoutControls(QString text);
 
-/// The text as it can go to a terminal or into a file's name: with a blank in place of everything
-/// that shows nothing itself, but can change how what is around it is read: control characters,
-/// line and paragraph separators, what turns the direction of writing, and characters without a
-/// width. Those of `kept` stay, and so do joiners within an emoji.
+/// The text as it can go to a terminal or into a file's name: with a blank in place of every
+/// invisible character that can change how the text around it is read: controls, line and paragraph
+/// separators, changes of direction, and characters without a width. Those of `kept` stay, and so
+/// do joiners within an emoji.
 QString withoutHidden(QString text, QStringView kept = {});
 
 } // namespace tidebrook

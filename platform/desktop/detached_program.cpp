@@ -15,9 +15,9 @@ namespace tidebrook {
 
 namespace {
 
-// Runs in a process between this one and the program, which is no child of this process when that
-// one ends. Of a process with several threads only this thread has gone along, so nothing here
-// takes memory.
+// Runs in a process between this one and the program, so that the program is no child of this one.
+// A fork has only the calling thread; another may have held the lock of the heap, so nothing here
+// allocates.
 [[noreturn]] void watch(char *const *arguments, const timespec &timeout) {
     setsid();
     sigset_t ended;
@@ -35,7 +35,7 @@ namespace {
     sigtimedwait(&ended, nullptr, &timeout);
     int status = 0;
     if (waitpid(program, &status, WNOHANG) == 0)
-        _exit(EXIT_SUCCESS); // it goes on
+        _exit(EXIT_SUCCESS); // it is still running
     _exit(WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE);
 }
 

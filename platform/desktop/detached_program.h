@@ -7,9 +7,8 @@
 
 namespace tidebrook {
 
-/// Runs a program, with arguments that no shell looks at, which goes its own way and outlives this
-/// one. False when it cannot be started, or fails within `timeout`, which is how long this waits
-/// at most. Thread-safe.
+/// Runs a program, which outlives this one, without a shell. Waits `timeout` at most; false when
+/// the program cannot be started, or fails within that time. Thread-safe.
 bool startDetached(const QString &program, const QStringList &arguments,
                    std::chrono::milliseconds timeout);
 

@@ -16,7 +16,7 @@
 #include <thread>
 #endif
 
-extern "C" { // glibc 2.36 forgot to say so itself
+extern "C" { // which glibc 2.36 lacks in this header
 #include <sys/pidfd.h>
 }
 
@@ -58,8 +58,9 @@ QString launchHere(const QString &program, const DeviceRoot &device) {
 
 QString launch(const QString &program, const DeviceRoot &device) {
 #ifdef __SANITIZE_THREAD__
-    // Qt has the child share this process's memory until it runs the program. ThreadSanitizer takes
-    // the launching thread for the child ever after, and overlooks its locks: so let it end.
+    // Qt's child shares this process's memory until it runs the program. ThreadSanitizer then
+    // mistakes the launching thread for the child and misses its locks, so it is a thread that
+    // ends.
     QString failure;
     std::thread([&] { failure = launchHere(program, device); }).join();
     return failure;
@@ -94,7 +95,7 @@ bool stopService(const DeviceRoot &device, std::chrono::milliseconds timeout) {
     if (!service)
         return true;
     const Descriptor process(pidfd_open(*service, 0));
-    // Its number may have gone to another process before that was opened.
+    // The process may have ended before the descriptor was open, and its id be another's.
     if (process.isOpen() && runningService(device) == service &&
         pidfd_send_signal(process.number(), SIGTERM, nullptr, 0) == 0)
         WaitAny({}, process.number(), timeout);

@@ -18,22 +18,21 @@ enum class Activation {
     Failed,
 };
 
-/// The file that the device's service holds, by a `ProcessLock`, as long as it runs.
+/// The file of the `ProcessLock` that the device's service holds while it runs.
 QString serviceLockPath(const DeviceRoot &device);
 
 /// The process of the device's service.
 std::optional<pid_t> runningService(const DeviceRoot &device);
 
-/// Sees to it that the device has a running service. If need be it runs the program `feedlarkd`,
-/// which is looked for beside the running program and then on the PATH, with `--home` and the
-/// device root. That program puts the service, without the standard streams, into the background
-/// and ends: with 0 as soon as the service answers requests, be it this one or another's, and with
-/// anything else when there is none. It gets 10 seconds. After a failure `error` holds what it
-/// wrote to its standard error, or why it was not run; otherwise `error` is left alone.
+/// Starts the device's service where none runs: with the program `feedlarkd` beside the running
+/// program, or else on the PATH, and the arguments `--home` and the device root. That program puts
+/// the service into the background and ends: with 0 as soon as a service answers requests, and with
+/// anything else when there is none. It gets 10 seconds. After a failure `error` is what it wrote
+/// to its standard error, or why it was not run.
 Activation activateService(const DeviceRoot &device, QString *error = nullptr);
 
-/// Asks the device's service to end (SIGTERM) and waits for that; never for a service of its own
-/// process. True when no service runs afterwards.
+/// Asks the device's service to end (SIGTERM) and waits for that. True when no service runs
+/// afterwards.
 bool stopService(const DeviceRoot &device, std::chrono::milliseconds timeout);
 
 } // namespace tidebrook

@@ -11,14 +11,14 @@ namespace tidebrook {
 
 namespace {
 
-// One that fails does so at once; one that is the program itself stays for as long as that does.
+// It fails at once or not at all; on some desktops it is the program itself and goes on running.
 constexpr std::chrono::seconds timeout{3};
 
 bool openByDesktop(const QString &address) {
     return startDetached(QStringLiteral("xdg-open"), {address}, timeout);
 }
 
-// Feeds leave out what a browser's address bar puts in.
+// Feeds leave out the scheme, which a browser would add.
 QUrl urlOf(const QString &link) {
     QString address = link.trimmed();
     if (address.startsWith(QLatin1String("//")))
@@ -32,9 +32,8 @@ QString encoded(const QString &text, const QByteArray &kept = {}) {
     return QString::fromLatin1(QUrl::toPercentEncoding(text, kept));
 }
 
-// What else a message could be told to have, as a file to go with it, is no concern of a feed.
-// Composers take an address apart again, some at signs that have no meaning in one: so that only
-// the signs that are meant to be there are left.
+// A feed must not make a composer attach a file, so only the harmless fields stay. Composers take
+// the address apart again, some at other signs than the standard's, so every other sign is encoded.
 QString messageAlone(const QUrl &url) {
     static const QStringList harmless{QStringLiteral("subject"), QStringLiteral("body"),
                                       QStringLiteral("cc"), QStringLiteral("bcc")};

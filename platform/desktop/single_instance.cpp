@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Nothing tells when a lock is let go or an event is reset.
+// There is no notification when a lock is released or an event is reset.
 constexpr std::chrono::milliseconds lookPause = 10ms;
 constexpr qint64 tokenLimit = 4096; // bytes; far more than a compositor gives
 
@@ -54,19 +54,19 @@ SingleInstance::Claim SingleInstance::claim(std::chrono::milliseconds timeout) {
 }
 
 bool SingleInstance::take() {
-    if (isMine())
+    if (lock_)
         return true;
     if (!request_.isOpen() || !lock_.emplace(lockPath_).isHeld()) {
         lock_.reset();
         return false;
     }
-    // What the one before has left. Others who wait for it are told so that this one has come.
+    // Of the instance before. The reset also answers others that wait for that one.
     forgetToken();
     request_.reset();
     return true;
 }
 
-// A compositor may raise the window only for a token; a request without one is sent all the same.
+// Some compositors raise a window without a token, too.
 bool SingleInstance::ask() {
     const QByteArray token = ownToken();
     if (!token.isEmpty())
@@ -80,9 +80,9 @@ bool SingleInstance::isLockable() const {
 }
 
 std::optional<QString> SingleInstance::takeRequest() {
-    if (!isMine() || !request_.test())
+    if (!lock_ || !request_.test())
         return std::nullopt;
-    // In this order: a token is there before the request is.
+    // In this order, since a token is written before the event is set.
     request_.reset();
     const std::optional<QByteArray> token = readPlainFile(tokenPath_, tokenLimit);
     forgetToken();
@@ -93,7 +93,5 @@ void SingleInstance::forgetToken() {
     if (fileKindAt(tokenPath_) == FileKind::Plain)
         QFile::remove(tokenPath_);
 }
-
-void SingleInstance::giveUp() { lock_.reset(); }
 
 } // namespace tidebrook

@@ -11,12 +11,11 @@
 
 namespace tidebrook {
 
-/// Lets one reader run on a device: a later one asks it to come forward, and ends. A claim
-/// holds until it is given up or its process ends, by whatever cause. Readers of
-/// other devices are not seen. For one thread; the device must have its folders.
+/// Lets one reader run on a device: a later one asks it to come forward, and ends. A claim holds
+/// until this object or its process ends. For one thread; the device must have its folders.
 ///
-/// The one that runs holds `run/FEEDLARK.lock`. It is asked by the event "FEEDLARK", which stays
-/// set until it has taken the request.
+/// The claim is the lock `run/FEEDLARK.lock`. A request is the event "FEEDLARK", which stays set
+/// until the running reader takes it.
 class SingleInstance {
 public:
     explicit SingleInstance(const DeviceRoot &device);
@@ -27,31 +26,24 @@ public:
     enum class Claim {
         Mine,           ///< this process is the one that runs now
         BroughtForward, ///< another one runs, and has taken the request to come forward
-        NoAnswer,       ///< another one runs, and did nothing about it in time
+        NoAnswer,       ///< another one runs, and has not taken the request in time
         Failed,         ///< the files that this needs could not be made
     };
 
-    /// Claims it for this process. Where another one has it, that is asked to come forward, and
-    /// handed the user's leave to do so (`XDG_ACTIVATION_TOKEN`, or else `DESKTOP_STARTUP_ID`, of
-    /// the environment, which stays as it is). Then this waits until the request is taken or the
-    /// other one has gone, which may have been closing down. Nothing but `run/` is touched.
+    /// Claims the device for this process. Where another process has it, asks that one to come
+    /// forward, with the activation token of the environment (`XDG_ACTIVATION_TOKEN`, or else
+    /// `DESKTOP_STARTUP_ID`), and waits until it takes the request or ends. Nothing but `run/` is
+    /// touched.
     Claim claim(std::chrono::milliseconds timeout);
 
-    bool isMine() const { return lock_.has_value(); }
-
-    /// Readable while there is a request to come forward; only for watching. Negative when it
-    /// could not be opened.
+    /// Readable while there is a request, for watching only; negative when it could not be opened.
     int requestDescriptor() const { return request_.descriptor(); }
 
-    /// Takes the request that is waiting, if this process is the one that runs and there is one:
-    /// the process that made it ends then. The text is the leave that came with it, empty without
-    /// one; a window takes it from `XDG_ACTIVATION_TOKEN` when it asks to be activated. Requests
-    /// that come faster than they are taken are one. Does not wait.
+    /// Takes the request that is waiting, if there is one and this process runs: the process that
+    /// made it ends then. The text is its activation token, which may be empty; a window takes it
+    /// from `XDG_ACTIVATION_TOKEN` when it asks to be activated. Several requests may be taken as
+    /// one. Does not wait.
     std::optional<QString> takeRequest();
-
-    /// From now on another process may run. A request that was not taken is left to the one that
-    /// made it, which then runs itself. `requestDescriptor` must no longer be watched.
-    void giveUp();
 
 private:
     bool take();

@@ -22,7 +22,7 @@ bool Registry::isOpen() {
     return open();
 }
 
-// One that was not to be had, as while another process held it for itself, may be had by now.
+// An earlier attempt may have failed only because another process held the file.
 bool Registry::open() {
     if (database_)
         return true;
@@ -31,7 +31,7 @@ bool Registry::open() {
     database_ = SqliteDatabase::open(device_.registryPath(), options, &error_);
     if (!database_)
         return false;
-    // The row id counts up with each new value, which is the order that values are listed in.
+    // Values are listed in the order of their ids, which count up.
     const bool hasTable =
         database_->run("CREATE TABLE IF NOT EXISTS registry_values ("
                        "id INTEGER PRIMARY KEY, path TEXT NOT NULL, name TEXT NOT NULL, "

@@ -22,26 +22,24 @@ using RegistryValue = std::variant<quint32, QString>;
 /// values in the order in which they were first written. Names are case-sensitive.
 ///
 /// Several processes and threads may use it at once; each call is atomic, and sees what others
-/// wrote before it. A written value is never half there, and `flush` makes it outlive a power
-/// cut. With a registry file that is damaged or not to be had every read finds nothing and every
-/// write returns false.
+/// wrote before it. `flush` makes what was written outlive a power cut. With a file that is damaged
+/// or cannot be opened every read finds nothing and every write returns false.
 class Registry {
 public:
-    /// Opens the registry of the device, making its file when it is missing. Where there is no
-    /// device none is made.
+    /// Opens the registry of the device, and makes its file where it is missing but the device is
+    /// not.
     explicit Registry(const DeviceRoot &device);
     ~Registry();
     Registry(const Registry &) = delete;
     Registry &operator=(const Registry &) = delete;
 
-    /// False when the file cannot be opened; `error` then says why. Every other call tries that
-    /// anew, too.
+    /// False when the file cannot be opened; `error` then says why. Every call tries it again.
     bool isOpen();
     QString error() const { return error_; }
 
     std::optional<RegistryValue> read(QStringView key, QStringView name);
     bool write(QStringView key, QStringView name, const RegistryValue &value);
-    /// Writes a value where there is none; one that is there stays. False when it failed.
+    /// Writes a value where there is none; one that is there stays, with success.
     bool create(QStringView key, QStringView name, const RegistryValue &value);
     /// True when there was such a value and it is gone.
     bool remove(QStringView key, QStringView name);
@@ -58,12 +56,12 @@ public:
     /// What is damaged in the registry's file, a line each; none when it is sound.
     QStringList faults();
 
-    /// Holds the registry for this thread and process alone, so that several calls are one
-    /// change: `commit` writes all of it, and without that none of it is written.
+    /// Locks the registry for this thread, so that several calls are one change: all of it is
+    /// written by `commit`, or none.
     class Batch {
     public:
         explicit Batch(Registry &registry);
-        /// False when the registry could not be had within its time: then nothing may be written.
+        /// False when the registry could not be locked in 2 seconds: then nothing may be written.
         bool isOpen() const { return transaction_ && transaction_->isOpen(); }
         bool commit();
 

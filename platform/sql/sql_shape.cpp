@@ -18,7 +18,7 @@ bool isWord(QChar c) {
            c == u'$' || c.unicode() > 0x7F;
 }
 
-// The parts of a statement that are taken apart, from left to right.
+// Goes through a statement from left to right.
 class Scanner {
 public:
     explicit Scanner(QStringView statement) : text_(statement) {
@@ -73,8 +73,7 @@ private:
             return endStatement();
         case u'-':
         case u'/':
-            // Comments have no place in the system's statements; refusing them leaves no way to
-            // hide a literal from this scan.
+            // A comment could hide a literal from this scan.
             if (position_ + 1 < text_.size() &&
                 (text_[position_ + 1] == u'-' || text_[position_ + 1] == u'*'))
                 return false;
@@ -138,7 +137,7 @@ private:
             putLiteral(number, end);
     }
 
-    // Numbers behind ORDER BY and GROUP BY name columns; quotes behind an x are a blob.
+    // After ORDER BY and GROUP BY a number names a column; after an x a literal is a blob.
     void noteShortWord(QStringView word, qsizetype end) {
         const bool isBlob = end < text_.size() && text_[end] == u'\'' &&
                             word.compare(u"x", Qt::CaseInsensitive) == 0;

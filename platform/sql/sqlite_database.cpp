@@ -17,8 +17,7 @@ namespace tidebrook {
 
 namespace {
 
-// Far more than the distinct statements of the system; a bound all the same, since shapes come
-// from text.
+// Far more than the system has statements; a bound, since statements are made from text.
 constexpr qsizetype idleStatementLimit = 64;
 
 constexpr char blanks[] = " \t\r\n";
@@ -96,7 +95,7 @@ std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const 
             *error = QStringLiteral("it is no plain file");
         return nullptr;
     }
-    // It is made without being opened: closing it again would give up the locks of others here.
+    // Not by open(2): closing a descriptor would release the locks of this process's connections.
     if (options.create)
         mknod(QFile::encodeName(path).constData(), S_IFREG | 0600, 0);
     sqlite3 *handle = nullptr;
@@ -120,19 +119,18 @@ SqliteDatabase::~SqliteDatabase() {
 
 bool SqliteDatabase::configure(const Options &options) {
     sqlite3_busy_timeout(handle_, options.busyTimeout);
-    // A file that another program made must not bring code along in its schema.
+    // The schema of a file that another program made must not run code.
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     if (!options.create && !hasSchema())
         return false;
-    // A file that may only be read keeps the journal mode that it has.
+    // Fails for a read-only file, which keeps its journal mode.
     run("PRAGMA journal_mode = WAL");
     return run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
                                        : "PRAGMA synchronous = NORMAL");
 }
 
-// SQLite opens a file lazily: reading the schema is what tells a damaged one, or an empty one,
-// before anything writes to it.
+// SQLite opens a file lazily: only reading the schema finds out that it is damaged or empty.
 bool SqliteDatabase::hasSchema() {
     SqliteStatement query = prepare("SELECT count(*) FROM sqlite_master");
     return query.next() && query.integer(0) > 0;
@@ -174,8 +172,8 @@ void SqliteDatabase::giveBack(const QByteArray &text, sqlite3_stmt *statement) {
 bool SqliteDatabase::inTransaction() const { return sqlite3_get_autocommit(handle_) == 0; }
 
 bool SqliteDatabase::flush() {
-    // What was committed is in the journal. A checkpoint would sync it too, but gives up while
-    // another connection is at one.
+    // What was committed is in the journal. A checkpoint would sync it too, but fails while another
+    // connection makes one.
     sqlite3_file *journal = nullptr;
     const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &journal);
     if (code != SQLITE_OK)

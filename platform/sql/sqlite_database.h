@@ -68,28 +68,28 @@ public:
     struct Options {
         /// Make the file when it is missing.
         bool create = false;
-        /// Sync at every commit, so that what was committed survives a power cut. Without it a
-        /// commit still is whole or absent after one, and `flush` makes it last.
+        /// Sync at every commit. Without it a power cut may undo the last ones, each as a whole,
+        /// unless `flush` was called.
         bool syncEveryCommit = true;
         /// How long a statement waits for another process's lock, in milliseconds.
         int busyTimeout = 5000;
     };
 
-    /// Null when the file cannot be opened, is no database or (unless it may be made) an empty
-    /// one; `error` then says why. A file that is made can be read by its owner alone, and so
-    /// can its journal.
+    /// Null when the file cannot be opened, is no database or (unless it may be made) is empty;
+    /// `error` then says why. A file that is made, and its journal, can be read by their owner
+    /// alone.
     static std::unique_ptr<SqliteDatabase> open(const QString &path, const Options &options,
                                                 QString *error = nullptr);
-    /// Whether a database may lie at a path: what is there is a plain file or a link to one, and
-    /// no other thing lies in the place of its journal. Nothing but that is ever opened.
+    /// Whether a database may be opened or made at a path: nothing lies there but a plain file or a
+    /// link to one, and in its journal's place nothing but a plain file.
     static bool isUsablePlace(const QString &path);
-    /// Writes all that is in the journal of a database that no process has open into its file, and
-    /// syncs that. True when the file alone is the whole database, and outlives a power cut.
+    /// Writes the journal of a database that no process has open into its file, and syncs that.
+    /// True when the file alone is the whole database.
     static bool settle(const QString &path);
-    /// Removes a database that no process has open, with its journal; never what is no plain file.
+    /// Removes a database that no process has open, with its journal, but only plain files.
     static bool remove(const QString &path);
-    /// Whether a file is damaged, or is no database; false also when that cannot be told, as of
-    /// one that others have locked.
+    /// Whether a file is damaged, or is no database; false also when it cannot be read, as while
+    /// another process locks it.
     static bool isDamaged(const QString &path);
 
     ~SqliteDatabase();
@@ -104,7 +104,7 @@ public:
     bool run(const QByteArray &utf8, std::vector<SqliteValue> values = {});
 
     bool inTransaction() const;
-    /// Makes everything that was committed outlive a power cut. Waits for no other user of it.
+    /// Makes everything that was committed outlive a power cut. Does not wait for other users.
     bool flush();
     QString lastError() const;
 

@@ -4,8 +4,7 @@
 
 namespace tidebrook {
 
-/// Declarations of HTML's named characters as a DTD has them, but for those that every XML parser
-/// knows (quot, amp, lt, gt).
+/// A DTD's declarations of HTML's named characters, but for those of XML (quot, amp, lt, gt).
 QByteArray htmlEntityDeclarations();
 
 } // namespace tidebrook

@@ -6,7 +6,7 @@
 
 #include <QByteArrayMatcher>
 
-#define XML_DTD // for the declarations of what limits the growth by entities
+#define XML_DTD // declares the functions that limit the growth by entities
 #include <expat.h>
 
 #include <algorithm>
@@ -100,7 +100,7 @@ private:
         });
     }
 
-    // In pieces, since the parser keeps names and declarations before it tells of what they are in.
+    // In pieces: the parser stores the names of a tag before it calls a handler that could stop it.
     bool parseAll() {
         XmlUtf8Reader reader(bytes_, charset_);
         qint64 fed = 0;
@@ -122,7 +122,7 @@ private:
         return true;
     }
 
-    // Stands for every external DTD, none of which is loaded.
+    // In place of an external DTD, which is never loaded.
     bool declareEntities(XML_Parser asking) {
         const Parser parser(XML_ExternalEntityParserCreate(asking, nullptr, "UTF-8"));
         const QByteArray declarations = htmlEntityDeclarations() + otherDeclarations();
@@ -130,9 +130,9 @@ private:
                                    static_cast<int>(declarations.size()), 1) == XML_STATUS_OK;
     }
 
-    // The parser drops undeclared entities from attributes without a word, so that every
-    // entity that is used is declared to be what is written. The first declaration is the one that
-    // holds: the document's own, then HTML's.
+    // The parser silently drops undeclared entities from attributes, so every entity that is used
+    // is declared to be its own text. The first declaration of an entity holds: the document's own,
+    // then HTML's.
     QByteArray otherDeclarations() const {
         XmlUtf8Reader reader(bytes_, charset_);
         std::set<QByteArray> names;
@@ -168,7 +168,7 @@ private:
         return text.first(size);
     }
 
-    // The parser may still tell of what it has begun to tell of; nothing of it is wanted.
+    // The parser may still call handlers after this.
     void stop() {
         isStopped_ = true;
         XML_StopParser(parser_.get(), XML_FALSE);
@@ -196,7 +196,7 @@ private:
             OpenElement &parent = open_.back();
             if (parent.lastChild)
                 document_.nodes_[parent.lastChild].nextSibling = index;
-            ++document_.nodes_[parent.node].childCount;
+            document_.nodes_[parent.node].hasChildren = true;
             parent.lastChild = index;
         }
         return index;
@@ -249,15 +249,15 @@ private:
             stop();
             return;
         }
-        // There is room for the text of every document but one that grows by its encoding or its
-        // entities.
+        // Only a document that grows by its encoding or its entities needs more room than its
+        // bytes.
         if (text.size() > document_.text_.size() - qsizetype{textEnd_})
             document_.text_.resize(2 * document_.text_.size() + text.size());
         std::memcpy(textData() + textEnd_, text.data(), static_cast<std::size_t>(text.size()));
         textEnd_ += static_cast<std::uint32_t>(text.size());
     }
 
-    // No other copy shares the text while it is being built, so this never copies it.
+    // Never copies: nothing else shares the text while it is built.
     char *textData() { return document_.text_.data(); }
 
     void endText() {
@@ -294,10 +294,8 @@ std::string_view XmlNode::name() const {
     return {name.constData(), static_cast<std::size_t>(name.size())};
 }
 
-int XmlNode::childCount() const { return static_cast<int>(document_->nodes_[index_].childCount); }
-
 XmlNode XmlNode::firstChild() const {
-    return childCount() > 0 ? XmlNode(document_, index_ + 1) : XmlNode();
+    return document_->nodes_[index_].hasChildren ? XmlNode(document_, index_ + 1) : XmlNode();
 }
 
 XmlNode XmlNode::nextSibling() const {
@@ -310,7 +308,7 @@ QString XmlNode::text(qsizetype capacity) const {
     const QByteArrayView text = QByteArrayView(document_->text_)
                                     .sliced(node.textBegin, node.textEnd - node.textBegin)
                                     .trimmed();
-    // A unit comes from three bytes at most.
+    // Three bytes at most become one unit.
     const QString decoded = QString::fromUtf8(cutUtf8(text, 3 * (capacity + 1)));
     return cutText(decoded, capacity).toString();
 }

@@ -14,9 +14,8 @@ namespace tidebrook {
 
 class XmlDocument;
 
-/// A node of a document: an element, or a run of text between elements, whose name is "#text".
-/// A small value that refers to its document and must not outlive it; a null node where there is
-/// none.
+/// A node of a document: an element, or a run of text between elements, whose name is "#text"; null
+/// where there is none. A small value that refers to its document and must not outlive it.
 class XmlNode {
 public:
     XmlNode() = default;
@@ -26,7 +25,6 @@ public:
     /// The name as it is written, with its prefix, in UTF-8.
     std::string_view name() const;
 
-    int childCount() const;
     XmlNode firstChild() const;
     XmlNode nextSibling() const;
 
@@ -46,19 +44,19 @@ private:
     std::uint32_t index_ = 0;
 };
 
-/// A document that was read whole and well-formed; read-only, and so free to be read by several
-/// threads. White space between elements, comments and processing instructions are not kept.
-/// Undeclared name prefixes are let through.
+/// A well-formed document; read-only, and so safe to be read by several threads. White space
+/// between elements, comments and processing instructions are dropped. Undeclared name prefixes are
+/// allowed.
 ///
-/// Reading touches nothing but the bytes it is given: no file, no network, no external entity. In
-/// the place of an external DTD stand HTML's named characters; any other entity stays as it is
-/// written there. Without one an undeclared entity makes a document malformed.
+/// Parsing reads no file, no network and no external entity. In the place of an external DTD stand
+/// HTML's named characters; any other entity stays as it is written. Without one an undeclared
+/// entity makes a document malformed.
 ///
-/// A document that is not well-formed is refused, and so is one that would cost too much: that
-/// nests deeper than 1,000 elements, has more than a million nodes or attributes, a thousand
-/// attributes in one element, 10,000 different names, a name of more than 1,000 bytes, 48 MiB of
-/// text, a prolog of half a MiB, a tag or comment of more than a MiB, or that grows to four times
-/// its size by its entities. At most it takes 80 MB beside the bytes.
+/// A document that is not well-formed is refused, and so is one that exceeds a limit: a depth of
+/// 1,000 elements, a million nodes or attributes, a thousand attributes in one element, 10,000
+/// different names, a name of 1,000 bytes, 48 MiB of text, a prolog of half a MiB, a tag or comment
+/// of a MiB, or a growth to four times its size by its entities. It takes 80 MB at most beside the
+/// bytes.
 class XmlDocument {
 public:
     /// `charset` as `XmlUtf8Reader` takes it.
@@ -73,7 +71,7 @@ private:
 
     struct Node {
         std::uint32_t name;            // into names_
-        std::uint32_t childCount = 0;  // the first one stands behind its parent
+        bool hasChildren = false;      // the first one follows its parent
         std::uint32_t nextSibling = 0; // 0: none, for the root is none
         std::uint32_t textBegin = 0;   // into text_; the text of a node's descendants stands in
         std::uint32_t textEnd = 0;     // one piece there, since all text is kept in order

@@ -70,13 +70,13 @@ Encoding encodingOf(QByteArrayView bytes, QByteArrayView charset) {
     return {charset.isEmpty() ? QByteArray("UTF-8") : charset.toByteArray(), 0, true};
 }
 
-// iconv takes options behind slashes ("UTF-8//IGNORE"), which no document may choose.
+// Options follow slashes ("UTF-8//IGNORE"); a document must not choose them.
 bool isPlainName(const QByteArray &name) { return !name.isEmpty() && !name.contains('/'); }
 
 iconv_t converterFrom(const QByteArray &encoding) {
     const iconv_t converter =
         isPlainName(encoding) ? iconv_open("UTF-8", encoding.constData()) : nullptr;
-    // Its answer for an unknown name is the pointer -1.
+    // iconv_open returns the pointer -1 for an unknown name.
     return reinterpret_cast<qintptr>(converter) == -1 ? nullptr : converter;
 }
 

@@ -11,9 +11,8 @@
 namespace tidebrook {
 
 /// Reads the bytes of a document as UTF-8, without a byte-order mark, piece by piece. The encoding
-/// is told by, in this order, the byte-order mark, the XML declaration, `charset` (the charset of
-/// the document's Content-Type, or empty) and, for want of these, UTF-8. A charset that is not
-/// known counts as none. The bytes must outlive it.
+/// is that of the byte-order mark, or else of the XML declaration, or else `charset` (that of the
+/// document's Content-Type, unless it is unknown), or else UTF-8. The bytes must outlive it.
 class XmlUtf8Reader {
 public:
     /// Bytes of a piece, at most.
@@ -21,9 +20,9 @@ public:
 
     XmlUtf8Reader(QByteArrayView bytes, QByteArrayView charset);
 
-    /// The next piece, good until the next call; empty at the end. Nothing for a declared encoding
-    /// that is not known, or for bytes that are not text in theirs; bytes that are UTF-8 already
-    /// come back unchecked. A piece may end in the middle of a character.
+    /// The next piece, valid until the next call; empty at the end. Nothing when the declared
+    /// encoding is unknown, or when the bytes are not valid in theirs; UTF-8 is not checked. A
+    /// piece may end in the middle of a character.
     std::optional<QByteArrayView> next();
 
 private:
@@ -37,7 +36,7 @@ private:
     QByteArray piece_;
 };
 
-/// Whether the bytes are a text without a character: none, or a byte-order mark.
+/// Whether the bytes are no text: none at all, or a byte-order mark alone.
 bool isEmptyText(QByteArrayView bytes);
 
 } // namespace tidebrook

@@ -18,7 +18,6 @@ QString sketch(XmlNode node) {
     QStringList children;
     for (XmlNode child = node.firstChild(); !child.isNull(); child = child.nextSibling())
         children.append(sketch(child));
-    EXPECT_EQ(children.size(), node.childCount());
     return QString::fromUtf8(node.name().data(), static_cast<qsizetype>(node.name().size())) +
            u'[' + children.join(u' ') + u']';
 }
@@ -112,13 +111,13 @@ TEST(Xml, ALargeDocumentIsReadWholeInAnyEncoding) {
          {text.arg(u"UTF-8").toUtf8(), encoded(QStringConverter::Utf16LE, text.arg(u"UTF-16"))}) {
         const auto document = XmlDocument::parse(bytes);
         ASSERT_TRUE(document);
-        EXPECT_EQ(document->root().childCount(), 40'000);
         int i = 0;
         for (XmlNode child = document->root().firstChild(); !child.isNull();
              child = child.nextSibling(), ++i) {
             ASSERT_EQ(child.text(), QStringLiteral("x日é%1").arg(i));
             ASSERT_EQ(child.attribute("c"), QString::number(i));
         }
+        EXPECT_EQ(i, 40'000);
     }
 }
 
