@@ -4,26 +4,28 @@ namespace tidebrook {
 
 namespace {
 
-QString listStatement(SortMode mode) {
+QStringView orderOf(SortMode mode) {
     switch (mode) {
     case SortMode::Status:
-        return QStringLiteral("SELECT TIMESTAMP, TITLE, PUBDATE, READ_UNREAD FROM RSSRecord WHERE "
-                              "CHANNEL_NAME = '%1' ORDER BY READ_UNREAD ASC, PUBDATE DESC");
+        return u" ORDER BY READ_UNREAD ASC, PUBDATE DESC";
     case SortMode::UnreadOnly:
-        return QStringLiteral("SELECT TIMESTAMP, TITLE, PUBDATE, READ_UNREAD FROM RSSRecord WHERE "
-                              "CHANNEL_NAME = '%1' and READ_UNREAD = 0 ORDER BY PUBDATE DESC");
+        return u" and READ_UNREAD = 0 ORDER BY PUBDATE DESC";
     case SortMode::Date:
         break;
     }
-    return QStringLiteral("SELECT TIMESTAMP, TITLE, PUBDATE, READ_UNREAD FROM RSSRecord WHERE "
-                          "CHANNEL_NAME = '%1' ORDER BY PUBDATE DESC");
+    return u" ORDER BY PUBDATE DESC";
 }
 
 } // namespace
 
 bool FeedStore::ListArticles(const QString &channel, SortMode mode, QList<ArticleRow> &articles) {
     const auto guard = lock();
-    return ReadArticleRows(listStatement(mode).arg(escapedChannelName(channel)), articles);
+    return ReadArticleRows(
+        QStringLiteral("SELECT TIMESTAMP, TITLE, PUBDATE, READ_UNREAD FROM RSSRecord WHERE "
+                       "CHANNEL_NAME = '%1'")
+                .arg(escapedChannelName(channel)) +
+            orderOf(mode),
+        articles);
 }
 
 bool FeedStore::GetArticleDetail(const QString &channel, const QString &title,

@@ -101,29 +101,21 @@ bool FeedStore::SetChannelLink(const QString &name, const QString &link) {
 }
 
 bool FeedStore::RenameChannel(const QString &old, const QString &to) {
-    return changeAndReopen([&] {
-        // The articles first: they are renamed also when the channel's new name is taken.
-        const QString newName = escapedChannelName(to);
-        const QString oldName = escapedChannelName(old);
-        return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET CHANNEL_NAME = '%1' WHERE "
-                                              "CHANNEL_NAME='%2'")
-                                   .arg(newName, oldName)) &&
-               ExecuteNonQuery(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_NAME = '%1' WHERE "
-                                              "CHANNEL_NAME='%2'")
-                                   .arg(newName, oldName));
-    });
+    return setInBothTables(u"CHANNEL_NAME", escapedChannelName(to), old);
 }
 
 bool FeedStore::MoveChannel(const QString &name, const QString &category) {
+    return setInBothTables(u"CATEGORY", escapedCategory(category), name);
+}
+
+// The articles first: they are renamed also when the channel's new name is taken.
+bool FeedStore::setInBothTables(QStringView column, const QString &escaped,
+                                const QString &channel) {
+    const QString statement = QStringLiteral("UPDATE %1 SET %2 = '%3' WHERE CHANNEL_NAME='%4'");
+    const QString name = escapedChannelName(channel);
     return changeAndReopen([&] {
-        const QString newCategory = escapedCategory(category);
-        const QString channel = escapedChannelName(name);
-        return ExecuteNonQuery(
-                   QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
-                       .arg(newCategory, channel)) &&
-               ExecuteNonQuery(
-                   QStringLiteral("UPDATE RSSCHRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME='%2'")
-                       .arg(newCategory, channel));
+        return ExecuteNonQuery(statement.arg(u"RSSRecord", column, escaped, name)) &&
+               ExecuteNonQuery(statement.arg(u"RSSCHRecord", column, escaped, name));
     });
 }
 

@@ -134,6 +134,7 @@ private:
     bool changeWhole(const std::function<bool()> &work);
     bool changeAndReopen(const std::function<bool()> &work);
     bool insertChannel(SqlCommand &command, const ChannelRecord &record, QString *storedName);
+    bool setInBothTables(QStringView column, const QString &escaped, const QString &channel);
     bool markChannel(const QString &channel, int readFlag);
 
     bool readRows(const QString &statement,

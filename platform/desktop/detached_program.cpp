@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
-#include <vector>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,10 +14,12 @@ namespace tidebrook {
 
 namespace {
 
+constexpr timespec timeout{.tv_sec = 3, .tv_nsec = 0};
+
 // Runs in a process between this one and the program, so that the program is no child of this one.
 // A fork has only the calling thread; another may have held the lock of the heap, so nothing here
 // allocates.
-[[noreturn]] void watch(char *const *arguments, const timespec &timeout) {
+[[noreturn]] void watch(char *const *arguments) {
     setsid();
     sigset_t ended;
     sigset_t before;
@@ -39,29 +40,17 @@ namespace {
     _exit(WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE);
 }
 
-timespec toTimespec(std::chrono::milliseconds time) {
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
-    return {seconds.count(), std::chrono::nanoseconds(time - seconds).count()};
-}
-
 } // namespace
 
-bool startDetached(const QString &program, const QStringList &arguments,
-                   std::chrono::milliseconds timeout) {
-    const QString path = QStandardPaths::findExecutable(program);
+bool startDetached(const QString &program, const QString &argument) {
+    QByteArray path = QFile::encodeName(QStandardPaths::findExecutable(program));
     if (path.isEmpty())
         return false;
-    QList<QByteArray> texts{QFile::encodeName(path)};
-    for (const QString &argument : arguments)
-        texts.append(argument.toLocal8Bit());
-    std::vector<char *> pointers;
-    for (QByteArray &text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    const timespec limit = toTimespec(timeout);
+    QByteArray text = argument.toLocal8Bit();
+    char *const arguments[] = {path.data(), text.data(), nullptr};
     const pid_t watcher = fork();
     if (watcher == 0)
-        watch(pointers.data(), limit);
+        watch(arguments);
     int status = 0;
     while (watcher > 0 && waitpid(watcher, &status, 0) < 0 && errno == EINTR) {
     }

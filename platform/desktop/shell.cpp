@@ -11,11 +11,9 @@ namespace tidebrook {
 
 namespace {
 
-// It fails at once or not at all; on some desktops it is the program itself and goes on running.
-constexpr std::chrono::seconds timeout{3};
-
+// On some desktops xdg-open is the program itself and goes on running.
 bool openByDesktop(const QString &address) {
-    return startDetached(QStringLiteral("xdg-open"), {address}, timeout);
+    return startDetached(QStringLiteral("xdg-open"), address);
 }
 
 // Feeds leave out the scheme, which a browser would add.
