@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::array<QStringView, 12> monthNames{u"Jan", u"Feb", u"Mar", u"Apr", u"May", u"Jun",
                                                  u"Jul", u"Aug", u"Sep", u"Oct", u"Nov", u"Dec"};
+constexpr QChar zero = u'0';
 constexpr quint32 secondsPerDay = 86'400;
 constexpr qint64 defaultDaysBack = 2;
 
@@ -21,19 +22,15 @@ struct DateParts {
     QString day;
 };
 
-QString twoDigits(qsizetype number) { return (number < 10 ? u"0" : u"") + QString::number(number); }
-
-QString monthPart(qsizetype number) { return u'-' + twoDigits(number) + u'-'; }
-
 void readToken(QStringView token, int position, DateParts &parts) {
     const qsizetype length = token.size();
     if ((position == 1 || position == 2) && length == 3) {
         const auto *month = std::find(monthNames.begin(), monthNames.end(), token);
         if (month != monthNames.end())
-            parts.month = monthPart(month - monthNames.begin() + 1);
+            parts.month = QStringLiteral("-%1-").arg(month - monthNames.begin() + 1, 2, 10, zero);
     }
     if (position <= 2 && (length == 1 || length == 2))
-        parts.day = (length == 1 ? u"0" : u"") + token.toString();
+        parts.day = token.toString().rightJustified(2, zero);
     if ((position == 2 || position == 3 || position == 5) && (length == 4 || length == 2))
         parts.year = token.toString();
 }
@@ -55,11 +52,11 @@ QString normalisePubDate(QStringView text) {
     if (parts.year.isEmpty() || parts.month.isEmpty() || parts.day.isEmpty()) {
         const QDate today = localNow().date();
         if (parts.year.isEmpty())
-            parts.year = QString::number(today.year()).first(4);
+            parts.year = today.toString(u"yyyy");
         if (parts.month.isEmpty())
-            parts.month = monthPart(today.month());
+            parts.month = today.toString(u"-MM-");
         if (parts.day.isEmpty())
-            parts.day = twoDigits(today.day());
+            parts.day = today.toString(u"dd");
     }
     return parts.year + parts.month + parts.day;
 }

@@ -14,7 +14,7 @@ constexpr int itemLimit = 100'000; // more would keep the database for seconds
 
 // Which field of an item an element fills, and how much of its text.
 struct FieldRule {
-    std::string_view element;
+    QByteArrayView element;
     QString ItemRecord::*field;
     qsizetype capacity;
 };

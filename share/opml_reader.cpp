@@ -18,14 +18,14 @@ namespace {
 constexpr QStringView downloadFile = u"\\Temp\\TmpOpml.opml";
 constexpr int capacity = 223;
 
-XmlNode childOf(const XmlNode &parent, std::string_view name) {
+XmlNode childOf(const XmlNode &parent, QByteArrayView name) {
     XmlNode child = parent.firstChild();
     while (!child.isNull() && child.name() != name)
         child = child.nextSibling();
     return child;
 }
 
-QString eitherAttribute(const XmlNode &node, std::string_view first, std::string_view second) {
+QString eitherAttribute(const XmlNode &node, QByteArrayView first, QByteArrayView second) {
     const QString value = node.attribute(first);
     return value.isNull() ? node.attribute(second) : value;
 }

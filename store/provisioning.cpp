@@ -3,30 +3,27 @@
 #include "platform/base/replace_file.h"
 #include "store/settings_store.h"
 
-#include <array>
-
 namespace tidebrook {
 
 namespace {
 
 struct FirstValue {
+    QStringView key;
     QStringView name;
     quint32 value;
 };
 
-constexpr std::array updateSettings{FirstValue{u"UpdateMode", 0}, FirstValue{u"UpdateInterval", 1},
-                                    FirstValue{u"UpdateTime", 0}, FirstValue{u"ACTOPTION", 0},
-                                    FirstValue{u"NoRoaming", 0}};
-constexpr std::array todaySettings{FirstValue{u"Enabled", 1}, FirstValue{u"TodayTimer", 1}};
-
-bool writeFirstValues(const DeviceRoot &device, const QString &todayItemKey) {
+bool writeFirstValues(const DeviceRoot &device, QStringView todayItemKey) {
+    const FirstValue firstValues[] = {
+        {programKey, u"UpdateMode", 0},  {programKey, u"UpdateInterval", 1},
+        {programKey, u"UpdateTime", 0},  {programKey, u"ACTOPTION", 0},
+        {programKey, u"NoRoaming", 0},   {todayItemKey, u"Enabled", 1},
+        {todayItemKey, u"TodayTimer", 1}};
     Registry registry(device);
     Registry::Batch batch(registry);
     bool isWritten = batch.isOpen();
-    for (const FirstValue &setting : updateSettings)
-        isWritten = isWritten && registry.write(programKey, setting.name, setting.value);
-    for (const FirstValue &setting : todaySettings)
-        isWritten = isWritten && registry.write(todayItemKey, setting.name, setting.value);
+    for (const FirstValue &first : firstValues)
+        isWritten = isWritten && registry.write(first.key, first.name, first.value);
     return isWritten && batch.commit();
 }
 

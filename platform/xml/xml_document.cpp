@@ -5,6 +5,7 @@
 #include "platform/xml/xml_encoding.h"
 
 #include <QByteArrayMatcher>
+#include <QHash>
 
 #define XML_DTD // declares the functions that limit the growth by entities
 #include <expat.h>
@@ -13,7 +14,6 @@
 #include <cstring>
 #include <memory>
 #include <set>
-#include <unordered_map>
 
 namespace tidebrook {
 
@@ -175,15 +175,14 @@ private:
     }
 
     std::uint32_t nameIndex(const char *name) {
-        const auto found = nameIndices_.find(std::string_view(name));
-        if (found != nameIndices_.end())
-            return found->second;
+        const auto found = nameIndices_.constFind(QByteArrayView(name));
+        if (found != nameIndices_.cend())
+            return *found;
         const auto index = static_cast<std::uint32_t>(document_.names_.size());
         const QByteArray &stored = document_.names_.emplace_back(name);
         if (index >= nameLimit || stored.size() > nameSizeLimit)
             stop();
-        nameIndices_.emplace(
-            std::string_view(stored.constData(), static_cast<std::size_t>(stored.size())), index);
+        nameIndices_.insert(stored, index);
         return index;
     }
 
@@ -282,17 +281,14 @@ private:
     const QByteArrayView charset_;
     const Parser parser_;
     XmlDocument document_;
-    std::unordered_map<std::string_view, std::uint32_t> nameIndices_; // views of names_' bytes
+    QHash<QByteArrayView, std::uint32_t> nameIndices_; // views of names_' bytes
     std::vector<OpenElement> open_;
     bool isStopped_ = false;
     std::uint32_t textBegin_ = 0; // where the run of text being read began
     std::uint32_t textEnd_ = 0;   // how much of the text is filled
 };
 
-std::string_view XmlNode::name() const {
-    const QByteArray &name = document_->names_[document_->nodes_[index_].name];
-    return {name.constData(), static_cast<std::size_t>(name.size())};
-}
+QByteArrayView XmlNode::name() const { return document_->names_[document_->nodes_[index_].name]; }
 
 XmlNode XmlNode::firstChild() const {
     return document_->nodes_[index_].hasChildren ? XmlNode(document_, index_ + 1) : XmlNode();
@@ -313,12 +309,11 @@ QString XmlNode::text(qsizetype capacity) const {
     return cutText(decoded, capacity).toString();
 }
 
-QString XmlNode::attribute(std::string_view name) const {
+QString XmlNode::attribute(QByteArrayView name) const {
     const XmlDocument::Node &node = document_->nodes_[index_];
     for (std::uint32_t i = node.attributes; i < node.attributes + node.attributeCount; ++i) {
         const XmlDocument::Attribute &attribute = document_->attributes_[i];
-        if (document_->names_[attribute.name] ==
-            QByteArrayView(name.data(), static_cast<qsizetype>(name.size())))
+        if (document_->names_[attribute.name] == name)
             return QString::fromUtf8(
                 QByteArrayView(document_->values_)
                     .sliced(attribute.valueBegin, attribute.valueEnd - attribute.valueBegin));

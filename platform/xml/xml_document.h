@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 namespace tidebrook {
@@ -23,7 +22,7 @@ public:
     bool isNull() const { return document_ == nullptr; }
 
     /// The name as it is written, with its prefix, in UTF-8.
-    std::string_view name() const;
+    QByteArrayView name() const;
 
     XmlNode firstChild() const;
     XmlNode nextSibling() const;
@@ -33,7 +32,7 @@ public:
     QString text(qsizetype capacity = 1 << 28) const;
 
     /// A null text when there is no such attribute.
-    QString attribute(std::string_view name) const;
+    QString attribute(QByteArrayView name) const;
 
 private:
     friend class XmlDocument;

@@ -18,8 +18,7 @@ QString sketch(XmlNode node) {
     QStringList children;
     for (XmlNode child = node.firstChild(); !child.isNull(); child = child.nextSibling())
         children.append(sketch(child));
-    return QString::fromUtf8(node.name().data(), static_cast<qsizetype>(node.name().size())) +
-           u'[' + children.join(u' ') + u']';
+    return QString::fromUtf8(node.name()) + u'[' + children.join(u' ') + u']';
 }
 
 QString sketchOf(QByteArrayView bytes, QByteArrayView charset = {}) {
