@@ -32,7 +32,7 @@ QList<RefreshJob> serveFeeds(FeedServer &server, int count, int items, bool have
 /// Makes a device at `home`, which must not exist, with that store. Throws std::runtime_error.
 void makeStore(const QString &home, const StorePlan &plan);
 
-/// A copy of a device that nobody has open, as long as this object lives. It is on the disk
+/// A copy of a device that no process has open, as long as this object lives. It is on the disk
 /// already, so that no measurement pays for that.
 class StoreCopy {
 public:

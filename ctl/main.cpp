@@ -8,7 +8,7 @@ namespace tidebrook {
 
 namespace {
 
-/// What a command needs before it runs: nobody else at the channels (Files, Channels), and the
+/// What a command needs before it runs: the lock of the channels (Files, Channels), and the
 /// store open (Store, Channels).
 enum class Needs { Root, Registry, Files, Store, Channels };
 

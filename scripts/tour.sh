@@ -145,7 +145,7 @@ addChannels() {
     fi
 }
 
-# What the reader does when somebody taps "Update".
+# What the reader does when the user taps "Update".
 requestOne() {
     local name=${nameOf[$requestedFeed]}
     chapter "Asking the downloader"
@@ -164,7 +164,7 @@ requestOne() {
 
 updateFirst() {
     chapter "Fetching"
-    explain "\"update\" fetches every channel, without the service. Each line tells how it went: ok, the number of new" \
+    explain "\"update\" fetches every channel, without the service. Each line says how it went: ok, the number of new" \
         "articles, unread/all articles, and the channel. One feed is broken on purpose, so the" \
         "command as a whole ends with exit status 1:"
     try 1 update
@@ -182,7 +182,7 @@ explainBrokenFeed() {
         fail "${nameOf[$brokenFeed]} must be the one feed that failed."
     fi
     explain "    ${line//$'\t'/   }" \
-        "The file $feeds/$brokenFeed ends in the middle of an article. Tidebrook tells the" \
+        "The file $feeds/$brokenFeed ends in the middle of an article. Tidebrook reports the" \
         "error and keeps the channel, and the next update tries it again. The other channels" \
         "are not held up by it."
 }
@@ -285,7 +285,7 @@ update=
 site=
 declare -A nameOf=() # the names of the channels by the files of their feeds
 
-# Tidebrook pauses where a screen would show something; nobody watches an automatic run.
+# Tidebrook pauses where a screen would show something; no user watches an automatic run.
 if [[ ${CI:-} == true ]]; then
     export TIDEBROOK_PAUSES=0
 fi

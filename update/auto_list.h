@@ -11,7 +11,7 @@
 
 namespace tidebrook {
 
-// The list of the channels that are updated automatically. Names on it are told apart over 50
+// The list of the channels that are updated automatically. Its names are compared over 50
 // characters, and without the blanks at their ends.
 //
 // Every change replaces the list as a whole, and takes out the lines of channels that the store no

@@ -15,7 +15,7 @@ struct RefreshResult {
     int storedCount = 0;       ///< articles that are new
     ReadFlagCounts counts;     ///< 0/0 when the database failed
     bool isCounted = false;    ///< whether the channel's counts are stored
-    quint32 toldError = error; ///< the code that the user is told of it
+    quint32 toldError = error; ///< the code that the user sees
 };
 
 /// Refreshes one channel without pauses: fetches, and then stores, prunes and counts as one

@@ -10,8 +10,9 @@
 
 namespace tidebrook {
 
-/// An HTTP server on the loopback device that answers what it is told to, faults included. It
-/// listens on a free port of 127.0.0.1 and serves each connection in a thread of its own.
+/// An HTTP server on the loopback device that gives the answers that it was set to, faults
+/// included. It listens on a free port of 127.0.0.1 and serves each connection in a thread of its
+/// own.
 ///
 /// Paths are given percent-decoded and without a query; a query in a request does not change the
 /// answer. What was said last about a path holds, also for requests that come while the server
@@ -63,7 +64,7 @@ public:
     void serveDirectory(const QString &directory) { book_.setDirectory(directory); }
 
     /// Whether files are sent with an ETag, which differs whenever their content does, and are
-    /// answered with 304 to whom has it. Not unless told.
+    /// answered with 304 to a client that has it. Not by default.
     void setValidators(bool areSent) { book_.setValidators(areSent); }
 
     /// How long every request, from now on, waits for its answer.

@@ -41,6 +41,6 @@ int main(int argc, char *argv[]) {
     QCommandLineParser parser;
     describe(parser);
     parser.process(application);
-    // The parent may have ended before its end would have been told of.
+    // The parent may have ended before its end could be reported.
     return getppid() == parent ? serve(parser) : 0;
 }
