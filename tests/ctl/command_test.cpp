@@ -100,8 +100,10 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         u"add-category A\uFEFF; add A \uFEFF http://x/; rename one \uFFFEtwo; rename one \"\t\"; "
         "setting SortMode; add-category \" A \"; add-category \"  \"; rename-category A B; "
         "rename-category C D; rename-category A \" \"; delete-category C; channels C; "
-        "add A \" \" http://x/; add A three http://x/'quote; rename one two; rename three four; "
-        "move one C; relink one http://x/'; delete three; articles three; show one none; "
+        "add A \" \" http://x/; add A three \"x', NULL, NULL, NULL);DELETE FROM RSSCHRecord --\"; "
+        "rename one two; rename three four; "
+        "move one C; relink one \"x', CATEGORY = 'B\"; delete three; articles three; show one "
+        "none; "
         "update A three; auto remove one"_s;
     for (const QString &call : refused.split(u"; "_s))
         fails(call);

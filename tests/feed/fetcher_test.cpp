@@ -105,15 +105,5 @@ TEST_F(FetcherTest, AFailureEndsWithItsCodeAndLeavesTheStoreAlone) {
     }
 }
 
-TEST_F(FetcherTest, WithoutTheTempFolderOrTheServerTheDirectDownloadFails) {
-    server_.serve(u"/feed"_s, "no xml");
-    QDir temp(device_.root.filePath(u"\\Temp"));
-    temp.removeRecursively();
-    EXPECT_EQ(fetch(server_.url(u"/feed")), 1009u);
-    temp.mkpath(u"."_s);
-    qputenv("TIDEBROOK_HTTP_PORT", "1");
-    EXPECT_EQ(fetch(server_.url(u"/feed")), 1009u);
-}
-
 } // namespace
 } // namespace tidebrook

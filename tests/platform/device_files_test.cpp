@@ -66,19 +66,5 @@ TEST(DeviceFiles, WhatAKilledFirstStartLeftIsRemovedByTheNextAndNothingElse) {
     EXPECT_TRUE(QFileInfo::exists(folder.filePath(u"device.new-design/mine"_s)));
 }
 
-TEST(DeviceFiles, AFirstStartThatFailsLeavesNothingAndOneThatSucceedsIsNotRepeated) {
-    const QTemporaryDir folder;
-    const DeviceRoot root(folder.filePath(u"deep/down/device"_s));
-    EXPECT_FALSE(root.provision([](const DeviceRoot &) { return false; }));
-    EXPECT_EQ(entries(folder.filePath(u"deep/down"_s)), QStringList());
-    EXPECT_TRUE(root.provision(
-        [](const DeviceRoot &built) { return writeFile(built.filePath(u"\\windows\\mark"), {}); }));
-    EXPECT_TRUE(QFile::exists(root.filePath(u"\\windows\\mark")));
-    EXPECT_TRUE(root.provision([](const DeviceRoot &) {
-        ADD_FAILURE() << "a root that exists was provisioned again";
-        return true;
-    }));
-}
-
 } // namespace
 } // namespace tidebrook

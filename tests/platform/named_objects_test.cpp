@@ -48,14 +48,6 @@ TEST_F(NamedEventTest, IsSetForAnotherProcessAsItsKindHasIt) {
     EXPECT_FALSE(NamedEvent(device_, u"manual", Reset::Manual).test()) << "nobody held it open";
 }
 
-TEST_F(NamedEventTest, SettersOfTheSameMomentSetItOnce) {
-    NamedEvent event(device_, u"auto", Reset::Auto);
-    // What two leave who have both found it not set.
-    ASSERT_EQ(write(event.descriptor(), "!!", 2), 2);
-    EXPECT_TRUE(event.test());
-    EXPECT_FALSE(event.test());
-}
-
 TEST_F(NamedEventTest, OneOfManyWaitingProcessesTakesAnAutoResetEvent) {
     NamedEvent event(device_, u"event", Reset::Auto);
     const SharedCount taken;

@@ -34,14 +34,6 @@ protected:
     std::unique_ptr<SqliteDatabase> session_;
 };
 
-TEST_F(SqlTest, ARefusedKeyIsToldApartFromAFailure) {
-    const QStringView insert = u"INSERT INTO T VALUES ('Bob''s', 'l', 1, 0, 5)";
-    EXPECT_EQ(run(insert), SqliteStep::Done);
-    EXPECT_EQ(run(insert), SqliteStep::IntegrityViolation);
-    EXPECT_EQ(run(u"INSERT INTO NOWHERE VALUES (1)"), SqliteStep::Failed);
-    EXPECT_EQ(texts(u"SELECT NAME FROM T"), QStringList(QStringLiteral("Bob's")));
-}
-
 TEST_F(SqlTest, OnlyOneStatementRunsAtATime) {
     run(u"INSERT INTO T VALUES ('kept', 'l', 1, 0, 5)");
     for (const QStringView text :

@@ -1,5 +1,4 @@
 #include "feed_server/feed_server.h"
-#include "platform/sync/stop_signal.h"
 #include "share/feed_probe.h"
 #include "test_device/test_device.h"
 
@@ -64,22 +63,6 @@ TEST_F(FeedProbeTest, WhatTellsAlreadyIsNotWaitedFor) {
     server_.serveGzip(u"/packed"_s, "<rss><title>T</title></rss>");
     EXPECT_EQ(probeTitle(*device_.registry, u"http://localhost/moved"_s), u"T"_s);
     EXPECT_EQ(device_.lastErrorCode(), 0u);
-}
-
-TEST_F(FeedProbeTest, ARequestThatFailsLeavesItsCode) {
-    EXPECT_FALSE(probeType(*device_.registry, u"http://"_s));
-    EXPECT_EQ(device_.lastErrorCode(), 1007u);
-    server_.resetHalfWay(u"/x"_s, "<feed><entry/></feed>");
-    EXPECT_FALSE(probeTitle(*device_.registry, url_));
-    EXPECT_EQ(device_.lastErrorCode(), 1009u);
-    SetLastErrorCode(*device_.registry, 0);
-    StopSignal stop;
-    stop.raise();
-    EXPECT_FALSE(probeType(*device_.registry, url_, {.stop = &stop}));
-    EXPECT_EQ(device_.lastErrorCode(), 0u) << "the user knows that he stopped it";
-    qputenv("TIDEBROOK_HTTP_PORT", "1");
-    EXPECT_FALSE(probeType(*device_.registry, url_));
-    EXPECT_EQ(device_.lastErrorCode(), 1009u);
 }
 
 } // namespace

@@ -11,24 +11,6 @@ using namespace Qt::StringLiterals;
 
 class ArticleTest : public OpenStore {};
 
-TEST_F(ArticleTest, ListsComeInTheirThreeOrders) {
-    const QList<TestArticle> articles{{.title = u"1 old"_s, .date = u"2026-01-03"_s},
-                                      {.title = u"4 new"_s, .date = u"2026-01-28"_s},
-                                      {.title = u"3 middle"_s, .date = u"2026-01-20"_s},
-                                      {.title = u"2 older"_s, .date = u"2025-12-31"_s}};
-    device_.addChannel(u"C"_s, u"ch"_s, articles);
-    detail(u"ch"_s, u"4 new"_s);
-    detail(u"ch"_s, u"1 old"_s);
-    EXPECT_EQ(device_.titles(u"ch"_s),
-              (QStringList{u"4 new"_s, u"3 middle"_s, u"1 old"_s, u"2 older"_s}));
-    EXPECT_EQ(device_.titles(u"ch"_s, SortMode::Status),
-              (QStringList{u"3 middle"_s, u"2 older"_s, u"4 new"_s, u"1 old"_s}));
-    EXPECT_EQ(device_.titles(u"ch"_s, SortMode::UnreadOnly),
-              (QStringList{u"3 middle"_s, u"2 older"_s}));
-    ASSERT_TRUE(store().MarkChannelRead(u"ch"_s));
-    EXPECT_EQ(device_.titles(u"ch"_s, SortMode::UnreadOnly), QStringList());
-}
-
 TEST_F(ArticleTest, AnyTitleIsFoundByWhatTheListShows) {
     int channel = 0;
     for (const QString &title : {u"Plain"_s, u"Don't panic: 'x'"_s, u"\uFEFFMarked\r"_s, u" "_s,

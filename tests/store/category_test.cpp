@@ -3,8 +3,6 @@
 #include "store/store_check.h"
 #include "test_device/test_device.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
 
 namespace tidebrook {
@@ -16,11 +14,8 @@ class CategoryTest : public testing::Test {
 protected:
     CategoryTest() {
         quint32 count = 0;
-        settings_.RegReadDword(programKey, u"CategoryNumber", count); // as a start does
-    }
-
-    std::optional<RegistryValue> count() {
-        return device_.registry->read(programKey, u"CategoryNumber");
+        SettingsStore(*device_.registry)
+            .RegReadDword(programKey, u"CategoryNumber", count); // as a start does
     }
 
     QStringList names() {
@@ -29,7 +24,6 @@ protected:
     }
 
     TestDevice device_;
-    SettingsStore settings_{*device_.registry};
     CategoryListStore categories_{*device_.registry};
 };
 
@@ -38,25 +32,10 @@ TEST_F(CategoryTest, TheFirstChangeWithoutACountOnlyMakesTheCount) {
          {&CategoryListStore::DeleteCategory, &CategoryListStore::AddCategory}) {
         device_.registry->remove(programKey, u"CategoryNumber");
         EXPECT_FALSE((categories_.*change)(u"News"_s));
-        EXPECT_EQ(count(), RegistryValue(0u));
+        EXPECT_EQ(device_.registry->read(programKey, u"CategoryNumber"), RegistryValue(0u));
     }
     EXPECT_TRUE(categories_.AddCategory(u"News"_s));
     EXPECT_EQ(names(), QStringList(u"News"_s));
-}
-
-TEST_F(CategoryTest, ChangesKeepTheCountAndTheOrder) {
-    for (const QString &name : {u"b"_s, u"a"_s, u"Ünï😀 'q'"_s})
-        EXPECT_TRUE(categories_.AddCategory(name));
-    EXPECT_FALSE(categories_.AddCategory(u"a"_s));
-    EXPECT_EQ(count(), RegistryValue(3u));
-    EXPECT_EQ(names(), (QStringList{u"b"_s, u"a"_s, u"Ünï😀 'q'"_s}));
-    EXPECT_TRUE(categories_.DeleteCategory(u"b"_s));
-    EXPECT_FALSE(categories_.DeleteCategory(u"b"_s));
-    EXPECT_EQ(count(), RegistryValue(2u));
-    EXPECT_TRUE(categories_.DeleteCategory(u"a"_s));
-    EXPECT_TRUE(categories_.DeleteCategory(u"Ünï😀 'q'"_s));
-    EXPECT_EQ(count(), RegistryValue(0u));
-    EXPECT_EQ(names(), QStringList(u"failed"_s));
 }
 
 TEST_F(CategoryTest, ADamagedEntryIsTakenOutByTheReadThatMeetsIt) {
@@ -67,17 +46,6 @@ TEST_F(CategoryTest, ADamagedEntryIsTakenOutByTheReadThatMeetsIt) {
     EXPECT_EQ(names(), (QStringList{u"good"_s, QString()}));
     device_.registry->write(programKey, u"CategoryNumber", quint32{0xFFFFFFFF});
     EXPECT_EQ(names().first(), u"good") << "a damaged count must not exhaust the memory";
-}
-
-TEST_F(CategoryTest, AMissingSettingIsMadeAsZeroAndAMistypedOneStays) {
-    quint32 value = 5;
-    EXPECT_FALSE(settings_.RegReadDword(programKey, u"SortMode", value));
-    EXPECT_EQ(value, 5u);
-    EXPECT_TRUE(settings_.RegReadDword(programKey, u"SortMode", value));
-    EXPECT_EQ(value, 0u);
-    device_.registry->write(programKey, u"FontSize", u"big"_s);
-    EXPECT_FALSE(settings_.RegReadDword(programKey, u"FontSize", value));
-    EXPECT_EQ(device_.registry->read(programKey, u"FontSize"), RegistryValue(u"big"_s));
 }
 
 TEST_F(CategoryTest, SeedingTakesEveryThirdFieldWithNoHeedToLines) {

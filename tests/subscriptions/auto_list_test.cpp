@@ -114,22 +114,6 @@ TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoesAndSpoiltNoMore) {
     }
 }
 
-TEST_F(AutoListTest, FollowsTheChangesOfChannels) {
-    const QString lines = u"a\tu\tC\ngone\tu\tC\nb\tv\tD\nnote\nbc\tw\tE\n"_s;
-    put(lines);
-    EXPECT_EQ(rename(u"b"_s, u"a"_s), ChangeEnd::NameTaken);
-    EXPECT_EQ(content(), utf16(lines));
-    // A channel keeps its place and the rest of its line; what has no channel goes.
-    EXPECT_EQ(rename(u"b"_s, u"gone"_s), ChangeEnd::Done);
-    EXPECT_EQ(content(), utf16(u"a\tu\tC\ngone\tv\tD\nnote\nbc\tw\tE\n"_s));
-    EXPECT_EQ(rename(u"gone"_s, u"t\tab"_s), ChangeEnd::Done) << "which is no name of a line";
-    EXPECT_EQ(content(), utf16(u"a\tu\tC\nnote\nbc\tw\tE\n"_s));
-    EXPECT_EQ(LockedSubscriptions(opened_).deleteChannel(u"bc"_s), ChangeEnd::Done);
-    EXPECT_EQ(content(), utf16(u"a\tu\tC\nnote\n"_s));
-    EXPECT_EQ(LockedSubscriptions(opened_).deleteCategory(u"C"_s), ChangeEnd::Done);
-    EXPECT_EQ(content(), utf16(u"note\n"_s));
-}
-
 TEST_F(AutoListTest, OneThatCannotBeWrittenStaysAsItIs) {
     put(u"a\tu\tC\n"_s);
     {

@@ -2,7 +2,7 @@
 #include "feed_server/generated_feed.h"
 #include "platform/base/clock.h"
 #include "platform/sync/stop_signal.h"
-#include "test_device/test_device.h"
+#include "support/open_store.h"
 #include "update/auto_list.h"
 #include "update/auto_round.h"
 #include "update/update_history.h"
@@ -19,10 +19,8 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-class AutoRoundTest : public testing::Test {
+class AutoRoundTest : public OpenStore {
 protected:
-    void SetUp() override { ASSERT_TRUE(device_.store->Open()); }
-
     void addChannel(const QString &name, const QString &url) {
         device_.store->InsertChannel({u"C"_s, name, url});
         isAutoUpdated(device_.root, name); // makes the list
@@ -65,7 +63,6 @@ protected:
 
     const QDateTime start_ = QDateTime(QDate(2026, 6, 10), QTime(0, 0), Qt::UTC);
     FeedServer server_;
-    TestDevice device_;
 };
 
 TEST_F(AutoRoundTest, AnUnchangedFeedIsNotSentAgainUntilItsArticlesAreGone) {
