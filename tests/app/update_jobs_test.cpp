@@ -75,9 +75,9 @@ protected:
     UpdateJobsTest() {
         parts_.open(5s);
         device_.store->Open();
-        device_.addChannel(u"C"_s, u"a"_s, {u"1"_s, u"2"_s});
         device_.addChannel(u"C"_s, u"b"_s);
         device_.addChannel(u"C"_s, u"c"_s, {u"3"_s});
+        device_.addChannel(u"C"_s, u"a"_s, {u"1"_s, u"2"_s});
         widget_.setAttribute(Qt::WA_AcceptTouchEvents);
         widget_.show();
         const auto see = [this](const QString &what) { seen_ += what; };

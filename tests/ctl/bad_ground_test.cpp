@@ -21,8 +21,7 @@ const QString database = u"RSSVault.sdf"_s;
 class BadGroundTest : public CtlTest {
 protected:
     void SetUp() override {
-        server_.serve(u"/feed"_s, generatedFeed(10, 1));
-        ok(u"add C ch " + server_.url(u"/feed"));
+        addChannel(u"ch"_s, generatedFeed(10, 1));
         ASSERT_EQ(ok(u"update"_s), u"ok\t10\t10/10\tch\n");
     }
 
@@ -125,7 +124,7 @@ TEST_F(BadGroundTest, ACheckBesideARenamingWaitsForItsEnd) {
 }
 
 TEST_F(BadGroundTest, AFullDiskLosesNothing) {
-    server_.serve(u"/feed"_s, generatedFeed(3000, 2));
+    server_.serve(u"/ch"_s, generatedFeed(3000, 2));
     const QString limit = u"trap '' XFSZ; ulimit -f 1000"_s; // blocks of 512 bytes: half a megabyte
     EXPECT_EQ(run(u"update"_s, limit).out,
               u"error\t1001\tEncountering Problem when Accessing Database\tch\n");

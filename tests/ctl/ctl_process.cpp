@@ -1,8 +1,7 @@
 #include "ctl/ctl_process.h"
 
 #include <QDir>
-#include <QElapsedTimer>
-#include <QThread>
+#include <QTest>
 
 #include <vector>
 
@@ -49,6 +48,14 @@ void CtlTest::fails(const QString &arguments, const QString &words, int exitCode
         << qPrintable(arguments + u": " + failed.err);
 }
 
+RefreshJob CtlTest::addChannel(const QString &name, const QByteArray &feed) {
+    RefreshJob job{server_.url(QString(u'/' + name)), name, u"C"_s};
+    if (!feed.isNull())
+        server_.serve(u'/' + name, feed);
+    EXPECT_EQ(ok(u"add C %1 %2"_s.arg(name, job.url)).trimmed(), name);
+    return job;
+}
+
 QList<int> CtlTest::together(const QStringList &calls) {
     std::vector<std::unique_ptr<QProcess>> processes;
     for (const QString &call : calls)
@@ -62,11 +69,7 @@ QList<int> CtlTest::together(const QStringList &calls) {
 }
 
 void CtlTest::waitFor(const std::function<bool()> &condition) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition() && timer.elapsed() < 20'000)
-        QThread::msleep(5);
-    ASSERT_TRUE(condition());
+    ASSERT_TRUE(QTest::qWaitFor(condition, 20'000));
 }
 
 } // namespace tidebrook

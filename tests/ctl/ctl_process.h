@@ -2,6 +2,7 @@
 
 #include "feed_server/feed_server.h"
 #include "test_device/test_device.h"
+#include "update/download_request.h"
 
 #include <QProcess>
 
@@ -36,6 +37,9 @@ protected:
     void fails(const QString &arguments, const QString &words = {}, int exitCode = 1);
     /// Starts them at the same time; their exit codes.
     QList<int> together(const QStringList &calls);
+    /// Adds a channel to C whose feed the server has at /NAME; a null one is left to the test.
+    RefreshJob addChannel(const QString &name, const QByteArray &feed = {});
+
     void expectSound() { EXPECT_EQ(ok(QStringLiteral("check")), QString()); }
     void waitFor(const std::function<bool()> &condition);
 

@@ -48,7 +48,7 @@ protected:
 TEST_F(RequestTest, IsServedAndAnswered) {
     const RefreshJob job = addChannel(u"café"_s, generatedFeed(4, 1));
     EXPECT_EQ(request(job), DownloadAnswer::Done);
-    EXPECT_EQ(counts(u"café"_s), u"4/4");
+    EXPECT_TRUE(ok(u"channels"_s).startsWith(u"4/4\tcafé\t"));
     EXPECT_EQ(ok(u"setting UnreadItems --today"_s), u"4\n");
     for (const QByteArray &noFeed : {QByteArray("<html/>"), QByteArray(), QByteArray("\xFF\xFE")}) {
         ok(u"setting ERRORNO 0"_s);
@@ -62,18 +62,14 @@ TEST_F(RequestTest, IsServedAndAnswered) {
     expectSound();
 }
 
-TEST_F(RequestTest, ThoseOfACategoryGoInTheListsOrderAndAreNotRushed) {
-    for (const QString &name : {u"b"_s, u"c"_s, u"a"_s})
+TEST_F(RequestTest, ThoseOfACategoryAreNotRushed) {
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
         addChannel(name, smallFeed);
-    QStringList listed;
-    for (const QString &line : run(u"channels C"_s).lines())
-        listed.append(u'/' + line.section(u'\t', 1, 1));
     Registry registry(root_);
     FeedStore store(root_, registry, testTodayKey.toString());
     ASSERT_TRUE(store.Open());
     Interrupt interrupt;
     const UpdateParts parts{root_, registry, store, interrupt};
-    EXPECT_EQ(parts.answerTimeout, 60s) << "what slow servers need";
     UpdateRun updates(parts,
                       {.stepped = [](int, int) {}, .updated = {}, .counted = [](auto...) {}});
     QElapsedTimer timer;
@@ -87,10 +83,6 @@ TEST_F(RequestTest, ThoseOfACategoryGoInTheListsOrderAndAreNotRushed) {
     setPauseScale(0);
     EXPECT_GE(ofCategory, 3 * (2000 + 100) / 10);
     EXPECT_GE(ofRequest, 100);
-    QStringList requested;
-    for (const FeedServer::Request &seen : server_.requests().first(3))
-        requested.append(QString::fromLatin1(seen.path));
-    EXPECT_EQ(requested, listed);
 }
 
 TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {
@@ -219,7 +211,7 @@ TEST_F(RequestTest, ADownloaderThatIsKilledIsToldByTheTimeOutAndStartedAnew) {
     expectSound();
     server_.serve(u"/a"_s, smallFeed);
     EXPECT_EQ(ok(u"request C a"_s), u"done\n");
-    EXPECT_EQ(counts(u"a"_s), u"1/1");
+    EXPECT_TRUE(ok(u"channels"_s).startsWith(u"1/1\ta\t"));
 }
 
 TEST_F(RequestTest, ASignalEndsADownloadAndTellsWhoWaitsForIt) {

@@ -39,22 +39,6 @@ int RunningService::end(int signal) {
     return process_->exitCode();
 }
 
-RefreshJob RunningService::addChannel(const QString &name, const QByteArray &feed) {
-    RefreshJob job{server_.url(QString(u'/' + name)), name, u"C"_s};
-    if (!feed.isNull())
-        server_.serve(u'/' + name, feed);
-    EXPECT_EQ(ok(u"add C %1 %2"_s.arg(name, job.url)).trimmed(), name);
-    return job;
-}
-
-QString RunningService::counts(const QString &channel) {
-    for (const QString &line : run(u"channels"_s).lines()) {
-        if (line.section(u'\t', 1, 1) == channel)
-            return line.section(u'\t', 0, 0);
-    }
-    return {};
-}
-
 void RunningService::waitForRequests(qsizetype count) {
     waitFor([&] { return server_.requests().size() == count; });
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ctl/ctl_process.h"
-#include "update/download_request.h"
 
 namespace tidebrook {
 
@@ -18,9 +17,6 @@ protected:
     int end(int signal);
     bool isRunning() const { return process_ && process_->state() == QProcess::Running; }
 
-    /// Adds a channel to C whose feed the server has at /NAME; a null one is left to the test.
-    RefreshJob addChannel(const QString &name, const QByteArray &feed = {});
-    QString counts(const QString &channel);
     void waitForRequests(qsizetype count);
 
 private:

@@ -1,5 +1,7 @@
 #include "kit/form.h"
 #include "kit/layer.h"
+#include "platform/sync/named_event.h"
+#include "support/full_disk.h"
 #include "ui/reading_test.h"
 
 #include <QAbstractButton>
@@ -150,10 +152,20 @@ TEST_F(SettingsTest, StayAsTheyWereUnlessDone) {
 
 TEST_F(SettingsTest, OfAPageThatWasNotSeenAreLeftAloneAndOfBothAreStoredTogether) {
     store(today, {0, 1});
+    NamedEvent reload(device.root, u"TODAYITEMS", NamedEvent::Reset::Auto);
     run([&](User &user) {
+        open(user, today);
+        {
+            const FullDisk disk;
+            press(user, {enable, u"Done"_s});
+            expectBox(user, fileProblem);
+        }
+        EXPECT_EQ(stored(today), Values({0, 1}));
+        EXPECT_FALSE(reload.test());
         open(user, today);
         press(user, {enable, u"Done"_s});
         EXPECT_TRUE(user.seesCaption(u"All Categories"_s) && user.seesQuiet());
+        EXPECT_TRUE(reload.test()) << "the Today item is to show what is stored";
         EXPECT_EQ(stored(today), Values({1, 1}));
         EXPECT_EQ(stored(updates), Values(5, missing));
         open(user, today);
