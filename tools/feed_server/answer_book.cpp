@@ -33,31 +33,22 @@ void AnswerBook::setDirectory(const QString &directory) {
     directory_ = directory;
 }
 
-void AnswerBook::setValidators(bool areSent) {
-    const std::lock_guard lock(mutex_);
-    haveValidators_ = areSent;
-}
-
 Answer AnswerBook::find(const QString &path) const {
     const std::lock_guard lock(mutex_);
     const auto told = answers_.constFind(path);
     if (told != answers_.constEnd())
         return *told;
-    std::optional<Answer> found = file(path);
-    if (!found)
-        return {.body = "There is nothing here.\n", .contentType = "text/plain", .status = 404};
-    if (haveValidators_)
-        found->etag =
-            '"' + QCryptographicHash::hash(found->body, QCryptographicHash::Sha1).toHex() + '"';
-    return *std::move(found);
+    return file(path);
 }
 
-std::optional<Answer> AnswerBook::file(const QString &path) const {
+Answer AnswerBook::file(const QString &path) const {
     QFile file(directory_ + path);
     if (directory_.isNull() || path.contains(u"..") || !QFileInfo(file).isFile() ||
         !file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return Answer{.body = file.readAll()};
+        return {.body = "There is nothing here.\n", .contentType = "text/plain", .status = 404};
+    const QByteArray body = file.readAll();
+    const QByteArray hash = QCryptographicHash::hash(body, QCryptographicHash::Sha1).toHex();
+    return {.body = body, .etag = '"' + hash + '"'};
 }
 
 } // namespace tidebrook

@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <mutex>
-#include <optional>
 #include <utility>
 
 namespace tidebrook {
@@ -37,17 +36,15 @@ class AnswerBook {
 public:
     void set(const QString &path, const Answer &answer);
     void setDirectory(const QString &directory);
-    void setValidators(bool areSent);
 
     Answer find(const QString &path) const;
 
 private:
-    std::optional<Answer> file(const QString &path) const;
+    Answer file(const QString &path) const;
 
     mutable std::mutex mutex_; // guards what follows
     QHash<QString, Answer> answers_;
     QString directory_; // null: none
-    bool haveValidators_ = false;
 };
 
 } // namespace tidebrook

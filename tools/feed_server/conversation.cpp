@@ -1,5 +1,7 @@
 #include "feed_server/feed_server.h"
 
+#include <QUrl>
+
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -26,19 +28,6 @@ bool waitFor(int socket, short event) {
         ready = poll(&watched, 1, -1);
     } while (ready < 0 && errno == EINTR);
     return ready > 0 && (watched.revents & event) != 0;
-}
-
-// A date counts only for a client that has no ETag, even if that is another.
-bool hasAlready(const FeedServer::Request &request, const Answer &answer) {
-    const QByteArray tag = request.header("If-None-Match");
-    const QByteArray &current = tag.isNull() ? answer.lastModified : answer.etag;
-    return !current.isEmpty() &&
-           current == (tag.isNull() ? request.header("If-Modified-Since") : tag);
-}
-
-QString pathOf(const QByteArray &target) {
-    return QString::fromUtf8(QByteArray::fromPercentEncoding(
-        target.first(target.contains('?') ? target.indexOf('?') : target.size())));
 }
 
 } // namespace
@@ -134,8 +123,8 @@ bool FeedServer::readRequest(int socket, QByteArray &rest, Request &request) {
 }
 
 bool FeedServer::answer(int socket, const Request &request) {
-    Answer answer = book_.find(pathOf(request.path));
-    if (hasAlready(request, answer)) {
+    Answer answer = book_.find(QUrl::fromEncoded(request.path).path(QUrl::FullyDecoded));
+    if (!answer.etag.isEmpty() && request.header("If-None-Match") == answer.etag) {
         answer.status = 304;
         answer.body.clear();
     }

@@ -52,20 +52,16 @@ public:
                const QByteArray &contentType = "text/xml");
 
     /// Sends ETag and Last-Modified as they are given; an empty one is not sent. Answers 304,
-    /// with both and without a body, if the request's If-None-Match is the ETag byte for byte, or,
-    /// in a request without If-None-Match, if If-Modified-Since is the Last-Modified so.
+    /// with both and without a body, if the request's If-None-Match is the ETag byte for byte.
     void serveWithValidators(const QString &path, const QByteArray &body, const QByteArray &etag,
                              const QByteArray &lastModified = {});
 
     /// Sends the body compressed, whether the client asked for that or not.
     void serveGzip(const QString &path, const QByteArray &body);
 
-    /// Serves the files below `directory`, as they are when they are asked for.
+    /// Serves the files below `directory`, as they are when they are asked for, each with an ETag,
+    /// which differs whenever its content does.
     void serveDirectory(const QString &directory) { book_.setDirectory(directory); }
-
-    /// Whether files are sent with an ETag, which differs whenever their content does, and are
-    /// answered with 304 to a client that has it. Not by default.
-    void setValidators(bool areSent) { book_.setValidators(areSent); }
 
     /// How long every request, from now on, waits for its answer.
     void setDelay(std::chrono::milliseconds delay) { delay_ = delay; }

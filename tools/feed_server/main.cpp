@@ -16,9 +16,7 @@ namespace {
 void describe(QCommandLineParser &parser) {
     parser.setApplicationDescription(
         u"Serves the files of a directory on 127.0.0.1 until it is ended or its parent ends."_s);
-    parser.addOptions(
-        {{u"directory"_s, u"Serve the files below DIR."_s, u"DIR"_s},
-         {u"validators"_s, u"Send ETags, and answer 304 to clients that have the newest."_s}});
+    parser.addOption({u"directory"_s, u"Serve the files below DIR."_s, u"DIR"_s});
     parser.addHelpOption();
 }
 
@@ -26,7 +24,6 @@ int serve(const QCommandLineParser &parser) {
     tidebrook::FeedServer server;
     if (parser.isSet(u"directory"_s))
         server.serveDirectory(parser.value(u"directory"_s));
-    server.setValidators(parser.isSet(u"validators"_s));
     std::printf("listening on http://127.0.0.1:%d\n", server.port());
     std::fflush(stdout);
     return pause(); // until a signal ends the process
