@@ -2,20 +2,20 @@
 
 #include "platform/sync/stop_signal.h"
 #include "store/error_codes.h"
+#include "store/settings_store.h"
 
 namespace tidebrook {
 
-quint32 downloadFailure(HttpProgress progress, const HttpLimits &limits) {
+quint32 recordDownloadFailure(Registry &registry, HttpProgress progress, const HttpLimits &limits) {
     if (limits.stop && limits.stop->isRaised())
         return 0;
-    switch (progress) {
-    case HttpProgress::NotStarted:
-        return HttpMissing;
-    case HttpProgress::NotOpened:
-        return FeedNotSent;
-    default:
-        return FeedNotDownloaded;
-    }
+    quint32 code = FeedNotDownloaded;
+    if (progress == HttpProgress::NotStarted)
+        code = HttpMissing;
+    else if (progress == HttpProgress::NotOpened)
+        code = FeedNotSent;
+    SetLastErrorCode(registry, code);
+    return code;
 }
 
 } // namespace tidebrook

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "platform/http/http.h"
+#include "platform/sql/registry.h"
 
 #include <QtGlobal>
 
 namespace tidebrook {
 
-/// The code of a direct download that ended like this; 0 when it was stopped, which is not
-/// reported.
-quint32 downloadFailure(HttpProgress progress, const HttpLimits &limits);
+/// Records in the registry's "ERRORNO" why a direct download ended like this, and returns the code;
+/// 0 when it was stopped, which is not recorded.
+quint32 recordDownloadFailure(Registry &registry, HttpProgress progress, const HttpLimits &limits);
 
 } // namespace tidebrook

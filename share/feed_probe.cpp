@@ -2,7 +2,6 @@
 
 #include "platform/base/text.h"
 #include "share/download_failure.h"
-#include "store/settings_store.h"
 
 #include <QIODevice>
 
@@ -77,8 +76,7 @@ std::optional<QString> probe(Registry &registry, const QString &url, const HttpL
     const HttpProgress progress = httpDownloadDirect(url, opening, limits);
     if (opening.isSettled() || progress == HttpProgress::Complete)
         return opening.found();
-    if (const quint32 code = downloadFailure(progress, limits); code != 0)
-        SetLastErrorCode(registry, code);
+    recordDownloadFailure(registry, progress, limits);
     return std::nullopt;
 }
 

@@ -66,13 +66,12 @@ std::optional<QByteArray> OpmlReader::download(const QString &url) {
     QBuffer body;
     body.open(QIODevice::WriteOnly);
     const HttpProgress progress = httpDownloadDirect(url, body, limits_);
-    if (progress == HttpProgress::Complete) {
-        if (replaceFile(device_.filePath(downloadFile), body.data()))
-            return body.data();
+    if (progress != HttpProgress::Complete)
+        error_ = recordDownloadFailure(registry_, progress, limits_);
+    else if (replaceFile(device_.filePath(downloadFile), body.data()))
+        return body.data();
+    else
         fail(FileNotWritten);
-    } else if (const quint32 code = downloadFailure(progress, limits_); code != 0) {
-        fail(code);
-    }
     return std::nullopt;
 }
 
@@ -125,7 +124,7 @@ bool OpmlReader::takeLeaf(const XmlNode &leaf) {
 }
 
 bool OpmlReader::readEntry(OpmlEntry &out) {
-    if (cursor_ >= entries_.size() || cursor_ > count_)
+    if (entries_.isEmpty() || cursor_ > count_)
         return false;
     out = entries_[cursor_];
     ++cursor_;

@@ -48,11 +48,10 @@ void appendQuoted(QStringView text, QString &out, qsizetype capacity) {
 QString escaped(QStringView text, qsizetype capacity) {
     QString out;
     out.reserve(qMin(text.size(), capacity) + 2);
-    if (hasDropped(text)) {
+    if (hasDropped(text))
         appendQuoted(withoutDropped(text), out, capacity);
-    } else {
+    else
         appendQuoted(text, out, capacity);
-    }
     return out;
 }
 

@@ -64,14 +64,10 @@ bool putInPlace(const QString &built, const DeviceRoot &device) {
 FeedStore::FeedStore(const DeviceRoot &device, Registry &registry, const QString &todayItemKey)
     : device_(device), settings_(registry), todayItemKey_(todayItemKey) {}
 
-FeedStore::~FeedStore() { Close(); }
-
 quint32 FeedStore::error() const {
     const auto guard = lock();
     return error_;
 }
-
-void FeedStore::clearError() { recordError(0); }
 
 void FeedStore::recordError(quint32 code) {
     const auto guard = lock();
@@ -111,36 +107,33 @@ bool FeedStore::CreateDatabase() {
     removeUnfinished(device_);
     const QString built = device_.filePath(unfinishedName);
     auto database = SqliteDatabase::open(built, {.create = true});
-    quint32 failure = database ? buildDatabase(*database) : DatabaseFailed;
+    bool isBuilt = database ? buildDatabase(*database) : recordFailure(false);
     database.reset();
-    if (failure == 0 && !putInPlace(built, device_))
-        failure = DatabaseFailed;
-    if (failure == 0)
-        return true;
-    SqliteDatabase::remove(built);
-    error_ = failure;
-    return false;
+    isBuilt = isBuilt && recordFailure(putInPlace(built, device_));
+    if (!isBuilt)
+        SqliteDatabase::remove(built);
+    return isBuilt;
 }
 
-// 0, or the code of the failure.
-quint32 FeedStore::buildDatabase(SqliteDatabase &database) {
+bool FeedStore::buildDatabase(SqliteDatabase &database) {
     SqliteTransaction transaction(database);
     SqlCommand command(database);
     const auto run = [&](const char *statement) {
         return command.execute(QString::fromLatin1(statement)) == SqliteStep::Done;
     };
     if (!run(articleTable) || !run(channelTable))
-        return DatabaseFailed;
+        return recordFailure(false);
     const std::optional<QList<ChannelRecord>> seed = readSeedChannels(device_);
-    if (!seed)
-        return SeedFileMissing;
+    if (!seed) {
+        error_ = SeedFileMissing;
+        return false;
+    }
     for (const ChannelRecord &channel : *seed) {
         if (!insertChannel(command, channel, nullptr))
-            return DatabaseFailed;
+            return recordFailure(false);
     }
     // Only now: the seed must satisfy the columns' own constraints alone.
-    const bool isBuilt = run(articleIndex) && run(channelIndex) && transaction.commit();
-    return isBuilt ? 0U : quint32{DatabaseFailed};
+    return recordFailure(run(articleIndex) && run(channelIndex) && transaction.commit());
 }
 
 void FeedStore::ReleaseSession() {
@@ -160,12 +153,6 @@ bool FeedStore::recordFailure(bool isDone) {
     return isDone;
 }
 
-void FeedStore::reopen() {
-    // The old session is closed last: the journal is written back and removed with the last one.
-    const std::unique_ptr<SqliteDatabase> old = std::move(session_);
-    Open();
-}
-
 bool FeedStore::changeAndReopen(const std::function<bool()> &work) {
     const auto guard = lock();
     bool isDone = false;
@@ -176,7 +163,9 @@ bool FeedStore::changeAndReopen(const std::function<bool()> &work) {
         isDone = transaction.commit() && isDone;
     }
     recordFailure(isDone);
-    reopen();
+    // The old session is closed last: the journal is written back and removed with the last one.
+    const std::unique_ptr<SqliteDatabase> old = std::move(session_);
+    Open();
     return isDone;
 }
 

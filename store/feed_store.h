@@ -43,12 +43,9 @@ class FeedStore {
 public:
     /// The parts outlive the store. `todayItemKey` is the registry key of the Today item.
     FeedStore(const DeviceRoot &device, Registry &registry, const QString &todayItemKey);
-    ~FeedStore();
-    FeedStore(const FeedStore &) = delete;
-    FeedStore &operator=(const FeedStore &) = delete;
 
     quint32 error() const;
-    void clearError();
+    void clearError() { recordError(0); }
     void recordError(quint32 code);
 
     [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() const;
@@ -125,8 +122,7 @@ private:
     static constexpr std::size_t rowBufferSize = 65536;
 
     bool CreateDatabase();
-    quint32 buildDatabase(SqliteDatabase &database);
-    void reopen();
+    bool buildDatabase(SqliteDatabase &database);
     bool recordFailure(bool isDone);
 
     bool ExecuteNonQuery(const QString &statement);

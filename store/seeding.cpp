@@ -32,10 +32,7 @@ std::optional<QList<ChannelRecord>> readSeedChannels(const DeviceRoot &device) {
     if (!text)
         return std::nullopt;
     QList<ChannelRecord> channels;
-    QList<QStringView> lines = QStringView(*text).split(u'\n');
-    if (lines.last().isEmpty())
-        lines.removeLast();
-    for (QStringView line : lines) {
+    for (QStringView line : QStringView(*text).split(u'\n')) {
         if (line.endsWith(u'\r'))
             line.chop(1);
         if (line.isEmpty())

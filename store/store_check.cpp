@@ -67,9 +67,8 @@ QStringList faultsOf(SqliteDatabase &database, const QStringList &categories) {
 }
 
 QStringList listedCategories(Registry &registry, QStringList &faults) {
-    SettingsStore settings(registry);
     for (const QString &fault : registry.faults())
-        faults.append(QStringLiteral("registry: %1").arg(fault));
+        faults.append(u"registry: " + fault);
     QStringList names;
     const auto values = registry.values(categoriesKey);
     for (const Registry::NamedValue &value : values.value_or(QList<Registry::NamedValue>())) {
@@ -77,7 +76,7 @@ QStringList listedCategories(Registry &registry, QStringList &faults) {
         if (!std::holds_alternative<quint32>(value.value))
             faults.append(QStringLiteral("categories: \"%1\" is damaged").arg(value.name));
     }
-    const quint32 count = settings.dword(programKey, u"CategoryNumber");
+    const quint32 count = SettingsStore(registry).dword(programKey, u"CategoryNumber");
     if (count != static_cast<quint32>(names.size()))
         faults.append(QStringLiteral("categories: the count is %1, but %2 are listed")
                           .arg(count)

@@ -14,12 +14,6 @@
 
 namespace tidebrook {
 
-namespace {
-
-constexpr mode_t ownerOnly = 0600;
-
-} // namespace
-
 FileKind fileKindAt(const QString &path, Links links) {
     const QByteArray name = QFile::encodeName(path);
     struct stat status {};
@@ -31,7 +25,7 @@ FileKind fileKindAt(const QString &path, Links links) {
 
 int openPlainFile(const QString &path, int flags, Links links) {
     const int careful = O_CLOEXEC | O_NONBLOCK | (links == Links::Refused ? O_NOFOLLOW : 0);
-    const int descriptor = open(QFile::encodeName(path).constData(), flags | careful, ownerOnly);
+    const int descriptor = open(QFile::encodeName(path).constData(), flags | careful, 0600);
     struct stat status {};
     if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)))
         return descriptor;

@@ -1,29 +1,21 @@
 #include "platform/base/text.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+#include <utility>
 
 namespace tidebrook {
 
 namespace {
 
 bool isHidden(QChar c) {
-    struct Range {
-        char16_t first;
-        char16_t last;
-    };
     // Not QChar::Other_Format, some of which are visible in Arabic and Syriac.
-    static constexpr std::array<Range, 8> ranges{{{0x00AD, 0x00AD},
-                                                  {0x034F, 0x034F},
-                                                  {0x061C, 0x061C},
-                                                  {0x180E, 0x180E},
-                                                  {0x200B, 0x200F},
-                                                  {0x2028, 0x202E},
-                                                  {0x2060, 0x206F},
-                                                  {0xFEFF, 0xFEFF}}};
+    static constexpr std::pair<char16_t, char16_t> ranges[] = {
+        {0x00AD, 0x00AD}, {0x034F, 0x034F}, {0x061C, 0x061C}, {0x180E, 0x180E},
+        {0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}};
     return c.category() == QChar::Other_Control ||
-           std::any_of(ranges.begin(), ranges.end(), [c](const Range &range) {
-               return c.unicode() >= range.first && c.unicode() <= range.last;
+           std::any_of(std::begin(ranges), std::end(ranges), [c](const auto &range) {
+               return c.unicode() >= range.first && c.unicode() <= range.second;
            });
 }
 

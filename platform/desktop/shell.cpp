@@ -74,14 +74,12 @@ bool openLink(const QString &link) {
 }
 
 bool composeMail(const QString &subject, const QString &body) {
-    const QString address = u"mailto:?subject=" + encoded(withoutControls(subject)) + u"&body=" +
-                            encoded(withLineEnds(body, QLatin1String("\r\n")));
-    return openByDesktop(address);
+    return openByDesktop(u"mailto:?subject=" + encoded(withoutControls(subject)) + u"&body=" +
+                         encoded(withLineEnds(body, QLatin1String("\r\n"))));
 }
 
 bool composeSms(const QString &text) {
-    const QString address = u"sms:?body=" + encoded(withLineEnds(text, QLatin1String("\n")));
-    return openByDesktop(address);
+    return openByDesktop(u"sms:?body=" + encoded(withLineEnds(text, QLatin1String("\n"))));
 }
 
 } // namespace tidebrook

@@ -43,8 +43,6 @@ bool Registry::open() {
     return hasTable;
 }
 
-Registry::~Registry() = default;
-
 std::optional<RegistryValue> Registry::read(QStringView key, QStringView name) {
     const std::lock_guard lock(mutex_);
     SqliteStatement query =

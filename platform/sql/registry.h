@@ -29,9 +29,6 @@ public:
     /// Opens the registry of the device, and makes its file where it is missing but the device is
     /// not.
     explicit Registry(const DeviceRoot &device);
-    ~Registry();
-    Registry(const Registry &) = delete;
-    Registry &operator=(const Registry &) = delete;
 
     /// False when the file cannot be opened; `error` then says why. Every call tries it again.
     bool isOpen();

@@ -85,9 +85,8 @@ private:
         XML_SetProcessingInstructionHandler(parser, [](void *self, const char *, const char *) {
             static_cast<XmlBuilder *>(self)->endText();
         });
-        XML_SetCdataSectionHandler(
-            parser, [](void *self) { static_cast<XmlBuilder *>(self)->endText(); },
-            [](void *self) { static_cast<XmlBuilder *>(self)->endText(); });
+        const auto endText = [](void *self) { static_cast<XmlBuilder *>(self)->endText(); };
+        XML_SetCdataSectionHandler(parser, endText, endText);
         XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_UNLESS_STANDALONE);
         XML_SetExternalEntityRefHandler(parser, [](XML_Parser asking, const char *context,
                                                    const char *, const char *, const char *) {

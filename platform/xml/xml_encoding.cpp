@@ -31,8 +31,7 @@ std::optional<Encoding> encodingOfMark(QByteArrayView bytes) {
                                                 {"<\0?\0"sv, "UTF-16LE", 0},
                                                 {"\0<\0?"sv, "UTF-16BE", 0}}};
     for (const Mark &mark : marks) {
-        if (bytes.startsWith(
-                QByteArrayView(mark.bytes.data(), static_cast<qsizetype>(mark.bytes.size()))))
+        if (bytes.startsWith(QByteArrayView(mark.bytes)))
             return Encoding{mark.encoding, mark.size};
     }
     return std::nullopt;
