@@ -75,7 +75,7 @@ void makeStore(const QString &home, const StorePlan &plan) {
     Registry registry(device);
     SettingsStore(registry).setDword(programKey, u"CategoryNumber", 0);
     FeedStore store(device, registry, todayItem);
-    require(seedCategories(device, registry) == Seeding::Done && store.Open(), home);
+    require(seedCategories(device, registry) && store.Open(), home);
     insertArticles(home, plan);
     const bool isCounted = store.changeAtOnce([&](SqlCommand &) {
         for (int i = 0; i < plan.filledChannels; ++i)
