@@ -1,6 +1,7 @@
 #include "feed/rss_parser.h"
 
 #include "feed/pub_date.h"
+#include "platform/base/text.h"
 #include "store/escape_sql.h"
 
 #include <array>
@@ -12,62 +13,103 @@ namespace {
 constexpr qsizetype dateCapacity = 40;
 constexpr int itemLimit = 100'000; // more would keep the database for seconds
 
-// Which field of an item an element fills, and how much of its text.
-struct FieldRule {
+// Which field of a record an element fills, and how much of its text.
+template <typename Record> struct FieldRule {
     QByteArrayView element;
-    QString ItemRecord::*field;
+    QString Record::*field;
     qsizetype capacity;
 };
 
+constexpr std::array channelRules{
+    FieldRule<ChannelHeaderRecord>{"title", &ChannelHeaderRecord::title, titleCapacity},
+    FieldRule<ChannelHeaderRecord>{"link", &ChannelHeaderRecord::link, linkCapacity},
+    FieldRule<ChannelHeaderRecord>{"description", &ChannelHeaderRecord::description,
+                                   descriptionCapacity},
+    FieldRule<ChannelHeaderRecord>{"lastBuildDate", &ChannelHeaderRecord::lastBuildDate,
+                                   dateCapacity},
+};
+
+constexpr std::array imageRules{
+    FieldRule<ChannelHeaderRecord>{"url", &ChannelHeaderRecord::imageUrl, linkCapacity},
+    FieldRule<ChannelHeaderRecord>{"title", &ChannelHeaderRecord::imageTitle, titleCapacity},
+    FieldRule<ChannelHeaderRecord>{"link", &ChannelHeaderRecord::imageLink, linkCapacity},
+};
+
 constexpr std::array itemRules{
-    FieldRule{"title", &ItemRecord::title, titleCapacity},
-    FieldRule{"description", &ItemRecord::description, descriptionCapacity},
-    FieldRule{"pubDate", &ItemRecord::publicationDate, dateCapacity},
-    FieldRule{"link", &ItemRecord::link, linkCapacity},
-    FieldRule{"guid", &ItemRecord::guid, linkCapacity},
+    FieldRule<ItemRecord>{"title", &ItemRecord::title, titleCapacity},
+    FieldRule<ItemRecord>{"description", &ItemRecord::description, descriptionCapacity},
+    FieldRule<ItemRecord>{"pubDate", &ItemRecord::publicationDate, dateCapacity},
+    FieldRule<ItemRecord>{"link", &ItemRecord::link, linkCapacity},
+    FieldRule<ItemRecord>{"guid", &ItemRecord::guid, linkCapacity},
+    FieldRule<ItemRecord>{"category", &ItemRecord::category, categoryCapacity},
 };
 
 // An element without text leaves its field as it was.
-void applyRules(XmlNode node, ItemRecord &item) {
-    for (const FieldRule &rule : itemRules) {
+template <typename Record, std::size_t count>
+void applyRules(const std::array<FieldRule<Record>, count> &rules, XmlNode node, Record &record) {
+    for (const FieldRule<Record> &rule : rules) {
         if (rule.element != node.name())
             continue;
         QString text = node.text(rule.capacity);
         if (!text.isEmpty())
-            item.*rule.field = std::move(text);
+            record.*rule.field = std::move(text);
         return;
     }
 }
 
 } // namespace
 
-RssParser::RssParser(SqlCommand &command, const QString &channelName, const QString &category)
-    : ingestion_(command, channelName, category) {
+RssParser::RssParser(SqlCommand &command, const QString &channelName,
+                     const std::optional<QString> &category)
+    : category_(category), ingestion_(command, channelName, category.value_or(QString())) {
     const QString missing = missingText.toString();
     // The items of a refresh share one stamp, which keeps them in the feed's own order.
-    emptyItem_ = {missing, missing, missing, missing, missing, ingestionClock(0)};
+    emptyItem_ = {missing, missing, missing, missing, missing, missing, ingestionClock(0)};
+    if (category_)
+        emptyItem_.category = cutText(*category_, categoryCapacity).toString();
 }
 
 bool RssParser::parse(XmlNode root) {
     if (!ingestion_.pruneChannel())
         return false;
+    const QString missing = missingText.toString();
+    header_ = {missing, missing, missing, missing, missing, missing, missing};
     const XmlNode channel = root.firstChild();
     if (channel.isNull() || channel.firstChild().isNull())
         return false;
     for (XmlNode node = channel.firstChild(); !node.isNull(); node = node.nextSibling()) {
-        if (node.name() == "item" && !readItem(node))
-            return false;
+        if (node.name() == "item") {
+            if (!readItem(node))
+                return false;
+        } else if (node.name() == "image") {
+            readImage(node);
+        } else {
+            readChannelField(node);
+        }
     }
     return true;
+}
+
+void RssParser::readChannelField(XmlNode node) { applyRules(channelRules, node, header_); }
+
+void RssParser::readImage(XmlNode image) {
+    for (XmlNode node = image.firstChild(); !node.isNull(); node = node.nextSibling())
+        applyRules(imageRules, node, header_);
 }
 
 bool RssParser::readItem(XmlNode item) {
     if (++itemCount_ > itemLimit)
         return false;
-    ItemRecord record = emptyItem_;
-    for (XmlNode node = item.firstChild(); !node.isNull(); node = node.nextSibling())
-        applyRules(node, record);
-    return ingestion_.insertItem(std::move(record));
+    item_ = emptyItem_;
+    for (XmlNode node = item.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        if (category_ || node.name() != "category")
+            applyRules(itemRules, node, item_);
+    }
+    if (!ingestion_.insertItem(std::move(item_)))
+        return false;
+    item_ = {};
+    header_ = {};
+    return true;
 }
 
 } // namespace tidebrook

@@ -30,6 +30,7 @@ protected:
         return {title,
                 u"Text"_s,
                 u"Fri, 07 Mar 2008"_s,
+                u"DEFAULT"_s,
                 guid,
                 u"http://example.org/"_s,
                 ingestionClock(0)};
