@@ -13,18 +13,14 @@
 
 namespace tidebrook {
 
-namespace {
-
-QString ownTodayItemKey() { return todayItemKey(resourceString(todayItemNameString)); }
-
-} // namespace
-
 bool provisionDevice(const DeviceRoot &root) {
-    return provisionDevice(root, defaultChannelsFile(), ownTodayItemKey());
+    return provisionDevice(root, defaultChannelsFile(),
+                           todayItemKey(resourceString(todayItemNameString)));
 }
 
 Device::Device(const DeviceRoot &deviceRoot)
-    : root(deviceRoot), todayItemKey(ownTodayItemKey()), registry(root), settings(registry),
+    : root(deviceRoot), todayItemName(resourceString(todayItemNameString)),
+      todayItemKey(tidebrook::todayItemKey(todayItemName)), registry(root), settings(registry),
       categoryStore(registry), store(root, registry, todayItemKey) {}
 
 bool Device::isRegistryReadable() {

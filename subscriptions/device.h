@@ -33,7 +33,8 @@ public:
     explicit Device(const DeviceRoot &deviceRoot);
 
     const DeviceRoot root;
-    const QString todayItemKey; ///< the Today item's key of the registry
+    const QString todayItemName;
+    const QString todayItemKey; ///< of the registry
     Registry registry;
     SettingsStore settings;
     CategoryListStore categoryStore;
