@@ -148,7 +148,10 @@ private:
 
     void beginList(std::size_t rowWidth);
     bool putRow(const void *row);
-    bool NextRow(void *row);
+    /// Copies a row of the list into `out`, which has the size of such a row: the next one for
+    /// index -1, else the one of that index. False behind the last row.
+    bool NextRow(void *out, int index = -1);
+    template <class Row> QList<Row> storedRows();
 
     mutable std::recursive_mutex mutex_; // guards everything below
     const DeviceRoot device_;

@@ -78,6 +78,7 @@ void FeedStore::beginList(std::size_t rowWidth) {
     rowWidth_ = rowWidth;
     rowsFilled_ = 0;
     rowCursor_ = 0;
+    rows_.fill(0);
 }
 
 bool FeedStore::putRow(const void *row) {
@@ -88,12 +89,27 @@ bool FeedStore::putRow(const void *row) {
     return true;
 }
 
-bool FeedStore::NextRow(void *row) {
-    if (rowCursor_ == rowsFilled_)
+bool FeedStore::NextRow(void *out, int index) {
+    if (out == nullptr || index < -1 || rowWidth_ == 0)
         return false;
-    std::memcpy(row, rows_.data() + rowCursor_ * rowWidth_, rowWidth_);
-    ++rowCursor_;
+    const std::size_t row = index == -1 ? rowCursor_ : static_cast<std::size_t>(index);
+    if ((row + 1) * rowWidth_ >= rowBufferSize)
+        return false;
+    const char *begin = rows_.data() + row * rowWidth_;
+    if (std::all_of(begin, begin + rowWidth_, [](char byte) { return byte == 0; }))
+        return false;
+    std::memcpy(out, begin, rowWidth_);
+    if (index == -1)
+        ++rowCursor_;
     return true;
+}
+
+template <class Row> QList<Row> FeedStore::storedRows() {
+    QList<Row> rows(static_cast<qsizetype>(rowsFilled_));
+    // A row of zeros, which NextRow takes for the end, is a channel without a name here.
+    for (qsizetype i = 0; i < rows.size(); ++i)
+        NextRow(&rows[i], static_cast<int>(i));
+    return rows;
 }
 
 bool FeedStore::ReadChannelRows(const QString &statement, QList<ChannelRow> &channels) {
@@ -106,7 +122,7 @@ bool FeedStore::ReadChannelRows(const QString &statement, QList<ChannelRow> &cha
         return putRow(&channel);
     });
     channels.clear();
-    for (StoredChannel channel{}; NextRow(&channel);)
+    for (const StoredChannel &channel : storedRows<StoredChannel>())
         channels.append({textOf(channel.name), channel.unread, channel.total});
     return isRead;
 }
@@ -123,7 +139,7 @@ bool FeedStore::ReadArticleRows(const QString &statement, QList<ArticleRow> &art
     };
     const bool isRead = readRows(statement, putArticle, newestFirst);
     articles.clear();
-    for (StoredArticle article{}; NextRow(&article);)
+    for (const StoredArticle &article : storedRows<StoredArticle>())
         articles.append(
             {textOf(article.title), textOf(article.publicationDate), article.read == 1});
     return isRead;
