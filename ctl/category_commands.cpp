@@ -73,7 +73,10 @@ int runCategories(CommandDevice &device, const Arguments &) {
 }
 
 QString wantedCategory(CommandDevice &device, const QString &name) {
-    return device.categories().contains(name) ? name : categoryName(printable(name));
+    QString stored = device.categories().contains(name) ? name : categoryName(printable(name));
+    if (stored.isEmpty())
+        fail(nameNeeded);
+    return stored;
 }
 
 int runAddCategory(CommandDevice &device, const Arguments &arguments) {

@@ -7,7 +7,7 @@ namespace {
 
 const QString nameNeeded = QStringLiteral("a channel needs a name");
 
-}
+} // namespace
 
 int runChannels(CommandDevice &device, const Arguments &arguments) {
     const QString category = arguments.operands.value(0);
@@ -26,7 +26,7 @@ int runAdd(CommandDevice &device, const Arguments &arguments) {
     const QString category = wantedCategory(device, arguments.operands[0].trimmed());
     const QString name = storableName(arguments.operands[1]);
     if (category.isEmpty())
-        return fail(QStringLiteral("a category needs a name"));
+        return ExitFailed;
     if (name.isEmpty())
         return fail(nameNeeded);
     QString storedName;

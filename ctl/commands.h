@@ -35,10 +35,11 @@ int runUpdates(CommandDevice &device, const Arguments &arguments);
 int runSetting(CommandDevice &device, const Arguments &arguments);
 int runCheck(CommandDevice &device, const Arguments &arguments);
 
-/// A category's name: as it is listed, else as it would be stored.
+/// A category's name: as it is listed, else as it would be stored. Empty, and the failure is
+/// reported, when nothing is left of it.
 QString wantedCategory(CommandDevice &device, const QString &name);
 
-/// Why a change failed, in words; the name of a category or channel is the subject of a reason.
+/// Why a change failed, in words.
 QString failureOf(const Device &device, ChangeEnd end);
 /// The exit code of a change; a failure is reported.
 int exitCodeOf(const Device &device, ChangeEnd end);

@@ -50,7 +50,7 @@ int runImport(CommandDevice &device, const Arguments &arguments) {
         return ExitFailed;
     const QString category = wantedCategory(device, arguments.operands[1].trimmed());
     if (category.isEmpty())
-        return fail(QStringLiteral("a category needs a name"));
+        return ExitFailed;
     bool isWhole = true;
     for (const ChannelRecord &offered : reader.takeChannels())
         isWhole = importChannel(device, category, offered) && isWhole;

@@ -66,8 +66,9 @@ public:
     /// updates. They are gone also when only that list failed.
     ChangeEnd deleteCategory(const QString &category);
 
-    /// Adds a channel, and lists its category where it is not listed. Where its name is taken it
-    /// may get another, as `FeedStore::InsertChannel` gives it; `storedName` gets the stored name.
+    /// Adds a channel, and before that lists its category where it is not listed, which stays so
+    /// when the channel is refused. Where its name is taken it may get another, as
+    /// `FeedStore::InsertChannel` gives it; `storedName` gets the stored name.
     ChangeEnd addChannel(const ChannelRecord &channel, QString *storedName = nullptr);
 
     /// The same without a given name: as "New Channel" or, while the category has one of that name,
