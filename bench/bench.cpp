@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void start(QProcess &process, QStringList before, const QString &program,
+void start(QProcess &process, const QStringList &before, const QString &program,
            const QStringList &arguments) {
     process.setChildProcessModifier([parent = getpid()] {
         prctl(PR_SET_PDEATHSIG, SIGKILL);

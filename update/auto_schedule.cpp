@@ -117,7 +117,7 @@ void AutoSchedule::followClock(const QDateTime &now, std::chrono::milliseconds u
 // A last round in the future was written before the clock was set back while no downloader ran. It
 // must not delay the next one for years.
 QDateTime AutoSchedule::lastRound(const QDateTime &now, const AutoUpdateSettings &settings) {
-    const QDateTime stored = recordedRound();
+    QDateTime stored = recordedRound();
     const QDateTime latest = settings.isDaily() ? now.addDays(1) : now;
     // A first round at an hour of the day that has passed is not one that was missed.
     if (stored.isValid() ? stored <= latest : !settings.isDaily())
