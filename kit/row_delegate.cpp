@@ -96,7 +96,7 @@ void RowDelegate::paintCheckMark(QPainter &painter, const QStyleOptionViewItem &
 
 void RowDelegate::paintTexts(QPainter &painter, const QStyleOptionViewItem &option,
                              const ListRow &row) const {
-    QRect place = labelRect(option);
+    QRect place = labelRect(option).adjusted(0, 0, 0, -gap / 2);
     if (!row.detail.isEmpty()) {
         painter.drawText(place, Qt::AlignTrailing | Qt::AlignBottom | Qt::TextSingleLine,
                          row.detail);

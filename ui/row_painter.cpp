@@ -11,13 +11,16 @@
 #include <QStyle>
 #include <QTextLayout>
 
+#include <algorithm>
+
 namespace tidebrook {
 
 namespace {
 
 constexpr int iconMargin = 2; // pixels
 constexpr int gap = 4;
-constexpr int hanging = 2;
+constexpr int padding = 1; // pixels between a label and the edge of its row
+constexpr int labelLines = 2;
 
 struct RowColours {
     QColor background;
@@ -52,7 +55,8 @@ bool hasUnread(const QString &counts) {
     return !counts.isEmpty() && counts.front().isDigit() && counts.front() != u'0';
 }
 
-/// A text whose last lines leave the lower right corner of its place free.
+/// A text in the middle of its place, on as few lines as it needs. The lines that reach into the
+/// lower right corner leave that free.
 class Label {
 public:
     Label(const QRect &place, const QSize &corner, Qt::LayoutDirection direction)
@@ -61,11 +65,15 @@ public:
     void paint(QPainter &painter, const QString &text, const QFont &font, int mostLines) const;
 
 private:
-    // The descenders of the last line may reach into the corner.
+    struct Line {
+        QRect place;
+        QString text;
+    };
+
+    QList<Line> split(const QString &text, const QFont &font, int count) const;
     int widthAt(int bottom) const {
-        return bottom - hanging > place_.height() - corner_.height()
-                   ? place_.width() - corner_.width()
-                   : place_.width();
+        return bottom > place_.height() - corner_.height() ? place_.width() - corner_.width()
+                                                           : place_.width();
     }
 
     const QRect place_;
@@ -73,30 +81,43 @@ private:
     const Qt::LayoutDirection direction_;
 };
 
-void Label::paint(QPainter &painter, const QString &text, const QFont &font, int mostLines) const {
-    const QFontMetrics metrics(font);
-    const int height = metrics.height();
+// The last line has all of the text that is left.
+QList<Label::Line> Label::split(const QString &text, const QFont &font, int count) const {
+    const int height = QFontMetrics(font).height();
+    int top = (place_.height() - count * height) / 2;
     QTextLayout layout(text, font);
     QTextOption wrapping;
     wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(wrapping);
     layout.beginLayout();
-    for (int lines = 1, bottom = height;; ++lines, bottom += height) {
+    QList<Line> lines;
+    for (; lines.size() < count; top += height) {
         QTextLine line = layout.createLine();
         if (!line.isValid())
             break;
-        const QRect row(place_.left(), place_.top() + bottom - height, widthAt(bottom), height);
+        const QRect row(place_.left(), place_.top() + top, widthAt(top + height), height);
         line.setLineWidth(row.width());
-        const bool isLast = lines == mostLines || bottom + height > place_.height();
-        const QString shown =
-            isLast ? metrics.elidedText(text.mid(line.textStart()), Qt::ElideRight, row.width())
-                   : text.mid(line.textStart(), line.textLength());
-        painter.drawText(QStyle::visualRect(direction_, place_, row),
-                         Qt::AlignLeading | Qt::AlignTop | Qt::TextSingleLine, shown);
-        if (isLast)
-            break;
+        const bool isLast = lines.size() + 1 == count;
+        lines.append({row, text.mid(line.textStart(), isLast ? -1 : line.textLength())});
     }
     layout.endLayout();
+    return lines;
+}
+
+void Label::paint(QPainter &painter, const QString &text, const QFont &font, int mostLines) const {
+    const QFontMetrics metrics(font);
+    const auto fits = [&metrics](const Line &line) {
+        return metrics.horizontalAdvance(line.text) <= line.place.width();
+    };
+    const int most = std::clamp(place_.height() / metrics.height(), 1, mostLines);
+    QList<Line> lines = split(text, font, 1);
+    for (int count = 2; count <= most && !std::ranges::all_of(lines, fits); ++count)
+        lines = split(text, font, count);
+    for (const Line &line : std::as_const(lines)) {
+        painter.drawText(QStyle::visualRect(direction_, place_, line.place),
+                         Qt::AlignLeading | Qt::AlignTop | Qt::TextSingleLine,
+                         metrics.elidedText(line.text, Qt::ElideRight, line.place.width()));
+    }
 }
 
 } // namespace
@@ -121,14 +142,15 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const int labelStart = iconMargin + iconPlace.width() + gap;
     const QRect place = QStyle::visualRect(option.direction, option.rect,
                                            option.rect.adjusted(labelStart, 0, -gap, -1));
+    const QRect labelPlace = place.adjusted(0, padding, 0, -padding);
     const QFont label = isChannel || row.image == ReadImage ? option.font : bold(option.font);
     painter->setPen(colours.text);
     painter->setFont(label);
     const bool isBig = option.font.pointSize() == fontSizes.back();
-    const QSize taken = row.detail.isEmpty() ? QSize(0, 0) : detailSize + QSize(gap, 0);
-    Label(place, taken, option.direction)
+    const QSize taken = row.detail.isEmpty() ? QSize(0, 0) : detailSize + QSize(gap, -padding);
+    Label(labelPlace, taken, option.direction)
         .paint(*painter, withoutControls(cutText(row.text, titleCapacity).toString()), label,
-               isBig ? 1 : place.height());
+               isBig ? 1 : labelLines);
 
     painter->setFont(detail);
     const QRect corner =
