@@ -84,6 +84,7 @@ int Application::awaitDevice() {
     DeviceOpening::Opened opened = opening_.take();
     stack_.progressLine().finish();
     device_ = std::move(opened.device);
+    windowPlace_ = opened.windowPlace;
     return opened.messageId;
 }
 
@@ -97,7 +98,8 @@ void Application::showWindow() {
         return;
     const QSize room = stack_.screen()->availableSize();
     if (room.width() > deskWindow.width() && room.height() > deskWindow.height()) {
-        stack_.resize(deskWindow);
+        if (!stack_.restoreGeometry(windowPlace_))
+            stack_.resize(deskWindow);
         stack_.show();
     } else {
         stack_.showMaximized();
@@ -119,6 +121,7 @@ void Application::runScreens(int messageId) {
 void Application::closeDown() {
     stack_.close();
     state_->finish();
+    storeWindowPlace(*device_, stack_.saveGeometry());
     activation_.join();
     device_->close();
     state_.reset();

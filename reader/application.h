@@ -42,6 +42,7 @@ private:
     Interrupt stop_; // by the system, which asks the program to end
     const TerminationSignals signals_{stop_};
     std::unique_ptr<Device> device_; // ends after all who use it
+    QByteArray windowPlace_;
     std::optional<AppState> state_;
     Threads activation_;
 };

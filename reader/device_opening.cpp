@@ -10,6 +10,9 @@ namespace tidebrook {
 
 namespace {
 
+constexpr QStringView windowPlaceValue = u"WindowPlace";
+constexpr qsizetype longestPlace = 512;
+
 // The string that says what is wrong, or 0. A registry that cannot be read is reported by the list
 // of categories.
 int problemOf(Device &device, DeviceFault fault) {
@@ -29,7 +32,8 @@ int problemOf(Device &device, DeviceFault fault) {
 DeviceOpening::Opened openDevice(const DeviceRoot &root) {
     auto device = std::make_unique<Device>(root);
     const int messageId = problemOf(*device, device->open(channelsLockTimeout));
-    return {std::move(device), messageId};
+    const QString place = device->settings.text(programKey, windowPlaceValue, longestPlace);
+    return {std::move(device), messageId, QByteArray::fromBase64(place.toLatin1())};
 }
 
 } // namespace
@@ -40,6 +44,10 @@ DeviceOpening::DeviceOpening(const DeviceRoot &deviceRoot) : root(deviceRoot) {
         [this](Opened opened) { opened_ = std::move(opened); });
     if (!isBegun) // there is no thread
         opened_ = openDevice(root);
+}
+
+void storeWindowPlace(Device &device, const QByteArray &place) {
+    device.registry.write(programKey, windowPlaceValue, QString::fromLatin1(place.toBase64()));
 }
 
 DeviceOpening::Opened DeviceOpening::take() {

@@ -4,6 +4,8 @@
 #include "platform/sync/tasks.h"
 #include "subscriptions/device.h"
 
+#include <QByteArray>
+
 #include <memory>
 
 namespace tidebrook {
@@ -15,7 +17,8 @@ public:
 
     struct Opened {
         std::unique_ptr<Device> device;
-        int messageId = 0; ///< the string of the problem to show to the user, or 0
+        int messageId = 0;      ///< the string of the problem to show to the user, or 0
+        QByteArray windowPlace; ///< as `storeWindowPlace` stored it; empty without one
     };
 
     /// Runs an event loop until the device is open, and hands over what was opened, once.
@@ -27,5 +30,8 @@ private:
     Opened opened_;
     Tasks tasks_{Tasks::Serial};
 };
+
+/// Stores where the window was closed, for the next start. Without a registry nothing is stored.
+void storeWindowPlace(Device &device, const QByteArray &place);
 
 } // namespace tidebrook
