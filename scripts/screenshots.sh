@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Renders every screen and dialog into build/screenshots/: on an upright and on a wide device, each
-# with one and with two pixels to a unit; light and dark. Those that the documents show, in
-# docs/screenshots/, are replaced.
+# Renders every screen and dialog into build/screenshots/, light and dark: on the smallest upright
+# and wide devices, on a phone with two pixels to a logical one, and on a small and a large desktop.
+# Those that the documents show, in docs/screenshots/, are replaced.
 
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
@@ -11,7 +11,7 @@ build release
 work=$(mktemp --directory)
 trap 'rm -r "$work"' EXIT
 
-# photograph WIDTH HEIGHT SCALE: on a device with a screen of that size in units.
+# photograph WIDTH HEIGHT SCALE: on a screen of that size in logical pixels.
 photograph() {
     printf '{"screens": [{"name": "device", "x": 0, "y": 0, "width": %d, "height": %d, %s}]}' \
         "$(($1 * $3))" "$(($2 * $3))" '"logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1' \
@@ -21,10 +21,11 @@ photograph() {
         build/release/bin/screenshots build/screenshots
 }
 
-for scale in 1 2; do
-    photograph 240 320 "$scale"
-    photograph 320 240 "$scale"
-done
+photograph 240 320 1
+photograph 320 240 1
+photograph 360 720 2
+photograph 1366 768 1
+photograph 2560 1440 1
 for shown in docs/screenshots/*.png; do
     cp "build/screenshots/${shown##*/}" docs/screenshots/
 done

@@ -1,5 +1,5 @@
-// Pictures of every screen and dialog, light and dark, on a device whose screen is that of the
-// platform.
+// Pictures of every screen and dialog, light and dark, in a window as large as the platform's
+// screen.
 
 #include "kit/files/file_dialog.h"
 #include "kit/touch_style.h"
@@ -183,9 +183,8 @@ bool photographAll(const QDir &folder, bool isDark) {
     device.addChannel(channels, u"Open Bench"_s, QStringList{});
     device.store->Close();
     const QSize screen = QGuiApplication::primaryScreen()->size();
-    const QString ending = (screen.height() > screen.width() ? u"-portrait"_s : u"-landscape"_s) +
-                           (isDark ? u"-dark"_s : u"-light"_s) +
-                           (qApp->devicePixelRatio() > 1 ? u"@2x.png"_s : u".png"_s);
+    const QString ending = u"-%1x%2-"_s.arg(screen.width()).arg(screen.height()) +
+                           (isDark ? u"dark.png"_s : u"light.png"_s);
     Session session(device.root, screen, [](const QString &missing) {
         std::fprintf(stderr, "%s\n", qUtf8Printable(missing));
     });
