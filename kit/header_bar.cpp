@@ -46,9 +46,19 @@ HeaderBar::HeaderBar(QWidget *dialog) : QWidget(dialog) {
 
 void HeaderBar::setCaption(const QString &caption) {
     caption_ = caption;
-    setAccessibleName(caption);
+    nameAll();
+}
+
+void HeaderBar::setNote(const QString &note) {
+    note_ = note;
+    nameAll();
+}
+
+void HeaderBar::nameAll() {
+    const QString name = note_.isEmpty() ? caption_ : QString(caption_ + u", " + note_);
+    setAccessibleName(name);
     if (captionKey_ != nullptr)
-        captionKey_->setAccessibleName(caption);
+        captionKey_->setAccessibleName(name);
     update();
 }
 
@@ -135,12 +145,12 @@ DialogUnits HeaderBar::units() const { return DialogUnits(parentWidget()->size()
 void HeaderBar::arrange() {
     if (choices_ == nullptr)
         return;
-    const int keyWidth = units().width(keyUnits);
+    const int keyWidth = units().pixels(keyUnits);
     next_->setGeometry(mirrored({width() - keyWidth, 0, keyWidth, height()}));
     previous_->setGeometry(mirrored({width() - 2 * keyWidth, 0, keyWidth, height()}));
     captionKey_->setGeometry(mirrored({0, 0, width() - 2 * keyWidth, height()}));
     captionKey_->lower();
-    const QSize iconSize(units().width(iconUnits), units().height(iconUnits));
+    const QSize iconSize(units().pixels(iconUnits), units().pixels(iconUnits));
     const int side = std::min(iconSize.width(), iconSize.height());
     for (QToolButton *key : {previous_, next_}) {
         key->setIconSize(QSize(side, side));
@@ -148,7 +158,7 @@ void HeaderBar::arrange() {
     }
     choices_->setUnits(units());
     const int frame = 2 * choices_->frameWidth();
-    const int room = parentWidget()->height() - height() - units().height(menuBarUnits);
+    const int room = parentWidget()->height() - height() - units().pixels(menuBarUnits);
     const int needed = choices_->rowCount() * choices_->rowHeight() + frame;
     choices_->setGeometry(0, height(), width(), std::min(room, needed));
 }
@@ -158,34 +168,44 @@ QRect HeaderBar::mirrored(const QRect &place) const {
 }
 
 QRect HeaderBar::captionPlace() const {
-    const int margin = units().width(marginUnits);
-    const int start = units().width(iconUnits) + 2 * margin;
-    const int end =
-        captionKey_ != nullptr ? captionKey_->width() - units().width(iconUnits) : width() - margin;
+    const int margin = units().pixels(marginUnits);
+    const int start = units().pixels(iconUnits) + 2 * margin;
+    const int end = captionKey_ != nullptr ? captionKey_->width() - units().pixels(iconUnits)
+                                           : width() - margin;
     return {start, 0, std::max(0, end - start), height()};
 }
 
 void HeaderBar::paintEvent(QPaintEvent *) {
     QPainter painter(this);
-    const QSize iconSize(units().width(iconUnits),
-                         std::min(units().height(iconUnits), height() - 2));
+    const QSize iconSize(units().pixels(iconUnits),
+                         std::min(units().pixels(iconUnits), height() - 2));
     const int middle = (height() - iconSize.height()) / 2;
-    const QRect mark(QPoint(units().width(marginUnits), middle), iconSize);
+    const QRect mark(QPoint(units().pixels(marginUnits), middle), iconSize);
     painter.drawPixmap(mirrored(mark).topLeft(), icon("header", iconSize, palette()));
 
-    QFont bold = font();
-    bold.setBold(true);
-    painter.setFont(bold);
-    painter.setPen(palette().color(QPalette::WindowText));
     const QRect place = captionPlace();
-    const QString shown = QFontMetrics(bold).elidedText(caption_, Qt::ElideRight, place.width());
-    painter.drawText(mirrored(place), Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
-                     shown);
+    paintCaption(painter, mirrored(place));
     if (captionKey_ != nullptr)
         painter.drawPixmap(mirrored({QPoint(place.right(), middle), iconSize}).topLeft(),
                            icon("choices", iconSize, palette()));
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawLine(0, height() - 1, width(), height() - 1);
+}
+
+void HeaderBar::paintCaption(QPainter &painter, const QRect &place) const {
+    constexpr int line = Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine;
+    QFont bold = font();
+    bold.setBold(true);
+    QRect captionLine = place;
+    painter.setPen(palette().color(QPalette::WindowText));
+    if (!note_.isEmpty()) {
+        captionLine.setBottom(place.center().y());
+        painter.setFont(font());
+        painter.drawText(place.adjusted(0, captionLine.height(), 0, 0), line, note_);
+    }
+    const QString shown = QFontMetrics(bold).elidedText(caption_, Qt::ElideRight, place.width());
+    painter.setFont(bold);
+    painter.drawText(captionLine, line, shown);
 }
 
 void HeaderBar::resizeEvent(QResizeEvent *) { arrange(); }

@@ -22,6 +22,8 @@ public:
     /// Shown on one line, and elided if it is too long.
     void setCaption(const QString &caption);
     QString caption() const { return caption_; }
+    /// A remark below the caption, such as what a list leaves out; none by default.
+    void setNote(const QString &note);
 
     /// Adds the keys and the drop-down list.
     void setSteppable();
@@ -48,6 +50,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    void nameAll();
+    void paintCaption(QPainter &painter, const QRect &place) const;
     void prepareKey(QToolButton &key, const QString &name, int command);
     void handleChoice(int row);
     bool isBesideChoices(const QObject *watched) const;
@@ -56,6 +60,7 @@ private:
     QRect mirrored(const QRect &place) const;
 
     QString caption_;
+    QString note_;
     QToolButton *previous_ = nullptr;
     QToolButton *next_ = nullptr;
     QToolButton *captionKey_ = nullptr;

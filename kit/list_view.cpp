@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPainter>
 #include <QScrollBar>
 #include <QStyleHints>
 
@@ -19,6 +20,12 @@ namespace {
 
 constexpr int rowUnits = 40;
 constexpr QSize imageUnits(35, 34);
+constexpr float emptyTextAlpha = 0.7F;
+
+bool isMove(int key) {
+    return key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_Up || key == Qt::Key_Down ||
+           key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+}
 
 } // namespace
 
@@ -34,8 +41,8 @@ ListView::ListView(QWidget *parent) : QListView(parent) {
 }
 
 void ListView::setUnits(const DialogUnits &units) {
-    imageSize_ = QSize(units.width(imageUnits.width()), units.height(imageUnits.height()));
-    unitRowHeight_ = units.height(rowUnits);
+    imageSize_ = QSize(units.pixels(imageUnits.width()), units.pixels(imageUnits.height()));
+    unitRowHeight_ = units.pixels(rowUnits);
     arrangeRows();
 }
 
@@ -167,46 +174,98 @@ void ListView::keyPressEvent(QKeyEvent *event) {
         moveByKey(*event);
 }
 
-// A key that leads to the current row scrolls to it.
+// A key that leads to the current row scrolls to it, also where it is the current one already.
 void ListView::moveByKey(QKeyEvent &event) {
     QListView::keyPressEvent(&event);
-    if (event.isAccepted())
+    if (event.isAccepted() || isMove(event.key())) {
+        event.accept();
         scrollTo(currentIndex());
+    }
 }
 
+// What is pressed is not selected yet: a finger may be about to scroll.
 void ListView::mousePressEvent(QMouseEvent *event) {
-    const QModelIndex index = indexAt(event->position().toPoint());
+    const bool isLeft = event->button() == Qt::LeftButton;
     // A tap outside an open editor only ends the editing.
-    isTapPossible_ = event->button() == Qt::LeftButton && editor_ == nullptr;
-    pressed_ = index;
+    isTapPossible_ = isLeft && editor_ == nullptr;
     pressedAt_ = event->position().toPoint();
-    QListView::mousePressEvent(event);
-    if (!index.isValid())
-        selectRow(-1);
+    pressed_ = indexAt(pressedAt_);
+    if (isLeft && hasMenu_)
+        hold_.start(QGuiApplication::styleHints()->mousePressAndHoldInterval(), this);
+}
+
+bool ListView::isNear(const QPoint &place) const {
+    const int way = (place - pressedAt_).manhattanLength();
+    return way < QGuiApplication::styleHints()->startDragDistance();
+}
+
+void ListView::mouseMoveEvent(QMouseEvent *event) {
+    if (!isNear(event->position().toPoint()))
+        hold_.stop();
 }
 
 void ListView::mouseReleaseEvent(QMouseEvent *event) {
-    QListView::mouseReleaseEvent(event);
+    hold_.stop();
     const QPoint place = event->position().toPoint();
-    const int way = (place - pressedAt_).manhattanLength();
     // The row may have moved or gone between press and release.
     const bool isTap = std::exchange(isTapPossible_, false) && event->button() == Qt::LeftButton &&
-                       way < QGuiApplication::styleHints()->startDragDistance() &&
-                       indexAt(place) == pressed_ && !isScrollingByTouch(*this);
+                       isNear(place) && indexAt(place) == pressed_ && !isScrollingByTouch(*this);
     if (!isTap)
         return;
-    if (pressed_.isValid()) {
-        selectRow(pressed_.row());
-        if (isCheckable_)
-            setChecked(pressed_.row(), !isChecked(pressed_.row()));
-    }
+    selectRow(pressed_.row());
+    if (isCheckable_ && pressed_.isValid())
+        setChecked(pressed_.row(), !isChecked(pressed_.row()));
     Q_EMIT tapped(pressed_.row());
 }
 
 // The second press is not meant for the dialog that the first one opens.
 void ListView::mouseDoubleClickEvent(QMouseEvent *event) {
-    QListView::mouseDoubleClickEvent(event);
+    mousePressEvent(event);
     isTapPossible_ = isTapPossible_ && isCheckable_;
+    hold_.stop();
+}
+
+void ListView::contextMenuEvent(QContextMenuEvent *event) {
+    if (hasMenu_ && event->reason() == QContextMenuEvent::Mouse)
+        askForMenu(event->pos());
+    else
+        event->ignore(); // the dialog has a key for its menu
+}
+
+void ListView::timerEvent(QTimerEvent *event) {
+    if (event->timerId() != hold_.timerId())
+        return QListView::timerEvent(event);
+    hold_.stop();
+    if (isTapPossible_ && !isScrollingByTouch(*this))
+        askForMenu(pressedAt_);
+}
+
+void ListView::askForMenu(const QPoint &place) {
+    isTapPossible_ = false;
+    QRect beside(place, QSize(1, 1));
+    if (const QModelIndex index = indexAt(place); index.isValid()) {
+        selectRow(index.row());
+        beside = visualRect(index);
+    }
+    Q_EMIT menuWanted({viewport()->mapToGlobal(beside.topLeft()), beside.size()});
+}
+
+void ListView::setEmptyText(const QString &text) {
+    emptyText_ = text;
+    viewport()->update();
+}
+
+void ListView::paintEvent(QPaintEvent *event) {
+    QListView::paintEvent(event);
+    if (rowCount() > 0)
+        return;
+    QColor colour = palette().color(QPalette::Text);
+    colour.setAlphaF(emptyTextAlpha);
+    QPainter painter(viewport());
+    painter.setPen(colour);
+    const int margin = rowHeight() / 2;
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, emptyText_);
 }
 
 int SelectedRow(const ListView *list) {

@@ -3,6 +3,7 @@
 #include "kit/list_rows.h"
 #include "kit/screen_shape.h"
 
+#include <QBasicTimer>
 #include <QLineEdit>
 #include <QListView>
 #include <QPointer>
@@ -11,7 +12,9 @@
 namespace tidebrook {
 
 /// A list of rows with an image and a label each, of which at most one is selected. It is scrolled
-/// by finger, wheel and keys; typing the beginning of a label goes to its row.
+/// by finger, wheel and keys; typing the beginning of a label goes to its row. Tapping a row
+/// selects it, as does a long press or a click of the right button where the list has a menu. A
+/// finger that scrolls selects nothing.
 class ListView : public QListView {
     Q_OBJECT
 
@@ -45,6 +48,12 @@ public:
     void setRowText(int row, const QString &text) { rows_.change(row, &ListRow::text, text); }
     void setRowDetail(int row, const QString &text) { rows_.change(row, &ListRow::detail, text); }
 
+    /// What the list says while it has no row; it wraps. None by default.
+    void setEmptyText(const QString &text);
+
+    /// Whether rows are to be selected for `menuWanted`.
+    void setHasMenu(bool hasMenu) { hasMenu_ = hasMenu; }
+
     /// Gives every row a check box instead of its image, which a tap and the space bar turn.
     void setCheckable(bool checkable) { isCheckable_ = checkable; }
     bool isCheckable() const { return isCheckable_; }
@@ -72,6 +81,9 @@ Q_SIGNALS:
     void keyPressed(int key, bool &isTaken);
     /// A row was tapped and is selected; -1 for a tap outside of the rows.
     void tapped(int row);
+    /// A menu is wanted, for the row that is selected now or, where there was none, for the list.
+    /// It should lie beside this place on the screen.
+    void menuWanted(const QRect &place);
     /// A label was edited, and is still unchanged in the row. The editor is closed: a receiver may
     /// open dialogs.
     void labelEdited(int row, const QString &text);
@@ -82,14 +94,20 @@ protected:
     void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
     friend class RowDelegate;
     void arrangeRows();
     void moveByKey(QKeyEvent &event);
+    bool isNear(const QPoint &place) const;
+    void askForMenu(const QPoint &place);
     void watchEditor(QLineEdit *editor, int row);
     void storeLabel(const QModelIndex &index, const QString &text);
     void reportEdited();
@@ -109,6 +127,9 @@ private:
     QPersistentModelIndex pressed_;
     QPoint pressedAt_;
     bool isTapPossible_ = false;
+    bool hasMenu_ = false;
+    QBasicTimer hold_; // runs while a press may become a long one
+    QString emptyText_;
 };
 
 /// The selected row; -1 without one, and for no list.

@@ -43,6 +43,12 @@ void MenuBar::enable(int command, bool isEnabled) {
         right_->setEnabled(isEnabled);
 }
 
+void MenuBar::openMenu(const QRect &beside) {
+    openMenu();
+    if (menu_ != nullptr)
+        menu_->move(beside.bottomLeft());
+}
+
 void MenuBar::openMenu() {
     if (resource_.right.menu.empty())
         return;

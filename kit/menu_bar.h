@@ -25,6 +25,7 @@ public:
 
     /// Opens the menu, if there is one.
     void openMenu();
+    void openMenu(const QRect &beside);
 
 Q_SIGNALS:
     void chosen(int command);

@@ -88,6 +88,12 @@ constexpr std::array table{
     Entry{noFolderString, u"There is no folder %1."},
     Entry{noFileString, u"%1 is not a file."},
     Entry{longFileNameString, u"The file name is too long."},
+    Entry{noCategoryYetString, u"No category yet.\n\"Menu\", \"New Category\" makes one."},
+    Entry{noChannelYetString,
+          u"No channel in this category yet.\n\"Menu\", \"New Channel\" adds one."},
+    Entry{noArticleYetString, u"No article yet.\n\"Menu\", \"Update\" fetches what there is."},
+    Entry{nothingUnreadString, u"Nothing unread.\n\"Menu\", \"Show Unread Only\" shows all."},
+    Entry{unreadOnlyString, u"unread only"},
 };
 
 constexpr quint32 firstErrorCode = 1000;

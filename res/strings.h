@@ -70,6 +70,13 @@ inline constexpr int noCategorySelectedString = 36;
 inline constexpr int noChannelSelectedString = 37;
 inline constexpr int noArticleSelectedString = 38;
 
+// what empty lists say, and the header of one that leaves articles out
+inline constexpr int noCategoryYetString = 80;
+inline constexpr int noChannelYetString = 81;
+inline constexpr int noArticleYetString = 82;
+inline constexpr int nothingUnreadString = 83;
+inline constexpr int unreadOnlyString = 84;
+
 // errors
 inline constexpr int errorString = 28; // the caption of every error
 inline constexpr int wrongUrlString = 27;

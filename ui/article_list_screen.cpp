@@ -3,6 +3,7 @@
 #include "app/data_jobs.h"
 #include "app/messages.h"
 #include "kit/dialog.h"
+#include "kit/header_bar.h"
 #include "kit/list_view.h"
 #include "kit/screen_menu.h"
 #include "res/commands.h"
@@ -86,6 +87,7 @@ void ArticleListScreen::begin(std::optional<quint32> storedMode) {
     // The user may have chosen one meanwhile.
     if (storedMode && !std::exchange(isModeKnown_, true))
         state().sortMode = modeOf(*storedMode);
+    showMode();
     if (state().todayTitle.isEmpty())
         refreshSoon();
     else
@@ -123,8 +125,18 @@ SteppedListScreen::Collector ArticleListScreen::collector() const {
 void ArticleListScreen::sortBy(SortMode mode) {
     state().sortMode = mode;
     isModeKnown_ = true;
+    showMode();
     setPlace({0, QString()});
     refreshSoon();
+}
+
+void ArticleListScreen::showMode() {
+    const bool isPart = state().sortMode == SortMode::UnreadOnly;
+    dialog().headerBar()->setNote(isPart ? resourceString(unreadOnlyString) : QString());
+}
+
+int ArticleListScreen::emptyString() const {
+    return state().sortMode == SortMode::UnreadOnly ? nothingUnreadString : noArticleYetString;
 }
 
 void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel)) {

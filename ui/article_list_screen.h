@@ -17,12 +17,14 @@ public:
 private:
     void initialise() override;
     Collector collector() const override;
+    int emptyString() const override;
     void open(int row) override;
     void openTapped() override;
 
     QString category() const { return state().categories.value(state().currentCategory); }
     void begin(std::optional<quint32> storedMode);
     void sortBy(SortMode mode);
+    void showMode();
     void markAll(bool (FeedStore::*mark)(const QString &channel));
     void openArticle();
 

@@ -9,6 +9,7 @@
 #include "kit/header_bar.h"
 #include "kit/keys.h"
 #include "kit/list_view.h"
+#include "kit/menu_bar.h"
 #include "kit/screen_menu.h"
 #include "kit/screen_stack.h"
 #include "res/commands.h"
@@ -62,6 +63,9 @@ void CategoryListScreen::initialise() {
     connect(panel, &QInputMethod::keyboardRectangleChanged, &dialog(), &Dialog::relayout);
 
     dialog().makeMenuBar(CategoryListMenuBar);
+    list_->setHasMenu(true);
+    connect(list_, &ListView::menuWanted, dialog().menuBar(),
+            qOverload<const QRect &>(&MenuBar::openMenu));
     dialog().headerBar()->setCaption(resourceString(allCategoriesString));
     dialog().setKey(Qt::Key_F2, CommandRenameCategory);
     dialog().setKey(Qt::Key_F5, CommandUpdateCategory);
@@ -129,6 +133,7 @@ void CategoryListScreen::showCategories(const QStringList &names) {
     for (const QString &name : names)
         rows.append({name});
     list_->setRows(std::move(rows));
+    list_->setEmptyText(resourceString(noCategoryYetString));
     list_->selectRow(0);
     fitColumn(*list_, state_.stack);
 }
@@ -301,7 +306,7 @@ void CategoryListScreen::openTapped() {
 void CategoryListScreen::sized() {
     const DialogUnits units = state_.stack.units();
     const int covered = coveredHeight(state_.stack);
-    if (covered > units.height(menuBarUnits)) {
+    if (covered > units.pixels(menuBarUnits)) {
         QRect place = list_->geometry();
         place.setBottom(std::max(place.top(), units.screen().height() - covered - 1));
         list_->setGeometry(place);

@@ -102,6 +102,8 @@ SteppedListScreen::Collector ChannelListScreen::collector() const {
     };
 }
 
+int ChannelListScreen::emptyString() const { return noChannelYetString; }
+
 // The channels are known now, so the tapped headline's channel can be opened.
 void ChannelListScreen::filled() {
     if (state().todayChannel.isEmpty())

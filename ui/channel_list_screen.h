@@ -19,6 +19,7 @@ private:
     Collector collector() const override;
     void open(int row) override;
     void openTapped() override;
+    int emptyString() const override;
     void filled() override;
 
     void updateChannel();

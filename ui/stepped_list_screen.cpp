@@ -7,6 +7,7 @@
 #include "kit/header_bar.h"
 #include "kit/keys.h"
 #include "kit/list_view.h"
+#include "kit/menu_bar.h"
 #include "kit/screen_stack.h"
 #include "platform/base/text.h"
 #include "res/commands.h"
@@ -31,6 +32,9 @@ void SteppedListScreen::initialise() {
     list_->setImages({"article-unread", "article-read", "channel"}); // as `RowImage` counts them
     list_->setItemDelegate(new RowPainter(*list_));
     list_->setFont(state_.listFont);
+    list_->setHasMenu(true);
+    connect(list_, &ListView::menuWanted, dialog().menuBar(),
+            qOverload<const QRect &>(&MenuBar::openMenu));
     connect(list_, &ListView::keyPressed, this, &SteppedListScreen::handleKey);
     connect(list_, &ListView::tapped, this, [this] {
         state_.fills.requestStop();
@@ -93,6 +97,7 @@ void SteppedListScreen::refresh() {
     // The rows of the same name stay until others replace them.
     if (shown_ != name) {
         list_->setRows({});
+        list_->setEmptyText({});
         shown_.reset();
     }
     if (!name.isNull())
@@ -125,6 +130,7 @@ void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
 
 void SteppedListScreen::showReadFailure() {
     list_->setRows({});
+    list_->setEmptyText({});
     shown_.reset();
     forgetTodayTap(state_); // else it would open at a later refresh
     ShowError(state_, databaseProblemString);
@@ -133,6 +139,7 @@ void SteppedListScreen::showReadFailure() {
 void SteppedListScreen::showRows(const QString &name, QList<ListRow> rows) {
     const bool isSame = shown_ == name;
     shown_ = name;
+    list_->setEmptyText(resourceString(emptyString()));
     if (isSame && kind_.keepsPlace) {
         replaceRows(std::move(rows));
     } else {

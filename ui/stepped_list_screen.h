@@ -78,6 +78,8 @@ private:
     virtual void open(int row) = 0;
     /// Leads to the tapped headline.
     virtual void openTapped() = 0;
+    /// The text of a list without rows.
+    virtual int emptyString() const = 0;
     /// The list shows all rows.
     virtual void filled() {}
 

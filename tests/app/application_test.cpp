@@ -1,5 +1,6 @@
 #include "app/running_reader.h"
 #include "platform/sync/file_lock.h"
+#include "store/provisioning.h"
 #include "ui/reading_test.h"
 
 #include <optional>
@@ -52,6 +53,45 @@ TEST_F(ApplicationTest, AStartSeedsCategoriesWhereThereAreNoneAndListsThoseOfCha
     expectStarted({u"News"_s}, {u"Science"_s, u"Travel"_s, u"Sport"_s});
     expectStarted({u"Science"_s, u"Travel"_s, u"Sport"_s}, seeded);
     EXPECT_EQ(device.channelNames(u"Science"_s), QStringList()) << "their channels do not return";
+}
+
+TEST_F(ApplicationTest, AChannelIsDeletedFromTheFirstStartOnByFingerOrByKeys) {
+    const QStringList technology{u"Ars Technica"_s, u"Hacker News"_s, u"Phoronix"_s};
+    const Hand hands[]{
+        [&](User &user) {
+            user.touchRow(1);
+            ASSERT_TRUE(user.seesRows(technology) && user.seesQuiet());
+            user.touchRow(2, -60); // which selects nothing
+            user.holdRow(1);
+            user.touch(u"Delete Channel"_s);
+            ASSERT_TRUE(user.seesBox(u"Are you sure you want to delete this channel?"_s));
+            user.touch(u"Yes"_s);
+        },
+        [&](User &user) {
+            user.press(Qt::Key_Down);
+            user.press(Qt::Key_Return);
+            ASSERT_TRUE(user.seesRows(technology) && user.seesQuiet());
+            user.press(Qt::Key_Down);
+            user.press(Qt::Key_F10);
+            ASSERT_TRUE(user.seesPopup());
+            user.press(Qt::Key_D);
+            user.press(Qt::Key_Return);
+            ASSERT_TRUE(user.seesBox(u"Are you sure you want to delete this channel?"_s));
+            user.press(Qt::Key_Left);
+            user.press(Qt::Key_Return);
+        },
+    };
+    for (const Hand &hand : hands) {
+        const QTemporaryDir folder;
+        const DeviceRoot root(folder.filePath(u"device"_s));
+        ASSERT_TRUE(provisionDevice(root) && root.makeFolders());
+        EXPECT_TRUE(runReader(root, [&](User &user) {
+            ASSERT_TRUE(user.seesRows({u"News"_s, u"Technology"_s, u"Science"_s}));
+            ASSERT_TRUE(user.seesQuiet());
+            hand(user);
+            EXPECT_TRUE(user.seesRows({technology.first(), technology.last()}));
+        }));
+    }
 }
 
 } // namespace

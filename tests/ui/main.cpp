@@ -1,6 +1,7 @@
 #include "kit/touch_style.h"
 
 #include <QApplication>
+#include <QStyleHints>
 
 #include <gtest/gtest.h>
 
@@ -10,5 +11,6 @@ int main(int argc, char **argv) {
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     tidebrook::installTouchStyle();
+    QGuiApplication::styleHints()->setMousePressAndHoldInterval(100); // ms; no test waits longer
     return RUN_ALL_TESTS();
 }

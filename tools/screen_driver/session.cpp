@@ -41,6 +41,20 @@ QPoint middleOf(const ListView &list, int row) {
     return list.visualRect(list.model()->index(row, 0)).center();
 }
 
+QPointingDevice *finger() {
+    static QPointingDevice *device = QTest::createTouchDevice();
+    return device;
+}
+
+QAbstractButton *buttonOf(const QWidget *layer, const QString &text) {
+    for (auto *button : layer->findChildren<QAbstractButton *>()) {
+        QString shown = button->text().isEmpty() ? button->accessibleName() : button->text();
+        if (button->isVisible() && shown.remove(u'&') == text)
+            return button;
+    }
+    return nullptr;
+}
+
 QString checkText(bool isChecked, const QString &text) {
     return (isChecked ? u"x "_s : u"- "_s) + text;
 }
@@ -133,16 +147,52 @@ void User::tapBelowRows() {
 }
 
 void User::touchRow(int row, int way) {
-    static QPointingDevice *finger = QTest::createTouchDevice();
     constexpr int moves = 8;
     act([this, row, way] {
         const QPointer<QWidget> area = list()->viewport();
         const QPoint start = middleOf(*list(), row);
-        auto touches = QTest::touchEvent(area, finger, false);
+        auto touches = QTest::touchEvent(area, finger(), false);
         touches.press(0, start, area).commit(false);
         for (int i = 1; way != 0 && i <= moves; ++i)
             touches.move(0, start + QPoint(0, way * i / moves), area).commit(false);
         touches.release(0, start + QPoint(0, way), area).commit(false);
+    });
+}
+
+void User::holdRow(int row) {
+    act([this, row] {
+        QWidget *area = list()->viewport();
+        QTest::touchEvent(area, finger(), false)
+            .press(0, middleOf(*list(), row), area)
+            .commit(false);
+    });
+    if (!seesPopup())
+        return fail_(u"there is no menu"_s);
+    act([this, row] {
+        QWidget *area = list()->viewport();
+        QTest::touchEvent(area, finger(), false)
+            .release(0, middleOf(*list(), row), area)
+            .commit(false);
+    });
+}
+
+void User::touch(const QString &text) {
+    act([this, text] {
+        const QMenu *menu = openMenu();
+        const auto entries = menu != nullptr ? menu->actions() : QList<QAction *>();
+        const auto entry = std::ranges::find(entries, text, &QAction::text);
+        QWidget *button = buttonOf(stack_.top(), text);
+        if (entry != entries.end()) {
+            // The window system makes a finger's touch of a popup a click.
+            QTest::mouseClick(openMenu(), Qt::LeftButton, {},
+                              menu->actionGeometry(*entry).center());
+        } else if (menu == nullptr && button != nullptr) {
+            const QPoint place = button->rect().center();
+            QTest::touchEvent(button, finger(), false).press(0, place, button).commit(false);
+            QTest::touchEvent(button, finger(), false).release(0, place, button).commit(false);
+        } else {
+            fail_(u"there is no " + text);
+        }
     });
 }
 
@@ -160,11 +210,8 @@ void turnWheelOver(ListView &list, int steps) {
 
 void User::tap(const QString &buttonText) {
     act([this, buttonText] {
-        for (auto *button : stack_.top()->findChildren<QAbstractButton *>()) {
-            QString shown = button->text().isEmpty() ? button->accessibleName() : button->text();
-            if (button->isVisible() && shown.remove(u'&') == buttonText)
-                return QTest::mouseClick(button, Qt::LeftButton);
-        }
+        if (QAbstractButton *button = buttonOf(stack_.top(), buttonText))
+            return QTest::mouseClick(button, Qt::LeftButton);
         fail_(u"there is no " + buttonText);
     });
 }

@@ -40,6 +40,10 @@ public:
     void tapBelowRows();
     /// Touches a row with a finger, and moves that so many pixels down (or up) before lifting it.
     void touchRow(int row, int way = 0);
+    /// Holds a finger on a row until a menu is there.
+    void holdRow(int row);
+    /// Touches an entry of the open menu or, where none is open, a button, by its text.
+    void touch(const QString &text);
     void turnWheel(int steps);
     /// Taps a button by its text or, where it has none, by its name.
     void tap(const QString &buttonText);
