@@ -70,11 +70,13 @@ void Dialog::setBackKeys(int command) {
 
 void Dialog::relayout() {
     const DialogUnits units = stack().units();
-    const int barHeight = units.height(menuBarUnits);
+    const QSize whole = units.templateSize();
+    const UnitRect bar{0, whole.height() - menuBarUnits, whole.width(), menuBarUnits};
     form_->setGeometry(rect());
-    headerBar_->setGeometry(0, 0, width(), units.height(headerUnits_));
+    headerBar_->setGeometry(0, 0, width(), units.pixels(headerUnits_));
     headerBar_->arrange();
-    menuBar_->setGeometry(0, height() - barHeight, width(), barHeight);
+    const QSize room = units.room();
+    menuBar_->setGeometry(units.rect(bar).adjusted(0, room.height(), room.width(), room.height()));
     RelayoutFromTemplate(*form_, templateForShape(templateId_, units.screen()), units);
     procedure_.sized();
 }
@@ -124,7 +126,7 @@ void Dialog::paintEvent(QPaintEvent *) {
     painter.fillRect(rect(), palette().brush(QPalette::Window));
     if (!hasTitleLine_)
         return;
-    const int y = stack().units().height(titleStripUnits + titleLineUnits);
+    const int y = stack().units().pixels(titleStripUnits + titleLineUnits);
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawLine(0, y, width() - 1, y);
 }

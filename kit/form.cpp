@@ -7,6 +7,8 @@
 #include <QAbstractButton>
 #include <QLabel>
 
+#include <algorithm>
+
 namespace tidebrook {
 
 namespace {
@@ -28,6 +30,49 @@ void refreshContent(QWidget &control, const ControlTemplate &item, bool isWide) 
     else if (auto *list = qobject_cast<QListView *>(&control))
         list->scrollTo(list->currentIndex());
 }
+
+bool takesRoom(ControlKind kind) {
+    return kind == ControlKind::ListView || kind == ControlKind::Page || kind == ControlKind::Pages;
+}
+
+/// Where the controls of a form are on a screen that is larger than the template: what can use the
+/// room has it, and the others are set in a column of a readable width.
+class Arrangement {
+public:
+    Arrangement(const DialogTemplate &dialog, bool isWide, const QPoint &origin,
+                const DialogUnits &units)
+        : isWide_(isWide), origin_(origin), units_(units) {
+        const int whole = units.pixels(units.templateSize().width());
+        const int column = std::min(units.screen().width(), whole * mostColumn / leastColumn);
+        stretch_ = qreal(column) / whole;
+        // Above a list the column begins where the rows do.
+        if (std::ranges::none_of(dialog.controls, takesRoom, &ControlTemplate::kind))
+            start_ = (units.screen().width() - column) / 2;
+    }
+
+    QRect place(const ControlTemplate &item) const {
+        const QRect given = units_.rect(isWide_ ? item.wide : item.tall, origin_);
+        const QSize room = units_.room();
+        if (takesRoom(item.kind))
+            return given.adjusted(0, 0, room.width(), room.height());
+        if (item.kind == ControlKind::Tabs)
+            return given.adjusted(0, room.height(), room.width(), room.height());
+        const int left = qRound(given.left() * stretch_);
+        const int end = qRound((given.left() + given.width()) * stretch_);
+        return {start_ + left, given.top(), end - left, given.height()};
+    }
+
+private:
+    // A column is at most so much wider than in the template.
+    static constexpr int mostColumn = 4;
+    static constexpr int leastColumn = 3;
+
+    const bool isWide_;
+    const QPoint origin_;
+    const DialogUnits units_;
+    qreal stretch_ = 1;
+    int start_ = 0;
+};
 
 } // namespace
 
@@ -56,6 +101,7 @@ bool RelayoutFromTemplate(Form &form, int templateId, const DialogUnits &units) 
     if (dialog == nullptr)
         return false;
     const bool isWide = isWideTemplate(templateId);
+    const Arrangement arrangement(*dialog, isWide, form.origin(), units);
     int anonymous = 0;
     for (const ControlTemplate &item : dialog->controls) {
         QWidget *control = form.control(item.id);
@@ -63,7 +109,7 @@ bool RelayoutFromTemplate(Form &form, int templateId, const DialogUnits &units) 
             return false;
         if (auto *list = qobject_cast<ListView *>(control))
             list->setUnits(units);
-        control->setGeometry(units.rect(isWide ? item.wide : item.tall, form.origin()));
+        control->setGeometry(arrangement.place(item));
         refreshContent(*control, item, isWide);
         anonymous += item.id == anonymousControl;
     }

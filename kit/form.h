@@ -32,7 +32,8 @@ private:
 
 /// Moves the controls of a form to where a template of the same controls, usually that of the
 /// other orientation, has them, and sets the texts and icons that the template has. Selected rows
-/// and choices stay selected.
+/// and choices stay selected. On a larger screen than the template's, lists and pages take the
+/// room that is left, and all else keeps a readable width.
 ///
 /// A control that the form does not have stops the walk: those behind it stay where they are.
 /// True when all went well, and when not more than one control of the template is anonymous.

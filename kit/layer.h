@@ -33,7 +33,7 @@ public:
     virtual bool isOpaque() const = 0;
     /// The widget that gets the focus when the layer is shown first.
     virtual QWidget *firstFocus() = 0;
-    /// The height of its header; the progress line lies under it.
+    /// The height of its header, whose lower edge the progress line is.
     virtual int headerUnits() const { return 0; }
 
 protected:

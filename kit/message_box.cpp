@@ -81,7 +81,7 @@ void MessageBox::paintEvent(QPaintEvent *) {
 
 void MessageBox::resizeEvent(QResizeEvent *) {
     const int wanted =
-        std::max(stack().units().width(widthUnits), frame_->minimumSizeHint().width());
+        std::max(stack().units().pixels(widthUnits), frame_->minimumSizeHint().width());
     const int wide = std::min(width(), wanted);
     const int high = std::min(height(), frame_->layout()->totalHeightForWidth(wide));
     frame_->setGeometry((width() - wide) / 2, (height() - high) / 2, wide, high);

@@ -14,25 +14,27 @@ int ScreenShape(const QSize &screen);
 /// screen counts as wide.
 int templateForShape(int portraitId, const QSize &screen);
 
-/// Converts dialog units to pixels for a screen, which is 240 by 320 units or, when it is not
-/// taller than wide, 320 by 240. Rectangles that touch in units touch in pixels.
+/// Converts dialog units to pixels. A template is 240 by 320 units or, for a screen that is not
+/// taller than wide, 320 by 240. A unit goes by the font of the dialogs and is large enough for a
+/// thumb. On a screen on which the template would not fit it is smaller, so that the template just
+/// fits; a larger screen has room left. Rectangles that touch in units touch in pixels.
 class DialogUnits {
 public:
     explicit DialogUnits(const QSize &screen);
 
     /// A rectangle relative to `origin` of the screen, both in units.
     QRect rect(const UnitRect &units, const QPoint &origin = {}) const;
-    int width(int units) const { return scale(units, screen_.width(), across_); }
-    int height(int units) const { return scale(units, screen_.height(), down_); }
+    int pixels(int units) const;
 
     QSize screen() const { return screen_; }
+    /// What the template leaves of the screen, in pixels.
+    QSize room() const;
+    /// In units.
+    QSize templateSize() const;
 
 private:
-    static int scale(int units, int pixels, int whole) { return units * pixels / whole; }
-
     QSize screen_;
-    int across_;
-    int down_;
+    qreal unit_; // in pixels
 };
 
 } // namespace tidebrook

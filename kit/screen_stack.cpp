@@ -101,12 +101,12 @@ void ScreenStack::resizeEvent(QResizeEvent *) { arrange(); }
 
 void ScreenStack::placeProgressLine(const Layer &layer) {
     const DialogUnits units = this->units();
-    progressLine_->setGeometry(0, units.height(layer.headerUnits()), width(),
-                               units.height(progressUnits));
+    const int height = units.pixels(progressUnits);
+    progressLine_->setGeometry(0, units.pixels(layer.headerUnits()) - height, width(), height);
 }
 
 void ScreenStack::arrange() {
-    setTouchHeight(units().height(menuBarUnits));
+    setTouchHeight(units().pixels(menuBarUnits));
     for (Layer *layer : layers_) {
         layer->setGeometry(rect());
         if (layer->isOpaque())

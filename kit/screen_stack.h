@@ -30,7 +30,7 @@ public:
     bool isClosing() const { return isClosing_; }
     DialogUnits units() const { return DialogUnits(size()); }
 
-    /// It lies under the header of the topmost dialog.
+    /// It is the lower edge of the header of the topmost dialog.
     ProgressLine &progressLine() { return *progressLine_; }
 
     /// Summons the layers from the topmost down, until one of them leads the user.

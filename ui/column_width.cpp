@@ -9,14 +9,12 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int portraitRows = 6;
-constexpr int landscapeRows = 4;
 constexpr int borders = 2; // pixels
 
 } // namespace
 
 void fitColumn(ListView &list, const ScreenStack &stack) {
-    const int rowThreshold = ScreenShape(stack.size()) == 1 ? portraitRows : landscapeRows;
+    const int rowThreshold = list.height() / list.rowHeight(); // 6 or 4 on the smallest screens
     int width = stack.width() - borders;
     if (list.rowCount() > rowThreshold)
         width -= list.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &list);

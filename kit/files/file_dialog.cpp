@@ -121,8 +121,8 @@ QString SaveProcedure::faultOf(const QString &typed, const QString &path) const 
 
 QString SaveProcedure::textWith(int stringId, const QString &name) const {
     const ScreenStack &stack = dialog().stack();
-    return resourceString(stringId).arg(
-        stack.fontMetrics().elidedText(name, Qt::ElideMiddle, stack.units().width(nameInBoxUnits)));
+    return resourceString(stringId).arg(stack.fontMetrics().elidedText(
+        name, Qt::ElideMiddle, stack.units().pixels(nameInBoxUnits)));
 }
 
 QString run(int templateId, ScreenStack &stack, FileProcedure &procedure) {

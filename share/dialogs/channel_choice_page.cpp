@@ -97,7 +97,7 @@ void ChannelChoicePage::goOn() {
 
 void ChannelChoicePage::sized() {
     const DialogUnits units = state().stack.units();
-    list_->setColumnWidth(units.screen().width() - units.width(besideColumn));
+    list_->setColumnWidth(units.screen().width() - units.pixels(besideColumn));
 }
 
 } // namespace tidebrook

@@ -41,7 +41,7 @@ QStringList cutTexts(const QWidget &whole) {
 QStringList tooLow(User &user) {
     QStringList found;
     const auto note = [&](const QString &what, int height) {
-        if (height < user.stack().units().height(34))
+        if (height < user.stack().units().pixels(34))
             found.append(u"%1: %2"_s.arg(what).arg(height));
     };
     const QWidget &top = *user.stack().top();

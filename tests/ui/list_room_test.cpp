@@ -28,8 +28,8 @@ protected:
 };
 
 TEST_F(ListRoomTest, RowsMakeRoomForTheScrollBarWhereThereIsOne) {
-    for (const auto &[screen, most] : {std::pair(QSize(300, 300), 4), std::pair(QSize(320, 240), 4),
-                                       std::pair(QSize(240, 320), 6)}) {
+    for (const auto &[screen, most] : {std::pair(QSize(320, 240), 4), std::pair(QSize(240, 320), 6),
+                                       std::pair(QSize(600, 500), 8)}) {
         SCOPED_TRACE(screen.width());
         addCategories(u"W%1 "_s.arg(screen.width()) + u"%1",
                       static_cast<int>(storedCategories(device.root).size()), most + 1);
@@ -75,6 +75,12 @@ TEST_F(ListRoomTest, ScrollsAndKeepsWhatIsSelectedInSight) {
         EXPECT_TRUE(seesScrolled());
         user.touchRow(4, -120);
         EXPECT_TRUE(seesScrolled() && user.seesCaption(u"All Categories"_s));
+        EXPECT_TRUE(user.seesSelected(0)) << "which the finger has moved out of sight";
+        for (const int key : {Qt::Key_Home, Qt::Key_Up}) { // to where the selection is already
+            user.look([&] { user.list()->scrollToBottom(); });
+            user.press(key);
+            EXPECT_TRUE(user.sees(isSelectedInSight));
+        }
 
         // The input panel comes over the last row in sight, and goes.
         const auto bottom = [&user] {
