@@ -52,7 +52,7 @@ std::optional<QList<ListedChannel>> CommandDevice::channels(const QString &categ
     QList<ListedChannel> listed;
     for (const QString &name : category.isNull() ? categories() : QStringList{category}) {
         QList<ChannelRow> rows;
-        bool isRead = store.ListChannels(escapedCategory(name), rows);
+        bool isRead = store.ListChannelsByName(name, rows);
         for (const ChannelRow &row : std::as_const(rows)) {
             ListedChannel channel{row.name, name, {}, row.unread, row.total};
             isRead = isRead && store.GetChannelLink(name, channel.name, channel.link);

@@ -1,5 +1,6 @@
 #include "store/feed_store.h"
 
+#include "platform/base/name_order.h"
 #include "platform/base/text.h"
 
 #include <QRandomGenerator>
@@ -57,6 +58,12 @@ bool FeedStore::ListChannels(const QString &escapedCategory, QList<ChannelRow> &
                        "WHERE CATEGORY = '%1'")
             .arg(escapedCategory),
         channels);
+}
+
+bool FeedStore::ListChannelsByName(const QString &category, QList<ChannelRow> &channels) {
+    const bool isListed = ListChannels(escapedCategory(category), channels);
+    sortByName(channels);
+    return isListed;
 }
 
 bool FeedStore::FindCategory(const QString &name, QString &category) {

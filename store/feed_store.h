@@ -72,6 +72,8 @@ public:
     bool InsertChannel(const ChannelRecord &record, QString *storedName = nullptr);
     /// The channels of a category, 606 at most; `escapedCategory` has been through EscapeSql.
     bool ListChannels(const QString &escapedCategory, QList<ChannelRow> &channels);
+    /// The same in the order of `sortByName`, for people; `category` is not escaped.
+    bool ListChannelsByName(const QString &category, QList<ChannelRow> &channels);
     /// The category that a channel is in; null when there is no such channel.
     bool FindCategory(const QString &name, QString &category);
     /// Every category that any channel is in.

@@ -23,9 +23,8 @@ namespace {
 
 // The database may have failed to open when the program started.
 bool listChannels(FeedStore &store, const QString &category, QList<ChannelRow> &channels) {
-    const QString escaped = escapedCategory(category);
-    return store.ListChannels(escaped, channels) ||
-           (store.Open() && store.ListChannels(escaped, channels));
+    return store.ListChannelsByName(category, channels) ||
+           (store.Open() && store.ListChannelsByName(category, channels));
 }
 
 QString countsText(int unread, int total) { return QStringLiteral("%1/%2").arg(unread).arg(total); }

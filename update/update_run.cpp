@@ -57,7 +57,7 @@ bool UpdateRun::updateCategory(const QString &category) {
 bool UpdateRun::listChannels(const QString &category, QStringList &names) {
     const auto guard = parts_.store.lock();
     QList<ChannelRow> channels;
-    if (!parts_.store.ListChannels(escapedCategory(category), channels))
+    if (!parts_.store.ListChannelsByName(category, channels))
         return fail(parts_.store.error());
     for (const ChannelRow &channel : channels)
         names.append(channel.name);

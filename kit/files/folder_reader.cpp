@@ -2,27 +2,12 @@
 
 #include "kit/progress_line.h"
 #include "kit/screen_stack.h"
-
-#include <QCollator>
+#include "platform/base/name_order.h"
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace tidebrook {
-
-namespace {
-
-QCollator localeOrder() {
-    QCollator order;
-    if (order.locale().language() == QLocale::C) // which sorts by codes
-        order.setLocale(QLocale(QLocale::English));
-    order.setNumericMode(true);
-    order.setCaseSensitivity(Qt::CaseInsensitive);
-    return order;
-}
-
-} // namespace
 
 FolderReader &FolderReader::of(ScreenStack &stack) {
     auto *reader = stack.findChild<FolderReader *>({}, Qt::FindDirectChildrenOnly);
@@ -77,29 +62,17 @@ void FolderReader::setReading(bool isReading) {
 }
 
 QList<FolderEntry> FolderReader::entries() const {
-    struct Sortable {
-        QCollatorSortKey key;
-        FolderEntry entry;
-    };
     const QModelIndex root = model_.index(folder_);
-    const QCollator order = localeOrder();
-    std::vector<Sortable> found;
+    QList<FolderEntry> entries;
     for (int i = 0; root.isValid() && i < model_.rowCount(root); ++i) {
         const QModelIndex index = model_.index(i, 0, root);
         const QString name = model_.fileName(index);
         if (!name.startsWith(u'.')) // the model has hidden folders that were once its root
-            found.push_back({order.sortKey(name), {name, model_.isDir(index)}});
+            entries.append({name, model_.isDir(index)});
     }
-    std::sort(found.begin(), found.end(), [](const Sortable &one, const Sortable &other) {
-        if (one.entry.isFolder != other.entry.isFolder)
-            return one.entry.isFolder;
-        const int way = one.key.compare(other.key);
-        return way != 0 ? way < 0 : one.entry.name < other.entry.name;
-    });
-    QList<FolderEntry> entries;
-    entries.reserve(static_cast<qsizetype>(found.size()));
-    for (Sortable &one : found)
-        entries.append(std::move(one.entry));
+    sortByName(entries);
+    std::stable_partition(entries.begin(), entries.end(),
+                          [](const FolderEntry &entry) { return entry.isFolder; });
     return entries;
 }
 

@@ -36,8 +36,8 @@ public:
     const QString &folder() const { return folder_; }
     bool isReading() const { return isReading_; }
 
-    /// The entries found so far, without hidden ones: folders before files, each sorted as the
-    /// locale does. None in a folder that cannot be read.
+    /// The entries found so far, without hidden ones: folders before files, each in the order of
+    /// `sortByName`. None in a folder that cannot be read.
     QList<FolderEntry> entries() const;
 
 Q_SIGNALS:

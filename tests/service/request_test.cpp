@@ -63,7 +63,7 @@ TEST_F(RequestTest, IsServedAndAnswered) {
 }
 
 TEST_F(RequestTest, ThoseOfACategoryAreNotRushed) {
-    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
+    for (const QString &name : {u"a"_s, u"B"_s, u"c"_s})
         addChannel(name, smallFeed);
     Registry registry(root_);
     FeedStore store(root_, registry, testTodayKey.toString());
@@ -77,6 +77,7 @@ TEST_F(RequestTest, ThoseOfACategoryAreNotRushed) {
     setPauseScale(10); // percent
     EXPECT_TRUE(updates.updateCategory(u"C"_s));
     const qint64 ofCategory = timer.restart();
+    EXPECT_EQ(server_.requests().value(1).path, "/B") << "as people see them";
     setPauseScale(100);
     ask({server_.url(u"/a"), u"a"_s, u"C"_s});
     const qint64 ofRequest = timer.elapsed();
