@@ -25,13 +25,22 @@ public:
     bool hasHelp() const override { return false; }
 
 protected:
+    virtual MenuBarId menuBar() const { return TextMenuBar; }
     void initialise() override {
-        dialog().makeMenuBar(TextMenuBar);
+        dialog().makeMenuBar(menuBar());
         dialog().setBackKeys(CommandDone);
     }
 };
 
 class AboutScreen : public TextScreen {
+    void command(int id) override {
+        if (id == CommandHelp)
+            showHelp(dialog().stack());
+        else
+            TextScreen::command(id);
+    }
+    bool hasHelp() const override { return true; }
+    MenuBarId menuBar() const override { return AboutMenuBar; }
     void initialise() override {
         TextScreen::initialise();
         dialog().headerBar()->setCaption(resourceString(aboutString));

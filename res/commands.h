@@ -72,6 +72,8 @@ enum Command : int {
     CommandCancelProperties = 32815,
     CommandPropertiesDone = 32816,
 
+    CommandHelp = 32821,
+
     // file dialogs, besides OK and Cancel
     CommandFolderAbove = 32840,
     CommandTakeFile = 32841,

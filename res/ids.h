@@ -86,6 +86,7 @@ enum MenuBarId : int {
     TextMenuBar = 411,
     OpenFileMenuBar = 412,
     SaveFileMenuBar = 413,
+    AboutMenuBar = 414,
 };
 
 } // namespace tidebrook

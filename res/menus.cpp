@@ -97,6 +97,7 @@ constexpr std::array menuBars{
     MenuBarResource{PropertiesMenuBar, key(CommandPropertiesDone, doneString),
                     key(CommandCancelProperties, cancelString)},
     MenuBarResource{TextMenuBar, key(CommandDone, doneString), blankKey},
+    MenuBarResource{AboutMenuBar, key(CommandDone, doneString), key(CommandHelp, helpString)},
     MenuBarResource{OpenFileMenuBar, key(CommandCancel, cancelString), key(CommandOk, openString)},
     MenuBarResource{SaveFileMenuBar, key(CommandCancel, cancelString), key(CommandOk, saveString)},
 };

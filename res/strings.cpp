@@ -94,6 +94,7 @@ constexpr std::array table{
     Entry{noArticleYetString, u"No article yet.\n\"Menu\", \"Update\" fetches what there is."},
     Entry{nothingUnreadString, u"Nothing unread.\n\"Menu\", \"Show Unread Only\" shows all."},
     Entry{unreadOnlyString, u"unread only"},
+    Entry{helpString, u"Help"},
 };
 
 constexpr quint32 firstErrorCode = 1000;

@@ -30,6 +30,7 @@ inline constexpr int channelListString = 40;
 inline constexpr int articleListString = 41;
 inline constexpr int previousString = 42;
 inline constexpr int openString = 61;
+inline constexpr int helpString = 70;
 
 // titles
 inline constexpr int aboutString = 4;

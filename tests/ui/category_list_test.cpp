@@ -21,6 +21,18 @@ TEST_F(CategoryListTest, EveryWayLeadsToItsScreenAndEveryWayBackLeadsBack) {
         {"F1", pressing(Qt::Key_F1), u"Tidebrook"_s, pressing(Qt::Key_Escape)},
         {"help key", pressing(Qt::Key_Help), u"Tidebrook"_s, tapping(u"Done"_s)},
         {"About", choosing({u"About"_s}), u"About"_s, pressing(Qt::Key_Escape)},
+        {"Help of About",
+         [](User &user) {
+             user.choose({u"About"_s});
+             ASSERT_TRUE(user.seesCaption(u"About"_s));
+             user.tap(u"Help"_s);
+         },
+         u"Tidebrook"_s,
+         [](User &user) {
+             user.tap(u"Done"_s);
+             ASSERT_TRUE(user.seesCaption(u"About"_s));
+             user.tap(u"Done"_s);
+         }},
         {"Setting", choosing({u"Setting"_s}), u"Today Setting"_s, tapping(u"Cancel"_s)},
     };
     run([&](User &user) {
