@@ -13,8 +13,10 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     const QCommandLineOption pauses(QStringLiteral("pauses"));
     const QCommandLineOption timeout(QStringLiteral("timeout"), {}, QStringLiteral("SECONDS"));
     const QCommandLineOption today(QStringLiteral("today"));
+    const QCommandLineOption all(QStringLiteral("all"));
+    const QCommandLineOption category(QStringLiteral("category"), {}, QStringLiteral("NAME"));
     QCommandLineParser parser;
-    parser.addOptions({help, version, home, order, jobs, pauses, timeout, today});
+    parser.addOptions({help, version, home, order, jobs, pauses, timeout, today, all, category});
     if (!parser.parse(commandLine)) {
         *error = parser.errorText();
         return std::nullopt;
@@ -29,13 +31,14 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     arguments.operands = parser.positionalArguments();
     if (!arguments.operands.isEmpty())
         arguments.command = arguments.operands.takeFirst();
-    for (const QCommandLineOption &option : {order, jobs, pauses, timeout, today}) {
+    for (const QCommandLineOption &option : {order, jobs, pauses, timeout, today, all, category}) {
         if (parser.isSet(option))
             arguments.options.append(option.names());
     }
     arguments.order = parser.value(order);
     arguments.jobs = parser.value(jobs);
     arguments.timeout = parser.value(timeout);
+    arguments.category = parser.value(category);
     arguments.wantsHelp = parser.isSet(help);
     arguments.wantsVersion = parser.isSet(version);
     return arguments;

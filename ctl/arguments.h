@@ -16,6 +16,7 @@ struct Arguments {
     QString order;
     QString jobs;
     QString timeout;
+    QString category;
     bool wantsHelp = false;
     bool wantsVersion = false;
 };

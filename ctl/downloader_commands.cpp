@@ -88,6 +88,35 @@ int addAutomatic(CommandDevice &device, const QString &name) {
     return exitCodeOf(device, device.subscriptions().setAutomatic(job, true));
 }
 
+// Of one category, or of all.
+int addManyAutomatic(CommandDevice &device, const std::optional<QString> &category) {
+    if (category && !device.hasCategory(*category))
+        return ExitFailed;
+    QList<ChannelRecord> feeds;
+    if (!device.store.ListFeeds(feeds))
+        return failStore(device);
+    bool isWhole = true;
+    QList<RefreshJob> jobs;
+    for (const ChannelRecord &feed : std::as_const(feeds)) {
+        if (category && feed.category != *category)
+            continue;
+        const RefreshJob job{feed.channelLink, feed.channelName, feed.category};
+        if (canBeAutoUpdated(job)) {
+            jobs.append(job);
+        } else {
+            isWhole = false;
+            fail(QStringLiteral("\"%1\": cannot be updated automatically").arg(feed.channelName));
+        }
+    }
+    qsizetype added = 0;
+    const ChangeEnd end = device.subscriptions().addAutomatic(jobs, added);
+    if (end == ChangeEnd::Done)
+        printLine(added == 1 ? QStringLiteral("1 channel added")
+                             : QStringLiteral("%1 channels added").arg(added));
+    const int code = exitCodeOf(device, end); // which reports a failure
+    return isWhole ? code : ExitFailed;
+}
+
 int removeAutomatic(CommandDevice &device, const QString &name) {
     if (isAutoUpdated(device.root, name) == false)
         return fail(QStringLiteral("\"%1\" is not on the list").arg(name));
@@ -138,13 +167,20 @@ int runRequest(CommandDevice &device, const Arguments &arguments) {
 int runAuto(CommandDevice &device, const Arguments &arguments) {
     const QString action = arguments.operands[0];
     const QString name = arguments.operands.value(1);
-    if (action == u"list" && name.isNull())
+    const QStringList &options = arguments.options;
+    const bool isOne = !name.isNull() && options.isEmpty();
+    if (action == u"list" && name.isNull() && options.isEmpty())
         return listAutomatic(device);
-    if (action == u"add" && !name.isNull())
+    if (action == u"add" && isOne)
         return addAutomatic(device, name);
-    if (action == u"remove" && !name.isNull())
+    if (action == u"add" && name.isNull() && options.size() == 1)
+        return addManyAutomatic(device, options.contains(QStringLiteral("category"))
+                                            ? std::optional(arguments.category)
+                                            : std::nullopt);
+    if (action == u"remove" && isOne)
         return removeAutomatic(device, name);
-    return failUsage(QStringLiteral("usage: tidebrookctl auto list | add NAME | remove NAME"));
+    return failUsage(QStringLiteral("usage: tidebrookctl auto list | add "
+                                    "NAME|--all|--category CATEGORY | remove NAME"));
 }
 
 int runService(CommandDevice &device, const Arguments &arguments) {

@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
@@ -17,6 +18,8 @@ namespace tidebrook {
 
 namespace {
 
+constexpr qreal quietOpacity = 0.65; // still a contrast of more than 6:1 in black on white
+
 QWidget *makeLabel(const ControlTemplate &item, QWidget *parent) {
     auto *label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
@@ -25,6 +28,11 @@ QWidget *makeLabel(const ControlTemplate &item, QWidget *parent) {
         label->setAlignment(Qt::AlignCenter);
     if ((item.styleBits & StyleHighlight) != 0)
         label->setForegroundRole(QPalette::Highlight);
+    if ((item.styleBits & StyleQuiet) != 0) {
+        auto *grey = new QGraphicsOpacityEffect(label); // which follows the theme
+        grey->setOpacity(quietOpacity);
+        label->setGraphicsEffect(grey);
+    }
     return label;
 }
 

@@ -58,22 +58,24 @@ constexpr std::array todayPage{
 };
 
 constexpr std::array autoUpdatePage{
-    control(NeverUpdateButton, ControlKind::RadioButton, {8, 6, 224, 34}, {8, 7, 186, 34},
+    control(NeverUpdateButton, ControlKind::RadioButton, {8, 0, 224, 33}, {8, 0, 186, 33},
             u"Never Auto Update"),
-    control(UpdateIntervalButton, ControlKind::RadioButton, {8, 46, 122, 34}, {8, 48, 84, 34},
+    control(UpdateIntervalButton, ControlKind::RadioButton, {8, 33, 122, 33}, {8, 34, 84, 33},
             u"Update Interval"),
-    control(UpdateIntervalList, ControlKind::DropDownList, {132, 46, 100, 34}, {94, 48, 100, 34}),
-    control(UpdateTimeButton, ControlKind::RadioButton, {8, 86, 122, 34}, {8, 89, 84, 34},
+    control(UpdateIntervalList, ControlKind::DropDownList, {132, 33, 100, 33}, {94, 34, 100, 33}),
+    control(UpdateTimeButton, ControlKind::RadioButton, {8, 67, 122, 33}, {8, 68, 84, 33},
             u"Update Time"),
-    control(UpdateTimeList, ControlKind::DropDownList, {132, 86, 100, 34}, {94, 89, 100, 34}),
+    control(UpdateTimeList, ControlKind::DropDownList, {132, 67, 100, 33}, {94, 68, 100, 33}),
     ControlTemplate{.id = NeedsCradleBox,
                     .kind = ControlKind::CheckBox,
-                    .tall = {8, 126, 224, 34},
-                    .wide = {200, 7, 116, 75},
+                    .tall = {8, 100, 224, 33},
+                    .wide = {200, 0, 116, 67},
                     .text = u"Only update when ActiveSync available",
                     .wideText = u"Only Update when ActiveSync available"},
-    control(NoRoamingBox, ControlKind::CheckBox, {8, 166, 224, 34}, {200, 89, 116, 34},
+    control(NoRoamingBox, ControlKind::CheckBox, {8, 133, 224, 33}, {200, 68, 116, 33},
             u"Never update when roaming"),
+    control(AutoUpdateCountLabel, ControlKind::Label, {8, 166, 224, 45}, {8, 101, 304, 30}, nullptr,
+            StyleQuiet),
 };
 
 constexpr std::array properties{

@@ -56,6 +56,7 @@ enum TemplateStyle : int {
     StyleCheckBoxes = 2, ///< list view: every row has a check box
     StyleHighlight = 4,  ///< label: in the highlight colour, as the title of a dialog
     StyleCentred = 8,    ///< label: in the middle
+    StyleQuiet = 16,     ///< label: in grey, as a remark
 };
 
 struct DialogTemplate {

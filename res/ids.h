@@ -44,6 +44,7 @@ enum ControlId : quint16 {
     UpdateIntervalList = 1008,
     NeedsCradleBox = 1009,
     NoRoamingBox = 1010,
+    AutoUpdateCountLabel = 1039,
 
     // a channel's properties, and the wizard
     PropertiesTitle = 1011,

@@ -95,6 +95,11 @@ constexpr std::array table{
     Entry{nothingUnreadString, u"Nothing unread.\n\"Menu\", \"Show Unread Only\" shows all."},
     Entry{unreadOnlyString, u"unread only"},
     Entry{helpString, u"Help"},
+    Entry{noneAutomaticString,
+          u"No channel takes part. Tick \"Auto update this channel\" in a channel's Properties."},
+    Entry{oneAutomaticString, u"1 channel takes part."},
+    Entry{manyAutomaticString, u"%1 channels take part."},
+    Entry{automaticUnknownString, u"The list of the channels that take part cannot be read."},
 };
 
 constexpr quint32 firstErrorCode = 1000;

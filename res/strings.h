@@ -58,6 +58,12 @@ inline constexpr int firstSpeedString = 23;
 inline constexpr int speedCount = 3;
 inline constexpr int noCategoryString = 29; // stands for the categories when there are none
 
+// how many channels are updated automatically
+inline constexpr int noneAutomaticString = 71;
+inline constexpr int oneAutomaticString = 72;
+inline constexpr int manyAutomaticString = 73;
+inline constexpr int automaticUnknownString = 74;
+
 // questions
 inline constexpr int confirmDeletionString = 16; // their caption
 inline constexpr int deleteCategoryString = 15;

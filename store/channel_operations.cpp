@@ -66,6 +66,19 @@ bool FeedStore::ListChannelsByName(const QString &category, QList<ChannelRow> &c
     return isListed;
 }
 
+bool FeedStore::ListFeeds(QList<ChannelRecord> &feeds) {
+    const auto guard = lock();
+    feeds.clear();
+    return readRows(QStringLiteral("SELECT CATEGORY, CHANNEL_NAME, CHANNEL_LINK FROM RSSCHRecord"),
+                    [&](const SqliteStatement &row) {
+                        const auto text = [&](int column) {
+                            return TrimTrailingBlanks(row.text(column)).toString();
+                        };
+                        feeds.append({text(0), text(1), text(2)});
+                        return true;
+                    });
+}
+
 bool FeedStore::FindCategory(const QString &name, QString &category) {
     const auto guard = lock();
     category = QString();

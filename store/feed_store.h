@@ -74,6 +74,8 @@ public:
     bool ListChannels(const QString &escapedCategory, QList<ChannelRow> &channels);
     /// The same in the order of `sortByName`, for people; `category` is not escaped.
     bool ListChannelsByName(const QString &category, QList<ChannelRow> &channels);
+    /// Every channel of every category, with its address: any number of them.
+    bool ListFeeds(QList<ChannelRecord> &feeds);
     /// The category that a channel is in; null when there is no such channel.
     bool FindCategory(const QString &name, QString &category);
     /// Every category that any channel is in.

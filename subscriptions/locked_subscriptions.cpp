@@ -200,6 +200,14 @@ ChangeEnd LockedSubscriptions::automate(const RefreshJob &channel, bool isAutoma
     return isDone ? ChangeEnd::Done : ChangeEnd::AutoListFailed;
 }
 
+ChangeEnd LockedSubscriptions::addAutomatic(const QList<RefreshJob> &channels, qsizetype &added) {
+    if (!begin())
+        return ChangeEnd::NotReady;
+    const std::optional<qsizetype> count = addAutoUpdated(device_.root, device_.store, channels);
+    added = count.value_or(0);
+    return count ? ChangeEnd::Done : ChangeEnd::AutoListFailed;
+}
+
 // The name comes last, so that the channel is found under its old one until then.
 ChangeEnd LockedSubscriptions::changeChannel(const ChannelProperties &from,
                                              const ChannelProperties &to) {

@@ -91,6 +91,9 @@ public:
     /// Puts a channel on the list of automatic updates, unless it is there, or takes it off.
     ChangeEnd setAutomatic(const RefreshJob &channel, bool isAutomatic);
 
+    /// Puts those of the channels on it that are not there. `added` gets how many these were.
+    ChangeEnd addAutomatic(const QList<RefreshJob> &channels, qsizetype &added);
+
     /// Makes what differs: moves, relinks and renames the channel, and sets whether it is
     /// automatic, with its old address. A part that fails keeps no other from being done. A taken
     /// name is none of the failures: the channel keeps its old one.

@@ -67,6 +67,10 @@ std::optional<QString> readList(const QString &path) {
     return fileKindAt(path) == FileKind::Missing ? QString() : readChannelFile(path, listLimit);
 }
 
+bool makeList(const QString &path) {
+    return Descriptor(openPlainFile(path, O_RDONLY | O_CREAT)).isOpen();
+}
+
 bool hasName(const Entry &entry, const QString &channelName) {
     return entry.channel && comparable(entry.channel->channelName) == comparable(channelName);
 }
@@ -75,11 +79,6 @@ bool isGone(FeedStore &store, const Entry &entry) {
     QString category;
     return entry.channel && store.FindCategory(entry.channel->channelName, category) &&
            category.isNull();
-}
-
-// A line that would not be read as these three texts again would spoil those behind it.
-bool canBeLine(const RefreshJob &job) {
-    return parseChannelLine(QStringView(channelLine(job)).chopped(1)).has_value();
 }
 
 bool changeList(const DeviceRoot &device, FeedStore &store,
@@ -103,8 +102,7 @@ bool changeList(const DeviceRoot &device, FeedStore &store,
 
 std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &channelName) {
     const QString path = device.filePath(listFile);
-    const Descriptor made(openPlainFile(path, O_RDONLY | O_CREAT));
-    const std::optional<QString> text = made.isOpen() ? readList(path) : std::nullopt;
+    const std::optional<QString> text = makeList(path) ? readList(path) : std::nullopt;
     if (!text)
         return std::nullopt;
     const QList<Entry> entries = readEntries(*text);
@@ -112,10 +110,15 @@ std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &chann
                        [&](const Entry &entry) { return hasName(entry, channelName); });
 }
 
+// A line that would not be read as these three texts again would spoil those behind it.
+bool canBeAutoUpdated(const RefreshJob &job) {
+    return parseChannelLine(QStringView(channelLine(job)).chopped(1)).has_value();
+}
+
 bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob &job, bool add) {
     if (job.url.isNull() || job.channelName.isNull() || job.category.isNull())
         return true;
-    if (add && !canBeLine(job))
+    if (add && !canBeAutoUpdated(job))
         return false;
     return changeList(device, store, [&](QList<Entry> &entries) {
         if (add)
@@ -125,6 +128,39 @@ bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob 
     });
 }
 
+std::optional<qsizetype> addAutoUpdated(const DeviceRoot &device, FeedStore &store,
+                                        const QList<RefreshJob> &jobs) {
+    qsizetype added = 0;
+    const auto addMissing = [&](QList<Entry> &entries) {
+        QSet<QString> names;
+        for (const Entry &entry : std::as_const(entries)) {
+            if (entry.channel)
+                names.insert(comparable(entry.channel->channelName).toString());
+        }
+        const qsizetype before = entries.size();
+        for (const RefreshJob &job : jobs) {
+            if (!names.contains(comparable(job.channelName).toString()))
+                entries.append(entryOf({job.channelName, job.url, job.category}));
+        }
+        added = entries.size() - before;
+    };
+    const bool isDone =
+        makeList(device.filePath(listFile)) && changeList(device, store, addMissing);
+    return isDone ? std::optional(added) : std::nullopt;
+}
+
+std::optional<qsizetype> countAutoUpdated(const DeviceRoot &device, FeedStore &store) {
+    const std::optional<QList<RefreshJob>> listed = autoUpdatedChannels(device);
+    QList<ChannelRecord> feeds;
+    if (!listed || !store.ListFeeds(feeds))
+        return std::nullopt;
+    QSet<QString> names;
+    for (const ChannelRecord &feed : std::as_const(feeds))
+        names.insert(feed.channelName);
+    return std::count_if(listed->begin(), listed->end(),
+                         [&](const RefreshJob &job) { return names.contains(job.channelName); });
+}
+
 bool prepareAutoRename(const DeviceRoot &device, FeedStore &store, const QString &old,
                        const QString &name) {
     return changeList(device, store, [&](QList<Entry> &entries) {
@@ -132,7 +168,7 @@ bool prepareAutoRename(const DeviceRoot &device, FeedStore &store, const QString
             if (!hasName(entries[i], old))
                 continue;
             const RefreshJob job{entries[i].channel->url, name, entries[i].channel->category};
-            if (canBeLine(job))
+            if (canBeAutoUpdated(job))
                 entries.insert(i + 1, entryOf({job.channelName, job.url, job.category}));
         }
     });

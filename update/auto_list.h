@@ -29,6 +29,18 @@ std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &chann
 /// empty text, a tab, a line feed).
 bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob &job, bool add);
 
+/// Whether a channel can be a line of the list.
+bool canBeAutoUpdated(const RefreshJob &job);
+
+/// Adds, as one change, those of the channels that are not on the list; each can be a line of it.
+/// Returns how many these were; nothing on failure. A list that is missing comes into being by
+/// this.
+std::optional<qsizetype> addAutoUpdated(const DeviceRoot &device, FeedStore &store,
+                                        const QList<RefreshJob> &jobs);
+
+/// How many channels of the store are on the list. Nothing when either cannot be read.
+std::optional<qsizetype> countAutoUpdated(const DeviceRoot &device, FeedStore &store);
+
 /// To be called before a channel that is on the list gets another name: repeats its line under
 /// that name, behind the present one, so that the list is right before the renaming and after it.
 /// A name that can be none of a line is left out.

@@ -90,10 +90,12 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         return QString(ok(u"channels"_s) + ok(u"categories"_s) + ok(u"articles one"_s));
     };
     const QString before = stored();
-    const QString misused = u"; fly; init now; add A three; channels --pauses; channels --no-such; "
-                            "articles one --order size; update --jobs 0; update --jobs 2 --pauses; "
-                            "--home= channels; mark one seen; save one a page f; "
-                            "setting SortMode big; auto add"_s;
+    const QString misused =
+        u"; fly; init now; add A three; channels --pauses; channels --no-such; "
+        "articles one --order size; update --jobs 0; update --jobs 2 --pauses; "
+        "--home= channels; mark one seen; save one a page f; "
+        "setting SortMode big; auto add; auto add one --all; auto remove --all; "
+        "auto add --all --category A; channels --all"_s;
     for (const QString &call : misused.split(u"; "_s))
         fails(call, {}, 2);
     const QString refused =
@@ -104,7 +106,7 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         "rename one two; rename three four; "
         "move one C; relink one \"x', CATEGORY = 'B\"; delete three; articles three; show one "
         "none; "
-        "update A three; auto remove one"_s;
+        "update A three; auto remove one; auto add --category C; auto add --category="_s;
     for (const QString &call : refused.split(u"; "_s))
         fails(call);
     fails(u"add A three " + QString(600, u'x'));
@@ -184,7 +186,7 @@ TEST_F(CommandTest, WhatAListShowsIsWhatACommandTakes) {
 
 TEST_F(CommandTest, ManyChannelsAtATimeAreToldInTheirOrder) {
     for (int i = 0; i < 12; ++i) {
-        const QString name(QChar(u'a' + i));
+        const QString name(QChar((i % 2 == 0 ? u'a' : u'A') + i));
         server_.serve(u'/' + name, feed);
         ok(u"add C %1 %2"_s.arg(name, i == 5 ? u"http://127.0.0.1:1/"_s
                                              : server_.url(QString(u'/' + name))));
@@ -193,11 +195,31 @@ TEST_F(CommandTest, ManyChannelsAtATimeAreToldInTheirOrder) {
         const CtlRun update = run(call);
         EXPECT_EQ(update.exitCode, 1);
         for (int i = 0; i < 12; ++i) {
-            EXPECT_TRUE(update.lines().value(i).endsWith(u'\t' + QString(QChar(u'a' + i))));
+            EXPECT_TRUE(
+                update.lines().value(i).endsWith(QString(QChar(u'a' + i)), Qt::CaseInsensitive));
             EXPECT_EQ(update.lines().value(i).startsWith(u"error\t1007"), i == 5);
         }
     }
     expectSound();
+}
+
+TEST_F(CommandTest, ManyChannelsTakePartAtOnceAndEachOnce) {
+    const QString left = u"\"no address\": cannot be updated automatically"_s;
+    for (const QString &name : {u"one"_s, u"two"_s})
+        ok(u"add A %1 http://%1/"_s.arg(name));
+    ok(u"add A \"no address\" http://x/"_s);
+    ok(u"add B three http://three/"_s);
+    ok(u"auto add two"_s);
+    EXPECT_EQ(ok(u"auto add --category B"_s), u"1 channel added\n");
+    ok(u"relink \"no address\" \" \""_s);
+    for (const QString &added : {u"1 channel added\n"_s, u"0 channels added\n"_s}) {
+        const CtlRun all = run(u"auto add --all"_s);
+        EXPECT_EQ(all.out, added);
+        EXPECT_EQ(all.exitCode, 1);
+        EXPECT_TRUE(all.err.contains(left));
+    }
+    EXPECT_EQ(ok(u"auto list"_s),
+              u"two\tA\thttp://two/\nthree\tB\thttp://three/\none\tA\thttp://one/\n");
 }
 
 TEST_F(CommandTest, ADeviceIsMadeByInitAloneAndOnlyWhereNothingIs) {

@@ -1,11 +1,13 @@
 #include "kit/form.h"
 #include "kit/layer.h"
 #include "platform/sync/named_event.h"
+#include "res/ids.h"
 #include "support/full_disk.h"
 #include "ui/reading_test.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QLabel>
 #include <QStackedWidget>
 
 namespace tidebrook {
@@ -177,6 +179,30 @@ TEST_F(SettingsTest, OfAPageThatWasNotSeenAreLeftAloneAndOfBothAreStoredTogether
     });
     EXPECT_EQ(stored(today), Values({0, 1}));
     EXPECT_EQ(stored(updates), Values({0, 0, -1, 0, 0}));
+}
+
+TEST_F(SettingsTest, SayHowManyChannelsTakePart) {
+    const std::pair<QString, QString> rounds[]{
+        {u"Comet"_s, u"No channel takes part. Tick \"Auto update this channel\" in a channel's "
+                     "Properties."_s},
+        {u"Star"_s, u"1 channel takes part."_s},
+        {{}, u"2 channels take part."_s}};
+    for (const auto &round : rounds) {
+        run([&](User &user) {
+            open(user, updates);
+            for (const QSize &size : {QSize(320, 240), QSize(240, 320)}) {
+                user.resize(size);
+                user.look([&] {
+                    const auto *pages = user.stack().top()->findChild<QStackedWidget *>();
+                    const auto *label = dynamic_cast<const Form &>(*pages->currentWidget())
+                                            .control<QLabel>(AutoUpdateCountLabel);
+                    EXPECT_EQ(label->text(), round.second);
+                    EXPECT_LE(label->heightForWidth(label->width()), label->height()) << "cut";
+                });
+            }
+        });
+        updateByItself(round.first, u"Science"_s);
+    }
 }
 
 TEST_F(SettingsTest, AreNotOverwrittenBeforeTheyWereRead) {

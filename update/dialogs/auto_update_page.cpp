@@ -2,11 +2,13 @@
 
 #include "kit/form.h"
 #include "res/strings.h"
+#include "update/auto_list.h"
 #include "update/dialogs/page_values.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QLabel>
 #include <QLocale>
 #include <QTime>
 
@@ -25,6 +27,14 @@ QStringList hours() {
     return names;
 }
 
+QString countInWords(std::optional<qsizetype> count) {
+    if (!count)
+        return resourceString(automaticUnknownString);
+    if (*count > 1)
+        return resourceString(manyAutomaticString).arg(*count);
+    return resourceString(*count == 1 ? oneAutomaticString : noneAutomaticString);
+}
+
 } // namespace
 
 void AutoUpdatePage::initialise(Form &form) {
@@ -40,6 +50,15 @@ void AutoUpdatePage::initialise(Form &form) {
     loadPage(
         state_, form, [&settings = state_.device.settings] { return readAutoUpdatePage(settings); },
         [this](const AutoUpdatePageValues &values) { show(values); });
+    showCount();
+}
+
+// Behind the changes that the user has made, which may be of the list.
+void AutoUpdatePage::showCount() {
+    auto *label = form_->control<QLabel>(AutoUpdateCountLabel);
+    state_.changes.ask(
+        form_, [&device = state_.device] { return countAutoUpdated(device.root, device.store); },
+        [label](std::optional<qsizetype> count) { label->setText(countInWords(count)); });
 }
 
 void AutoUpdatePage::show(const AutoUpdatePageValues &values) {

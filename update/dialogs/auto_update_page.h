@@ -25,6 +25,7 @@ private:
     void choose(int mode);
     void enableControls(int mode);
     int checkedMode() const;
+    void showCount();
 
     AppState &state_;
     Form *form_ = nullptr;
