@@ -1,5 +1,6 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "ctl/shared_feeds.h"
 #include "platform/base/clock.h"
 #include "platform/desktop/service.h"
 #include "res/strings.h"
@@ -203,11 +204,18 @@ int runUpdates(CommandDevice &device, const Arguments &) {
     if (!automatic)
         return exitCodeOf(device, ChangeEnd::AutoListFailed);
     const QHash<QString, UpdateState> states = UpdateStateStore(device.root).readAll();
+    QList<ChannelRecord> feeds;
+    if (!device.store.ListFeeds(feeds))
+        return failStore(device);
+    const QHash<QString, QString> shared = sharedFeeds(feeds, states);
     const NextTries nextTries(device, *automatic);
     for (const ListedChannel &channel : *channels) {
         const UpdateState state = states.value(channel.name);
-        printFields({channel.name, displayed(state.lastSuccess), resultInWords(state),
-                     nextTries.of(channel, state)});
+        QStringList fields{channel.name, displayed(state.lastSuccess), resultInWords(state),
+                           nextTries.of(channel, state)};
+        if (shared.contains(channel.name))
+            fields.append(shared.value(channel.name));
+        printFields(fields);
     }
     return ExitDone;
 }

@@ -69,14 +69,16 @@ constexpr std::array commands{
             u"auto list | add NAME|--all|--category CATEGORY | remove NAME",
             u"the channels that are updated automatically"},
     Command{u"updates", 0, 0, u"", Needs::Channels, runUpdates, u"updates",
-            u"list channels: name, last success, last result, next automatic try"},
+            u"list channels: name, last success, last result, next automatic try, and which "
+            "channel has the same feed"},
     Command{u"service", 1, 1, u"", Needs::Registry, runService, u"service status|start|stop",
             u"the background downloader of the device"},
     Command{u"setting", 1, 2, u"today", Needs::Registry, runSetting,
             u"setting NAME [VALUE] [--today]",
             u"read or write a setting (--today: the Today item's)"},
-    Command{u"check", 0, 0, u"", Needs::Files, runCheck, u"check",
-            u"examine what is stored; a line for each fault"},
+    Command{
+        u"check", 0, 0, u"", Needs::Files, runCheck, u"check",
+        u"examine what is stored; a line for each fault, and for each feed that is there twice"},
 };
 
 void printHelp() {

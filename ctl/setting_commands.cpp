@@ -1,5 +1,6 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "ctl/shared_feeds.h"
 #include "store/store_check.h"
 
 namespace tidebrook {
@@ -27,6 +28,23 @@ int printSetting(CommandDevice &device, const QString &key, const QString &name)
         return fail(QStringLiteral("\"%1\" is not set").arg(name));
     const quint32 *number = std::get_if<quint32>(&*value);
     printLine(number ? QString::number(*number) : std::get<QString>(*value));
+    return ExitDone;
+}
+
+// No fault: each feed may be there as often as the user wants.
+int tellSharedFeeds(CommandDevice &device) {
+    QList<ChannelRecord> feeds;
+    if (!device.openStore())
+        return ExitFailed;
+    if (!device.store.ListFeeds(feeds))
+        return failStore(device);
+    const QHash<QString, QString> shared =
+        sharedFeeds(feeds, UpdateStateStore(device.root).readAll());
+    for (const ChannelRecord &feed : std::as_const(feeds)) {
+        if (shared.contains(feed.channelName))
+            printLine(QStringLiteral("note: channel \"%1\": %2")
+                          .arg(feed.channelName, shared.value(feed.channelName)));
+    }
     return ExitDone;
 }
 
@@ -58,7 +76,7 @@ int runCheck(CommandDevice &device, const Arguments &) {
     const QStringList faults = checkStore(device.root, device.registry);
     for (const QString &fault : faults)
         printLine(fault);
-    return faults.isEmpty() ? ExitDone : ExitFailed;
+    return faults.isEmpty() ? tellSharedFeeds(device) : ExitFailed;
 }
 
 } // namespace tidebrook

@@ -13,6 +13,7 @@ namespace {
 constexpr QChar quote = u'\'';
 constexpr quint16 articleLifeDays = 7;
 constexpr qsizetype storedDescriptionLength = 2999;
+constexpr qsizetype skippedLimit = 1000; // a document can have a hundred times as many
 
 void trim(QString &text) {
     if (!text.startsWith(missingText))
@@ -73,7 +74,29 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
         return false;
     const SqliteStep ended = command_.execute(insertStatement(articleOf(item, date)));
     storedCount_ += ended == SqliteStep::Done ? 1 : 0;
+    if (ended == SqliteStep::IntegrityViolation && skippedGuids_.size() < skippedLimit)
+        skippedGuids_.insert(item.guid);
     return ended != SqliteStep::Failed;
+}
+
+SharedArticles ArticleIngestion::sharedArticles() {
+    SharedArticles shared;
+    if (skippedGuids_.isEmpty())
+        return shared;
+    SqliteStatement own = command_.query(
+        QStringLiteral("SELECT GUID FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(channelName_));
+    while (own.next())
+        skippedGuids_.remove(own.text(0));
+    // What is left is another channel's, or has a title that this channel has already.
+    for (const QString &guid : std::as_const(skippedGuids_)) {
+        SqliteStatement row = command_.query(
+            QStringLiteral("SELECT CHANNEL_NAME FROM RSSRecord WHERE GUID='%1'").arg(guid));
+        if (!row.next())
+            continue;
+        const QString owner = TrimTrailingBlanks(row.text(0)).toString();
+        shared.owner = shared.count++ == 0 ? owner : std::min(shared.owner, owner);
+    }
+    return shared;
 }
 
 ArticleRecord ArticleIngestion::articleOf(const ItemRecord &item, const QString &date) const {

@@ -4,6 +4,7 @@
 #include "platform/sql/sql.h"
 #include "store/records.h"
 
+#include <QSet>
 #include <QString>
 
 namespace tidebrook {
@@ -31,6 +32,10 @@ public:
     /// How many articles were stored.
     int storedCount() const { return storedCount_; }
 
+    /// Those of the first 1,000 items that were skipped which other channels have. One query for
+    /// all of them, and one for each that is not this channel's.
+    SharedArticles sharedArticles();
+
 private:
     ArticleRecord articleOf(const ItemRecord &item, const QString &date) const;
 
@@ -38,6 +43,7 @@ private:
     const QString channelName_; // escaped
     const QString category_;
     int storedCount_ = 0;
+    QSet<QString> skippedGuids_;
 };
 
 } // namespace tidebrook

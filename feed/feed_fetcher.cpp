@@ -101,6 +101,8 @@ bool FeedFetcher::parse(SqlCommand &command, const QString &channelName, const Q
     RssParser parser(command, channelName, category);
     const bool isParsed = parser.parse(document_->root());
     storedCount_ = parser.storedCount();
+    if (isParsed)
+        shared_ = parser.sharedArticles();
     return isParsed || fail(DatabaseFailed);
 }
 

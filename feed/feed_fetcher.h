@@ -6,6 +6,7 @@
 #include "platform/sql/sql.h"
 #include "platform/xml/xml_document.h"
 #include "store/error_codes.h"
+#include "store/records.h"
 
 #include <QString>
 
@@ -62,6 +63,9 @@ public:
     /// How many articles `parse` stored.
     int storedCount() const { return storedCount_; }
 
+    /// What other channels have of the document; nothing unless `parse` has read one to its end.
+    const std::optional<SharedArticles> &sharedArticles() const { return shared_; }
+
 private:
     bool isRoaming() const;
     Taken endQuietlyOrFail(quint32 code);
@@ -76,6 +80,7 @@ private:
     std::optional<XmlDocument> document_;
     bool isUnchanged_ = false;
     int storedCount_ = 0;
+    std::optional<SharedArticles> shared_;
 };
 
 } // namespace tidebrook

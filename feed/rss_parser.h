@@ -25,6 +25,7 @@ public:
     bool parse(XmlNode root);
 
     int storedCount() const { return ingestion_.storedCount(); }
+    SharedArticles sharedArticles() { return ingestion_.sharedArticles(); }
 
     /// What the channel says of itself behind its last item; each stored item clears it.
     const ChannelHeaderRecord &header() const { return header_; }

@@ -47,6 +47,12 @@ struct ArticleExtract {
     QString itemLink;
 };
 
+/// What a channel lacks of its feed, because an article is stored once for all channels.
+struct SharedArticles {
+    int count = 0;
+    QString owner; ///< a channel that has such an article; null for none
+};
+
 struct ReadFlagCounts {
     int unread = 0;
     int total = 0;

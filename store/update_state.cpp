@@ -32,6 +32,7 @@ UpdateState stateOf(const SqliteStatement &row) {
     state.leftAloneUntil = momentOf(row.integer(9));
     state.validators = {row.text(10).toLatin1(), row.text(11).toLatin1()};
     state.total = static_cast<int>(row.integer(12));
+    state.shared = {static_cast<int>(row.integer(13)), row.text(14)};
     return state;
 }
 
@@ -39,10 +40,11 @@ constexpr char creation[] =
     "CREATE TABLE IF NOT EXISTS update_states ("
     "channel TEXT PRIMARY KEY, url TEXT, last_attempt INTEGER, last_turn INTEGER, "
     "last_success INTEGER, last_error INTEGER, was_unchanged INTEGER, stored_count INTEGER, "
-    "failures INTEGER, left_alone_until INTEGER, etag TEXT, last_modified TEXT, total INTEGER"
+    "failures INTEGER, left_alone_until INTEGER, etag TEXT, last_modified TEXT, total INTEGER, "
+    "shared INTEGER, shared_with TEXT"
     ") WITHOUT ROWID";
 constexpr char insertion[] =
-    "INSERT OR REPLACE INTO update_states VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+    "INSERT OR REPLACE INTO update_states VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
 
 } // namespace
 
@@ -102,13 +104,13 @@ UpdateState UpdateStateStore::read(const QByteArray &channelName) {
 }
 
 bool UpdateStateStore::write(const QByteArray &channelName, const UpdateState &state) {
-    return database_->run(insertion,
-                          {channelName, state.url.toUtf8(), secondsOf(state.lastAttempt),
-                           secondsOf(state.lastTurn), secondsOf(state.lastSuccess),
-                           qint64{state.lastError}, qint64{state.wasUnchanged},
-                           qint64{state.storedCount}, qint64{state.failures},
-                           secondsOf(state.leftAloneUntil), storedBytes(state.validators.etag),
-                           storedBytes(state.validators.lastModified), qint64{state.total}});
+    return database_->run(
+        insertion,
+        {channelName, state.url.toUtf8(), secondsOf(state.lastAttempt), secondsOf(state.lastTurn),
+         secondsOf(state.lastSuccess), qint64{state.lastError}, qint64{state.wasUnchanged},
+         qint64{state.storedCount}, qint64{state.failures}, secondsOf(state.leftAloneUntil),
+         storedBytes(state.validators.etag), storedBytes(state.validators.lastModified),
+         qint64{state.total}, qint64{state.shared.count}, state.shared.owner.toUtf8()});
 }
 
 } // namespace tidebrook

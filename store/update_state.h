@@ -3,6 +3,7 @@
 #include "platform/base/device_root.h"
 #include "platform/http/http.h"
 #include "platform/sql/sqlite_database.h"
+#include "store/records.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -23,6 +24,7 @@ struct UpdateState {
     quint32 lastError = 0;     ///< of the last attempt; 0 when it succeeded
     bool wasUnchanged = false; ///< the last attempt: the server had nothing new to send
     int storedCount = 0;       ///< new articles of the last attempt
+    SharedArticles shared;     ///< of the last document
     int failures = 0;          ///< automatic attempts that failed since the last success or request
     QDateTime leftAloneUntil;  ///< as the server asked
 

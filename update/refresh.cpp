@@ -34,6 +34,8 @@ RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, F
     result.error = fetcher.error();
     result.toldError = fetcher.toldError();
     result.storedCount = isChanged ? fetcher.storedCount() : 0;
+    if (isChanged)
+        result.shared = fetcher.sharedArticles();
     return result;
 }
 

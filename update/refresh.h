@@ -16,6 +16,8 @@ struct RefreshResult {
     ReadFlagCounts counts;     ///< 0/0 when the database failed
     bool isCounted = false;    ///< whether the channel's counts are stored
     quint32 toldError = error; ///< the code that the user sees
+    /// What other channels have of the document; nothing where none was read to its end.
+    std::optional<SharedArticles> shared = {};
 };
 
 /// Refreshes one channel without pauses: fetches, and then stores, prunes and counts as one

@@ -39,6 +39,8 @@ void noteAttempt(UpdateState &state, const RefreshJob &job, const RefreshResult 
     state.lastError = result.error;
     state.wasUnchanged = false;
     state.storedCount = result.storedCount;
+    if (result.shared)
+        state.shared = *result.shared;
     if (result.error == 0) {
         state.lastSuccess = state.lastAttempt;
         state.failures = 0;

@@ -1,6 +1,7 @@
 #include "ctl/ctl_process.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <vector>
@@ -38,6 +39,11 @@ QString CtlTest::ok(const QString &arguments) {
     const CtlRun done = run(arguments);
     EXPECT_EQ(done.exitCode, 0) << qPrintable(arguments + u": " + done.out + done.err);
     return done.out;
+}
+
+QString CtlTest::faults() {
+    static const QRegularExpression notes(u"^note: .*\n"_s, QRegularExpression::MultilineOption);
+    return ok(u"check"_s).remove(notes);
 }
 
 void CtlTest::fails(const QString &arguments, const QString &words, int exitCode) {

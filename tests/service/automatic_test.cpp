@@ -110,5 +110,30 @@ TEST_F(AutomaticTest, WhatBecameOfUpdatesIsTold) {
     EXPECT_EQ(ok(u"auto list"_s).count(u'\n'), 4);
 }
 
+TEST_F(AutomaticTest, AFeedThatIsThereTwiceIsTold) {
+    ok(u"update"_s);
+    addChannel(u"twin"_s, generatedFeed(4, 0)); // and ch0 has three of these
+    ok(u"add C again " + server_.url(u"/ch4/#top").toUpper());
+    EXPECT_EQ(run(u"update C twin"_s).lines(), QStringList(u"ok\t1\t1/1\ttwin"_s));
+    const QString lacks = u"articles of its feed that other channels have, as \"ch0\": 3"_s;
+    const QString same = u"the same address as \"%1\""_s;
+    const std::pair<QString, QString> told[]{
+        {u"ch4"_s, same.arg(u"again")}, {u"twin"_s, lacks}, {u"again"_s, same.arg(u"ch4")}};
+    QString notes;
+    for (const auto &[name, note] : told) {
+        EXPECT_EQ(update(name).section(u'\t', 3), note);
+        notes += u"note: channel \"%1\": %2\n"_s.arg(name, note);
+    }
+    EXPECT_EQ(update(u"ch0"_s).count(u'\t'), 2);
+    EXPECT_EQ(ok(u"check"_s), notes);
+    server_.answerStatus(u"/twin"_s, 404, "gone");
+    run(u"update C twin"_s);
+    EXPECT_TRUE(update(u"twin"_s).endsWith(lacks)) << "nothing else is known";
+    server_.serve(u"/twin"_s, generatedFeed(4, 0));
+    ok(u"delete ch0"_s);
+    EXPECT_FALSE(ok(u"check"_s).contains(u"twin"));
+    EXPECT_EQ(run(u"update C twin"_s).lines(), QStringList(u"ok\t3\t4/4\ttwin"_s));
+}
+
 } // namespace
 } // namespace tidebrook
