@@ -31,7 +31,10 @@ AppState::AppState(Device &parts, ScreenStack &screenStack)
                      &ProgressLine::setSteps);
     QObject::connect(&stack, &ScreenStack::helpRequested, &stack,
                      [&screens = stack] { showHelp(screens); });
-    QObject::connect(&updates, &UpdateJobs::failed, &stack, [this] { ShowError(*this, 0); });
+    QObject::connect(&updates, &UpdateJobs::failed, &stack,
+                     [this](const QString &category, const QString &channel) {
+                         ShowUpdateError(*this, category, channel);
+                     });
 }
 
 void Queues::finish() {

@@ -39,7 +39,7 @@ bool UpdateJobs::start(const Work &work) {
     const auto end = [this](bool isDone) {
         noteEnd();
         if (!isDone)
-            Q_EMIT failed();
+            Q_EMIT failed(failedCategory_, failedChannel_);
     };
     if (isUpdating_ || !tasks_.ask(this, doWork, end))
         return false;
@@ -55,10 +55,17 @@ bool UpdateJobs::run(const Work &work, std::chrono::milliseconds answerTimeout) 
             tasks_.post([this, signal, values...] { Q_EMIT(this->*signal)(values...); });
         };
     };
+    const auto keepFailure = [this](const QString &category, const QString &channel) {
+        tasks_.post([this, category, channel] {
+            failedCategory_ = category;
+            failedChannel_ = channel;
+        });
+    };
     UpdateRun updateRun({device_.root, device_.registry, device_.store, interrupt_, answerTimeout},
                         {.stepped = later(&UpdateJobs::stepped),
                          .updated = later(&UpdateJobs::channelUpdated),
-                         .counted = later(&UpdateJobs::channelCounted)});
+                         .counted = later(&UpdateJobs::channelCounted),
+                         .failed = keepFailure});
     return work(updateRun);
 }
 

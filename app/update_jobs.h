@@ -52,8 +52,9 @@ Q_SIGNALS:
     void channelUpdated(const QString &category, const QString &channel);
     void channelCounted(const QString &category, const QString &channel, int unread, int total);
 
-    /// Sent after `done`; the code is in the registry's "ERRORNO".
-    void failed();
+    /// Sent after `done`; the code is in the registry's "ERRORNO". The names are those of
+    /// `UpdateObserver::failed`.
+    void failed(const QString &category, const QString &channel);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -69,6 +70,8 @@ private:
     Interrupt interrupt_;
     std::chrono::milliseconds answerTimeout_ = usualAnswerTimeout;
     bool isUpdating_ = false;
+    QString failedCategory_;
+    QString failedChannel_;
     Tasks tasks_{Tasks::Serial};
 };
 

@@ -36,6 +36,9 @@ public:
     /// The height of its header, whose lower edge the progress line is.
     virtual int headerUnits() const { return 0; }
 
+    /// While something lies above it: the widget that gets the focus back afterwards.
+    QWidget *focusBefore() const { return focusBefore_; }
+
 protected:
     /// The focus stays in the layer.
     bool focusNextPrevChild(bool next) override;

@@ -1,6 +1,7 @@
 #include "kit/list_view.h"
 
 #include "kit/keys.h"
+#include "kit/layer.h"
 #include "kit/row_delegate.h"
 #include "kit/touch_scrolling.h"
 
@@ -101,6 +102,16 @@ void ListView::selectRow(int row) {
         setCurrentIndex(rows_.index(row));
     else
         selectionModel()->clear();
+}
+
+bool ListView::looksFocused() const {
+    const QWidget *above = parentWidget();
+    while (above != nullptr && qobject_cast<const Layer *>(above) == nullptr)
+        above = above->parentWidget();
+    const auto *layer = qobject_cast<const Layer *>(above);
+    const bool isBelowMenu =
+        QApplication::activePopupWidget() != nullptr && window()->focusWidget() == this;
+    return hasFocus() || isBelowMenu || (layer != nullptr && layer->focusBefore() == this);
 }
 
 void ListView::editLabel(int row) {

@@ -60,6 +60,8 @@ public:
     bool isChecked(int row) const { return rows_.rows().value(row).isChecked; }
     void setChecked(int row, bool checked) { rows_.change(row, &ListRow::isChecked, checked); }
 
+    /// It has the focus, or gets it back from a menu or a box that lies over its screen.
+    bool looksFocused() const;
     /// Selects and focuses a row and scrolls to it; a number without a row selects none.
     void selectRow(int row);
 

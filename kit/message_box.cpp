@@ -3,6 +3,7 @@
 #include "kit/icon.h"
 #include "kit/keys.h"
 #include "kit/screen_stack.h"
+#include "platform/base/text.h"
 
 #include <QDialogButtonBox>
 #include <QFrame>
@@ -11,6 +12,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QTextLayout>
 
 #include <algorithm>
 
@@ -29,22 +31,54 @@ QLabel *makeText(const QString &text, QWidget *parent) {
     return label;
 }
 
+QLabel *makeBoldText(const QString &text, QWidget *parent) {
+    QLabel *label = makeText(text, parent);
+    QFont bold = label->font();
+    bold.setBold(true);
+    label->setFont(bold);
+    return label;
+}
+
+// Labels wrap at blanks alone, which a name need not have.
+QString wrappedAnywhere(const QString &text, const QFont &font, int width) {
+    constexpr int mostLines = 4;
+    QTextOption wrapping;
+    wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QTextLayout layout(text, font);
+    layout.setTextOption(wrapping);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        if (lines.size() + 1 == mostLines) {
+            const QString rest = text.mid(line.textStart());
+            lines.append(QFontMetrics(font).elidedText(rest, Qt::ElideRight, width));
+            break;
+        }
+        lines.append(text.mid(line.textStart(), line.textLength()));
+    }
+    layout.endLayout();
+    return lines.join(u'\n');
+}
+
 } // namespace
 
-MessageBox::MessageBox(ScreenStack &stack, Kind kind, const QString &caption, const QString &text)
-    : Layer(stack), frame_(new QFrame(this)) {
+// Joiners and their opposites are a part of the spelling of some languages.
+MessageBox::MessageBox(ScreenStack &stack, Kind kind, const QString &caption, const QString &text,
+                       const QString &subject)
+    : Layer(stack), subject_(withoutHidden(subject, u"\u200C\u200D")), frame_(new QFrame(this)),
+      subjectLabel_(makeBoldText({}, frame_)) {
     setAccessibleName(caption);
-    setAccessibleDescription(text);
+    setAccessibleDescription(subject_.isEmpty() ? text : QString(text + u'\n' + subject_));
     frame_->setFrameShape(QFrame::StyledPanel);
     frame_->setAutoFillBackground(true);
 
     auto *image = new QLabel(frame_);
     image->setPixmap(icon(kind == Kind::Error ? "error" : "warning", iconSize, palette()));
     image->setAlignment(Qt::AlignTop);
-    QLabel *title = makeText(caption, frame_);
-    QFont bold = title->font();
-    bold.setBold(true);
-    title->setFont(bold);
+    subjectLabel_->setWordWrap(false);
+    subjectLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    subjectLabel_->setVisible(!subject_.isEmpty());
 
     auto *buttons = new QDialogButtonBox(
         kind == Kind::Question ? QDialogButtonBox::Yes | QDialogButtonBox::No
@@ -61,14 +95,16 @@ MessageBox::MessageBox(ScreenStack &stack, Kind kind, const QString &caption, co
     auto *grid = new QGridLayout(frame_);
     grid->setHorizontalSpacing(iconColumnGap);
     grid->setColumnStretch(1, 1);
-    grid->addWidget(title, 0, 0, 1, 2);
-    grid->addWidget(image, 1, 0);
+    grid->addWidget(makeBoldText(caption, frame_), 0, 0, 1, 2);
+    grid->addWidget(image, 1, 0, 2, 1);
     grid->addWidget(makeText(text, frame_), 1, 1);
-    grid->addWidget(buttons, 2, 0, 1, 2);
+    grid->addWidget(subjectLabel_, 2, 1);
+    grid->addWidget(buttons, 3, 0, 1, 2);
 }
 
-bool MessageBox::ask(ScreenStack &stack, Kind kind, const QString &caption, const QString &text) {
-    MessageBox box(stack, kind, caption, text);
+bool MessageBox::ask(ScreenStack &stack, Kind kind, const QString &caption, const QString &text,
+                     const QString &subject) {
+    MessageBox box(stack, kind, caption, text, subject);
     return stack.run(box) == 1;
 }
 
@@ -83,8 +119,15 @@ void MessageBox::resizeEvent(QResizeEvent *) {
     const int wanted =
         std::max(stack().units().pixels(widthUnits), frame_->minimumSizeHint().width());
     const int wide = std::min(width(), wanted);
+    wrapSubject(wide);
     const int high = std::min(height(), frame_->layout()->totalHeightForWidth(wide));
     frame_->setGeometry((width() - wide) / 2, (height() - high) / 2, wide, high);
+}
+
+void MessageBox::wrapSubject(int width) {
+    const QMargins margins = frame_->layout()->contentsMargins() + frame_->contentsMargins();
+    const int room = width - margins.left() - margins.right() - iconSize.width() - iconColumnGap;
+    subjectLabel_->setText(wrappedAnywhere(subject_, subjectLabel_->font(), room));
 }
 
 void MessageBox::keyPressEvent(QKeyEvent *event) {

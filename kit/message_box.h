@@ -5,6 +5,7 @@
 #include <QString>
 
 class QFrame;
+class QLabel;
 class QPushButton;
 
 namespace tidebrook {
@@ -20,10 +21,14 @@ public:
         Question, ///< Yes or No; Enter and Escape choose No
     };
 
-    MessageBox(ScreenStack &stack, Kind kind, const QString &caption, const QString &text);
+    /// The subject, if there is one, is the name of what the text is about. It is shown as plain
+    /// text on lines of its own, elided where a few do not hold it.
+    MessageBox(ScreenStack &stack, Kind kind, const QString &caption, const QString &text,
+               const QString &subject = {});
 
     /// Shows the box until it is answered. True for OK and Yes; false also when the window closes.
-    static bool ask(ScreenStack &stack, Kind kind, const QString &caption, const QString &text);
+    static bool ask(ScreenStack &stack, Kind kind, const QString &caption, const QString &text,
+                    const QString &subject = {});
 
     void closeRequested() override { end(0); }
     bool isOpaque() const override { return false; }
@@ -35,8 +40,12 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void wrapSubject(int width);
+
+    const QString subject_;
     QPushButton *default_ = nullptr;
     QFrame *frame_;
+    QLabel *subjectLabel_;
 };
 
 } // namespace tidebrook

@@ -66,7 +66,7 @@ QRect RowDelegate::imageRect(const QStyleOptionViewItem &option) const {
 
 void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                         const QModelIndex &index) const {
-    const RowColours colours = coloursOf(option, list_.hasFocus());
+    const RowColours colours = coloursOf(option, list_.looksFocused());
     painter->fillRect(option.rect, option.palette.brush(colours.background));
     painter->setPen(option.palette.color(QPalette::Button));
     painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());

@@ -58,6 +58,7 @@ void ScreenStack::pop(Layer &layer) {
         QWidget *focus = below->focusBefore_ ? below->focusBefore_.data() : below->firstFocus();
         if (focus != nullptr)
             focus->setFocus();
+        below->focusBefore_ = nullptr;
     }
     layer.hide();
     if (below == nullptr)

@@ -212,7 +212,7 @@ void CategoryListScreen::endLabelEdit(int row, const QString &text) {
     if (owner == row)
         return;
     if (owner >= 0) {
-        ShowMessage(state_, warningString, nameExistsString);
+        ShowMessage(state_, warningString, nameExistsString, name);
         return;
     }
     const QString old = list_->rowText(row);
@@ -233,7 +233,8 @@ void CategoryListScreen::deleteCategory() {
     if (row < 0)
         return;
     const QString name = list_->rowText(row);
-    if (!askUser(state_, confirmDeletionString, deleteCategoryString))
+    list_->scrollTo(list_->currentIndex());
+    if (!askUser(state_, confirmDeletionString, deleteCategoryString, name))
         return;
     const int asked = list_->findRow(name); // the rows may have changed behind the box
     if (asked < 0)

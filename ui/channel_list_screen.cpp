@@ -140,7 +140,8 @@ void ChannelListScreen::deleteChannel() {
     if (!row)
         return;
     const QString channel = list().rowText(*row);
-    if (!askUser(state(), confirmDeletionString, deleteChannelString))
+    list().scrollTo(list().currentIndex());
+    if (!askUser(state(), confirmDeletionString, deleteChannelString, channel))
         return;
     const auto erase = [channel](LockedSubscriptions &subscriptions) {
         return subscriptions.deleteChannel(channel);

@@ -126,7 +126,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
                        const QModelIndex &index) const {
     const ListRow row = list().row(index.row());
     const bool isChannel = row.image == ChannelImage;
-    const RowColours colours = coloursOf(option, list().hasFocus());
+    const RowColours colours = coloursOf(option, list().looksFocused());
     painter->save();
     painter->setClipRect(option.rect); // letters can be higher than their font's metrics
     painter->fillRect(option.rect, colours.background);

@@ -31,7 +31,7 @@ bool UpdateRun::updateChannel(const QString &category, const QString &channel) {
     if (parts_.interrupt.isStopped())
         return true;
     if (isFailure(answer))
-        return false;
+        return endAt(job.category, job.channelName);
     parts_.store.PublishTotalUnread();
     observer_.updated(job.category, job.channelName);
     return true;
@@ -41,7 +41,7 @@ bool UpdateRun::updateCategory(const QString &category) {
     const QString name = categoryName(category);
     QStringList channels;
     if (!listChannels(name, channels))
-        return false;
+        return endAt(name, {});
     const int count = static_cast<int>(channels.size());
     for (int i = 0; i < count; ++i) {
         observer_.stepped(i, count);
@@ -49,7 +49,7 @@ bool UpdateRun::updateCategory(const QString &category) {
         if (parts_.interrupt.isStopped())
             return true;
         if (!isUpdated)
-            return false;
+            return endAt(name, channels.at(i));
     }
     return true;
 }
@@ -98,6 +98,11 @@ DownloadAnswer UpdateRun::request(const RefreshJob &job) {
     if (answer == DownloadAnswer::TimedOut)
         SetLastErrorCode(parts_.registry, NothingKnown);
     return answer;
+}
+
+bool UpdateRun::endAt(const QString &category, const QString &channel) {
+    observer_.failed(category, channel);
+    return false;
 }
 
 bool UpdateRun::fail(quint32 code) {

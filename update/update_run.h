@@ -32,6 +32,9 @@ struct UpdateObserver {
     /// Of a category: a channel is updated, and has so many articles.
     std::function<void(const QString &category, const QString &channel, int unread, int total)>
         counted;
+    /// The run ends with a failure, at this channel; at none (null) where the category's channels
+    /// could not be listed.
+    std::function<void(const QString &category, const QString &channel)> failed;
 };
 
 /// An update that the user waits for: has the downloader update one channel, or those of a
@@ -59,6 +62,7 @@ private:
     bool listChannels(const QString &category, QStringList &names);
     bool updateListed(const QString &category, const QString &channel);
     DownloadAnswer request(const RefreshJob &job);
+    bool endAt(const QString &category, const QString &channel);
     bool fail(quint32 code);
 
     const UpdateParts parts_;

@@ -83,7 +83,8 @@ protected:
         const auto see = [this](const QString &what) { seen_ += what; };
         jobs_.connect(&jobs_, &UpdateJobs::begun, [=] { see(u"("_s); });
         jobs_.connect(&jobs_, &UpdateJobs::done, [=] { see(u")"_s); });
-        jobs_.connect(&jobs_, &UpdateJobs::failed, [=] { see(u"!"_s); });
+        jobs_.connect(&jobs_, &UpdateJobs::failed,
+                      [=](auto category, auto channel) { see(u'!' + category + channel); });
         jobs_.connect(&jobs_, &UpdateJobs::stepped,
                       [=](int index, int count) { see(u"%1/%2 "_s.arg(index).arg(count)); });
         jobs_.connect(&jobs_, &UpdateJobs::channelUpdated, [=, this](auto category, auto channel) {
@@ -126,20 +127,20 @@ TEST_F(UpdateJobsTest, WhatComesOfAnUpdateIsTold) {
         QString category = u"C"_s;
     };
     std::vector<Case> cases{
-        {"s", u"a"_s, u"()!"_s, 1012},
-        {"f", u"a"_s, u"()!"_s, 1007},
-        {"r", u"a"_s, u"()!"_s, 1012},
+        {"s", u"a"_s, u"()!Ca"_s, 1012},
+        {"f", u"a"_s, u"()!Ca"_s, 1007},
+        {"r", u"a"_s, u"()!Ca"_s, 1012},
         {"", u"none"_s, u"()"_s, 0, u""_s},
         {"", {}, u"()"_s, 0, u""_s, u"Empty"_s},
         {"ddd", {}, u"(0/3 Ca:2/2 1/3 Cb:0/0 2/3 Cc:1/1 )"_s, 0, u"abc"_s},
-        {"df", {}, u"(0/3 Ca:2/2 1/3 )!"_s, 1007, u"ab"_s},
+        {"df", {}, u"(0/3 Ca:2/2 1/3 )!Cb"_s, 1007, u"ab"_s},
         {"dkk", {}, u"(0/3 Ca:2/2 1/3 2/3 )"_s, 0, u"abc"_s}, // only the counts are left out
         {"vd", {}, u"(0/3 Ca:2/2 1/3 2/3 Cc:1/1 )"_s, 0, u"ac"_s},
     };
     for (const char *script : {"d", "k", "m", "w", "t"})
         cases.push_back({script, u"a"_s, u"(Ca of 3)"_s, 0});
-    cases.push_back({"x", {}, u"(0/2 1/2 )!"_s, 1001}); // counts that cannot be had end nothing
-    cases.push_back({"", {}, u"()!"_s, 1001, u""_s});
+    cases.push_back({"x", {}, u"(0/2 1/2 )!Cc"_s, 1001}); // counts that cannot be had end nothing
+    cases.push_back({"", {}, u"()!C"_s, 1001, u""_s});
     for (const Case &expected : cases) {
         SCOPED_TRACE(expected.script + " for " + expected.channel.toStdString());
         parts_.settings.setDword(programKey, u"ERRORNO", 0);

@@ -70,8 +70,9 @@ TEST_F(RequestTest, ThoseOfACategoryAreNotRushed) {
     ASSERT_TRUE(store.Open());
     Interrupt interrupt;
     const UpdateParts parts{root_, registry, store, interrupt};
-    UpdateRun updates(parts,
-                      {.stepped = [](int, int) {}, .updated = {}, .counted = [](auto...) {}});
+    UpdateRun updates(
+        parts,
+        {.stepped = [](int, int) {}, .updated = {}, .counted = [](auto...) {}, .failed = {}});
     QElapsedTimer timer;
     timer.start();
     setPauseScale(10); // percent

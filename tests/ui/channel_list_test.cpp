@@ -66,6 +66,12 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
             for (int i = 0; i < 2; ++i) // a key that is pressed twice asks once
                 QTest::keyClick(user.list(), Qt::Key_Delete);
         });
+        ASSERT_TRUE(user.seesBox(question, u"Odd"_s));
+        user.look([&user] {
+            const QRect row = user.list()->visualRect(user.list()->currentIndex());
+            const QColor colour = user.list()->viewport()->grab(row).toImage().pixelColor(0, 0);
+            EXPECT_EQ(colour, user.list()->palette().color(QPalette::Highlight)) << "told apart";
+        });
         expectBox(user, question); // Enter is a No
         ASSERT_TRUE(user.seesQuiet() && user.seesNoBox());
         EXPECT_EQ(user.lines(), scienceLines);

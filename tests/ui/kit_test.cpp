@@ -104,9 +104,15 @@ TEST_F(EveryScreen, ShowsItsTextsWholeAndIsTouchedByAFinger) {
         user.press(Qt::Key_Return);
         ASSERT_TRUE(user.seesCaption(u"News"_s));
         check();
-        user.act(
-            [&] { MessageBox::ask(user.stack(), MessageBox::Kind::Question, longest, longest); });
+        user.act([&] {
+            MessageBox::ask(user.stack(), MessageBox::Kind::Question, longest, longest,
+                            u"<b>\u202E\n"_s + QString(45, u'W'));
+        });
         ASSERT_TRUE(user.seesBox(longest));
+        user.look([&] {
+            const QString spoken = user.stack().top()->accessibleDescription();
+            EXPECT_TRUE(spoken.endsWith(u"\n<b>  " + QString(45, u'W')));
+        });
         check();
         user.press(Qt::Key_Escape);
         ASSERT_TRUE(user.seesNoBox());

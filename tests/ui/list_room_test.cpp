@@ -73,6 +73,11 @@ TEST_F(ListRoomTest, ScrollsAndKeepsWhatIsSelectedInSight) {
         };
         user.turnWheel(1);
         EXPECT_TRUE(seesScrolled());
+        user.press(Qt::Key_Delete);
+        EXPECT_TRUE(user.seesBox(deleteCategory, u"News"_s) && user.sees(isSelectedInSight));
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesNoBox());
+        before = 0;
         user.touchRow(4, -120);
         EXPECT_TRUE(seesScrolled() && user.seesCaption(u"All Categories"_s));
         EXPECT_TRUE(user.seesSelected(0)) << "which the finger has moved out of sight";

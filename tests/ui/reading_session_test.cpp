@@ -126,26 +126,48 @@ TEST_F(ReadingSessionTest, EveryUpdateIsThatOfWhatIsSelectedAndIsShown) {
 TEST_F(ReadingSessionTest, WhatCannotBeUpdatedIsToldAndAnotherUpdateIsPossible) {
     const QString reading = u"Encountering Problem when Reading Feed information"_s;
     const std::pair<std::function<void()>, QString> faults[]{
-        {[&] { server_.answerStatus(u"/d"_s, 404); }, reading}, // whose answer is empty
-        {[&] { server_.resetHalfWay(u"/d"_s, generatedFeed(9, 1)); },
+        {[&] { server_.answerStatus(u"/e"_s, 404); }, reading}, // whose answer is empty
+        {[&] { server_.resetHalfWay(u"/e"_s, generatedFeed(9, 1)); },
          u"Encountering Internet Problem"_s},
-        {[&] { server_.serve(u"/d"_s, "<html/>"); }, reading},
-        {[&] { server_.hang(u"/d"_s); }, u"Encountering Unidentified Problem"_s}};
-    runInC([&](User &user) {
+        {[&] { server_.serve(u"/e"_s, "<html/>"); }, reading},
+        {[&] { server_.hang(u"/e"_s); }, u"Encountering Unidentified Problem"_s}};
+    const auto selectAnotherMeanwhile = [this](User &user) {
+        user.look([&] {
+            QObject::connect(&session_->state().updates, &UpdateJobs::begun, user.list(),
+                             [list = user.list()] { list->selectRow(0); });
+        });
+    };
+    const auto seesItTold = [](User &user, const QString &message) {
+        expectBox(user, message, u"e"_s);
+        EXPECT_TRUE(user.seesSelected(1));
+        ASSERT_TRUE(user.seesQuiet());
+    };
+    faults[0].first();
+    run([&](User &user) {
+        selectAnotherMeanwhile(user);
+        user.press(Qt::Key_F5);
+        seesItTold(user, reading);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesLines({u"d: 2/2"_s, u"e: 0/0"_s, u"f: 0/0"_s}) && user.seesQuiet());
+        selectAnotherMeanwhile(user);
         for (const auto &[prepare, message] : faults) {
             prepare();
             const bool isSilent = message.contains(u"Unidentified");
             user.look([&] { session_->state().updates.setAnswerTimeout(isSilent ? 300ms : 60s); });
+            user.act([&user] { user.list()->selectRow(1); });
             user.press(Qt::Key_F5);
-            expectBox(user, message);
+            seesItTold(user, message);
             ASSERT_TRUE(seesUpdating(user, false));
         }
-        user.look([&] { session_->state().updates.setAnswerTimeout(60s); });
+        user.look([&] {
+            session_->state().updates.setAnswerTimeout(60s);
+            session_->state().updates.disconnect(user.list());
+        });
         kill(*runningService(root_), SIGKILL); // what another one brings is shown
         waitFor([this] { return !runningService(root_); });
         publish(3);
         user.choose({u"Update"_s});
-        EXPECT_TRUE(user.seesLines({u"d: 3/3"_s, u"e: 0/0"_s, u"f: 0/0"_s}) && user.seesNoBox());
+        EXPECT_TRUE(user.seesLines({u"d: 2/2"_s, u"e: 3/3"_s, u"f: 0/0"_s}) && user.seesNoBox());
     });
     expectSound();
 }

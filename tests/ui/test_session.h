@@ -27,8 +27,8 @@ protected:
 };
 
 /// Sees this box, answers it with Enter, and sees no other.
-inline void expectBox(User &user, const QString &text) {
-    ASSERT_TRUE(user.seesBox(text)) << text.toStdString();
+inline void expectBox(User &user, const QString &text, const QString &subject = {}) {
+    ASSERT_TRUE(user.seesBox(text, subject)) << text.toStdString();
     user.press(Qt::Key_Return);
     ASSERT_TRUE(user.seesNoBox() && user.seesQuiet() && user.seesNoBox());
 }

@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QClipboard>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTest>
@@ -265,7 +266,8 @@ QStringList User::headingNow() const {
     const auto *dialog = qobject_cast<Dialog *>(stack_.top());
     if (dialog != nullptr && dialog->headerBar() != nullptr)
         return {dialog->headerBar()->caption()};
-    return {stack_.top() != nullptr ? stack_.top()->accessibleDescription() : QString()};
+    const QString box = stack_.top() != nullptr ? stack_.top()->accessibleDescription() : QString();
+    return {box.section(u'\n', 0, 0)};
 }
 
 QStringList User::rowsNow() const { return list() != nullptr ? list()->rowTexts() : QStringList(); }
@@ -310,6 +312,16 @@ QStringList User::entries(const QString &within) {
     for (int open = within.isEmpty() ? 1 : 2; open > 0; --open)
         press(Qt::Key_Escape);
     return texts;
+}
+
+bool User::seesBox(const QString &text, const QString &subject) {
+    if (!seesSame(&User::headingNow, {text}))
+        return false;
+    const auto isSubject = [&](const QLabel &label) {
+        return label.text().remove(u'\n') == subject &&
+               stack_.top()->accessibleDescription().endsWith(u'\n' + subject);
+    };
+    return subject.isNull() || seesPart<QLabel>(isSubject);
 }
 
 bool User::seesPage(const QString &text) {

@@ -81,8 +81,8 @@ public:
     bool seesNoEditor() {
         return sees([this] { return list() == nullptr || !list()->isEditingLabel(); });
     }
-    /// A message box with this text.
-    bool seesBox(const QString &text) { return seesSame(&User::headingNow, {text}); }
+    /// A message box with this text and, if one is given, this subject.
+    bool seesBox(const QString &text, const QString &subject = {});
     bool seesNoBox() {
         return sees([this] { return qobject_cast<MessageBox *>(stack_.top()) == nullptr; });
     }
