@@ -24,8 +24,10 @@ QPushButton *MenuBar::makeKey(const SoftKey &key) {
     connect(button, &QPushButton::clicked, this, [this, &key] {
         if (key.menu.empty())
             Q_EMIT chosen(key.command);
+        else if (menu_ != nullptr && menu_->isVisible())
+            menu_->close();
         else
-            openMenu();
+            openMenu(menuKeyPlace());
     });
     return button;
 }
@@ -43,13 +45,15 @@ void MenuBar::enable(int command, bool isEnabled) {
         right_->setEnabled(isEnabled);
 }
 
-void MenuBar::openMenu(const QRect &beside) {
-    openMenu();
-    if (menu_ != nullptr)
-        menu_->move(beside.bottomLeft());
-}
+QRect MenuBar::menuKeyPlace() const { return {right_->mapToGlobal(QPoint(0, 0)), right_->size()}; }
 
 void MenuBar::openMenu() {
+    openMenu(menuKeyPlace());
+    if (menu_ != nullptr)
+        menu_->highlightFirst();
+}
+
+void MenuBar::openMenu(const QRect &besideGlobal) {
     if (resource_.right.menu.empty())
         return;
     // Made anew, because one that was open before keeps the sizes of that time.
@@ -59,9 +63,7 @@ void MenuBar::openMenu() {
     for (const int command : std::as_const(disabled_))
         menu_->enable(command, false);
     Q_EMIT menuAboutToOpen(*menu_);
-    menu_->ensurePolished();
-    const QSize size = menu_->sizeHint();
-    menu_->popup(mapToGlobal(QPoint(width() - size.width(), -size.height())));
+    menu_->openBeside(besideGlobal);
 }
 
 void MenuBar::resizeEvent(QResizeEvent *) {

@@ -12,7 +12,7 @@ namespace tidebrook {
 class ScreenMenu;
 
 /// The two soft keys at the bottom of a screen. A key sends its command; the right one may open a
-/// menu instead.
+/// menu instead, and closes it again.
 class MenuBar : public QWidget {
     Q_OBJECT
 
@@ -23,9 +23,12 @@ public:
     void enable(int command, bool isEnabled);
     bool isEnabled(int command) const { return !disabled_.contains(command); }
 
-    /// Opens the menu, if there is one.
+    /// Opens the menu, if there is one, for the keyboard: beside its key, with the first entry
+    /// highlighted.
     void openMenu();
-    void openMenu(const QRect &beside);
+    /// Opens the menu, if there is one, above or below a place of the screen that was tapped: no
+    /// entry lies over it.
+    void openMenu(const QRect &besideGlobal);
 
 Q_SIGNALS:
     void chosen(int command);
@@ -38,6 +41,7 @@ protected:
 
 private:
     QPushButton *makeKey(const SoftKey &key);
+    QRect menuKeyPlace() const;
 
     const MenuBarResource &resource_;
     QPushButton *left_;

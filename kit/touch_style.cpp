@@ -1,5 +1,7 @@
 #include "kit/touch_style.h"
 
+#include "kit/screen_menu.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QProxyStyle>
@@ -62,8 +64,11 @@ QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option
         const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option);
         if (item != nullptr && item->menuItemType == QStyleOptionMenuItem::Separator)
             break;
+        const auto *menu = qobject_cast<const ScreenMenu *>(widget);
+        const int height =
+            menu != nullptr ? std::min(touchHeight, menu->mostEntryHeight()) : touchHeight;
         // The column of the check marks grows with the height, and takes room from the texts.
-        const int growth = std::max(0, touchHeight - wanted.height());
+        const int growth = std::max(0, height - wanted.height());
         wanted += QSize(growth, growth);
         break;
     }
@@ -85,6 +90,8 @@ int TouchStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
         return 0;
     case SH_Menu_Scrollable: // rather than a second column
         return 1;
+    case SH_Menu_AllowActiveAndDisabled: // the highlight passes over what cannot be chosen
+        return 0;
     case SH_EtchDisabledText: // its shadow is hard to read on dark ground
         return 0;
     default:
@@ -103,6 +110,10 @@ int TouchStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
         return std::max(pixels, touchHeight / 3);
     case PM_MenuScrollerHeight: // a finger holds it to scroll the menu
         return std::max(pixels, touchHeight);
+    case PM_MenuDesktopFrameWidth: { // what is left of the desktop has no room for such a menu
+        const auto *menu = qobject_cast<const ScreenMenu *>(widget);
+        return menu != nullptr && menu->isScrolled() ? QWIDGETSIZE_MAX / 2 : pixels;
+    }
     default:
         return pixels;
     }

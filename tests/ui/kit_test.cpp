@@ -1,4 +1,6 @@
 #include "kit/form.h"
+#include "kit/menu_bar.h"
+#include "res/commands.h"
 #include "res/strings.h"
 #include "ui/reading_test.h"
 
@@ -6,8 +8,10 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QMenu>
+#include <QScreen>
 #include <QStyleOptionButton>
 #include <QTabBar>
+#include <QTest>
 
 namespace tidebrook {
 namespace {
@@ -59,8 +63,8 @@ QStringList tooLow(User &user) {
         note(u"row"_s, user.list()->rowHeight());
     if (auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
         for (QAction *entry : menu->actions()) {
-            if (!entry->isSeparator())
-                note(entry->text(), menu->actionGeometry(entry).height());
+            if (!entry->isSeparator() && menu->actionGeometry(entry).height() < 28)
+                found.append(entry->text());
         }
     }
     return found;
@@ -124,6 +128,59 @@ TEST_F(EveryScreen, ShowsItsTextsWholeAndIsTouchedByAFinger) {
     };
     for (const QSize &screen : {tall, tall.transposed(), tall * 2, QSize(1080, 1920)})
         run(use, screen);
+}
+
+const QMenu *openMenu() { return qobject_cast<QMenu *>(QApplication::activePopupWidget()); }
+
+TEST_F(EveryScreen, HasAMenuThatIsNeverUnderTheFinger) {
+    // The last two leave as little room as the Menu key of a low screen.
+    const QRect places[]{{0, 0, 240, 40},     {0, 400, 240, 40},  {0, 760, 240, 40},
+                         {120, 286, 120, 34}, {0, 230, 240, 370}, {160, 206, 160, 594}};
+    run([&](User &user) {
+        for (const QRect &place : places) {
+            const auto expectBeside = [&] {
+                const QRect shown = openMenu()->geometry();
+                EXPECT_TRUE(openMenu()->screen()->geometry().contains(shown));
+                EXPECT_FALSE(shown.intersects(place)) << place.y();
+            };
+            user.look([&] { user.stack().top()->findChild<MenuBar *>()->openMenu(place); });
+            for (const int key : {Qt::Key_Down, Qt::Key_End, Qt::Key_Up, Qt::Key_Home}) {
+                user.look(expectBeside);
+                user.press(key);
+                user.look([&] {
+                    const QRect entry = openMenu()->actionGeometry(openMenu()->activeAction());
+                    EXPECT_TRUE(entry.height() >= 28 && openMenu()->rect().contains(entry)) << key;
+                });
+            }
+            user.press(Qt::Key_F);
+            user.press(Qt::Key_Right);
+            user.look(expectBeside);
+            user.press(Qt::Key_Escape);
+            user.look([] {
+                QWidget *menu = QApplication::activePopupWidget();
+                QTest::mousePress(menu, Qt::LeftButton, {}, {20, menu->height() + 20});
+                EXPECT_EQ(openMenu(), nullptr) << "and it is not scrolled";
+            });
+        }
+        user.tap(u"Menu"_s);
+        ASSERT_TRUE(user.seesPopup());
+        user.look([] { EXPECT_EQ(openMenu()->activeAction(), nullptr); });
+        user.tap(u"Menu"_s);
+        EXPECT_TRUE(user.sees([] { return openMenu() == nullptr; }));
+
+        const std::pair<QString, QString> typings[]{
+            {u""_s, u"Delete"_s},    {u"e"_s, u"Export Category"_s},   {u"EE"_s, u"Exit"_s},
+            {u"xs"_s, u"Setting"_s}, {u"eee"_s, u"Export Category"_s}, {u"a"_s, u"About"_s}};
+        for (const int command : {CommandUpdateCategory, CommandNewCategory})
+            user.look([&] { user.stack().top()->findChild<MenuBar *>()->enable(command, false); });
+        for (const auto &[typed, entry] : typings) {
+            user.press(Qt::Key_F10);
+            user.type(typed);
+            user.look([&] { EXPECT_EQ(openMenu()->activeAction()->text(), entry); });
+            user.press(entry == u"About" ? Qt::Key_Return : Qt::Key_Escape);
+        }
+        EXPECT_TRUE(user.seesCaption(u"About"_s));
+    });
 }
 
 } // namespace
