@@ -2,6 +2,7 @@
 
 #include "kit/icon.h"
 #include "kit/keys.h"
+#include "kit/list_view.h"
 #include "kit/screen_stack.h"
 #include "platform/base/text.h"
 
@@ -59,6 +60,27 @@ QString wrappedAnywhere(const QString &text, const QFont &font, int width) {
     }
     layout.endLayout();
     return lines.join(u'\n');
+}
+
+/// The selected row of the list that the box lies over, on the screen; none is empty.
+QRect selectedRow(const QWidget &screen) {
+    for (const auto *list : screen.findChildren<ListView *>()) {
+        if (!list->isVisible() || !list->looksFocused())
+            continue;
+        const QRect row = list->visualRect(list->currentIndex());
+        return {list->viewport()->mapTo(&screen, row.topLeft()), row.size()};
+    }
+    return {};
+}
+
+// The middle or, if there is room, beside the row.
+int topBeside(const QRect &row, int boxHeight, int screenHeight) {
+    const int middle = (screenHeight - boxHeight) / 2;
+    if (middle > row.bottom() || middle + boxHeight <= row.top())
+        return middle;
+    if (screenHeight - row.bottom() > boxHeight)
+        return row.bottom() + 1;
+    return row.top() >= boxHeight ? row.top() - boxHeight : middle;
 }
 
 } // namespace
@@ -121,7 +143,8 @@ void MessageBox::resizeEvent(QResizeEvent *) {
     const int wide = std::min(width(), wanted);
     wrapSubject(wide);
     const int high = std::min(height(), frame_->layout()->totalHeightForWidth(wide));
-    frame_->setGeometry((width() - wide) / 2, (height() - high) / 2, wide, high);
+    const QRect row = subject_.isEmpty() ? QRect() : selectedRow(stack());
+    frame_->setGeometry((width() - wide) / 2, topBeside(row, high, height()), wide, high);
 }
 
 void MessageBox::wrapSubject(int width) {

@@ -22,7 +22,8 @@ public:
     };
 
     /// The subject, if there is one, is the name of what the text is about. It is shown as plain
-    /// text on lines of its own, elided where a few do not hold it.
+    /// text on lines of its own, elided where a few do not hold it, and the box leaves the selected
+    /// row below it free if it can.
     MessageBox(ScreenStack &stack, Kind kind, const QString &caption, const QString &text,
                const QString &subject = {});
 

@@ -71,6 +71,8 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
             const QRect row = user.list()->visualRect(user.list()->currentIndex());
             const QColor colour = user.list()->viewport()->grab(row).toImage().pixelColor(0, 0);
             EXPECT_EQ(colour, user.list()->palette().color(QPalette::Highlight)) << "told apart";
+            const QPoint place = user.list()->viewport()->mapTo(&user.stack(), row.center());
+            EXPECT_EQ(user.stack().childAt(place), user.stack().top()) << "beside the box itself";
         });
         expectBox(user, question); // Enter is a No
         ASSERT_TRUE(user.seesQuiet() && user.seesNoBox());

@@ -131,12 +131,6 @@ TEST_F(ReadingSessionTest, WhatCannotBeUpdatedIsToldAndAnotherUpdateIsPossible) 
          u"Encountering Internet Problem"_s},
         {[&] { server_.serve(u"/e"_s, "<html/>"); }, reading},
         {[&] { server_.hang(u"/e"_s); }, u"Encountering Unidentified Problem"_s}};
-    const auto selectAnotherMeanwhile = [this](User &user) {
-        user.look([&] {
-            QObject::connect(&session_->state().updates, &UpdateJobs::begun, user.list(),
-                             [list = user.list()] { list->selectRow(0); });
-        });
-    };
     const auto seesItTold = [](User &user, const QString &message) {
         expectBox(user, message, u"e"_s);
         EXPECT_TRUE(user.seesSelected(1));
@@ -144,12 +138,14 @@ TEST_F(ReadingSessionTest, WhatCannotBeUpdatedIsToldAndAnotherUpdateIsPossible) 
     };
     faults[0].first();
     run([&](User &user) {
-        selectAnotherMeanwhile(user);
+        user.look([&] { // another row is selected meanwhile
+            QObject::connect(&session_->state().updates, &UpdateJobs::begun, &user.stack(),
+                             [&user] { user.list()->selectRow(0); });
+        });
         user.press(Qt::Key_F5);
         seesItTold(user, reading);
         user.press(Qt::Key_Return);
         ASSERT_TRUE(user.seesLines({u"d: 2/2"_s, u"e: 0/0"_s, u"f: 0/0"_s}) && user.seesQuiet());
-        selectAnotherMeanwhile(user);
         for (const auto &[prepare, message] : faults) {
             prepare();
             const bool isSilent = message.contains(u"Unidentified");
@@ -159,10 +155,7 @@ TEST_F(ReadingSessionTest, WhatCannotBeUpdatedIsToldAndAnotherUpdateIsPossible) 
             seesItTold(user, message);
             ASSERT_TRUE(seesUpdating(user, false));
         }
-        user.look([&] {
-            session_->state().updates.setAnswerTimeout(60s);
-            session_->state().updates.disconnect(user.list());
-        });
+        user.look([&] { session_->state().updates.setAnswerTimeout(60s); });
         kill(*runningService(root_), SIGKILL); // what another one brings is shown
         waitFor([this] { return !runningService(root_); });
         publish(3);
