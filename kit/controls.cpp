@@ -1,14 +1,15 @@
 #include "kit/controls.h"
 
 #include "kit/list_view.h"
+#include "kit/page/contrast.h"
 #include "kit/page/text_page.h"
 #include "kit/touch_scrolling.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QRadioButton>
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
@@ -18,21 +19,34 @@ namespace tidebrook {
 
 namespace {
 
-constexpr qreal quietOpacity = 0.65; // still a contrast of more than 6:1 in black on white
+/// A label in another colour than text: a title in that of the highlight, which is made for a
+/// ground, or a remark in grey.
+class TintedLabel : public QLabel {
+public:
+    TintedLabel(bool isTitle, QWidget *parent) : QLabel(parent), isTitle_(isTitle) {}
+
+protected:
+    void paintEvent(QPaintEvent *) override {
+        const QColor colour =
+            palette().color(isTitle_ ? QPalette::Highlight : QPalette::PlaceholderText);
+        QPainter painter(this);
+        painter.setPen(readableOn(palette().color(QPalette::Window), colour));
+        painter.drawText(contentsRect(), Qt::AlignLeading | Qt::AlignVCenter | Qt::TextWordWrap,
+                         text());
+    }
+
+private:
+    const bool isTitle_;
+};
 
 QWidget *makeLabel(const ControlTemplate &item, QWidget *parent) {
-    auto *label = new QLabel(parent);
+    const bool isTitle = (item.styleBits & StyleHighlight) != 0;
+    const bool isTinted = isTitle || (item.styleBits & StyleQuiet) != 0;
+    QLabel *label = isTinted ? new TintedLabel(isTitle, parent) : new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     if ((item.styleBits & StyleCentred) != 0)
         label->setAlignment(Qt::AlignCenter);
-    if ((item.styleBits & StyleHighlight) != 0)
-        label->setForegroundRole(QPalette::Highlight);
-    if ((item.styleBits & StyleQuiet) != 0) {
-        auto *grey = new QGraphicsOpacityEffect(label); // which follows the theme
-        grey->setOpacity(quietOpacity);
-        label->setGraphicsEffect(grey);
-    }
     return label;
 }
 

@@ -1,5 +1,6 @@
 #include "kit/touch_style.h"
 
+#include "kit/page/contrast.h"
 #include "kit/screen_menu.h"
 
 #include <QApplication>
@@ -15,6 +16,7 @@ namespace {
 
 class TouchStyle : public QProxyStyle {
 public:
+    using QProxyStyle::polish;
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                            const QWidget *widget) const override;
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
@@ -27,6 +29,8 @@ public:
                        const QWidget *widget) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override;
+
+    void polish(QPalette &palette) override;
 
     int touchHeight = 0;
 
@@ -54,6 +58,12 @@ void drawRadioOutline(QPainter &painter, const QRectF &circle, const QPalette &p
     prepareOutline(painter, palette);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawEllipse(circle.adjusted(1, 1, -1, -1));
+}
+
+// Whatever colours the desktop has, also when it changes them.
+void TouchStyle::polish(QPalette &palette) {
+    QProxyStyle::polish(palette);
+    makeReadable(palette);
 }
 
 QSize TouchStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,

@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "kit/icon.h"
 #include "kit/list_view.h"
+#include "kit/page/contrast.h"
 #include "platform/base/text.h"
 #include "store/escape_sql.h"
 
@@ -32,7 +33,8 @@ struct RowColours {
 RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
     const QPalette &palette = option.palette;
     if (!option.state.testFlag(QStyle::State_Selected))
-        return {palette.color(QPalette::Base), palette.color(QPalette::ButtonText)};
+        return {palette.color(QPalette::Base),
+                readableOn(palette.color(QPalette::Base), palette.color(QPalette::ButtonText))};
     if (listHasFocus)
         return {palette.color(QPalette::Highlight), palette.color(QPalette::HighlightedText)};
     return {palette.color(QPalette::Button),

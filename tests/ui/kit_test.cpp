@@ -1,6 +1,8 @@
 #include "kit/form.h"
 #include "kit/menu_bar.h"
+#include "kit/page/contrast.h"
 #include "res/commands.h"
+#include "res/ids.h"
 #include "res/strings.h"
 #include "ui/reading_test.h"
 
@@ -82,6 +84,27 @@ TEST(Templates, HaveRoomForTheirTextsHoweverTheScreenIsTurned) {
             RelayoutFromTemplate(form, templateForShape(id, screen), stack.units());
             EXPECT_EQ(cutTexts(form), QStringList()) << id;
         }
+    }
+}
+
+TEST(Colours, AreReadableWhateverTheThemeHas) {
+    for (const auto &[window, highlight] :
+         {std::pair<QColor, QColor>{0xefefef, 0x308cc6}, {0x2b2d30, 0x2a6f97}, {0x808080, 0x777}}) {
+        QPalette palette(window);
+        palette.setColor(QPalette::Highlight, highlight);
+        QApplication::style()->polish(palette);
+        EXPECT_GE(contrastOf(palette.highlight().color(), palette.highlightedText().color()), 4.5);
+        ScreenStack stack;
+        stack.setPalette(palette);
+        Form form(PropertiesTemplate, &stack);
+        RelayoutFromTemplate(form, PropertiesTemplate, stack.units());
+        const QImage title = form.control(PropertiesTitle)->grab().toImage();
+        qreal highest = 1;
+        for (int i = 0; i < title.width() * title.height(); ++i) {
+            const QColor colour = title.pixelColor(i % title.width(), i / title.width());
+            highest = std::max(highest, contrastOf(colour, title.pixelColor(0, 0)));
+        }
+        EXPECT_GE(highest, 4.5) << highlight.name().toStdString();
     }
 }
 
