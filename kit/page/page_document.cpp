@@ -1,5 +1,6 @@
 #include "kit/page/page_document.h"
 
+#include "kit/page/contrast.h"
 #include "kit/page/page_source.h"
 
 #include <QFontMetricsF>
@@ -10,9 +11,9 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextList>
+#include <QTextOption>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace tidebrook {
@@ -27,32 +28,13 @@ constexpr qreal biggestPoints = 24;
 constexpr qreal bodyPoints = 9;
 constexpr qreal highestMargin = 16; // in pixels
 constexpr qreal indentPixels = 40;  // by which HTML's quotes and definitions are moved in
-constexpr qreal leastContrast = 3;
+constexpr qreal rowGap = 3;         // in pixels, above a row of a table
+constexpr int hangingBlanks = 2;
+constexpr int tabBlanks = 4;
+constexpr qsizetype mostBlanks = 12; // more would leave no width for the rest of a code's line
 
 qreal atMost(qreal value, qreal low, qreal high) {
     return value > low ? std::min(value, high) : low; // low for NaN
-}
-
-qreal luminance(const QColor &colour) {
-    const auto linear = [](qreal part) {
-        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
-}
-
-QColor readableOn(const QColor &base, const QColor &colour) {
-    const qreal ground = luminance(base);
-    const int target = ground < 0.18 ? 255 : 0; // black and white contrast equally with 0.18
-    const auto nearer = [target](int part) { return part + (target - part) / 5; };
-    QColor shown(colour.red(), colour.green(), colour.blue());
-    for (int step = 0; step < 12; ++step) {
-        const qreal other = luminance(shown);
-        if ((std::max(ground, other) + 0.05) / (std::min(ground, other) + 0.05) >= leastContrast)
-            break;
-        shown = QColor(nearer(shown.red()), nearer(shown.green()), nearer(shown.blue()));
-    }
-    return shown;
 }
 
 // Joins runs of empty lines, and removes characters that stand for objects, end frames or override
@@ -66,15 +48,52 @@ QString shownText(const QString &text) {
     return shown.remove(unwanted).replace(emptyLines, u"\u2028\u2028"_s);
 }
 
+QStringList codeFamilies() { return {u"monospace"_s}; }
+
+qreal blankWidth(QFont font) {
+    font.setFamilies(codeFamilies());
+    return QFontMetricsF(font).horizontalAdvance(u' ');
+}
+
 bool isFixedPitch(const QTextCharFormat &given) {
     const QString families = given.fontFamilies().toStringList().join(u' ');
     return given.fontFixedPitch() || families.contains(u"mono"_s, Qt::CaseInsensitive) ||
            families.contains(u"courier"_s, Qt::CaseInsensitive);
 }
 
+bool isCodeLine(const QTextBlock &block) { return block.blockFormat().nonBreakableLines(); }
+
+int filledCells(const QString &line) {
+    int filled = 0;
+    for (const QStringView cell : QStringView(line).split(cellMark))
+        filled += cell.trimmed().isEmpty() ? 0 : 1;
+    return filled;
+}
+
+// A line's text with bars between the cells of a row.
+QString cellsShown(QString text, bool isRow, bool isLineStart) {
+    static const QRegularExpression mark(u"(?<! ) *+\\x{1f} *"_s);
+    static const QRegularExpression first(u"^\\x{1f} *"_s);
+    if (isLineStart)
+        text.remove(first);
+    return text.replace(mark, isRow ? u" | "_s : u" "_s);
+}
+
+// By how many blanks the lines are moved in on which a line of code goes on.
+qsizetype hangingOf(const QString &line) {
+    qsizetype blanks = 0;
+    for (const QChar letter : line) {
+        if (!letter.isSpace())
+            break;
+        blanks += letter == u'\t' ? tabBlanks : 1;
+    }
+    return std::min(blanks, mostBlanks) + hangingBlanks;
+}
+
 class PageBuilder {
 public:
-    PageBuilder(QTextDocument &document, const PageLook &look) : cursor_(&document), look_(look) {}
+    PageBuilder(QTextDocument &document, const PageLook &look)
+        : cursor_(&document), look_(look), blankWidth_(blankWidth(look.body)) {}
 
     QStringList build(const QTextDocument &parsed) {
         cursor_.beginEditBlock();
@@ -88,22 +107,57 @@ private:
     void addBlock(const QTextBlock &given) {
         const bool isRule =
             given.blockFormat().hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth);
-        const bool isEmpty = !isRule && shownText(given.text()).trimmed().isEmpty();
-        if (isEmpty && isBehindEmpty_)
+        const QString text = given.text();
+        const bool isCode = isCodeLine(given);
+        const bool isEmpty = !isRule && shownText(text).trimmed().isEmpty();
+        const bool isKept = isCode ? isCodeLine(given.next()) : !isBehindEmpty_;
+        if (isEmpty && (text.contains(cellMark) || !isKept))
             return;
         isBehindEmpty_ = isEmpty;
-        const QTextCharFormat ofBlock = charFormat(given.charFormat());
-        if (std::exchange(hasBlock_, true))
-            cursor_.insertBlock(blockFormat(given.blockFormat()), ofBlock);
-        else
-            startWith(blockFormat(given.blockFormat()), ofBlock);
+        isRow_ = filledCells(text) > 1;
+        QTextBlockFormat format = blockFormat(given.blockFormat());
+        if (isCode || isRow_)
+            hang(format, text, given.textDirection());
+        beginBlock(format, charFormat(given.charFormat()));
         if (given.textList() != nullptr)
             addToList(*given.textList());
         for (auto part = given.begin(); part != given.end(); ++part) {
-            const QTextCharFormat format = part.fragment().charFormat();
-            if (format.objectType() == QTextFormat::NoObject)
-                cursor_.insertText(shownText(part.fragment().text()), charFormat(format));
+            if (part.fragment().charFormat().objectType() == QTextFormat::NoObject)
+                addText(part.fragment(), part == given.begin(), isCode);
         }
+    }
+
+    void beginBlock(const QTextBlockFormat &block, const QTextCharFormat &text) {
+        if (std::exchange(hasBlock_, true))
+            cursor_.insertBlock(block, text);
+        else
+            startWith(block, text);
+    }
+
+    void addText(const QTextFragment &given, bool isLineStart, bool isCode) {
+        const QTextCharFormat format = charFormat(given.charFormat());
+        const QString text = shownText(cellsShown(given.text(), isRow_, isLineStart));
+        if (!isCode)
+            return cursor_.insertText(text, format);
+        const QStringList lines = text.split(QChar::LineSeparator);
+        for (qsizetype i = 0; i < lines.size(); ++i) {
+            if (i > 0)
+                cursor_.insertBlock();
+            cursor_.insertText(lines[i], format);
+        }
+    }
+
+    // Moves in the lines on which a line goes on.
+    void hang(QTextBlockFormat &format, const QString &text, Qt::LayoutDirection direction) const {
+        const auto blanks = static_cast<qreal>(isRow_ ? hangingBlanks : hangingOf(text));
+        const qreal width = blanks * blankWidth_;
+        format.setTextIndent(-width);
+        if (direction == Qt::RightToLeft)
+            format.setRightMargin(width);
+        else
+            format.setLeftMargin(width);
+        if (isRow_)
+            format.setTopMargin(look_.zoom * rowGap);
     }
 
     void startWith(const QTextBlockFormat &block, const QTextCharFormat &text) {
@@ -159,7 +213,7 @@ private:
             format.setVerticalAlignment(vertical);
         if (isFixedPitch(given)) {
             format.setFontFixedPitch(true);
-            format.setFontFamilies(QStringList(u"monospace"_s));
+            format.setFontFamilies(codeFamilies());
         }
         if (given.isAnchor())
             setAnchor(given, format);
@@ -189,9 +243,11 @@ private:
 
     QTextCursor cursor_;
     const PageLook &look_;
+    const qreal blankWidth_; // in code
     QStringList links_;
     QHash<const QTextList *, QTextList *> lists_;
     bool hasBlock_ = false;
+    bool isRow_ = false; // the block is one of a table
     bool isBehindEmpty_ = true;
 };
 
@@ -205,6 +261,9 @@ QStringList showPage(QTextDocument &document, const QString &html, const PageLoo
     parsed.setHtml(defusedHtml(html));
     document.clear();
     document.setDefaultFont(look.body);
+    QTextOption option = document.defaultTextOption();
+    option.setTabStopDistance(tabBlanks * blankWidth(look.body));
+    document.setDefaultTextOption(option);
     document.setIndentWidth(QFontMetricsF(look.body).horizontalAdvance(u"00. "_s));
     return PageBuilder(document, look).build(parsed);
 }

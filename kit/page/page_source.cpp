@@ -2,9 +2,11 @@
 
 #include <QHash>
 #include <QRegularExpression>
+#include <QUrl>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tidebrook {
 
@@ -16,7 +18,9 @@ enum class Fate {
     Drop,      // its contents stay
     DropWhole, // its contents go too
     Keep,      // with its attributes
-    Break,     // becomes a plain line, as the parts of tables do
+    Break,     // becomes a plain line, as a row of a table does
+    Cell,      // becomes a part of such a line
+    Picture,   // becomes a link to it
     Rename,    // stays under another name
 };
 
@@ -32,9 +36,12 @@ QHash<QString, Element> makeElements() {
          u"span "
          "p div center h1 h2 h3 h4 h5 h6 ul ol li dl dt dd blockquote hr br pre"_s.split(u' '))
         elements.insert(name, {Fate::Keep, name});
-    for (const QString &name : u"table caption thead tbody tfoot tr td th form fieldset legend "
-                               "option"_s.split(u' '))
+    for (const QString &name :
+         u"table caption thead tbody tfoot tr form fieldset legend option"_s.split(u' '))
         elements.insert(name, {Fate::Break, u"div"_s});
+    for (const QString &name : u"td th"_s.split(u' '))
+        elements.insert(name, {Fate::Cell, name});
+    elements.insert(u"img"_s, {Fate::Picture, u"a"_s});
     for (const QString &name : u"body section article header footer main aside nav figure "
                                "figcaption address"_s.split(u' '))
         elements.insert(name, {Fate::Rename, u"div"_s});
@@ -48,11 +55,6 @@ QHash<QString, Element> makeElements() {
 Element elementFor(QStringView name) {
     static const QHash<QString, Element> elements = makeElements();
     return elements.value(name.toString().toLower());
-}
-
-bool isKeptAttribute(const QString &name) {
-    static const QStringList kept = u"href name id color size style align dir type"_s.split(u' ');
-    return kept.contains(name);
 }
 
 // Sizes are all in points, because a document does not nest other units. The levels are those of
@@ -93,6 +95,60 @@ QString inPoints(QString style) {
     return style;
 }
 
+using Attributes = QHash<QString, QString>;
+
+bool isReadAttribute(const QString &name) {
+    static const QStringList read =
+        u"href name id color size style align dir type src alt width height"_s.split(u' ');
+    return read.contains(name);
+}
+
+// The attributes of an element that stays. The style attribute wins over other sizes.
+QString keptAttributes(const QString &element, const Attributes &given) {
+    QString kept;
+    static const QStringList plain = u"name id color align dir type"_s.split(u' ');
+    for (const QString &name : plain) {
+        if (given.contains(name))
+            kept += u" %1=\"%2\""_s.arg(name, given.value(name));
+    }
+    if (given.contains(u"href"_s))
+        kept += u" href=\"%1%2\""_s.arg(QString(linkMark), given.value(u"href"_s));
+    const QString style = sizeStyleFrom(given.value(u"size"_s)) + sizeStyleOf(element) +
+                          inPoints(given.value(u"style"_s));
+    return style.isEmpty() ? kept : kept + u" style=\"%1\""_s.arg(style);
+}
+
+// Pictures of a pixel count readers, or keep others apart.
+bool isPixel(const Attributes &picture) {
+    return std::ranges::any_of(std::array{u"width"_s, u"height"_s}, [&](const QString &side) {
+        const QString pixels = picture.value(side, u"?"_s).trimmed();
+        return pixels.startsWith(u'0') || pixels == u"1" || pixels == u"1px";
+    });
+}
+
+QString fileNameOf(QStringView address) {
+    for (const QChar end : {u'?', u'#'}) {
+        if (const qsizetype at = address.indexOf(end); at >= 0)
+            address.truncate(at);
+    }
+    while (address.endsWith(u'/'))
+        address.chop(1);
+    return QUrl::fromPercentEncoding(address.mid(address.lastIndexOf(u'/') + 1).toUtf8());
+}
+
+// Data has no address that anything else could open.
+QString pictureLink(const Attributes &picture, bool isInLink) {
+    const QString source = picture.value(u"src"_s);
+    const bool isData = source.trimmed().startsWith(u"data:", Qt::CaseInsensitive);
+    QString text = picture.value(u"alt"_s).trimmed();
+    if (text.isEmpty() && !isData)
+        text = fileNameOf(QStringView(source).trimmed());
+    text.replace(u'<', u"&lt;"_s);
+    if (text.isEmpty() || source.isEmpty() || isData || isInLink)
+        return u' ' + text + u' ';
+    return u" <a href=\"%1%2\">%3</a> "_s.arg(QString(linkMark), source, text);
+}
+
 class Defuser {
 public:
     explicit Defuser(const QString &html) : html_(html) {}
@@ -100,7 +156,7 @@ public:
     QString run() {
         while (at_ < html_.size()) {
             const qsizetype next = indexOrEnd(u"<", at_);
-            result_ += html_.mid(at_, next - at_);
+            addText(html_.mid(at_, next - at_));
             at_ = next;
             if (at_ < html_.size())
                 takeMarkup();
@@ -125,6 +181,11 @@ private:
         return html_.mid(from, at_ - from);
     }
 
+    void addText(QStringView text) {
+        isCellBegun_ = isCellBegun_ || !text.trimmed().isEmpty();
+        result_ += text;
+    }
+
     void takeMarkup() {
         if (isAt(u"<!--") && html_.indexOf(u"-->", at_ + 2) >= 0) {
             at_ = html_.indexOf(u"-->", at_ + 2) + 3;
@@ -135,7 +196,7 @@ private:
             if (name < html_.size() && html_[name].isLetter())
                 takeTag(name);
             else
-                result_ += u"&lt;"_s;
+                addText(u"&lt;");
             at_ = std::max(at_, name);
         }
     }
@@ -145,17 +206,61 @@ private:
         at_ = nameAt;
         const QStringView name = takeUntil(u"/>");
         const Element element = elementFor(name);
-        QString style = sizeStyleOf(element.name);
-        const QString attributes = takeAttributes(style);
-        if (element.fate == Fate::DropWhole && !isEnd)
-            skipContents(name);
-        if (element.fate == Fate::Drop || element.fate == Fate::DropWhole)
+        const Attributes attributes = takeAttributes();
+        switch (element.fate) {
+        case Fate::Drop:
             return;
-        result_ += isEnd ? u"</"_s : u"<"_s;
-        result_ += element.name;
-        if (!isEnd && element.fate != Fate::Break)
-            result_ += attributes + (style.isEmpty() ? style : u" style=\"%1\""_s.arg(style));
-        result_ += u'>';
+        case Fate::DropWhole:
+            return isEnd ? void() : skipContents(name);
+        case Fate::Picture:
+            if (!isEnd && !isPixel(attributes))
+                addText(pictureLink(attributes, isInLink_));
+            return;
+        case Fate::Cell:
+            return isEnd ? endCell() : beginCell(element.name == u"th");
+        case Fate::Break:
+            endCell();
+            return addTag(element.name, isEnd, {});
+        case Fate::Keep:
+        case Fate::Rename:
+            return addElement(element.name, isEnd, attributes);
+        }
+    }
+
+    void addTag(const QString &name, bool isEnd, const QString &attributes) {
+        isCellBegun_ = true;
+        result_ += (isEnd ? u"</"_s : u"<"_s) + name + attributes + u'>';
+    }
+
+    void addElement(const QString &name, bool isEnd, const Attributes &attributes) {
+        if (name == u"a")
+            isInLink_ = !isEnd && attributes.contains(u"href"_s);
+        if (name != u"p" && name != u"div")
+            return addTag(name, isEnd, isEnd ? QString() : keptAttributes(name, attributes));
+        // At its start a paragraph would take the cell from its row's line.
+        int &dropped = dropped_[name];
+        if (!isEnd && !isCellBegun_)
+            ++dropped;
+        else if (isEnd && dropped > 0)
+            --dropped;
+        else
+            addTag(name, isEnd, isEnd ? QString() : keptAttributes(name, attributes));
+    }
+
+    void beginCell(bool isHeading) {
+        endCell();
+        result_ += cellMark;
+        isInHeading_ = isHeading;
+        if (isHeading)
+            result_ += u"<b>"_s;
+        isCellBegun_ = false;
+    }
+
+    void endCell() {
+        if (std::exchange(isInHeading_, false))
+            result_ += u"</b>"_s;
+        isCellBegun_ = true;
+        dropped_.clear();
     }
 
     // An element that is never closed keeps its contents, else the rest of the page would go too.
@@ -165,10 +270,9 @@ private:
             at_ = indexOrEnd(u">", end) + 1;
     }
 
-    // Adds sizes and styles to `style`; the style attribute wins.
-    QString takeAttributes(QString &style) {
-        QString attributes;
-        QStringList seen;
+    // Of several of the same name the first counts.
+    Attributes takeAttributes() {
+        Attributes attributes;
         while (at_ < html_.size() && html_[at_] != u'>') {
             const QString name = takeUntil(u"=/>").toString().toLower();
             skipSpaces();
@@ -176,22 +280,11 @@ private:
             const QString value = hasValue ? takeValue() : QString();
             if (!hasValue && isAt(u"/"))
                 at_ += 1;
-            if (!isKeptAttribute(name) || seen.contains(name))
-                continue;
-            seen.append(name);
-            if (name == u"style")
-                style += inPoints(value);
-            else if (name == u"size")
-                style.prepend(sizeStyleFrom(value));
-            else
-                attributes += attribute(name, value);
+            if (isReadAttribute(name) && !attributes.contains(name))
+                attributes.insert(name, value);
         }
         at_ += 1;
         return attributes;
-    }
-
-    static QString attribute(const QString &name, const QString &value) {
-        return u" %1=\"%2%3\""_s.arg(name, name == u"href" ? QString(linkMark) : QString(), value);
     }
 
     // The value behind the equals sign, with its quotes escaped.
@@ -215,6 +308,10 @@ private:
     QStringView html_;
     qsizetype at_ = 0;
     QString result_;
+    bool isInLink_ = false;
+    bool isInHeading_ = false;    // of a table
+    bool isCellBegun_ = true;     // more than blanks stands in the cell
+    QHash<QString, int> dropped_; // starts of elements of the cell, whose ends go too
 };
 
 } // namespace

@@ -6,20 +6,30 @@
 #include <QAction>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QScroller>
+#include <QStyleHints>
 #include <QTextDocumentFragment>
+#include <QTextFrame>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tidebrook {
 
 namespace {
+
+constexpr int mostLetters = 75;    // of a line
+constexpr int leastMargin = 12;    // in pixels
+constexpr int leastSidewards = 48; // in pixels, that a finger has to move
+
+bool isByTouch(const QMouseEvent &event) { return event.source() != Qt::MouseEventNotSynthesized; }
 
 bool isKeyOfPages(const QKeyEvent &event) {
     if ((event.modifiers() & Qt::AltModifier) != 0)
@@ -109,7 +119,20 @@ void TextPage::build() {
                   palette().color(QPalette::Link)};
     look.body.setPointSizeF(points);
     links_ = showPage(*document(), html_, look);
+    setMargins();
     setTextCursor(QTextCursor(document())); // no link has the focus
+}
+
+void TextPage::setMargins() {
+    const qreal letter = QFontMetricsF(document()->defaultFont()).averageCharWidth();
+    const int beside = viewport()->width() - static_cast<int>(mostLetters * letter);
+    const int margin = std::max(leastMargin, (beside + 1) / 2);
+    QTextFrameFormat format = document()->rootFrame()->frameFormat();
+    if (margin == qRound(format.leftMargin()))
+        return;
+    format.setLeftMargin(margin);
+    format.setRightMargin(margin);
+    document()->rootFrame()->setFrameFormat(format);
 }
 
 void TextPage::buildKeepingPlace() {
@@ -118,7 +141,10 @@ void TextPage::buildKeepingPlace() {
 }
 
 void TextPage::resizeEvent(QResizeEvent *event) {
-    keepPlace([this, event] { QTextBrowser::resizeEvent(event); });
+    keepPlace([this, event] {
+        setMargins();
+        QTextBrowser::resizeEvent(event);
+    });
 }
 
 void TextPage::keepPlace(const std::function<void()> &change) {
@@ -131,6 +157,36 @@ void TextPage::keepPlace(const std::function<void()> &change) {
     QTextCursor place(document());
     place.setPosition(std::min(position, document()->characterCount() - 1));
     verticalScrollBar()->setValue(verticalScrollBar()->value() + cursorRect(place).top());
+}
+
+void TextPage::mousePressEvent(QMouseEvent *event) {
+    pressedAt_ = event->position();
+    QTextBrowser::mousePressEvent(event);
+}
+
+// A finger scrolls and turns, and selects nothing.
+void TextPage::mouseMoveEvent(QMouseEvent *event) {
+    if (!isByTouch(*event))
+        QTextBrowser::mouseMoveEvent(event);
+}
+
+void TextPage::mouseReleaseEvent(QMouseEvent *event) {
+    const QPointF way = event->position() - pressedAt_;
+    if (isByTouch(*event) &&
+        way.manhattanLength() >= QGuiApplication::styleHints()->startDragDistance())
+        endTouch(*event);
+    else
+        QTextBrowser::mouseReleaseEvent(event);
+}
+
+void TextPage::endTouch(const QMouseEvent &release) {
+    // The link under the finger is not meant.
+    QMouseEvent beside(release.type(), QPointF(-1, -1), release.globalPosition(), release.button(),
+                       release.buttons(), release.modifiers());
+    QTextBrowser::mouseReleaseEvent(&beside);
+    const QPointF way = release.position() - pressedAt_;
+    if (std::abs(way.x()) >= leastSidewards && std::abs(way.x()) > 2 * std::abs(way.y()))
+        Q_EMIT turned((way.x() < 0) == (layoutDirection() == Qt::LeftToRight) ? 1 : -1);
 }
 
 void TextPage::follow(const QUrl &link) {

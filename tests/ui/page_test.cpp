@@ -1,11 +1,14 @@
+#include "kit/page/contrast.h"
 #include "kit/page/text_page.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QFile>
 #include <QPixmap>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBlock>
 
 #include <gtest/gtest.h>
 
@@ -49,6 +52,27 @@ TEST(Page, IsShownInAMomentWhateverAFeedHas) {
     }
 }
 
+TEST(Page, SaysInLinesWhatItCannotDraw) {
+    const QList<std::pair<QString, QString>> pages{
+        {u"<table><tr><th>A<th>B<tr><td>1<td><b>2</b> x</table>after"_s, u"A | B/1 | 2 x/after"_s},
+        {u"<tr> <td> <p>1</p> </td>\n<td><div><div>2</div></div></td></tr>"_s, u"1 | 2"_s},
+        {u"<tr><td>1</td><td></td><td>3</td></tr>"_s, u"1 |  | 3"_s},
+        {u"<tr><td width=9><td><table><tr><td><p>a</p><p>b</p><td>&nbsp;</table>c"_s, u"a/b/c"_s},
+        {u"x<img src='http://a/a%20cat.jpg?w=1'>y<img src=p alt='&amp; <b>'>z"_s,
+         u"x a cat.jpg y & <b> z"_s},
+        {u"a<img src=p width=1><img src=p height='0'><img src=data:x,y><img>z"_s, u"a z"_s},
+        {u"<pre>if a:\n    <b>b</b>\n\n\tc<br>  d\n</pre>e"_s, u"if a:/    b//\tc/  d/e"_s},
+    };
+    TextPage page(nullptr);
+    for (const auto &[html, text] : pages) {
+        page.setPage(html);
+        EXPECT_EQ(page.toPlainText().replace(u'\n', u'/'), text);
+    }
+    page.setPage(pages[0].first);
+    EXPECT_EQ(page.document()->find(u"B"_s).charFormat().fontWeight(), QFont::Bold);
+    EXPECT_NE(page.document()->find(u"x"_s).charFormat().fontWeight(), QFont::Bold);
+}
+
 TEST(Page, LoadsNothing) {
     const QTemporaryDir folder;
     const QString picture = folder.filePath(u"p.png"_s);
@@ -59,7 +83,7 @@ TEST(Page, LoadsNothing) {
     ASSERT_TRUE(sheet.write("* { color: #f00 }") > 0 && sheet.flush());
     const QUrl pictureUrl = QUrl::fromLocalFile(picture);
     TextPage page(nullptr);
-    page.setPage(u"<p>words</p>"_s);
+    page.setPage(u"<a href=x>p.png</a> x<p>words</p>"_s);
     const QImage bare = page.grab().toImage();
     for (const QString &address : {picture, pictureUrl.toString(), u"p.png"_s}) {
         page.setPage(u"<base href='file://%1/'><link rel=stylesheet href='%2'>"
@@ -82,18 +106,22 @@ TEST(Page, TellsTargetsExactlyByTapAndByKey) {
     page.show();
     page.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+    const QStringList markups{u"<a href=\"%1\">the link</a>"_s,
+                              u"<a href=\"%1\"><img src=x alt='the link'></a>"_s,
+                              u"<img src=\"%1\" alt='the link'>"_s};
     for (const QString &target :
          {u"http://example.org/?a=1&b=%20%7e<\u00e9\"'"_s, u"HTTP://Example.ORG:80/../x"_s, u""_s,
           u"#part"_s, u" a  b "_s, u"http://[bad:%zz"_s, QString(600, u'l')}) {
-        const QSignalSpy tapped(&page, &TextPage::linkTapped);
-        page.setPage(
-            u"<a href=other>other</a><p><a href=\"%1\">the link</a>"_s.arg(target.toHtmlEscaped()));
-        const QRect within = page.cursorRect(page.document()->find(u"the l"_s));
-        QTest::mouseClick(page.viewport(), Qt::LeftButton, {}, within.center());
-        page.setTextCursor(QTextCursor(page.document()));
-        for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Return})
-            QTest::keyClick(&page, key);
-        EXPECT_EQ(tapped, QList<QVariantList>(2, {target})) << target.toStdString();
+        for (const QString &markup : markups.first(target.isEmpty() ? 2 : 3)) {
+            const QSignalSpy tapped(&page, &TextPage::linkTapped);
+            page.setPage(u"<a href=other>other</a><p>"_s + markup.arg(target.toHtmlEscaped()));
+            const QRect within = page.cursorRect(page.document()->find(u"the l"_s));
+            QTest::mouseClick(page.viewport(), Qt::LeftButton, {}, within.center());
+            page.setTextCursor(QTextCursor(page.document()));
+            for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Return})
+                QTest::keyClick(&page, key);
+            EXPECT_EQ(tapped, QList<QVariantList>(2, {target})) << target.toStdString();
+        }
     }
 }
 
@@ -114,10 +142,20 @@ TEST(Page, IsReadableAtEverySizeOnEveryGround) {
         EXPECT_DOUBLE_EQ(find(u"eight"_s).charFormat().fontPointSize(), (5 + 2 * level) * 8 / 9.0);
         EXPECT_LT(std::abs(page.cursorRect(find(u"top"_s)).top()), 40) << level;
         for (const QString &text : {u"top"_s, u"blue"_s, u"gray"_s, u"white"_s, u"black"_s}) {
-            const int shown = qGray(find(text).charFormat().foreground().color().rgb());
-            EXPECT_GT(std::abs(shown - qGray(palette.base().color().rgb())), 50)
+            EXPECT_GE(
+                contrastOf(find(text).charFormat().foreground().color(), palette.base().color()),
+                4.5)
                 << level << text.toStdString();
         }
+    }
+    const qreal letter = QFontMetricsF(page.document()->defaultFont()).averageCharWidth();
+    for (const auto &[width, margin] : {std::pair{240, 12}, {2560, 800}}) {
+        page.resize(width, 320);
+        page.grab();
+        const QRectF text =
+            page.document()->documentLayout()->blockBoundingRect(page.document()->lastBlock());
+        EXPECT_TRUE(text.left() >= margin && text.width() <= 75 * letter) << width;
+        EXPECT_NEAR(text.center().x(), page.viewport()->width() / 2.0, 1);
     }
 }
 
