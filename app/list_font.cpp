@@ -1,6 +1,7 @@
 #include "app/list_font.h"
 
 #include "app/data_jobs.h"
+#include "kit/dialog.h"
 #include "kit/list_view.h"
 #include "kit/screen_menu.h"
 #include "kit/screen_stack.h"
@@ -31,7 +32,20 @@ void applyListFont(AppState &state) {
 
 } // namespace
 
+void setFontKeys(Dialog &dialog) {
+    for (const QKeyCombination bigger :
+         {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::SHIFT | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal})
+        dialog.setKey(bigger, CommandFontBigger);
+    dialog.setKey(Qt::CTRL | Qt::Key_Minus, CommandFontSmaller);
+    dialog.setKey(Qt::CTRL | Qt::Key_0, CommandFontSmall);
+}
+
 bool chooseFontSize(AppState &state, int command) {
+    const int present = CommandFontSmall + fontSizeIndex(state);
+    if (command == CommandFontBigger)
+        command = std::min<int>(present + 1, CommandFontBig);
+    else if (command == CommandFontSmaller)
+        command = std::max<int>(present - 1, CommandFontSmall);
     if (command < CommandFontSmall || command > CommandFontBig)
         return false;
     state.fontSize = fontSizes[static_cast<std::size_t>(command - CommandFontSmall)];

@@ -5,6 +5,7 @@
 #include "kit/keys.h"
 #include "kit/menu_bar.h"
 #include "kit/screen_stack.h"
+#include "platform/base/text.h"
 #include "res/strings.h"
 
 #include <QKeyEvent>
@@ -47,6 +48,12 @@ void Dialog::makeMenuBar(MenuBarId id) {
     connect(menuBar_, &MenuBar::menuAboutToOpen, &procedure_, &DialogProcedure::prepareMenu);
 }
 
+void Dialog::setTitle(const QString &title) {
+    headerBar_->setCaption(title);
+    setWindowTitle(withoutControls(title));
+    stack().showTitle();
+}
+
 void Dialog::useTitleStrip() {
     headerUnits_ = titleStripUnits;
     headerBar_->setCaption(resourceString(programNameString));
@@ -64,7 +71,8 @@ void Dialog::setEnterKeys(int command) {
 
 void Dialog::setBackKeys(int command) {
     for (const QKeyCombination key :
-         {QKeyCombination(Qt::Key_Escape), QKeyCombination(Qt::Key_Back), Qt::ALT | Qt::Key_Left})
+         {QKeyCombination(Qt::Key_Escape), QKeyCombination(Qt::Key_Back), Qt::ALT | Qt::Key_Left,
+          Qt::CTRL | Qt::Key_W})
         setKey(key, command);
 }
 
@@ -107,7 +115,8 @@ void Dialog::resizeEvent(QResizeEvent *) { relayout(); }
 
 void Dialog::keyPressEvent(QKeyEvent *event) {
     const int key = event->key();
-    const int exact = event->keyCombination().toCombined();
+    const int exact =
+        QKeyCombination(event->modifiers() & ~Qt::KeypadModifier, Qt::Key(key)).toCombined();
     if (isHelp(key)) {
         if (procedure_.hasHelp())
             Q_EMIT stack().helpRequested();

@@ -36,6 +36,8 @@ public:
     MenuBar *menuBar() const { return menuBar_; }
 
     HeaderBar *headerBar() const { return headerBar_; }
+    /// Names what is open, in the header bar and in the window's title.
+    void setTitle(const QString &title);
     /// Lowers the header bar to the title strip, and names the program in it.
     void useTitleStrip();
     /// Draws the line under the title label that some templates have.

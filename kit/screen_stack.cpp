@@ -3,10 +3,13 @@
 #include "kit/layer.h"
 #include "kit/progress_line.h"
 #include "kit/touch_style.h"
+#include "res/strings.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace tidebrook {
 
@@ -16,7 +19,10 @@ constexpr int progressUnits = 2;
 
 } // namespace
 
-ScreenStack::ScreenStack() : progressLine_(new ProgressLine(this)) { resize(480, 640); }
+ScreenStack::ScreenStack() : progressLine_(new ProgressLine(this)) {
+    resize(480, 640);
+    showTitle();
+}
 
 int ScreenStack::run(Layer &layer) {
     if (isClosing_)
@@ -35,6 +41,7 @@ void ScreenStack::push(Layer &layer) {
             below->hide();
     }
     layers_.append(&layer);
+    showTitle();
     layer.setGeometry(rect());
     layer.show();
     layer.raise();
@@ -49,6 +56,7 @@ void ScreenStack::push(Layer &layer) {
 
 void ScreenStack::pop(Layer &layer) {
     layers_.removeOne(&layer);
+    showTitle();
     Layer *below = top();
     if (below != nullptr) {
         below->setGeometry(rect());
@@ -74,6 +82,15 @@ void ScreenStack::closeTop() {
         layer->closeRequested();
 }
 
+void ScreenStack::showTitle() {
+    QString title = resourceString(programNameString);
+    for (const Layer *layer : std::as_const(layers_)) {
+        if (!layer->windowTitle().isEmpty())
+            title = layer->windowTitle() + u" \u2013 " + resourceString(programNameString);
+    }
+    setWindowTitle(title);
+}
+
 void ScreenStack::summon() {
     const QList<Layer *> layers = layers_; // which a layer may change
     std::any_of(layers.rbegin(), layers.rend(), [](Layer *layer) { return layer->summoned(); });
@@ -96,6 +113,11 @@ void ScreenStack::closeEvent(QCloseEvent *event) {
     isClosing_ = true;
     event->setAccepted(layers_.isEmpty()); // else the last layer's end closes the window
     closeTop();
+}
+
+void ScreenStack::keyPressEvent(QKeyEvent *event) {
+    if (event->keyCombination() == (Qt::CTRL | Qt::Key_Q))
+        close();
 }
 
 void ScreenStack::resizeEvent(QResizeEvent *) { arrange(); }

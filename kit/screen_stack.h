@@ -33,6 +33,9 @@ public:
     /// It is the lower edge of the header of the topmost dialog.
     ProgressLine &progressLine() { return *progressLine_; }
 
+    /// Has the window's title name the topmost layer that has a title, and the program.
+    void showTitle();
+
     /// Summons the layers from the topmost down, until one of them leads the user.
     void summon();
 
@@ -46,6 +49,7 @@ Q_SIGNALS:
 protected:
     bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:

@@ -5,7 +5,6 @@
 #include "kit/icon.h"
 #include "kit/progress_line.h"
 #include "platform/desktop/service.h"
-#include "res/strings.h"
 #include "ui/category_list_screen.h"
 
 #include <QGuiApplication>
@@ -26,7 +25,6 @@ constexpr int unseenDelay = 40;      // ms until the window is shown without a s
 
 Application::Application(DeviceOpening &opening, SingleInstance &single)
     : opening_(opening), single_(single) {
-    stack_.setWindowTitle(resourceString(programNameString));
     watchOthers();
 }
 

@@ -52,6 +52,8 @@ enum Command : int {
     CommandFontSmall = 32801,
     CommandFontNormal = 32802,
     CommandFontBig = 32803,
+    CommandFontBigger = 32830,
+    CommandFontSmaller = 32831,
 
     // posted by the screens
     CommandOpenChannels = 32805,

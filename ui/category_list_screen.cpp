@@ -67,6 +67,8 @@ void CategoryListScreen::initialise() {
     connect(list_, &ListView::menuWanted, dialog().menuBar(),
             qOverload<const QRect &>(&MenuBar::openMenu));
     dialog().headerBar()->setCaption(resourceString(allCategoriesString));
+    setFontKeys(dialog());
+    dialog().setKey(Qt::CTRL | Qt::Key_W, CommandExit);
     dialog().setKey(Qt::Key_F2, CommandRenameCategory);
     dialog().setKey(Qt::Key_F5, CommandUpdateCategory);
     dialog().setKey(Qt::Key_Delete, CommandDeleteCategory);

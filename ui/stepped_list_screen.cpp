@@ -26,6 +26,7 @@ void SteppedListScreen::initialise() {
     list_ = dialog().control<ListView>(ListViewControl);
     dialog().makeMenuBar(kind_.menuBarId);
     dialog().setBackKeys(kind_.backCommand);
+    setFontKeys(dialog());
     dialog().setKey(Qt::Key_F4, CommandShowChoices);
     dialog().setKey(Qt::Key_F5, kind_.updateCommand);
     state_.lists[kind_.screen] = list_;
@@ -54,7 +55,7 @@ void SteppedListScreen::step(int index) {
         return;
     kind_.index = (index + count) % count;
     place_.reset(); // of another list
-    header().setCaption(name());
+    dialog().setTitle(name());
     list_->setAccessibleName(name());
 }
 
