@@ -167,12 +167,18 @@ void ArticleListScreen::openTapped() {
 void ArticleListScreen::openArticle() {
     ArticleViewScreen screen(state());
     const int result = RunDialog(ArticleViewTemplate, state().stack, screen);
-    // In the other orders the article, read now, has moved, and the next unread one has its place.
-    const bool isByDate = state().sortMode == SortMode::Date;
     if (state().fillChannel == name())
-        setPlace({state().articleRow, isByDate ? state().fillTitle : QString()});
+        setPlace(placeBehind(screen));
     if (result == 1 || result == CommandBackToArticles)
         refreshSoon();
+}
+
+// Where the user goes on: at the article that was turned to, or at the next unread one, which has
+// the place of the article that was opened, since that has moved or gone.
+SteppedListScreen::Place ArticleListScreen::placeBehind(const ArticleViewScreen &view) const {
+    const bool isByTitle = view.hasTurned() || state().sortMode == SortMode::Date;
+    const int gone = state().sortMode == SortMode::UnreadOnly ? view.readAbove() : 0;
+    return {state().articleRow - gone, isByTitle ? state().fillTitle : QString()};
 }
 
 void ArticleListScreen::prepareMenu(ScreenMenu &menu) {

@@ -4,6 +4,8 @@
 
 namespace tidebrook {
 
+class ArticleViewScreen;
+
 /// The third screen: the articles of the channel that was opened, in the order that was chosen
 /// last. It ends with 1, on which the second screen refreshes.
 class ArticleListScreen : public SteppedListScreen {
@@ -27,6 +29,7 @@ private:
     void showMode();
     void markAll(bool (FeedStore::*mark)(const QString &channel));
     void openArticle();
+    Place placeBehind(const ArticleViewScreen &view) const;
 
     bool isModeKnown_ = false; // it was read, or chosen
 };

@@ -15,6 +15,7 @@
 #include "store/escape_sql.h"
 #include "ui/article_page.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -27,17 +28,14 @@ constexpr int zoomOfSmall = 2;
 
 int zoomOf(const AppState &state) { return zoomOfSmall + fontSizeIndex(state); }
 
-int rowOfTitle(FeedStore &store, const QString &channel, const QString &title, SortMode mode) {
+QStringList titlesOf(FeedStore &store, const QString &channel, SortMode mode) {
     QList<ArticleRow> articles;
-    if (!store.ListArticles(channel, mode, articles))
-        return -1;
-    int row = 0;
-    for (const ArticleRow &article : std::as_const(articles)) {
-        if (article.title == cutText(title, titleCapacity))
-            return row;
-        ++row;
+    QStringList titles;
+    if (store.ListArticles(channel, mode, articles)) {
+        for (const ArticleRow &article : std::as_const(articles))
+            titles.append(article.title);
     }
-    return -1;
+    return titles;
 }
 
 } // namespace
@@ -47,9 +45,9 @@ struct ArticleViewScreen::Building {
     QString channel;
     QString title;
     SortMode mode = SortMode::Date;
-    bool isRowWanted = false;
+    bool isListWanted = false;
     std::optional<QString> page; ///< nothing when the article could not be read
-    int row = -1;                ///< of the article in its list
+    QStringList titles;          ///< of the list that the article is in
     bool isGone = false;         ///< the article does not exist any more
     bool isDropped = false;      ///< a stop was requested meanwhile
 };
@@ -57,8 +55,8 @@ struct ArticleViewScreen::Building {
 // Reading the article is what marks it read.
 void ArticleViewScreen::build(Device &device, Building &building) {
     FeedStore &store = device.store;
-    if (building.isRowWanted)
-        building.row = rowOfTitle(store, building.channel, building.title, building.mode);
+    if (building.isListWanted)
+        building.titles = titlesOf(store, building.channel, building.mode);
     ArticleExtract detail;
     if (store.GetArticleDetail(building.channel, building.title, detail))
         building.page = articlePage(building.channel, building.title, detail);
@@ -75,6 +73,11 @@ void ArticleViewScreen::initialise() {
     dialog().useTitleStrip();
     connect(page_, &TextPage::linkTapped, this, &ArticleViewScreen::openTarget);
     connect(page_, &TextPage::left, this, &ArticleViewScreen::buildPage);
+    connect(page_, &TextPage::turned, this, &ArticleViewScreen::turn);
+    const bool isMirrored = dialog().layoutDirection() == Qt::RightToLeft;
+    dialog().setKey(Qt::Key_Left, isMirrored ? CommandNext : CommandPrevious);
+    dialog().setKey(Qt::Key_Right, isMirrored ? CommandPrevious : CommandNext);
+    setFontKeys(dialog());
     page_->setZoom(zoomOf(state_));
     chooseArticle();
     buildPage();
@@ -85,9 +88,24 @@ void ArticleViewScreen::chooseArticle() {
         takeOver();
         return;
     }
-    const ListView *list = state_.lists[ArticleScreen];
-    state_.fillTitle = list != nullptr ? list->rowText(state_.articleRow) : QString();
+    if (const ListView *list = state_.lists[ArticleScreen])
+        titles_ = list->rowTexts();
+    state_.fillTitle = titles_.value(state_.articleRow);
     state_.fillChannel = state_.channels.value(state_.channelIndex);
+}
+
+void ArticleViewScreen::turn(int by) {
+    const int row = state_.articleRow + by;
+    if (isTapped_ || state_.articleRow < 0 || row < 0 || row >= titles_.size())
+        return;
+    state_.articleRow = row;
+    state_.fillTitle = titles_[row];
+    buildPage();
+}
+
+int ArticleViewScreen::readAbove() const {
+    return static_cast<int>(
+        std::ranges::count_if(read_, [this](int row) { return row < state_.articleRow; }));
 }
 
 // Shows the article of the tapped headline.
@@ -99,11 +117,14 @@ void ArticleViewScreen::takeOver() {
 }
 
 void ArticleViewScreen::buildPage() {
+    dialog().setTitle(state_.fillChannel);
     auto building = std::make_shared<Building>();
     building->channel = state_.fillChannel;
     building->title = state_.fillTitle;
     building->mode = state_.sortMode;
-    building->isRowWanted = isTapped_;
+    building->isListWanted = isTapped_;
+    if (!isTapped_)
+        read_.insert(state_.articleRow);
     state_.fills.launch(&dialog(), {.collect =
                                         [&device = state_.device, building](FillStop &stop) {
                                             build(device, *building);
@@ -117,18 +138,36 @@ void ArticleViewScreen::show(const Building &building) {
     if (building.isDropped)
         return buildPage();
     if (!building.page)
-        return ShowError(state_, databaseProblemString);
+        return showFailure();
     if (isTapped_ && building.isGone) // the article was deleted before its headline was tapped
         return dialog().post(CommandBackToArticles);
-    if (std::exchange(isTapped_, false))
-        state_.articleRow = building.row;
+    if (std::exchange(isTapped_, false)) {
+        titles_ = building.titles;
+        state_.articleRow =
+            static_cast<int>(titles_.indexOf(cutText(building.title, titleCapacity)));
+        read_ = {state_.articleRow};
+    }
+    shownRow_ = state_.articleRow;
     page_->setPage(*building.page);
+}
+
+// The page stays, and with it what is saved and sent.
+void ArticleViewScreen::showFailure() {
+    if (!isTapped_ && shownRow_ >= 0) {
+        state_.articleRow = shownRow_;
+        state_.fillTitle = titles_[shownRow_];
+    }
+    ShowError(state_, databaseProblemString);
 }
 
 void ArticleViewScreen::command(int id) {
     switch (id) {
     case CommandBackToArticles:
         return close();
+    case CommandPrevious:
+        return turn(-1);
+    case CommandNext:
+        return turn(1);
     case CommandSaveLink:
         return save(SaveKind::Link);
     case CommandSaveArticle:

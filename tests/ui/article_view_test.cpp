@@ -61,12 +61,25 @@ TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
         EXPECT_TRUE(isOfSize(13) && user.seesQuiet());
         EXPECT_EQ(setting(u"FontSize"), 13U);
         EXPECT_TRUE(user.entries(u"Font Size"_s).contains(u"+Big"_s));
+        for (const auto &[key, points] : {std::pair{Qt::Key_Minus, 11}, {Qt::Key_0, 9}}) {
+            user.press(key, Qt::ControlModifier);
+            EXPECT_TRUE(isOfSize(points) && user.seesQuiet()) << points;
+        }
+        for (const Qt::Key bigger : {Qt::Key_Plus, Qt::Key_Equal})
+            user.press(bigger, Qt::ControlModifier);
+        const auto isNamed = [&user](const QString &title) {
+            return user.sees([&] { return user.stack().windowTitle() == title; });
+        };
+        EXPECT_TRUE(isNamed(u"Moon \u2013 Tidebrook"_s) && user.seesCaption(u"Moon"_s));
         for (const QString &caption : {u"Moon"_s, u"Science"_s, u"All Categories"_s}) {
-            user.press(Qt::Key_Escape);
+            user.press(Qt::Key_W, Qt::ControlModifier);
+            ASSERT_TRUE(user.sees([&] { return user.list() != nullptr; }));
             ASSERT_TRUE(user.seesCaption(caption) && user.seesQuiet());
+            EXPECT_TRUE(caption != u"Science" || isNamed(u"Science \u2013 Tidebrook"_s));
             EXPECT_TRUE(isListOf(user, 13, u"+Big"_s));
             EXPECT_TRUE(caption != u"Science" || user.lines().contains(u"Moon: 2/5"_s));
         }
+        EXPECT_TRUE(isNamed(u"Tidebrook"_s));
     });
     run([&](User &user) { EXPECT_TRUE(isListOf(user, 13, u"+Big"_s)) << "after a restart"; });
     session = std::make_unique<TestSession>(device.root);
@@ -77,9 +90,61 @@ TEST_F(ArticleViewTest, IsReadOnceItIsOpenedAndAsBigAsChosenEverywhere) {
         gate.release();
         EXPECT_TRUE(user.seesQuiet());
         EXPECT_TRUE(isListOf(user, 9, u"+Small"_s));
+        go(user, 3);
+        user.press(Qt::Key_Q, Qt::ControlModifier);
+        EXPECT_TRUE(user.sees([&] { return user.stack().top() == nullptr; }));
     }));
     EXPECT_EQ(setting(u"FontSize"), 9U);
     EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 6U);
+}
+
+TEST_F(ArticleViewTest, TurnsToTheArticlesBesideAndTheListFollows) {
+    QList<TestArticle> articles;
+    for (char16_t name = u'a'; name < u'j'; ++name)
+        articles.append({.title = QString(QChar(name)),
+                         .description = QString(3, name) + u"<p>more"_s.repeated(90),
+                         .date = u"2026-01-0%1"_s.arg(u'j' - name)});
+    device.addChannel(u"News"_s, u"Long"_s, articles);
+    const auto swipe = [](int x, int y) { return [=](User &user) { user.touchPage({x, y}); }; };
+    const QHash<QChar, Hand> turns{{u'l', pressing(Qt::Key_Left)}, {u'r', pressing(Qt::Key_Right)},
+                                   {u'-', swipe(-80, 20)},         {u'+', swipe(80, 0)},
+                                   {u'|', swipe(20, -80)},         {u'.', swipe(30, 0)}};
+    const QStringList byDate{u"Sort by"_s, u"Date"_s};
+    const QStringList byStatus{u"Sort by"_s, u"Status"_s};
+    const struct {
+        QStringList order;
+        QString turns;  // each with the article that it leads to
+        QString listed; // afterwards
+        QString selected;
+        Qt::LayoutDirection direction = Qt::LeftToRight;
+    } rounds[]{{byDate, u"rclblala"_s, u"abcdefghi"_s, u"a"_s},
+               {byDate, u"-c|c.c+b-c"_s, u"abcdefghi"_s, u"c"_s},
+               {byDate, u"lc+drc"_s, u"abcdefghi"_s, u"c"_s, Qt::RightToLeft},
+               {byStatus, u"rcrd"_s, u"aefghibcd"_s, u"d"_s},
+               {{u"Show Unread Only"_s}, u"rcrd"_s, u"aefghi"_s, u"e"_s}};
+    run([&](User &user) {
+        go(user, 2, 0);
+        for (const auto &round : rounds) {
+            user.choose({u"Mark all as Unread"_s});
+            user.choose(round.order);
+            ASSERT_TRUE(user.seesQuiet());
+            user.look([&] { user.stack().setLayoutDirection(round.direction); });
+            user.tapRow(1);
+            for (qsizetype i = 0; i < round.turns.size(); i += 2) {
+                ASSERT_TRUE(user.seesPage(u"more"_s) && user.seesQuiet());
+                turns[round.turns[i]](user);
+                EXPECT_TRUE(user.seesQuiet() && user.seesPage(QString(3, round.turns[i + 1])));
+            }
+            user.press(Qt::Key_Escape);
+            ASSERT_TRUE(user.sees([&] { return user.list() != nullptr; }) && user.seesQuiet());
+            EXPECT_EQ(user.rows().join(QString()), round.listed);
+            user.look([&] {
+                const ListView *list = user.list();
+                EXPECT_EQ(list->rowText(SelectedRow(list)), round.selected);
+                EXPECT_TRUE(list->rect().contains(list->visualRect(list->currentIndex())));
+            });
+        }
+    });
 }
 
 TEST_F(ArticleViewTest, ATappedLinkIsOpenedAsOneArgumentOrRefused) {

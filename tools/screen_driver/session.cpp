@@ -56,6 +56,15 @@ QAbstractButton *buttonOf(const QWidget *layer, const QString &text) {
     return nullptr;
 }
 
+void moveFinger(const QPointer<QWidget> &area, const QPoint &start, const QPoint &way) {
+    constexpr int moves = 8;
+    auto touches = QTest::touchEvent(area, finger(), false);
+    touches.press(0, start, area).commit(false);
+    for (int i = 1; !way.isNull() && i <= moves; ++i)
+        touches.move(0, start + way * i / moves, area).commit(false);
+    touches.release(0, start + way, area).commit(false);
+}
+
 QString checkText(bool isChecked, const QString &text) {
     return (isChecked ? u"x "_s : u"- "_s) + text;
 }
@@ -148,15 +157,13 @@ void User::tapBelowRows() {
 }
 
 void User::touchRow(int row, int way) {
-    constexpr int moves = 8;
-    act([this, row, way] {
-        const QPointer<QWidget> area = list()->viewport();
-        const QPoint start = middleOf(*list(), row);
-        auto touches = QTest::touchEvent(area, finger(), false);
-        touches.press(0, start, area).commit(false);
-        for (int i = 1; way != 0 && i <= moves; ++i)
-            touches.move(0, start + QPoint(0, way * i / moves), area).commit(false);
-        touches.release(0, start + QPoint(0, way), area).commit(false);
+    act([this, row, way] { moveFinger(list()->viewport(), middleOf(*list(), row), {0, way}); });
+}
+
+void User::touchPage(const QPoint &way) {
+    act([this, way] {
+        QWidget *area = stack_.top()->findChild<TextPage *>()->viewport();
+        moveFinger(area, area->rect().center(), way);
     });
 }
 
@@ -188,9 +195,7 @@ void User::touch(const QString &text) {
             QTest::mouseClick(openMenu(), Qt::LeftButton, {},
                               menu->actionGeometry(*entry).center());
         } else if (menu == nullptr && button != nullptr) {
-            const QPoint place = button->rect().center();
-            QTest::touchEvent(button, finger(), false).press(0, place, button).commit(false);
-            QTest::touchEvent(button, finger(), false).release(0, place, button).commit(false);
+            moveFinger(button, button->rect().center(), {});
         } else {
             fail_(u"there is no " + text);
         }

@@ -44,6 +44,8 @@ public:
     void holdRow(int row);
     /// Touches an entry of the open menu or, where none is open, a button, by its text.
     void touch(const QString &text);
+    /// Touches a page in its middle, and moves the finger so far before lifting it.
+    void touchPage(const QPoint &way);
     void turnWheel(int steps);
     /// Taps a button by its text or, where it has none, by its name.
     void tap(const QString &buttonText);

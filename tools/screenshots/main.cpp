@@ -141,8 +141,8 @@ const Step steps[]{
     {enter, program, u"wizard-category"_s, 3},
 
     {tappingRows({1}), articles, u"articles"_s},
-    {enter, program, u"article"_s},
-    {choosing({u"Font Size"_s, u"Big"_s}), program, u"article-big"_s},
+    {enter, articles, u"article"_s},
+    {choosing({u"Font Size"_s, u"Big"_s}), articles, u"article-big"_s},
     {tapping(u"Article List"_s), articles, u"articles-big"_s},
     {choosing({u"Font Size"_s, u"Small"_s}), articles},
     {choosing({u"Show Unread Only"_s}), articles, u"articles-unread"_s, 1},
@@ -166,7 +166,9 @@ bool take(User &user, const Step &step, const QString &path) {
 }
 
 bool photographAll(const QDir &folder, bool isDark) {
-    QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
+    QPalette palette = isDark ? darkPalette() : QApplication::style()->standardPalette();
+    QApplication::style()->polish(palette); // as that of a desktop is
+    QApplication::setPalette(palette);
     const Home home({u"Saved articles/"_s, u"Old devices/"_s, u"Channels 2.opml"_s,
                      u"Channels 10.opml"_s, u"News.opml"_s},
                     list, u"Documents"_s);
