@@ -27,15 +27,22 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *) override {
-        const QColor colour =
-            palette().color(isTitle_ ? QPalette::Highlight : QPalette::PlaceholderText);
+        const QColor ground = palette().color(QPalette::Window);
         QPainter painter(this);
-        painter.setPen(readableOn(palette().color(QPalette::Window), colour));
+        painter.setPen(
+            readableOn(ground, isTitle_ ? palette().color(QPalette::Highlight) : grey(ground)));
         painter.drawText(contentsRect(), Qt::AlignLeading | Qt::AlignVCenter | Qt::TextWordWrap,
                          text());
     }
 
 private:
+    QColor grey(const QColor &ground) const {
+        const QColor full = palette().color(QPalette::WindowText);
+        const auto mix = [](int one, int other) { return (2 * one + other) / 3; };
+        return {mix(full.red(), ground.red()), mix(full.green(), ground.green()),
+                mix(full.blue(), ground.blue())};
+    }
+
     const bool isTitle_;
 };
 
