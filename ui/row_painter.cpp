@@ -100,7 +100,8 @@ QList<Label::Line> Label::split(const QString &text, const QFont &font, int coun
         const QRect row(place_.left(), place_.top() + top, widthAt(top + height), height);
         line.setLineWidth(row.width());
         const bool isLast = lines.size() + 1 == count;
-        lines.append({row, text.mid(line.textStart(), isLast ? -1 : line.textLength())});
+        const QString part = text.mid(line.textStart(), isLast ? -1 : line.textLength());
+        lines.append({row, isLast ? part : part.trimmed()});
     }
     layout.endLayout();
     return lines;
