@@ -39,6 +39,9 @@ ListView::ListView(QWidget *parent) : QListView(parent) {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollByTouch(*this);
+    connect(&rows_, &QAbstractItemModel::modelReset, this, &ListView::describe);
+    connect(&rows_, &QAbstractItemModel::rowsInserted, this, &ListView::describe);
+    connect(&rows_, &QAbstractItemModel::rowsRemoved, this, &ListView::describe);
 }
 
 void ListView::setUnits(const DialogUnits &units) {
@@ -263,6 +266,11 @@ void ListView::askForMenu(const QPoint &place) {
 
 void ListView::setEmptyText(const QString &text) {
     emptyText_ = text;
+    describe();
+}
+
+void ListView::describe() {
+    setAccessibleDescription(rowCount() == 0 ? emptyText_ : QString());
     viewport()->update();
 }
 

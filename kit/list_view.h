@@ -108,6 +108,7 @@ private:
     friend class RowDelegate;
     void arrangeRows();
     void moveByKey(QKeyEvent &event);
+    void describe();
     bool isNear(const QPoint &place) const;
     void askForMenu(const QPoint &place);
     void watchEditor(QLineEdit *editor, int row);

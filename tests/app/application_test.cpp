@@ -39,6 +39,18 @@ TEST_F(ApplicationTest, AWindowThatIsClosedWhileTheDeviceOpensShowsNoScreen) {
     }));
 }
 
+TEST_F(ApplicationTest, TheWindowOpensAsLargeAsItWasClosed) {
+    constexpr QSize chosen(500, 600);
+    EXPECT_TRUE(runReader(device.root, [&](User &user) {
+        ASSERT_TRUE(user.seesRows(seeded) && user.seesQuiet());
+        user.resize(chosen);
+        ASSERT_TRUE(user.sees([&] { return user.stack().size() == chosen; }));
+    }));
+    EXPECT_TRUE(runReader(device.root, [&](User &user) {
+        EXPECT_TRUE(user.seesRows(seeded) && user.stack().size() == chosen);
+    }));
+}
+
 TEST_F(ApplicationTest, AStartSeedsCategoriesWhereThereAreNoneAndListsThoseOfChannels) {
     CategoryListStore categories(*device.registry);
     const auto expectStarted = [&](const QStringList &gone, const QStringList &expected) {

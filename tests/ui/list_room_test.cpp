@@ -1,4 +1,5 @@
 #include "kit/layer.h"
+#include "res/strings.h"
 #include "ui/reading_test.h"
 
 #include <QGuiApplication>
@@ -55,6 +56,36 @@ TEST_F(ListRoomTest, RowsMakeRoomForTheScrollBarWhereThereIsOne) {
         };
         run(use, screen);
     }
+}
+
+TEST_F(ListRoomTest, WithoutARowTheListSaysWhatToDo) {
+    run([](User &user) {
+        const auto says = [&user](int id) {
+            return user.seesQuiet() && user.seesPart<ListView>([id](const ListView &list) {
+                return list.accessibleDescription() == (id != 0 ? resourceString(id) : QString());
+            });
+        };
+        EXPECT_TRUE(says(0));
+        user.tapRow(1);
+        ASSERT_TRUE(user.seesLines(scienceLines));
+        user.tapRow(2);
+        ASSERT_TRUE(user.seesCaption(u"Star"_s));
+        EXPECT_TRUE(says(noArticleYetString));
+        user.choose({u"Show Unread Only"_s});
+        EXPECT_TRUE(says(nothingUnreadString));
+        const auto isNoted = [](const HeaderBar &header) {
+            return header.accessibleName() == u"Star, unread only";
+        };
+        EXPECT_TRUE(user.seesPart<HeaderBar>(isNoted));
+        user.press(Qt::Key_Escape);
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesRows(seeded) && user.seesQuiet());
+        for (int rows = 3; rows > 0; --rows) {
+            removeCategory(user);
+            ASSERT_TRUE(user.sees([&] { return user.list()->rowCount() == rows - 1; }));
+        }
+        EXPECT_TRUE(says(noCategoryYetString));
+    });
 }
 
 TEST_F(ListRoomTest, ScrollsAndKeepsWhatIsSelectedInSight) {
