@@ -18,6 +18,16 @@ void setButtonText(QAbstractButton &button, QString text) {
     button.setText(text.replace(QLatin1Char('&'), QLatin1String("&&")));
 }
 
+// Says what a control is for that has no text of its own. Qt names a drop-down list by its choice
+// alone, so a label, or else a description, tells the rest.
+void nameBy(QWidget *before, const QString &text, QWidget &control) {
+    control.setAccessibleName(text);
+    if (auto *label = qobject_cast<QLabel *>(before))
+        label->setBuddy(&control);
+    else
+        control.setAccessibleDescription(text);
+}
+
 void refreshContent(QWidget &control, const ControlTemplate &item, bool isWide) {
     const QString text = QString::fromUtf16(isWide ? item.wideText : item.text);
     auto *label = qobject_cast<QLabel *>(&control);
@@ -84,13 +94,16 @@ Form::Form(int templateId, QWidget *parent, const QPoint &origin)
     QFont templateFont = font();
     templateFont.setPointSize(dialogFontPoints);
     setFont(templateFont);
-    QString label;
+    QWidget *before = nullptr; // the last control with a text
+    QString text;
     for (const ControlTemplate &item : dialog->controls) {
         QWidget *control = makeControl(item, this);
-        if (item.kind == ControlKind::Label)
-            label = QString::fromUtf16(item.text).remove(QLatin1Char(':'));
-        else if (item.text == nullptr)
-            control->setAccessibleName(label);
+        if (item.text == nullptr && item.kind != ControlKind::Label) {
+            nameBy(before, text, *control);
+        } else if (item.text != nullptr) {
+            before = control;
+            text = QString::fromUtf16(item.text).remove(QLatin1Char(':'));
+        }
         if (!controls_.contains(item.id))
             controls_.insert(item.id, control);
     }

@@ -57,6 +57,7 @@ void HeaderBar::setNote(const QString &note) {
 void HeaderBar::nameAll() {
     const QString name = note_.isEmpty() ? caption_ : QString(caption_ + u", " + note_);
     setAccessibleName(name);
+    parentWidget()->setAccessibleName(name);
     if (captionKey_ != nullptr)
         captionKey_->setAccessibleName(name);
     update();
@@ -104,6 +105,7 @@ void HeaderBar::setChoices(const QStringList &names, int current) {
     rows.reserve(names.size());
     for (const QString &name : names)
         rows.append({name});
+    choices_->setAccessibleName(caption_);
     choices_->setRows(rows);
     choices_->selectRow(current);
 }

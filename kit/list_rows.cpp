@@ -17,6 +17,8 @@ QVariant ListRows::data(const QModelIndex &index, int role) const {
     case Qt::EditRole:
         return row.text;
     case Qt::AccessibleTextRole:
+        if (speech_)
+            return speech_(row);
         return row.detail.isEmpty() ? row.text : QString(row.text + u", " + row.detail);
     default:
         return {};

@@ -4,6 +4,9 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
+#include <utility>
+
 namespace tidebrook {
 
 struct ListRow {
@@ -22,6 +25,8 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
+    /// What a screen reader says of a row, instead of its text and detail.
+    void setSpeech(std::function<QString(const ListRow &)> speech) { speech_ = std::move(speech); }
     void setEditable(bool editable) { isEditable_ = editable; }
 
     void replace(QList<ListRow> rows);
@@ -34,6 +39,7 @@ public:
 
 private:
     QList<ListRow> rows_;
+    std::function<QString(const ListRow &)> speech_;
     bool isEditable_ = false;
 };
 

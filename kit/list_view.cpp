@@ -1,5 +1,6 @@
 #include "kit/list_view.h"
 
+#include "kit/accessible_list.h"
 #include "kit/keys.h"
 #include "kit/layer.h"
 #include "kit/row_delegate.h"
@@ -125,6 +126,7 @@ void ListView::editLabel(int row) {
 
 void ListView::watchEditor(QLineEdit *editor, int row) {
     editor_ = editor;
+    editor->setAccessibleName(rowText(row));
     selectRow(row);
 }
 
@@ -164,6 +166,11 @@ void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
     QListView::closeEditor(editor, hint);
     if (isLabelEditor && !isEditingLabel())
         Q_EMIT labelEditEnded();
+}
+
+void ListView::focusInEvent(QFocusEvent *event) {
+    QListView::focusInEvent(event);
+    tellFocusedRow(*this);
 }
 
 void ListView::keyPressEvent(QKeyEvent *event) {

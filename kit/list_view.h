@@ -65,6 +65,8 @@ public:
     /// Selects and focuses a row and scrolls to it; a number without a row selects none.
     void selectRow(int row);
 
+    void setSpeech(std::function<QString(const ListRow &)> speech) { rows_.setSpeech(speech); }
+
     void setLabelsEditable(bool editable) { rows_.setEditable(editable); }
     /// The length limit in UTF-16 units; to be set before a label is edited.
     void setLabelLimit(int units) { labelLimit_ = units; }
@@ -94,6 +96,7 @@ Q_SIGNALS:
 
 protected:
     void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;
+    void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;

@@ -1,5 +1,6 @@
 #include "kit/progress_line.h"
 
+#include <QAccessible>
 #include <QPainter>
 #include <QTimerEvent>
 
@@ -37,6 +38,10 @@ void ProgressLine::setSteps(int done, int all) {
     done_ = done;
     all_ = all;
     update();
+    if (QAccessible::isActive()) {
+        QAccessibleValueChangeEvent event(this, done);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void ProgressLine::timerEvent(QTimerEvent *) {

@@ -19,6 +19,8 @@ public:
 
     /// The line shows these steps until all work ends; 0 of 0 when they are not known.
     void setSteps(int done, int all);
+    int stepsDone() const { return done_; }
+    int steps() const { return all_; }
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -53,7 +53,10 @@ void ScreenMenu::fill(QMenu &menu, std::span<const MenuEntry> entries) {
         } else {
             QAction *action = menu.addAction(QString::fromUtf16(entry.text));
             const int command = entry.command;
-            connect(action, &QAction::triggered, this, [this, command] { Q_EMIT chosen(command); });
+            connect(action, &QAction::triggered, this, [this, command] {
+                close(); // which a choice through a screen reader leaves out
+                Q_EMIT chosen(command);
+            });
             actions_.insert(command, action);
         }
     }

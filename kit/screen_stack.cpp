@@ -1,10 +1,12 @@
 #include "kit/screen_stack.h"
 
+#include "kit/accessible_parts.h"
 #include "kit/layer.h"
 #include "kit/progress_line.h"
 #include "kit/touch_style.h"
 #include "res/strings.h"
 
+#include <QAccessible>
 #include <QCloseEvent>
 #include <QKeyEvent>
 
@@ -20,6 +22,7 @@ constexpr int progressUnits = 2;
 } // namespace
 
 ScreenStack::ScreenStack() : progressLine_(new ProgressLine(this)) {
+    installAccessibleParts();
     resize(480, 640);
     showTitle();
 }
@@ -51,6 +54,11 @@ void ScreenStack::push(Layer &layer) {
     }
     if (QWidget *first = layer.firstFocus())
         first->setFocus();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(&layer,
+                               layer.isOpaque() ? QAccessible::DialogStart : QAccessible::Alert);
+        QAccessible::updateAccessibility(&event);
+    }
     layer.activated();
 }
 

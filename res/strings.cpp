@@ -100,6 +100,10 @@ constexpr std::array table{
     Entry{oneAutomaticString, u"1 channel takes part."},
     Entry{manyAutomaticString, u"%1 channels take part."},
     Entry{automaticUnknownString, u"The list of the channels that take part cannot be read."},
+    Entry{atWorkString, u"At work"},
+    Entry{unreadString, u"unread"},
+    Entry{unreadOfString, u"%1 unread of %2"},
+    Entry{notUpdatedString, u"not updated yet"},
 };
 
 constexpr quint32 firstErrorCode = 1000;

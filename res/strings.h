@@ -51,6 +51,12 @@ inline constexpr int folderAboveString = 62;
 inline constexpr int fileNameString = 63;
 inline constexpr int filesString = 64;
 
+// what a screen reader says
+inline constexpr int atWorkString = 90;
+inline constexpr int unreadString = 91;
+inline constexpr int unreadOfString = 92;
+inline constexpr int notUpdatedString = 93;
+
 // choices, with successive ids
 inline constexpr int firstIntervalString = 17;
 inline constexpr int intervalCount = 6;

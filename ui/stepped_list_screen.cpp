@@ -14,6 +14,7 @@
 #include "res/strings.h"
 #include "ui/column_width.h"
 #include "ui/row_painter.h"
+#include "ui/row_speech.h"
 
 #include <QScrollBar>
 
@@ -32,6 +33,7 @@ void SteppedListScreen::initialise() {
     state_.lists[kind_.screen] = list_;
     list_->setImages({"article-unread", "article-read", "channel"}); // as `RowImage` counts them
     list_->setItemDelegate(new RowPainter(*list_));
+    list_->setSpeech(&rowSpeech);
     list_->setFont(state_.listFont);
     list_->setHasMenu(true);
     connect(list_, &ListView::menuWanted, dialog().menuBar(),

@@ -43,9 +43,10 @@ Stored readStored(Device &device, const QString &category, const QString &channe
 }
 
 // The text that the user has changed, without the blanks at its end, which the database ignores;
-// the old one when he has not: an edit may show less than there is.
+// the old one when he has not: an edit may show less than there is. What a screen reader writes
+// does not count as modified.
 QString edited(const QLineEdit &edit, qsizetype limit, const QString &before) {
-    if (!edit.isModified())
+    if (edit.text() == before.left(edit.maxLength()))
         return before;
     return TrimTrailingBlanks(cutText(withoutControls(edit.text()), limit)).toString();
 }
