@@ -1,5 +1,6 @@
 #include "kit/list_rows.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tidebrook {
@@ -35,6 +36,16 @@ void ListRows::replace(QList<ListRow> rows) {
     beginResetModel();
     rows_ = std::move(rows);
     endResetModel();
+}
+
+bool ListRows::update(const QList<ListRow> &rows) {
+    if (!std::ranges::equal(rows_, rows, {}, &ListRow::text, &ListRow::text))
+        return false;
+    for (int i = 0; i < rowCount(); ++i) {
+        if (std::exchange(rows_[i], rows[i]) != rows[i])
+            Q_EMIT dataChanged(index(i), index(i));
+    }
+    return true;
 }
 
 void ListRows::insert(int row, const ListRow &content) {

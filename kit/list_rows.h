@@ -14,6 +14,8 @@ struct ListRow {
     QString detail = {};    ///< at the bottom right
     int image = 0;          ///< the number of one of the list's images
     bool isChecked = false; ///< in a list of check boxes
+
+    bool operator==(const ListRow &) const = default;
 };
 
 class ListRows : public QAbstractListModel {
@@ -30,6 +32,8 @@ public:
     void setEditable(bool editable) { isEditable_ = editable; }
 
     void replace(QList<ListRow> rows);
+    /// Changes what differs. False, and nothing is done, when the texts are others.
+    bool update(const QList<ListRow> &rows);
     void insert(int row, const ListRow &content);
     void remove(int row);
     template <class Value> void change(int row, Value ListRow::*part, const Value &value) {

@@ -43,6 +43,8 @@ public:
     /// Replaces all rows, and selects none. A tap in progress still opens its row if that stays at
     /// its place.
     void setRows(QList<ListRow> rows);
+    /// Changes the details of rows with the same labels, and moves nothing. False for other labels.
+    bool updateRows(const QList<ListRow> &rows) { return rows_.update(rows); }
     void insertRow(int row, const ListRow &content) { rows_.insert(row, content); }
     void removeRow(int row);
     void setRowText(int row, const QString &text) { rows_.change(row, &ListRow::text, text); }

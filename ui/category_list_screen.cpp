@@ -3,6 +3,7 @@
 #include "app/data_jobs.h"
 #include "app/list_font.h"
 #include "app/messages.h"
+#include "app/outside_changes.h"
 #include "app/text_screens.h"
 #include "app/today_taps.h"
 #include "kit/dialog.h"
@@ -17,6 +18,7 @@
 #include "share/dialogs/opml_export.h"
 #include "ui/channel_list_screen.h"
 #include "ui/column_width.h"
+#include "ui/kept_place.h"
 #include "ui/update_commands.h"
 #include "update/dialogs/settings_sheet.h"
 
@@ -35,6 +37,21 @@ QString newName(const ListView &list) {
     for (int counter = 0; list.findRow(name) >= 0; ++counter)
         name = base + QStringLiteral(" (%1)").arg(counter);
     return name;
+}
+
+QList<ListRow> rowsOf(const QStringList &names) {
+    QList<ListRow> rows;
+    rows.reserve(names.size());
+    for (const QString &name : names)
+        rows.append({name});
+    return rows;
+}
+
+// A new category is the first one in the list before it is the last one in store.
+bool areSame(QStringList names, QStringList others) {
+    names.sort();
+    others.sort();
+    return names == others;
 }
 
 // The height of the window's lower part that an on-screen keyboard covers, in pixels.
@@ -58,6 +75,8 @@ void CategoryListScreen::initialise() {
     connect(list_, &ListView::tapped, this, &CategoryListScreen::handleTap);
     connect(list_, &ListView::labelEdited, this, &CategoryListScreen::endLabelEdit);
     connect(list_, &ListView::labelEditEnded, this, &CategoryListScreen::catchUp);
+    connect(&OutsideChanges::of(state_), &OutsideChanges::noticed, this,
+            &CategoryListScreen::follow);
     const QInputMethod *panel = QGuiApplication::inputMethod();
     connect(panel, &QInputMethod::visibleChanged, &dialog(), &Dialog::relayout);
     connect(panel, &QInputMethod::keyboardRectangleChanged, &dialog(), &Dialog::relayout);
@@ -130,14 +149,31 @@ void CategoryListScreen::showCategories(const QStringList &names) {
         isRefreshOwed_ = true;
         return;
     }
-    QList<ListRow> rows;
-    rows.reserve(names.size());
-    for (const QString &name : names)
-        rows.append({name});
-    list_->setRows(std::move(rows));
+    list_->setRows(rowsOf(names));
     list_->setEmptyText(resourceString(noCategoryYetString));
     list_->selectRow(0);
     fitColumn(*list_, state_.stack);
+}
+
+// Shows what another program has made of the categories. A failure is not shown: the user has asked
+// for nothing.
+void CategoryListScreen::follow() {
+    const auto canFollow = [this] {
+        const bool isFree =
+            state_.stack.top() == &dialog() && !list_->isEditingLabel() && changes_ == 0;
+        isFollowOwed_ = !isFree;
+        return isFree;
+    };
+    if (!canFollow())
+        return;
+    state_.changes.ask(
+        &dialog(), [&store = state_.device.categoryStore] { return store.listedCategories(); },
+        [this, canFollow](const std::optional<QStringList> &names) {
+            if (!names || !canFollow() || areSame(*names, list_->rowTexts()))
+                return;
+            followRows(*list_, rowsOf(*names));
+            fitColumn(*list_, state_.stack);
+        });
 }
 
 bool CategoryListScreen::warnWithoutSelection() {
@@ -161,6 +197,8 @@ JobEnd CategoryListScreen::counted(JobEnd end) {
 void CategoryListScreen::catchUp() {
     if (list_->isEditingLabel() || changes_ > 0)
         return;
+    if (std::exchange(isFollowOwed_, false))
+        follow();
     if (std::exchange(isRefreshOwed_, false)) {
         isUnread_ = false; // no second refresh
         dialog().post(CommandRefreshCategories);
@@ -287,6 +325,8 @@ void CategoryListScreen::openChannels() {
 void CategoryListScreen::activated() {
     if (std::exchange(isUnread_, false))
         dialog().post(CommandRefreshCategories);
+    if (std::exchange(isFollowOwed_, false))
+        follow();
     lookForTodayTap(state_);
     QGuiApplication::inputMethod()->hide();
 }

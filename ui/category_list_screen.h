@@ -26,6 +26,7 @@ private:
     void initialise() override;
     void refresh();
     void showCategories(const QStringList &names);
+    void follow();
     bool warnWithoutSelection();
 
     JobEnd counted(JobEnd end);
@@ -46,6 +47,7 @@ private:
     ListView *list_ = nullptr;
     int changes_ = 0;             // begun, and not stored yet
     bool isRefreshOwed_ = false;  // the stored rows could not be shown when they were read
+    bool isFollowOwed_ = false;   // what was noticed could not be followed at the time
     int owedMessage_ = 0;         // of a failure that could not be shown when it came
     bool isUnread_ = false;       // reading failed; it is tried again when the user comes back
     bool isFailureShown_ = false; // until the list is refreshed

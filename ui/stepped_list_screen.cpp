@@ -2,6 +2,7 @@
 
 #include "app/list_font.h"
 #include "app/messages.h"
+#include "app/outside_changes.h"
 #include "app/today_taps.h"
 #include "kit/dialog.h"
 #include "kit/header_bar.h"
@@ -43,6 +44,8 @@ void SteppedListScreen::initialise() {
         state_.fills.requestStop();
         openSelected();
     });
+    connect(&OutsideChanges::of(state_), &OutsideChanges::noticed, this,
+            &SteppedListScreen::follow);
     header().setSteppable();
     connect(&header(), &HeaderBar::choiceTaken, this, &SteppedListScreen::handleChoice);
     step(kind_.index);
@@ -108,6 +111,7 @@ void SteppedListScreen::refresh() {
 }
 
 void SteppedListScreen::fill(const QString &name) {
+    ++fills_;
     auto filling = std::make_shared<Filling>();
     const auto collect = [filling, &device = state_.device, read = collector()](FillStop &stop) {
         filling->rows = read(stop);
@@ -120,6 +124,7 @@ void SteppedListScreen::fill(const QString &name) {
 }
 
 void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
+    ++fills_;
     const bool isRead = filling.rows.has_value();
     if (isRead)
         showRows(name, std::move(*filling.rows));
@@ -129,6 +134,35 @@ void SteppedListScreen::showFilling(const QString &name, Filling &filling) {
         refreshSoon(); // reads the rest
     else if (isRead)
         filled();
+    if (std::exchange(isFollowOwed_, false))
+        follow();
+}
+
+// Reads in order with the user's changes, and beside the fills, whose stops are not meant for it. A
+// failure is not shown: the user has asked for nothing.
+void SteppedListScreen::follow() {
+    if (state_.stack.top() != &dialog() || !shown_) {
+        isFollowOwed_ = true;
+        return;
+    }
+    const auto collect = [read = collector()] {
+        const std::atomic<int> noStops = 0;
+        const std::atomic<bool> isFinished = false;
+        FillStop stop(noStops, isFinished);
+        return read(stop);
+    };
+    state_.changes.ask(&dialog(), collect,
+                       [this, fills = fills_](const Rows &rows) { showFollowed(rows, fills); });
+}
+
+// Rows that were read beside a fill may be older than its own.
+void SteppedListScreen::showFollowed(const Rows &rows, int fills) {
+    if (fills != fills_ || state_.stack.top() != &dialog())
+        return follow();
+    if (!rows || shown_ != name())
+        return;
+    followRows(*list_, *rows);
+    sized();
 }
 
 void SteppedListScreen::showReadFailure() {
@@ -147,7 +181,7 @@ void SteppedListScreen::showRows(const QString &name, QList<ListRow> rows) {
         replaceRows(std::move(rows));
     } else {
         list_->setRows(std::move(rows));
-        selectPlace(std::exchange(place_, std::nullopt).value_or(Place{0, {}}));
+        selectPlace(*list_, std::exchange(place_, std::nullopt).value_or(Place{0, {}}));
     }
     sized();
 }
@@ -161,20 +195,9 @@ void SteppedListScreen::replaceRows(QList<ListRow> rows) {
     list_->doItemsLayout();
     bar.setValue(scrolled);
     const auto place = std::exchange(place_, std::nullopt);
-    selectPlace(place.value_or(selected));
+    selectPlace(*list_, place.value_or(selected));
     if (!place)
         bar.setValue(scrolled);
-}
-
-// Of several rows with the text the one at the old place is selected; without any, the row that is
-// now at that place.
-void SteppedListScreen::selectPlace(const Place &place) {
-    int row = place.row;
-    if (!place.text.isNull() && list_->rowText(row) != place.text) {
-        if (const int found = list_->findRow(place.text); found >= 0)
-            row = found;
-    }
-    list_->selectRow(std::clamp(row, 0, std::max(0, list_->rowCount() - 1)));
 }
 
 void SteppedListScreen::toggleChoices() {
@@ -223,7 +246,11 @@ void SteppedListScreen::openSelected() {
         open(*row);
 }
 
-void SteppedListScreen::activated() { lookForTodayTap(state_); }
+void SteppedListScreen::activated() {
+    if (std::exchange(isFollowOwed_, false))
+        follow();
+    lookForTodayTap(state_);
+}
 
 // The refresh comes, and leads to the headline, once the screen is on top.
 bool SteppedListScreen::summoned() {

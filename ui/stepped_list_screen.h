@@ -4,6 +4,7 @@
 #include "kit/dialog_procedure.h"
 #include "kit/list_rows.h"
 #include "res/ids.h"
+#include "ui/kept_place.h"
 
 #include <QList>
 
@@ -41,13 +42,6 @@ protected:
         int &index; ///< of the present name; out of range when there is none
     };
     SteppedListScreen(AppState &state, const Kind &kind) : state_(state), kind_(kind) {}
-
-    /// A row of the list: the one with this text, which may have moved, or the one with this number
-    /// when the text is null.
-    struct Place {
-        int row;
-        QString text;
-    };
 
     /// The rows of a list; nothing when they could not be read.
     using Rows = std::optional<QList<ListRow>>;
@@ -96,7 +90,8 @@ private:
     void showReadFailure();
     void showRows(const QString &name, QList<ListRow> rows);
     void replaceRows(QList<ListRow> rows);
-    void selectPlace(const Place &place);
+    void follow();
+    void showFollowed(const Rows &rows, int fills);
     void stepByCommand(int index);
     void toggleChoices();
     void hideChoices();
@@ -109,6 +104,8 @@ private:
     ListView *list_ = nullptr;
     std::optional<QString> shown_; // the name whose rows are in the list
     std::optional<Place> place_;
+    int fills_ = 0;             // begun, and shown
+    bool isFollowOwed_ = false; // what was noticed could not be followed at the time
 };
 
 /// The rows of what a job has read, up to where it is stopped.

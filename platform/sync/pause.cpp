@@ -26,13 +26,15 @@ std::atomic<int> &scale() {
 } // namespace
 
 bool Pause(int milliseconds, const StopSignal *stop) {
-    const auto scaled = std::chrono::milliseconds(milliseconds) * scale().load() / 100;
+    const std::chrono::milliseconds scaled(scaledPause(milliseconds));
     if (stop != nullptr)
         return !stop->wait(scaled);
     if (scaled.count() > 0)
         std::this_thread::sleep_for(scaled);
     return true;
 }
+
+int scaledPause(int milliseconds) { return milliseconds * scale().load() / 100; }
 
 void setPauseScale(int percent) { scale() = percent; }
 

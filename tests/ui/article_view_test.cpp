@@ -197,8 +197,11 @@ TEST_F(ArticleViewTest, WhatOthersChangeWhileAScreenIsOpenEndsInAListOfWhatIsLef
             run([&](User &user) {
                 go(user, screen);
                 ASSERT_EQ(std::system((other + ' ' + change).c_str()), 0);
-                user.press(Qt::Key_Return); // what is shown, but may be gone
-                for (int back = std::min(screen + 1, 3); back > 1; --back) {
+                const bool isEmptied = screen == 2 && change[0] != 'm'; // an open list follows
+                ASSERT_TRUE(!isEmptied || user.sees([&] { return user.list()->rowCount() == 0; }));
+                if (!isEmptied)
+                    user.press(Qt::Key_Return); // what is shown, but may be gone
+                for (int back = isEmptied ? 2 : std::min(screen + 1, 3); back > 1; --back) {
                     EXPECT_TRUE(user.seesQuiet() && user.seesNoBox());
                     user.press(Qt::Key_Escape);
                 }

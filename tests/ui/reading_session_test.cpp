@@ -185,5 +185,45 @@ TEST_F(ReadingSessionTest, AWaitEndsByAKeyAndAllOfThemByTheClosedWindow) {
     EXPECT_LT(timer.elapsed(), 20'000) << "the servers' own limit is longer";
 }
 
+TEST_F(ReadingSessionTest, OpenListsFollowAnotherProgramAndStayWhereTheyAre) {
+    run([&](User &user) {
+        ok(u"delete-category B"_s);
+        ASSERT_TRUE(user.seesRows({u"C"_s, u"D"_s}) && user.seesSelected(0));
+        user.press(Qt::Key_F2);
+        ASSERT_TRUE(user.seesEditor(u"C"_s));
+        user.type(u"X"_s);
+        ok(u"add-category E"_s);
+        ASSERT_TRUE(user.seesQuiet() && user.seesEditor(u"X"_s));
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesRows({u"C"_s, u"D"_s, u"E"_s}) && user.seesSelected(0));
+
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesRows({u"d"_s, u"e"_s, u"f"_s}) && user.seesQuiet());
+        user.press(Qt::Key_Down);
+        publish(9);
+        ok(u"update C"_s);
+        ASSERT_TRUE(user.seesLines({u"d: 9/9"_s, u"e: 9/9"_s, u"f: 9/9"_s}));
+        ok(u"delete d"_s);
+        ASSERT_TRUE(user.seesLines({u"e: 9/9"_s, u"f: 9/9"_s}) && user.seesSelected(0));
+
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.sees([&] { return user.list()->rowCount() == 9; }) && user.seesQuiet());
+        for (int i = 0; i < 7; ++i)
+            user.press(Qt::Key_Down); // and the list scrolls
+        ASSERT_TRUE(user.seesSelected(7));
+        const auto place = [&user] {
+            const ListView &list = *user.list();
+            return QStringList{list.rowText(SelectedRow(&list)),
+                               list.rowText(list.indexAt({0, 0}).row())};
+        };
+        QStringList before;
+        user.look([&] { before = place(); });
+        server_.serve(path(u'e'), generatedFeed(5, u'e', 100));
+        ok(u"update C e"_s);
+        EXPECT_TRUE(user.sees([&] { return user.list()->rowCount() == 9 + 5; }));
+        user.look([&] { EXPECT_EQ(place(), before); });
+    });
+}
+
 } // namespace
 } // namespace tidebrook

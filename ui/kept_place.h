@@ -1,0 +1,24 @@
+#pragma once
+
+#include "kit/list_rows.h"
+
+namespace tidebrook {
+
+class ListView;
+
+/// A row of a list: the one with this text, which may have moved, or the one with this number when
+/// the text is null.
+struct Place {
+    int row;
+    QString text;
+};
+
+/// Of several rows with the text the one at the old place is selected; without any, the row that is
+/// now at that place.
+void selectPlace(ListView &list, const Place &place);
+
+/// Shows rows that have changed without the user's doing. What is selected stays selected and what
+/// is in sight stays there.
+void followRows(ListView &list, QList<ListRow> rows);
+
+} // namespace tidebrook
