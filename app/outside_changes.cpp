@@ -18,7 +18,7 @@ constexpr int pause = 1000; // ms
 constexpr int shortestPause = 50;
 // What is written to a journal can be read when its writer lets go of the lock: a pause later, or
 // where the disk is slow, two.
-constexpr int tellings = 2;
+constexpr int reports = 2;
 
 int pauseLength() { return std::max(scaledPause(pause), shortestPause); }
 
@@ -55,7 +55,7 @@ void OutsideChanges::watch() {
 }
 
 void OutsideChanges::note() {
-    due_ = tellings;
+    due_ = reports;
     if (isSeen(state_.stack) && !pause_.isActive())
         pause_.start(pauseLength(), this);
 }

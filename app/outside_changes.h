@@ -11,8 +11,8 @@ namespace tidebrook {
 struct AppState;
 
 /// Notices that the database or the registry was changed: by another program, such as the
-/// downloader, or by this one, for the files do not tell by whom. So whoever is told reads what it
-/// shows, and compares. Nothing is polled, and nothing is told while the window cannot be seen.
+/// downloader, or by this one, because the files do not show by which. So a receiver reads its rows
+/// and compares them. Nothing is polled, and nothing is reported while the window cannot be seen.
 class OutsideChanges : public QObject {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ private:
     AppState &state_;
     const QStringList databases_;
     QFileSystemWatcher *watcher_ = nullptr; // once the program has started
-    int due_ = 1;                           // tellings of what was changed, for all that is known
+    int due_ = 1;                           // reports to be sent; one for what happened before
     QBasicTimer pause_;
 };
 

@@ -75,7 +75,7 @@ public:
         return {list_->isCheckable() ? toggleAction() : pressAction(), showMenuAction(),
                 setFocusAction()};
     }
-    // What is opened may run until the user leaves it, and whoever asks waits for an answer.
+    // What is opened may run until the user leaves it, while a screen reader waits for an answer.
     void doAction(const QString &name) override {
         QMetaObject::invokeMethod(
             list_, [&list = *list_, index = index_, name] { act(list, index, name); },

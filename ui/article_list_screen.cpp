@@ -175,7 +175,7 @@ void ArticleListScreen::openArticle() {
 
 // Where the user goes on: at the article that was turned to, or at the next unread one, which has
 // the place of the article that was opened, since that has moved or gone.
-SteppedListScreen::Place ArticleListScreen::placeBehind(const ArticleViewScreen &view) const {
+Place ArticleListScreen::placeBehind(const ArticleViewScreen &view) const {
     const bool isByTitle = view.hasTurned() || state().sortMode == SortMode::Date;
     const int gone = state().sortMode == SortMode::UnreadOnly ? view.readAbove() : 0;
     return {state().articleRow - gone, isByTitle ? state().fillTitle : QString()};
