@@ -78,6 +78,7 @@ TEST_F(ListRoomTest, WithoutARowTheListSaysWhatToDo) {
         };
         EXPECT_TRUE(user.seesPart<HeaderBar>(isNoted));
         user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesLines(scienceLines));
         user.press(Qt::Key_Escape);
         ASSERT_TRUE(user.seesRows(seeded) && user.seesQuiet());
         for (int rows = 3; rows > 0; --rows) {
