@@ -67,8 +67,9 @@ TEST_F(ApplicationTest, AStartSeedsCategoriesWhereThereAreNoneAndListsThoseOfCha
     EXPECT_EQ(device.channelNames(u"Science"_s), QStringList()) << "their channels do not return";
 }
 
-TEST_F(ApplicationTest, AChannelIsDeletedFromTheFirstStartOnByFingerOrByKeys) {
+TEST_F(ApplicationTest, AChannelIsDeletedFromTheFirstStartOnByFingerMouseOrKeys) {
     const QStringList technology{u"Ars Technica"_s, u"Hacker News"_s, u"Phoronix"_s};
+    const QString question = u"Are you sure you want to delete this channel?"_s;
     const Hand hands[]{
         [&](User &user) {
             user.touchRow(1);
@@ -76,8 +77,17 @@ TEST_F(ApplicationTest, AChannelIsDeletedFromTheFirstStartOnByFingerOrByKeys) {
             user.touchRow(2, -60); // which selects nothing
             user.holdRow(1);
             user.touch(u"Delete Channel"_s);
-            ASSERT_TRUE(user.seesBox(u"Are you sure you want to delete this channel?"_s));
+            ASSERT_TRUE(user.seesBox(question, technology[1]));
             user.touch(u"Yes"_s);
+        },
+        [&](User &user) {
+            user.tapRow(1);
+            ASSERT_TRUE(user.seesRows(technology) && user.seesQuiet());
+            user.clickRight(1);
+            ASSERT_TRUE(user.seesPopup());
+            user.touch(u"Delete Channel"_s);
+            ASSERT_TRUE(user.seesBox(question, technology[1]));
+            user.tap(u"Yes"_s);
         },
         [&](User &user) {
             user.press(Qt::Key_Down);
@@ -88,7 +98,7 @@ TEST_F(ApplicationTest, AChannelIsDeletedFromTheFirstStartOnByFingerOrByKeys) {
             ASSERT_TRUE(user.seesPopup());
             user.press(Qt::Key_D);
             user.press(Qt::Key_Return);
-            ASSERT_TRUE(user.seesBox(u"Are you sure you want to delete this channel?"_s));
+            ASSERT_TRUE(user.seesBox(question, technology[1]));
             user.press(Qt::Key_Left);
             user.press(Qt::Key_Return);
         },

@@ -42,6 +42,8 @@ public:
     void touchRow(int row, int way = 0);
     /// Holds a finger on a row until a menu is there.
     void holdRow(int row);
+    /// Clicks a row with the right button.
+    void clickRight(int row);
     /// Touches an entry of the open menu or, where none is open, a button, by its text.
     void touch(const QString &text);
     /// Touches a page in its middle, and moves the finger so far before lifting it.

@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QMenu>
 #include <QTest>
 #include <QWheelEvent>
@@ -109,6 +110,16 @@ void User::holdRow(int row) {
         QTest::touchEvent(area, finger(), false)
             .release(0, middleOf(*list(), row), area)
             .commit(false);
+    });
+}
+
+void User::clickRight(int row) {
+    act([this, row] {
+        QWidget *area = list()->viewport();
+        const QPoint place = middleOf(*list(), row);
+        QTest::mouseClick(area, Qt::RightButton, {}, place);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, area->mapToGlobal(place));
+        QApplication::sendEvent(area, &event);
     });
 }
 
