@@ -196,11 +196,11 @@ TEST_F(EveryScreen, HasAMenuThatIsNeverUnderTheFinger) {
             {u"xs"_s, u"Setting"_s}, {u"eee"_s, u"Export Category"_s}, {u"a"_s, u"About"_s}};
         for (const int command : {CommandUpdateCategory, CommandNewCategory})
             user.look([&] { user.stack().top()->findChild<MenuBar *>()->enable(command, false); });
-        for (const auto &[typed, entry] : typings) {
+        for (const auto &typing : typings) {
             user.press(Qt::Key_F10);
-            user.type(typed);
-            user.look([&] { EXPECT_EQ(openMenu()->activeAction()->text(), entry); });
-            user.press(entry == u"About" ? Qt::Key_Return : Qt::Key_Escape);
+            user.type(typing.first);
+            user.look([&] { EXPECT_EQ(openMenu()->activeAction()->text(), typing.second); });
+            user.press(typing.second == u"About" ? Qt::Key_Return : Qt::Key_Escape);
         }
         EXPECT_TRUE(user.seesCaption(u"About"_s));
     });
