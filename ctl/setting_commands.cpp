@@ -32,7 +32,7 @@ int printSetting(CommandDevice &device, const QString &key, const QString &name)
 }
 
 // No fault: each feed may be there as often as the user wants.
-int tellSharedFeeds(CommandDevice &device) {
+int reportSharedFeeds(CommandDevice &device) {
     QList<ChannelRecord> feeds;
     if (!device.openStore())
         return ExitFailed;
@@ -76,7 +76,7 @@ int runCheck(CommandDevice &device, const Arguments &) {
     const QStringList faults = checkStore(device.root, device.registry);
     for (const QString &fault : faults)
         printLine(fault);
-    return faults.isEmpty() ? tellSharedFeeds(device) : ExitFailed;
+    return faults.isEmpty() ? reportSharedFeeds(device) : ExitFailed;
 }
 
 } // namespace tidebrook

@@ -45,17 +45,17 @@ QHash<QString, QString> sharedFeeds(const QList<ChannelRecord> &feeds,
         names[address].append(feed.channelName);
         addresses.insert(feed.channelName, address);
     }
-    QHash<QString, QString> told;
+    QHash<QString, QString> words;
     for (const ChannelRecord &feed : feeds) {
         const QString &name = feed.channelName;
         const QStringList sharing = names.value(addresses.value(name));
         const SharedArticles shared = stateAt(states.value(name), feed.channelLink).shared;
         if (sharing.size() > 1)
-            told.insert(name, addressInWords(sharing, name));
+            words.insert(name, addressInWords(sharing, name));
         else if (shared.count > 0 && addresses.contains(shared.owner))
-            told.insert(name, articlesInWords(shared));
+            words.insert(name, articlesInWords(shared));
     }
-    return told;
+    return words;
 }
 
 } // namespace tidebrook

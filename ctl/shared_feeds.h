@@ -9,9 +9,9 @@
 
 namespace tidebrook {
 
-/// What is to be told, by their names, of those channels whose feed another channel has too: the
-/// same address (whatever its scheme, case or slash at the end), or articles of it at the last
-/// update.
+/// Says in words, by channel name, which channels have a feed that another channel has too: the
+/// same address (in any case, with any scheme, with or without a slash at the end), or articles
+/// that another channel had at the last update.
 QHash<QString, QString> sharedFeeds(const QList<ChannelRecord> &feeds,
                                     const QHash<QString, UpdateState> &states);
 

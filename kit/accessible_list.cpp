@@ -119,7 +119,7 @@ AccessibleList::AccessibleList(ListView &list) : QAccessibleWidget(&list, QAcces
     QObject::connect(model, &QAbstractItemModel::dataChanged, &scope_,
                      [this](const QModelIndex &first, const QModelIndex &last) {
                          for (int row = first.row(); row <= last.row(); ++row)
-                             tellChanged(row);
+                             announceChange(row);
                      });
 }
 
@@ -160,7 +160,7 @@ void AccessibleList::forgetRows() {
     rows_.clear();
 }
 
-void AccessibleList::tellChanged(int row) const {
+void AccessibleList::announceChange(int row) const {
     if (!rows_.contains(row))
         return;
     QAccessible::State changed;
@@ -171,17 +171,17 @@ void AccessibleList::tellChanged(int row) const {
     QAccessible::updateAccessibility(&state);
 }
 
-void tellFocusedRow(ListView &list) {
+void announceFocusedRow(ListView &list) {
     if (!QAccessible::isActive())
         return;
-    const auto tell = [&list] {
+    const auto announce = [&list] {
         if (!list.hasFocus() || !list.currentIndex().isValid())
             return;
         QAccessibleEvent event(&list, QAccessible::Focus);
         event.setChild(list.currentIndex().row());
         QAccessible::updateAccessibility(&event);
     };
-    QMetaObject::invokeMethod(&list, tell, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&list, announce, Qt::QueuedConnection);
 }
 
 } // namespace tidebrook

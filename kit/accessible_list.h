@@ -8,8 +8,8 @@ namespace tidebrook {
 
 class ListView;
 
-/// What a screen reader is told of a list: its rows, each as the list's model words it. A row is
-/// taken as by a tap, selected without that, or has the screen's menu opened for it.
+/// A list as screen readers see it: its rows, each with the words of the list's model. The actions
+/// of a row open it as a tap does, select it, or open the screen's menu for it.
 class AccessibleList : public QAccessibleWidget {
 public:
     explicit AccessibleList(ListView &list);
@@ -25,13 +25,13 @@ private:
     ListView &list() const;
     QWidget *editor() const;
     void forgetRows();
-    void tellChanged(int row) const;
+    void announceChange(int row) const;
 
     mutable QHash<int, QAccessible::Id> rows_; // those that were asked for
     QObject scope_;                            // of the connections
 };
 
-/// Tells screen readers which row of a list has the focus, once the list itself was told of.
-void tellFocusedRow(ListView &list);
+/// Reports to screen readers which row of a list has the focus, after the list itself is reported.
+void announceFocusedRow(ListView &list);
 
 } // namespace tidebrook

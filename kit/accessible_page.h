@@ -7,7 +7,7 @@ namespace tidebrook {
 
 class TextPage;
 
-/// What a screen reader is told of a page: a document to read, named by its first line.
+/// A page as screen readers see it: a document to read, named by its first line.
 class AccessiblePage : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     explicit AccessiblePage(TextPage &page);

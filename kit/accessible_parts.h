@@ -2,8 +2,8 @@
 
 namespace tidebrook {
 
-/// Has Qt tell screen readers what the kit's own widgets are. Nothing of it is made before someone
-/// asks. Further calls do nothing.
+/// Gives screen readers the roles and texts of the kit's own widgets. Nothing is made before a
+/// screen reader asks. Further calls do nothing.
 void installAccessibleParts();
 
 } // namespace tidebrook

@@ -170,7 +170,7 @@ void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
 
 void ListView::focusInEvent(QFocusEvent *event) {
     QListView::focusInEvent(event);
-    tellFocusedRow(*this);
+    announceFocusedRow(*this);
 }
 
 void ListView::keyPressEvent(QKeyEvent *event) {

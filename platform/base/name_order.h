@@ -13,8 +13,7 @@ namespace tidebrook {
 /// numbers by their values. Where no language is set, that of English.
 QCollator nameOrder();
 
-/// Sorts what has a `name` by it. Names that the order does not tell apart are sorted by their
-/// codes.
+/// Sorts items by their `name`. Names that are equal in that order are sorted by their codes.
 template <class Named> void sortByName(QList<Named> &items) {
     struct Keyed {
         QCollatorSortKey key;
