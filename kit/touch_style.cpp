@@ -101,8 +101,7 @@ int TouchStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
     case SH_Menu_Scrollable: // rather than a second column
         return 1;
     case SH_Menu_AllowActiveAndDisabled: // the highlight passes over what cannot be chosen
-        return 0;
-    case SH_EtchDisabledText: // its shadow is hard to read on dark ground
+    case SH_EtchDisabledText:            // its shadow is hard to read on dark ground
         return 0;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returnData);
