@@ -55,7 +55,7 @@ struct ListFont {
 /// The headline of the Today item that was tapped.
 struct TappedHeadline {
     /// It is waiting: no screen leads to it yet.
-    std::optional<TodayTap> tap;
+    std::optional<Headline> tap;
 
     // The screens are to lead to it; empty when there is none.
     QString todayCategory;

@@ -2,10 +2,10 @@
 
 #include "app/app_state.h"
 #include "kit/screen_stack.h"
+#include "platform/desktop/device_watch.h"
 #include "platform/sync/pause.h"
 
 #include <QEvent>
-#include <QFileSystemWatcher>
 #include <QWindow>
 
 #include <algorithm>
@@ -26,8 +26,6 @@ bool isSeen(const QWidget &window) {
     return window.windowHandle() != nullptr && window.windowHandle()->isExposed();
 }
 
-QString journalOf(const QString &database) { return database + u"-wal"; }
-
 } // namespace
 
 OutsideChanges &OutsideChanges::of(AppState &state) {
@@ -35,23 +33,17 @@ OutsideChanges &OutsideChanges::of(AppState &state) {
     return made != nullptr ? *made : *new OutsideChanges(state);
 }
 
-OutsideChanges::OutsideChanges(AppState &state)
-    : QObject(&state.stack), state_(state), databases_{state.device.root.filePath(u"RSSVault.sdf"),
-                                                       state.device.root.registryPath()} {
+OutsideChanges::OutsideChanges(AppState &state) : QObject(&state.stack), state_(state) {
     state.stack.installEventFilter(this);
     pause_.start(pauseLength(), this);
 }
 
 void OutsideChanges::watch() {
-    if (watcher_ == nullptr) {
-        watcher_ = new QFileSystemWatcher(this);
-        connect(watcher_, &QFileSystemWatcher::fileChanged, this, &OutsideChanges::note);
-    }
-    // A journal that was removed is not watched any more, and may have been made anew.
-    for (const QString &database : databases_) {
-        if (!watcher_->files().contains(journalOf(database)))
-            watcher_->addPath(journalOf(database));
-    }
+    if (watch_ != nullptr)
+        return;
+    watch_ = new DeviceWatch(state_.device.root, this);
+    connect(watch_, &DeviceWatch::changed, this, &OutsideChanges::note);
+    watch_->setScope(DeviceWatch::Scope::Content);
 }
 
 void OutsideChanges::note() {
@@ -60,7 +52,6 @@ void OutsideChanges::note() {
         pause_.start(pauseLength(), this);
 }
 
-// The journals are watched again before anyone reads, so that nothing is missed.
 void OutsideChanges::timerEvent(QTimerEvent *) {
     pause_.stop();
     watch();

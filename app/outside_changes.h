@@ -2,12 +2,10 @@
 
 #include <QBasicTimer>
 #include <QObject>
-#include <QStringList>
-
-class QFileSystemWatcher;
 
 namespace tidebrook {
 
+class DeviceWatch;
 struct AppState;
 
 /// Notices that the database or the registry was changed: by another program, such as the
@@ -34,9 +32,8 @@ private:
     void watch();
 
     AppState &state_;
-    const QStringList databases_;
-    QFileSystemWatcher *watcher_ = nullptr; // once the program has started
-    int due_ = 1;                           // reports to be sent; one for what happened before
+    DeviceWatch *watch_ = nullptr; // once the program has started
+    int due_ = 1;                  // reports to be sent; one for what happened before
     QBasicTimer pause_;
 };
 

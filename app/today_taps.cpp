@@ -12,7 +12,7 @@ void lookForTodayTap(AppState &state) {
         [&device = state.device] {
             return takeTodayTap(device.root, device.registry, device.todayItemKey);
         },
-        [&state](const std::optional<TodayTap> &tap) {
+        [&state](const std::optional<Headline> &tap) {
             if (tap)
                 state.tap = tap;
             if (state.tap)

@@ -1,13 +1,11 @@
 #include "platform/desktop/service.h"
 
 #include "platform/base/descriptor.h"
+#include "platform/desktop/own_program.h"
 #include "platform/sync/process_lock.h"
 #include "platform/sync/wait_any.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QProcess>
-#include <QStandardPaths>
 
 #include <fcntl.h>
 
@@ -27,15 +25,6 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int launchTimeout = 10'000; // milliseconds
-
-/// Empty when there is none.
-QString serviceProgram() {
-    const QString ownProgram = QFile::symLinkTarget(u"/proc/self/exe"_s);
-    const QFileInfo beside(QFileInfo(ownProgram).path() + u"/feedlarkd");
-    if (beside.isFile() && beside.isExecutable())
-        return beside.filePath();
-    return QStandardPaths::findExecutable(u"feedlarkd"_s);
-}
 
 /// Runs the program until the service is in the background; why that failed, or an empty text.
 QString launchHere(const QString &program, const DeviceRoot &device) {
@@ -80,7 +69,7 @@ std::optional<pid_t> runningService(const DeviceRoot &device) {
 Activation activateService(const DeviceRoot &device, QString *error) {
     if (runningService(device))
         return Activation::AlreadyRunning;
-    const QString program = serviceProgram();
+    const QString program = ownProgram(u"feedlarkd"_s);
     const QString failure =
         program.isEmpty() ? u"the program feedlarkd was not found"_s : launch(program, device);
     if (failure.isEmpty())

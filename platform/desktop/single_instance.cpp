@@ -19,7 +19,9 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds lookPause = 10ms;
 constexpr qint64 tokenLimit = 4096; // bytes; far more than a compositor gives
 
-QString lockPathOf(const DeviceRoot &device) { return device.path() + u"/run/FEEDLARK.lock"; }
+QString lockPathOf(const DeviceRoot &device, QStringView name) {
+    return device.path() + u"/run/" + name + u".lock";
+}
 
 QByteArray ownToken() {
     const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
@@ -28,12 +30,12 @@ QByteArray ownToken() {
 
 } // namespace
 
-SingleInstance::SingleInstance(const DeviceRoot &device)
-    : lockPath_(lockPathOf(device)), tokenPath_(device.path() + u"/run/FEEDLARK.token"),
-      request_(device, u"FEEDLARK", NamedEvent::Reset::Manual) {}
+SingleInstance::SingleInstance(const DeviceRoot &device, QStringView name)
+    : lockPath_(lockPathOf(device, name)), tokenPath_(device.path() + u"/run/" + name + u".token"),
+      request_(device, name, NamedEvent::Reset::Manual) {}
 
 bool SingleInstance::isRunning(const DeviceRoot &device) {
-    return ProcessLock::holder(lockPathOf(device)).has_value();
+    return ProcessLock::holder(lockPathOf(device, readerName)).has_value();
 }
 
 SingleInstance::Claim SingleInstance::claim(std::chrono::milliseconds timeout) {

@@ -11,16 +11,18 @@
 
 namespace tidebrook {
 
-/// Lets one reader run on a device: a later one asks it to come forward, and ends. A claim holds
-/// until this object or its process ends. For one thread; the device must have its folders.
+/// Lets one instance of a program run on a device: a later one asks it to come forward, and ends. A
+/// claim holds until this object or its process ends. For one thread; the device must have its
+/// folders.
 ///
-/// The claim is the lock `run/FEEDLARK.lock`. A request is the event "FEEDLARK", which stays set
-/// until the running reader takes it.
+/// The claim is the lock `run/NAME.lock`, NAME being the program's. A request is the event NAME,
+/// which stays set until the running instance takes it.
 class SingleInstance {
 public:
-    explicit SingleInstance(const DeviceRoot &device);
+    /// `name` is a plain file name; the reader's is "FEEDLARK".
+    explicit SingleInstance(const DeviceRoot &device, QStringView name = readerName);
 
-    /// Whether any process has claimed the device. Makes nothing.
+    /// Whether any process has claimed the device for the reader. Makes nothing.
     static bool isRunning(const DeviceRoot &device);
 
     enum class Claim {
@@ -46,6 +48,8 @@ public:
     std::optional<QString> takeRequest();
 
 private:
+    static constexpr QStringView readerName = u"FEEDLARK";
+
     bool take();
     bool ask();
     bool isLockable() const;

@@ -4,6 +4,9 @@ namespace tidebrook {
 
 namespace {
 
+constexpr int writerWait = 2000; // ms
+constexpr int readerWait = 5;
+
 enum StoredType { StoredDword = 4, StoredText = 1 };
 
 // Of a row that begins with the type and the data.
@@ -15,7 +18,9 @@ RegistryValue valueOf(const SqliteStatement &row) {
 
 } // namespace
 
-Registry::Registry(const DeviceRoot &device) : device_(device) { open(); }
+Registry::Registry(const DeviceRoot &device, Access access) : device_(device), access_(access) {
+    open();
+}
 
 bool Registry::isOpen() {
     const std::lock_guard lock(mutex_);
@@ -26,11 +31,14 @@ bool Registry::isOpen() {
 bool Registry::open() {
     if (database_)
         return true;
-    const SqliteDatabase::Options options{
-        .create = device_.isDevice(), .syncEveryCommit = false, .busyTimeout = 2000};
+    const bool isReader = access_ == Access::ReadOnly;
+    const SqliteDatabase::Options options{.create = !isReader && device_.isDevice(),
+                                          .readOnly = isReader,
+                                          .syncEveryCommit = false,
+                                          .busyTimeout = isReader ? readerWait : writerWait};
     database_ = SqliteDatabase::open(device_.registryPath(), options, &error_);
-    if (!database_)
-        return false;
+    if (!database_ || isReader)
+        return database_ != nullptr;
     // Values are listed in the order of their ids, which count up.
     const bool hasTable =
         database_->run("CREATE TABLE IF NOT EXISTS registry_values ("

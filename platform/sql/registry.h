@@ -26,9 +26,15 @@ using RegistryValue = std::variant<quint32, QString>;
 /// or cannot be opened every read finds nothing and every write returns false.
 class Registry {
 public:
-    /// Opens the registry of the device, and makes its file where it is missing but the device is
-    /// not.
-    explicit Registry(const DeviceRoot &device);
+    enum class Access {
+        ReadWrite, ///< the file is made where it is missing but the device is not
+        /// Every write fails, and no call waits for another process longer than 5 ms: it fails
+        /// then.
+        ReadOnly,
+    };
+
+    /// Opens the registry of the device.
+    explicit Registry(const DeviceRoot &device, Access access = Access::ReadWrite);
 
     /// False when the file cannot be opened; `error` then says why. Every call tries it again.
     bool isOpen();
@@ -74,6 +80,7 @@ private:
                 const QByteArray &onConflict);
 
     const DeviceRoot device_;
+    const Access access_;
     std::recursive_mutex mutex_; // guards what follows
     std::unique_ptr<SqliteDatabase> database_;
     QString error_;

@@ -99,7 +99,8 @@ std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const 
     if (options.create)
         mknod(QFile::encodeName(path).constData(), S_IFREG | 0600, 0);
     sqlite3 *handle = nullptr;
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
+    const int flags = (options.readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
+                      SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
                       (options.create ? SQLITE_OPEN_CREATE : 0);
     const int code = sqlite3_open_v2(QFile::encodeName(path).constData(), &handle, flags, nullptr);
     std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(handle));
@@ -124,6 +125,8 @@ bool SqliteDatabase::configure(const Options &options) {
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     if (!options.create && !hasSchema())
         return false;
+    if (options.readOnly)
+        return true;
     // Fails for a read-only file, which keeps its journal mode.
     run("PRAGMA journal_mode = WAL");
     return run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"

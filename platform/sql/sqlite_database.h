@@ -67,6 +67,8 @@ public:
     struct Options {
         /// Make the file when it is missing.
         bool create = false;
+        /// Nothing is written to the file; SQLite may still make its journal. It excludes `create`.
+        bool readOnly = false;
         /// Sync at every commit. Without it a power cut may undo the last ones, each as a whole,
         /// unless `flush` was called.
         bool syncEveryCommit = true;
