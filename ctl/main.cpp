@@ -75,7 +75,7 @@ constexpr std::array commands{
             u"the background downloader of the device"},
     Command{u"setting", 1, 2, u"today", Needs::Registry, runSetting,
             u"setting NAME [VALUE] [--today]",
-            u"read or write a setting (--today: the Today item's)"},
+            u"read or write a setting (--today: the Today item's, which reads it at once)"},
     Command{
         u"check", 0, 0, u"", Needs::Files, runCheck, u"check",
         u"examine what is stored; a line for each fault, and for each feed that is there twice"},

@@ -1,7 +1,9 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "ctl/shared_feeds.h"
+#include "platform/sync/named_event.h"
 #include "store/store_check.h"
+#include "update/update_settings.h"
 
 namespace tidebrook {
 
@@ -69,6 +71,8 @@ int runSetting(CommandDevice &device, const Arguments &arguments) {
     }
     if (!device.registry.write(key, name, value) || !device.registry.flush())
         return fail(QStringLiteral("the setting could not be stored"));
+    if (isToday)
+        NamedEvent(device.root, todayItemsEvent, NamedEvent::Reset::Auto).set();
     return ExitDone;
 }
 
