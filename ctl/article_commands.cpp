@@ -34,6 +34,12 @@ QString listedTitle(CommandDevice &device, const QString &channel, const QString
     return found;
 }
 
+int failArticle(const Device &device, const QString &title) {
+    return device.store.error() != 0
+               ? failStore(device)
+               : fail(QStringLiteral("there is no article \"%1\"").arg(title));
+}
+
 int runArticles(CommandDevice &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
     const std::optional<SortMode> mode = sortMode(arguments.order);
@@ -59,8 +65,7 @@ int runShow(CommandDevice &device, const Arguments &arguments) {
     const bool isMarked = device.store.GetArticleDetail(channel, title, detail);
     // Every stored article has a link, be it only the mark of a missing one.
     if (detail.itemLink.isEmpty())
-        return isMarked ? fail(QStringLiteral("there is no article \"%1\"").arg(title))
-                        : failStore(device);
+        return failArticle(device, title);
     printLine(detail.publicationDate);
     printLine(shown(detail.itemLink));
     printLine({});
@@ -69,19 +74,42 @@ int runShow(CommandDevice &device, const Arguments &arguments) {
     return isMarked ? ExitDone : failStore(device);
 }
 
-int runMark(CommandDevice &device, const Arguments &arguments) {
-    const QString channel = arguments.operands[0];
-    const QString flag = arguments.operands[1];
-    if (flag != u"read" && flag != u"unread")
-        return failUsage(QStringLiteral("a channel is marked \"read\" or \"unread\""));
-    if (!device.hasChannel(channel))
-        return ExitFailed;
-    const bool isMarked = flag == u"read" ? device.store.MarkChannelRead(channel)
-                                          : device.store.MarkChannelUnread(channel);
+namespace {
+
+// All articles of a channel, or the one with that title.
+int markArticles(CommandDevice &device, const QString &channel, bool isRead,
+                 const std::optional<QString> &title) {
+    bool isMarked = false;
+    if (title) {
+        ArticleExtract extract;
+        if (!device.store.GetArticleExtract(channel, *title, extract))
+            return failArticle(device, *title);
+        isMarked = device.store.MarkArticle(channel, *title, isRead);
+    } else {
+        isMarked = isRead ? device.store.MarkChannelRead(channel)
+                          : device.store.MarkChannelUnread(channel);
+    }
     if (!isMarked)
         return failStore(device);
     device.store.PublishTotalUnread();
     return ExitDone;
+}
+
+} // namespace
+
+int runMark(CommandDevice &device, const Arguments &arguments) {
+    const QString channel = arguments.operands[0];
+    const QString flag = arguments.operands[1];
+    if (flag != u"read" && flag != u"unread")
+        return failUsage(QStringLiteral("articles are marked \"read\" or \"unread\""));
+    if (!device.hasChannel(channel))
+        return ExitFailed;
+    // An empty title marks no article, and not all of them.
+    const std::optional<QString> title =
+        arguments.operands.size() > 2
+            ? std::optional(listedTitle(device, channel, arguments.operands[2]))
+            : std::nullopt;
+    return markArticles(device, channel, flag == u"read", title);
 }
 
 } // namespace tidebrook

@@ -48,6 +48,9 @@ int exitCodeOf(const Device &device, ChangeEnd end);
 /// line ends are blanks.
 QString listedTitle(CommandDevice &device, const QString &channel, const QString &title);
 
+/// Reports that an article is not there, or that the database failed when it was read.
+int failArticle(const Device &device, const QString &title);
+
 /// What refreshes a channel, which must be in that category. Nothing, and the failure is reported,
 /// when there is none such.
 std::optional<RefreshJob> jobOf(CommandDevice &device, const QString &category,

@@ -80,11 +80,7 @@ int runSave(CommandDevice &device, const Arguments &arguments) {
     const SaveKind kind = what == u"link" ? SaveKind::Link : SaveKind::Article;
     if (saveArticleHtml(device.store, channel, title, path, kind))
         return ExitDone;
-    const quint32 code = device.store.error();
-    if (code == FileNotWritten)
-        return failWriting(path);
-    return code == 0 ? fail(QStringLiteral("there is no article \"%1\"").arg(title))
-                     : failStore(device);
+    return device.store.error() == FileNotWritten ? failWriting(path) : failArticle(device, title);
 }
 
 } // namespace tidebrook

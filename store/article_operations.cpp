@@ -61,9 +61,20 @@ bool FeedStore::selectArticle(const QString &escapedChannel, const QString &esca
 
 bool FeedStore::MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle) {
     const auto guard = lock();
-    return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = 1 WHERE "
-                                          "CHANNEL_NAME='%1' and TITLE='%2'")
-                               .arg(escapedChannel, escapedTitle));
+    return setReadFlag(escapedChannel, escapedTitle, true);
+}
+
+bool FeedStore::setReadFlag(const QString &escapedChannel, const QString &escapedTitle,
+                            bool isRead) {
+    return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = %1 WHERE "
+                                          "CHANNEL_NAME='%2' and TITLE='%3'")
+                               .arg(QString::number(isRead), escapedChannel, escapedTitle));
+}
+
+bool FeedStore::MarkArticle(const QString &channel, const QString &title, bool isRead) {
+    const QString name = escapedChannelName(channel);
+    return changeWhole(
+        [&] { return setReadFlag(name, escapedTitle(title), isRead) && RecountChannel(name); });
 }
 
 bool FeedStore::MarkChannelRead(const QString &channel) { return markChannel(channel, 1); }

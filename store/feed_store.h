@@ -110,6 +110,9 @@ public:
     /// Reads an article and leaves it as it is. False when there is no such article.
     bool GetArticleExtract(const QString &channel, const QString &title, ArticleExtract &extract);
     bool MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle);
+    /// Marks an article and recounts its channel: both or neither. True also when there is no such
+    /// article.
+    bool MarkArticle(const QString &channel, const QString &title, bool isRead);
     bool MarkChannelRead(const QString &channel);
     bool MarkChannelUnread(const QString &channel);
     bool CountReadFlags(const QString &category, const QString &channel, ReadFlagCounts &counts);
@@ -135,6 +138,7 @@ private:
     bool changeAndReopen(const std::function<bool()> &work);
     bool insertChannel(SqlCommand &command, const ChannelRecord &record, QString *storedName);
     bool setInBothTables(QStringView column, const QString &escaped, const QString &channel);
+    bool setReadFlag(const QString &escapedChannel, const QString &escapedTitle, bool isRead);
     bool markChannel(const QString &channel, int readFlag);
 
     bool readRows(const QString &statement,

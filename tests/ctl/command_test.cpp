@@ -1,4 +1,6 @@
 #include "ctl/ctl_process.h"
+#include "platform/sync/named_event.h"
+#include "update/update_settings.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -95,11 +97,12 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         "articles one --order size; update --jobs 0; update --jobs 2 --pauses; "
         "--home= channels; mark one seen; save one a page f; "
         "setting SortMode big; auto add; auto add one --all; auto remove --all; "
-        "auto add --all --category A; channels --all"_s;
+        "auto add --all --category A; auto run one; channels --all"_s;
     for (const QString &call : misused.split(u"; "_s))
         fails(call, {}, 2);
     const QString refused =
-        u"add-category A\uFEFF; add A \uFEFF http://x/; rename one \uFFFEtwo; rename one \"\t\"; "
+        u"mark one read none; add-category A\uFEFF; add A \uFEFF http://x/; "
+        u"rename one \uFFFEtwo; rename one \"\t\"; "
         "setting SortMode; add-category \" A \"; add-category \"  \"; rename-category A B; "
         "rename-category C D; rename-category A \" \"; delete-category C; channels C; "
         "add A \" \" http://x/; add A three \"x', NULL, NULL, NULL);DELETE FROM RSSCHRecord --\"; "
@@ -182,6 +185,42 @@ TEST_F(CommandTest, WhatAListShowsIsWhatACommandTakes) {
     ok(u"setting --today TITLE \"A 'title'\""_s);
     EXPECT_EQ(ok(u"setting --today TITLE"_s), u"A 'title'\n");
     expectSound();
+}
+
+TEST_F(CommandTest, OneArticleIsMarkedAndTheOthersStayAsTheyAre) {
+    const QByteArray third = "<item><title>Third</title><guid>3</guid></item></channel>";
+    addChannel(u"one"_s, QByteArray(feed).replace("</channel>", third));
+    ok(u"update"_s);
+    const struct {
+        const char *call;
+        QString flags; // of the three
+        QString counts;
+    } marks[]{{"read \"Tab here 1m\"", u"uru"_s, u"2/3"_s},
+              {"read", u"rrr"_s, u"0/3"_s},
+              {"unread \"Tab here 1m\"", u"rur"_s, u"1/3"_s}};
+    for (const auto &mark : marks) {
+        ok(u"mark one " + QLatin1String(mark.call));
+        QString flags;
+        for (const QString &line : run(u"articles one"_s).lines())
+            flags += line[0];
+        EXPECT_EQ(flags, mark.flags);
+        EXPECT_EQ(ok(u"channels"_s).section(u'\t', 0, 0), mark.counts);
+        EXPECT_EQ(ok(u"setting UnreadItems --today"_s).trimmed(), mark.counts.first(1));
+    }
+    fails(u"mark one read \"Tab\""_s, u"there is no article \"Tab\""_s);
+    expectSound();
+}
+
+TEST_F(CommandTest, ASettingOfTheTodayItemHasItReadItsSettingsAgain) {
+    ok(u"init"_s);
+    NamedEvent reload(root_, todayItemsEvent, NamedEvent::Reset::Auto);
+    const std::pair<QString, bool> calls[]{{u"setting TodayTimer 1"_s, false},
+                                           {u"setting TodayTimer 2 --today"_s, true},
+                                           {u"setting TodayTimer --today"_s, false}};
+    for (const auto &[call, isRead] : calls) {
+        ok(call);
+        EXPECT_EQ(reload.test(), isRead) << qPrintable(call);
+    }
 }
 
 TEST_F(CommandTest, ManyChannelsAtATimeAreToldInTheirOrder) {
