@@ -9,6 +9,7 @@
 #include "update/auto_list.h"
 #include "update/auto_schedule.h"
 #include "update/download_request.h"
+#include "update/round_request.h"
 #include "update/update_history.h"
 
 #include <QSet>
@@ -137,6 +138,14 @@ int startService(CommandDevice &device) {
     return activateService(device.root, &error) == Activation::Failed ? fail(error) : ExitDone;
 }
 
+int runAutomatic(CommandDevice &device) {
+    device.unlock(); // others must not wait for the start of the service
+    if (startService(device) != ExitDone)
+        return ExitFailed;
+    return requestRound(device.root) ? ExitDone
+                                     : fail(QStringLiteral("the downloader cannot be asked"));
+}
+
 } // namespace
 
 int runRequest(CommandDevice &device, const Arguments &arguments) {
@@ -180,8 +189,10 @@ int runAuto(CommandDevice &device, const Arguments &arguments) {
                                             : std::nullopt);
     if (action == u"remove" && isOne)
         return removeAutomatic(device, name);
+    if (action == u"run" && name.isNull() && options.isEmpty())
+        return runAutomatic(device);
     return failUsage(QStringLiteral("usage: tidebrookctl auto list | add "
-                                    "NAME|--all|--category CATEGORY | remove NAME"));
+                                    "NAME|--all|--category CATEGORY | remove NAME | run"));
 }
 
 int runService(CommandDevice &device, const Arguments &arguments) {

@@ -65,9 +65,10 @@ constexpr std::array commands{
     Command{u"request", 2, 2, u"timeout", Needs::Store, runRequest,
             u"request CATEGORY CHANNEL [--timeout SECONDS]",
             u"have the downloader refresh a channel, as the reader does (waits 60 seconds)"},
-    Command{u"auto", 1, 2, u"all category", Needs::Channels, runAuto,
-            u"auto list | add NAME|--all|--category CATEGORY | remove NAME",
-            u"the channels that are updated automatically"},
+    Command{
+        u"auto", 1, 2, u"all category", Needs::Channels, runAuto,
+        u"auto list | add NAME|--all|--category CATEGORY | remove NAME | run",
+        u"the channels that are updated automatically; run: have the downloader update them now"},
     Command{u"updates", 0, 0, u"", Needs::Channels, runUpdates, u"updates",
             u"list channels: name, last success, last result, next automatic try, and which "
             "channel has the same feed"},

@@ -4,6 +4,8 @@
 #include "platform/base/spare_memory.h"
 #include "platform/desktop/service.h"
 #include "platform/sync/wait_any.h"
+#include "update/round_news.h"
+#include "update/round_request.h"
 
 #include <algorithm>
 
@@ -38,30 +40,35 @@ std::chrono::milliseconds timeToRecover(int futileRounds) {
 Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, ServiceLog &log,
                        Interrupt &interrupt)
     : device_(device), todayItemKey_(todayItemKey), log_(log), registry_(device),
-      request_(device, requestEvent, NamedEvent::Reset::Manual), interrupt_(interrupt),
+      request_(device, requestEvent, NamedEvent::Reset::Manual),
+      roundRequest_(device, roundRequestEvent, NamedEvent::Reset::Auto), interrupt_(interrupt),
       schedule_(registry_), server_(device, registry_, todayItemKey, log, interrupt.stopSignal()) {}
 
 Downloader::~Downloader() { interrupt_.stop(); }
 
 // The files that this process keeps open or locked.
 FileIdentities Downloader::files() const {
+    const QString run = device_.path() + u"/run/";
     return identitiesOf({device_.path(), device_.registryPath(), serviceLockPath(device_),
-                         device_.path() + u"/run/" + requestEvent + u".event"});
+                         run + requestEvent + u".event", run + roundRequestEvent + u".event"});
 }
 
 bool Downloader::run() {
     const FileIdentities ownFiles = files();
     giveBackMemory(); // what starting has needed
+    bool isRoundWanted = false;
     while (!interrupt_.isStopped()) {
-        lookAfterRound();
-        const WaitResult result = WaitAny({&request_}, interrupt_.descriptor(), timeToSleep());
+        lookAfterRound(isRoundWanted);
+        const WaitResult result =
+            WaitAny({&request_, &roundRequest_}, interrupt_.descriptor(), timeToSleep());
         // Files that were put in their place, as from a backup, are another device.
         if (result.kind == WaitResult::Kind::Failed || ownFiles.isEmpty() || files() != ownFiles) {
             log_.error(
                 QStringLiteral("%1: the device is not the one that it was").arg(device_.path()));
             return false;
         }
-        if (result.kind == WaitResult::Kind::Event) {
+        isRoundWanted = result.kind == WaitResult::Kind::Event && result.index == 1;
+        if (result.kind == WaitResult::Kind::Event && !isRoundWanted) {
             // Before the file is read, so that a request that comes meanwhile is not lost.
             request_.reset();
             server_.serveLatest();
@@ -84,12 +91,20 @@ std::chrono::milliseconds Downloader::timeToSleep() const {
     return std::min(std::chrono::milliseconds(now.msecsTo(*next)), longestSleep);
 }
 
-void Downloader::lookAfterRound() {
+void Downloader::lookAfterRound(bool isRoundWanted) {
     if (isRoundOver_)
         noteEndOfRound();
-    if (roundStart_.isValid() || uptime() < notBefore_)
+    if (roundStart_.isValid())
         return;
     const QDateTime now = utcNow();
+    isRoundWanted_ = isRoundWanted;
+    if (isRoundWanted)
+        startRound({now, now}); // not a day from the last one, so feeds that fail are left alone
+    else if (uptime() >= notBefore_)
+        startDueRound(now);
+}
+
+void Downloader::startDueRound(const QDateTime &now) {
     const std::optional<AutoSchedule::Round> due = schedule_.dueRound(now, uptime());
     if (!due)
         return;
@@ -104,10 +119,14 @@ void Downloader::lookAfterRound() {
 void Downloader::noteEndOfRound() {
     round_.join();
     isRoundOver_ = false;
-    futileRounds_ = isRoundDone_ ? 0 : futileRounds_ + 1;
-    notBefore_ = isRoundDone_ ? 0ms : uptime() + timeToRecover(futileRounds_);
-    if (isRoundDone_)
+    if (isRoundDone_) {
+        futileRounds_ = 0;
+        notBefore_ = 0ms;
         schedule_.endRound(roundStart_);
+    } else if (!isRoundWanted_) {
+        log_.warning(QStringLiteral("the automatic update will be tried again"));
+        notBefore_ = uptime() + timeToRecover(++futileRounds_);
+    }
     roundStart_ = {};
     giveBackMemory();
 }
@@ -131,17 +150,24 @@ void Downloader::runRound(const AutoRound &round) {
                                   log_.result(job.channelName, ended.error, ended.storedCount);
                               });
         log_.info(summary(result));
+        publishNews(result);
     } else {
         log_.error(QStringLiteral("the database cannot be opened (%1)").arg(store.error()));
     }
     // A round that was stopped goes on at the next start.
     if (interrupt_.isStopped())
         return;
-    if (!result.isOver)
-        log_.warning(QStringLiteral("the automatic update will be tried again"));
     isRoundDone_ = result.isOver;
     isRoundOver_ = true;
     interrupt_.wake();
+}
+
+void Downloader::publishNews(const AutoRoundResult &result) {
+    SettingsStore settings(registry_);
+    if (!publishRoundNews(
+            device_, settings, todayItemKey_,
+            {static_cast<quint32>(result.storedCount), static_cast<quint32>(result.newChannels)}))
+        log_.warning(QStringLiteral("the Today item cannot learn of the new articles"));
 }
 
 } // namespace tidebrook

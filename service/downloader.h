@@ -19,8 +19,9 @@
 
 namespace tidebrook {
 
-/// The background downloader: answers requests, and runs the automatic updates when they are due.
-/// While there is nothing to do it sleeps, and looks once a minute whether a round is due.
+/// The background downloader: answers requests, and runs the automatic updates when they are due or
+/// asked for. While there is nothing to do it sleeps, and looks once a minute whether a round is
+/// due.
 class Downloader {
 public:
     /// The log and the interrupt outlive it.
@@ -32,7 +33,7 @@ public:
     Downloader &operator=(const Downloader &) = delete;
 
     /// False when requests cannot be received, or settings cannot be read.
-    bool isReady() { return request_.isOpen() && registry_.isOpen(); }
+    bool isReady() { return request_.isOpen() && roundRequest_.isOpen() && registry_.isOpen(); }
 
     /// Works until the interrupt is stopped (true), which also ends what is under way, or the
     /// device is gone.
@@ -41,24 +42,28 @@ public:
 private:
     FileIdentities files() const;
     std::chrono::milliseconds timeToSleep() const;
-    void lookAfterRound();
+    void lookAfterRound(bool isRoundWanted);
+    void startDueRound(const QDateTime &now);
     void noteEndOfRound();
     void startRound(const AutoRound &round);
     void runRound(const AutoRound &round);
+    void publishNews(const AutoRoundResult &result);
 
     const DeviceRoot device_;
     const QString todayItemKey_;
     ServiceLog &log_;
     Registry registry_;
     NamedEvent request_;
+    NamedEvent roundRequest_;
     Interrupt &interrupt_; // woken by the end of a round
     AutoSchedule schedule_;
 
     int futileRounds_ = 0;                   // in a row, which have to be run again
     std::chrono::milliseconds notBefore_{0}; // uptime; the next round
 
-    QDateTime roundStart_;     // of the round that is running, or whose end is still to be noted
-    bool isRoundDone_ = false; // every channel had its turn; written before isRoundOver_
+    QDateTime roundStart_;       // of the round that is running, or whose end is still to be noted
+    bool isRoundWanted_ = false; // by the user, and so not to be run again
+    bool isRoundDone_ = false;   // every channel had its turn; written before isRoundOver_
     std::atomic<bool> isRoundOver_ = false;
     RequestServer server_;
     Threads round_; // the first to end

@@ -194,6 +194,7 @@ void Run::finish(Channel &channel, bool isFetched, const HttpAnswer &answer) {
     result_.unchanged += answer.isUnchanged ? 1 : 0;
     result_.failed += result.error != 0 ? 1 : 0;
     result_.storedCount += result.storedCount;
+    result_.newChannels += result.storedCount > 0 ? 1 : 0;
     observer_(channel.job, result);
 }
 

@@ -21,6 +21,7 @@ struct AutoRoundResult {
     int leftAlone = 0;   ///< not tried yet again, for their servers' sake
     int unknown = 0;     ///< on the list, but no longer in the store
     int storedCount = 0; ///< new articles
+    int newChannels = 0; ///< channels that have got some of these
     /// Whether every channel has had its turn. If not, the same round is to be run again: it was
     /// stopped, the list or the store could not be read, or no server at all was reached.
     bool isOver = false;

@@ -1,5 +1,7 @@
 #include "feed_server/generated_feed.h"
+#include "platform/sync/named_event.h"
 #include "service/running_service.h"
+#include "update/round_news.h"
 
 #include <QDateTime>
 
@@ -78,6 +80,35 @@ TEST_F(AutomaticTest, ARoundThatIsCutOffGoesOnWhereItWas) {
         set(u"LastAutoUpdate"_s, due);
         expectSound();
     }
+}
+
+TEST_F(AutomaticTest, ARoundThatIsAskedForRunsWhateverTheSettingsSayAndReportsWhatItBrought) {
+    for (const QString &bar :
+         {u"UpdateMode 0"_s, u"ACTOPTION 1"_s, u"NoRoaming 1"_s, u"Status 512"_s}) // roaming
+        ok(u"setting " + bar);
+    server_.answerStatus(u"/ch1"_s, 404);
+    const struct {
+        int ofThird; // articles that its feed has
+        int ofFourth;
+        bool isNews;
+        const char *brought;
+        qsizetype asked; // what has failed is left alone
+    } rounds[]{{3, 3, true, "15 of 5", 6}, {5, 4, true, "3 of 2", 5}, {5, 4, false, "3 of 2", 5}};
+    NamedEvent news(root_, newArticlesEvent, NamedEvent::Reset::Auto);
+    for (const auto &round : rounds) {
+        server_.serve(u"/ch2"_s, generatedFeed(round.ofThird, 2));
+        server_.serve(u"/ch3"_s, generatedFeed(round.ofFourth, 3));
+        server_.clearRequests();
+        set(u"LastAutoUpdate"_s, 0);
+        ok(u"auto run"_s);
+        waitForRound();
+        EXPECT_EQ(news.test(), round.isNews);
+        EXPECT_EQ(QString(ok(u"setting NewArticles --today"_s).trimmed() + u" of " +
+                          ok(u"setting NewChannels --today"_s).trimmed()),
+                  QLatin1String(round.brought));
+        EXPECT_EQ(server_.requests().size(), round.asked);
+    }
+    EXPECT_EQ(ok(u"setting UnreadItems --today"_s), u"18\n");
 }
 
 TEST_F(AutomaticTest, ManyStartedAtOnceBecomeOne) {
