@@ -3,10 +3,9 @@
 #include "today/desktop/x11.h"
 
 #include <QEvent>
-#include <QWindow>
+#include <QtMath>
 
 #include <qpa/qplatformscreen.h>
-#include <qpa/qplatformwindow.h>
 
 #include <algorithm>
 #include <array>
@@ -42,12 +41,12 @@ bool isAtTop(const QRect &strip) {
 } // namespace
 
 X11Dock::X11Dock(QWidget &strip) : QObject(&strip), strip_(strip) {
-    strip_.setAttribute(Qt::WA_X11NetWmWindowTypeDock);
     strip_.setWindowFlag(Qt::FramelessWindowHint);
+    strip_.winId(); // Qt heeds the attribute of a window that is there
+    strip_.setAttribute(Qt::WA_X11NetWmWindowTypeDock);
     strip_.installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &X11Dock::follow);
     follow(QGuiApplication::primaryScreen());
-    setCardinals(strip_, "_NET_WM_DESKTOP", std::array{allDesktops});
 }
 
 void X11Dock::follow(QScreen *screen) {
@@ -69,8 +68,8 @@ void X11Dock::place() {
 
 /// In pixels of the device, counted from the top left corner of all screens together.
 void X11Dock::reserve() {
-    strip_.winId();
-    const QRect place = strip_.windowHandle()->handle()->geometry();
+    QRect place = screen_->handle()->geometry();
+    place.setHeight(qCeil(strip_.height() * screen_->devicePixelRatio()));
     std::array<uint32_t, 12> strut{};
     if (isAtTop(place)) {
         strut[2] = uint32_t(place.bottom() + 1);
@@ -84,6 +83,8 @@ void X11Dock::reserve() {
 bool X11Dock::eventFilter(QObject *object, QEvent *event) {
     if (event->type() == QEvent::Resize)
         place();
+    else if (event->type() == QEvent::Show) // window managers remove it from a hidden window
+        setCardinals(strip_, "_NET_WM_DESKTOP", std::array{allDesktops});
     return QObject::eventFilter(object, event);
 }
 
