@@ -26,7 +26,7 @@ void dockAtTop(QWidget &strip) {
 }
 
 void popUpFrom(QWidget &strip, QMenu &menu, const QPoint &position) {
-    const auto *layer = strip.findChild<LayerStrip *>({}, Qt::FindDirectChildrenOnly);
+    auto *layer = strip.findChild<LayerStrip *>({}, Qt::FindDirectChildrenOnly);
     if (!layer) {
         menu.popup(position);
         return;

@@ -1,11 +1,9 @@
 #include "today/desktop/layer_popup.h"
 
-#include "today/desktop/layer_strip.h"
-#include "today/desktop/protocols.h"
-
 #include <QGuiApplication>
 
 #include <qpa/qplatformnativeinterface.h>
+#include <xdg-shell.h>
 
 namespace tidebrook {
 
@@ -28,14 +26,14 @@ xdg_positioner *makePositioner(const QPoint &position, const QSize &size) {
 
 LayerPopup::LayerPopup(QMenu &menu) : SurfaceRole(menu), menu_(menu) {}
 
-LayerPopup::~LayerPopup() { drop(); }
+LayerPopup::~LayerPopup() { LayerPopup::drop(); }
 
-void LayerPopup::open(const LayerStrip &strip, const QPoint &position) {
+void LayerPopup::open(LayerStrip &strip, const QPoint &position) {
     if (!popup_)
         takeRole(strip, strip.fromGlobal(position));
 }
 
-void LayerPopup::takeRole(const LayerStrip &strip, const QPoint &position) {
+void LayerPopup::takeRole(LayerStrip &strip, const QPoint &position) {
     strip_ = &strip;
     wl_surface *surface = makeSurface();
     base_ = xdg_wm_base_get_xdg_surface(layerProtocols().popups, surface);
@@ -43,7 +41,7 @@ void LayerPopup::takeRole(const LayerStrip &strip, const QPoint &position) {
         .configure = [](void *data, xdg_surface *base, uint32_t serial) {
             auto &popup = *static_cast<LayerPopup *>(data);
             xdg_surface_ack_configure(base, serial);
-            if (!popup.menu_.isVisible())
+            if (popup.strip_ && !popup.menu_.isVisible())
                 popup.menu_.popup(popup.strip_->toGlobal(popup.place_));
         }};
     xdg_surface_add_listener(base_, &baseListener, this);
@@ -61,11 +59,12 @@ void LayerPopup::takeRole(const LayerStrip &strip, const QPoint &position) {
         .repositioned = [](void *, xdg_popup *, uint32_t) {}};
     xdg_popup_add_listener(popup_, &popupListener, this);
     strip.adopt(popup_);
+    strip.setHasKeyboard(true);
     grabInput();
     wl_surface_commit(surface);
 }
 
-/// So that a click outside closes the menu, and keys reach it.
+/// So that a click outside closes the menu.
 void LayerPopup::grabInput() {
     QPlatformNativeInterface *native = QGuiApplication::platformNativeInterface();
     auto *seat = static_cast<wl_seat *>(native->nativeResourceForIntegration("wl_seat"));
@@ -75,12 +74,14 @@ void LayerPopup::grabInput() {
 }
 
 void LayerPopup::drop() {
-    if (popup_)
-        xdg_popup_destroy(popup_);
+    if (!popup_)
+        return;
+    xdg_popup_destroy(popup_);
     popup_ = nullptr;
-    if (base_)
-        xdg_surface_destroy(base_);
+    xdg_surface_destroy(base_);
     base_ = nullptr;
+    if (strip_)
+        strip_->setHasKeyboard(false);
 }
 
 } // namespace tidebrook

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "today/desktop/surface_role.h"
+#include "today/desktop/layer_strip.h"
 
 #include <QMenu>
+#include <QPointer>
 
 struct xdg_popup;
 struct xdg_surface;
 
 namespace tidebrook {
-
-class LayerStrip;
 
 /// Opens a menu as a popup of a strip of the layer shell.
 class LayerPopup : public SurfaceRole {
@@ -20,17 +19,17 @@ public:
     ~LayerPopup() override;
 
     /// See popUpFrom(). Nothing when the menu is open.
-    void open(const LayerStrip &strip, const QPoint &position);
+    void open(LayerStrip &strip, const QPoint &position);
 
 protected:
     void drop() override;
 
 private:
-    void takeRole(const LayerStrip &strip, const QPoint &position);
+    void takeRole(LayerStrip &strip, const QPoint &position);
     void grabInput();
 
     QMenu &menu_;
-    const LayerStrip *strip_ = nullptr;
+    QPointer<LayerStrip> strip_;
     xdg_surface *base_ = nullptr;
     xdg_popup *popup_ = nullptr;
     QPoint place_; // within the strip

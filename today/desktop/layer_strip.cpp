@@ -1,12 +1,11 @@
 #include "today/desktop/layer_strip.h"
 
-#include "today/desktop/protocols.h"
-
 #include <QEvent>
 #include <QGuiApplication>
 
 #include <qpa/qplatformnativeinterface.h>
 #include <qpa/qplatformscreen.h>
+#include <wlr-layer-shell-unstable-v1.h>
 
 #include <algorithm>
 
@@ -27,7 +26,7 @@ LayerStrip::LayerStrip(QWidget &strip) : SurfaceRole(strip), strip_(strip) {
     });
 }
 
-LayerStrip::~LayerStrip() { drop(); }
+LayerStrip::~LayerStrip() { LayerStrip::drop(); }
 
 void LayerStrip::stand() {
     isWanted_ = true;
@@ -55,11 +54,6 @@ void LayerStrip::takeRole(QScreen &screen) {
                      zwlr_layer_surface_v1 *) { static_cast<LayerStrip *>(strip)->onClosed(); }};
     zwlr_layer_surface_v1_add_listener(role_, &listener, this);
     zwlr_layer_surface_v1_set_anchor(role_, topEdge);
-    // Older compositors know none or all of the keyboard, and all would be too much.
-    if (zwlr_layer_shell_v1_get_version(shell) >=
-        ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND_SINCE_VERSION)
-        zwlr_layer_surface_v1_set_keyboard_interactivity(
-            role_, ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND);
     askForHeight();
 }
 
@@ -93,9 +87,16 @@ void LayerStrip::drop() {
     role_ = nullptr;
 }
 
-void LayerStrip::adopt(xdg_popup *popup) const {
+void LayerStrip::adopt(xdg_popup *popup) {
     if (role_)
         zwlr_layer_surface_v1_get_popup(role_, popup);
+}
+
+void LayerStrip::setHasKeyboard(bool hasKeyboard) {
+    if (!role_)
+        return;
+    zwlr_layer_surface_v1_set_keyboard_interactivity(role_, hasKeyboard);
+    wl_surface_commit(surface());
 }
 
 QPoint LayerStrip::fromGlobal(const QPoint &position) const {

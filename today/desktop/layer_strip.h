@@ -23,7 +23,11 @@ public:
     void stand();
 
     /// Makes the strip the popup's parent. Nothing while the strip is hidden.
-    void adopt(xdg_popup *popup) const;
+    void adopt(xdg_popup *popup);
+
+    /// Takes all keys from other windows, or leaves all to them, as at first. To take them only on
+    /// demand would take all for ever with compositors that know no demand.
+    void setHasKeyboard(bool hasKeyboard);
 
     /// The nearest position within the strip.
     QPoint fromGlobal(const QPoint &position) const;

@@ -1,43 +1,36 @@
 #include "today/desktop/surface_role.h"
 
-#include "today/desktop/protocols.h"
-
 #include <QGuiApplication>
 #include <QPlatformSurfaceEvent>
 #include <QWindow>
 
 #include <qpa/qplatformnativeinterface.h>
+#include <wlr-layer-shell-unstable-v1.h>
+#include <xdg-shell.h>
 
-#include <algorithm>
 #include <string_view>
 
 namespace tidebrook {
 
 namespace {
 
-constexpr uint32_t shellVersion =
-    ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND_SINCE_VERSION;
-
 constexpr xdg_wm_base_listener popupsListener{
     .ping = [](void *, xdg_wm_base *popups, uint32_t serial) { xdg_wm_base_pong(popups, serial); }};
 
 template <typename Object>
-Object *bindTo(wl_registry *registry, uint32_t name, const wl_interface &interface,
-               uint32_t version) {
-    void *object = wl_registry_bind(registry, name, &interface, version);
+Object *bindTo(wl_registry *registry, uint32_t name, const wl_interface &interface) {
+    void *object = wl_registry_bind(registry, name, &interface, 1);
     // From here on, events come with Qt's.
     wl_proxy_set_queue(static_cast<wl_proxy *>(object), nullptr);
     return static_cast<Object *>(object);
 }
 
-void onGlobal(void *data, wl_registry *registry, uint32_t name, const char *interface,
-              uint32_t version) {
+void onGlobal(void *data, wl_registry *registry, uint32_t name, const char *interface, uint32_t) {
     auto &found = *static_cast<LayerProtocols *>(data);
     if (std::string_view(interface) == zwlr_layer_shell_v1_interface.name) {
-        found.shell = bindTo<zwlr_layer_shell_v1>(registry, name, zwlr_layer_shell_v1_interface,
-                                                  std::min(version, shellVersion));
+        found.shell = bindTo<zwlr_layer_shell_v1>(registry, name, zwlr_layer_shell_v1_interface);
     } else if (std::string_view(interface) == xdg_wm_base_interface.name) {
-        found.popups = bindTo<xdg_wm_base>(registry, name, xdg_wm_base_interface, 1);
+        found.popups = bindTo<xdg_wm_base>(registry, name, xdg_wm_base_interface);
         xdg_wm_base_add_listener(found.popups, &popupsListener, nullptr);
     }
 }
