@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 source scripts/building.sh
 
-readonly folders='platform|res|store|feed|update|share|subscriptions|kit|app|ui|reader|service|ctl|tests|tools|bench'
+readonly folders='platform|res|store|feed|update|share|subscriptions|kit|app|ui|today|reader|service|ctl|tests|tools|bench'
 results=()
 failures=0
 

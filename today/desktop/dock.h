@@ -16,9 +16,10 @@ void prepareDock();
 /// the window is merely shown. With the layer shell it is shown a moment later, when the
 /// compositor has given it its place.
 ///
-/// The strip is hidden by `hide()`, and shown again by this alone. With the layer shell it is also
-/// hidden while there is no screen. What it shows must open no window of its own, such as a tool
-/// tip or a menu, other than by `popUpFrom()`: the compositor ends a program that does.
+/// Once shown, the strip is hidden by `hide()`, and shown again by this alone. With the layer shell
+/// it is also hidden while there is no screen, and gets no key but while its menu is open. It must
+/// open no window of its own there, such as a tool tip or a menu, other than by `popUpFrom()`: the
+/// compositor would take it for an ordinary window.
 ///
 /// For the user-interface thread, as all of this header.
 void dockAtTop(QWidget &strip);
