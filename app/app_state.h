@@ -83,6 +83,7 @@ struct AppState : Queues, ListFont, TappedHeadline {
     int articleRow = -1;      ///< the row that was opened
 
     SortMode sortMode = SortMode::Date;
+    bool areSettingsShown = false;
 
     // The article that is shown, and its channel.
     QString fillChannel;

@@ -6,6 +6,7 @@
 #include "kit/progress_line.h"
 #include "platform/desktop/service.h"
 #include "ui/category_list_screen.h"
+#include "update/dialogs/settings_sheet.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -53,9 +54,17 @@ void Application::comeForward() {
         qputenv("XDG_ACTIVATION_TOKEN", token->toUtf8());
         showWindow();
         stack_.bringForward();
-        if (state_) // or else the first screen looks
+        if (state_) { // or else the first screen looks
             lookForTodayTap(*state_);
+            showWantedSettings();
+        }
     }
+}
+
+// The Today item's menu leads to them, too.
+void Application::showWantedSettings() {
+    if (takeWantedSettings(device_->root))
+        QTimer::singleShot(0, &stack_, [this] { showSettings(*state_); });
 }
 
 bool Application::InitInstance() {
@@ -112,6 +121,7 @@ void Application::runScreens(int messageId) {
     });
     if (messageId != 0)
         QTimer::singleShot(0, &stack_, [this, messageId] { ShowError(*state_, messageId); });
+    showWantedSettings();
     OpenCategoryList(*state_);
 }
 

@@ -31,6 +31,7 @@ private:
     void watchOthers();
     void comeForward();
     void showWindow();
+    void showWantedSettings();
     int awaitDevice();
     void activateDownloader();
     void runScreens(int messageId);

@@ -90,6 +90,26 @@ inline constexpr int noArticleYetString = 82;
 inline constexpr int nothingUnreadString = 83;
 inline constexpr int unreadOnlyString = 84;
 
+// the Today item: in the place of a headline, in its menu, and of what it was asked to do
+inline constexpr int todayNoDeviceString = 100;
+inline constexpr int todayUnreadableString = 101;
+inline constexpr int todayNoChannelString = 102;
+inline constexpr int todayNothingUnreadString = 103;
+inline constexpr int todayUnreadString = 104;
+inline constexpr int todayOpenString = 105;
+inline constexpr int todayUpdateString = 106;
+inline constexpr int todayMarkString = 107;
+inline constexpr int todaySettingsString = 108;
+inline constexpr int todayHideString = 109;
+inline constexpr int todayUpdatingString = 110;
+inline constexpr int todayNotUpdatedString = 111;
+inline constexpr int todayNotMarkedString = 112;
+inline constexpr int todayNotOpenedString = 113;
+inline constexpr int todayOneNewString = 114;
+inline constexpr int todayManyNewString = 115;
+inline constexpr int todayOneChannelString = 116;
+inline constexpr int todayManyChannelsString = 117;
+
 // errors
 inline constexpr int errorString = 28; // the caption of every error
 inline constexpr int wrongUrlString = 27;

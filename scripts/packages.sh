@@ -7,7 +7,7 @@ buildPackages=(
     qt6-base-dev qt6-svg-dev fonts-dejavu-core xdg-utils
     qt6-base-private-dev libwayland-dev wayland-protocols libxcb1-dev
     libsqlite3-dev libcurl4-openssl-dev libexpat1-dev zlib1g-dev
-    libgtest-dev ca-certificates
+    libgtest-dev dbus-daemon ca-certificates
 )
 # shellcheck disable=SC2034
 benchPackages=(libxml2-dev valgrind)

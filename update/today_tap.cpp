@@ -8,6 +8,7 @@ namespace tidebrook {
 namespace {
 
 constexpr QStringView tapEvent = u"CLKTODAY";
+constexpr QStringView settingsEvent = u"TODAYSETTING";
 
 } // namespace
 
@@ -24,6 +25,15 @@ bool OfferedTap::offer(const Headline &headline, QStringView todayItemKey) {
            registry.write(todayItemKey, u"CHANNEL", headline.channel) &&
            registry.write(todayItemKey, u"TITLE", headline.title) && batch.commit() &&
            tapped_.set();
+}
+
+OfferedSettings::OfferedSettings(const DeviceRoot &device)
+    : wanted_(device, settingsEvent, NamedEvent::Reset::Auto) {
+    wanted_.set();
+}
+
+bool takeWantedSettings(const DeviceRoot &device) {
+    return NamedEvent(device, settingsEvent, NamedEvent::Reset::Auto).test();
 }
 
 std::optional<Headline> takeTodayTap(const DeviceRoot &device, Registry &registry,

@@ -30,6 +30,22 @@ private:
     NamedEvent tapped_;
 };
 
+/// Has a reader that comes forward show its settings: set as long as this lives, or until one takes
+/// it.
+class OfferedSettings {
+public:
+    explicit OfferedSettings(const DeviceRoot &device);
+    ~OfferedSettings() { wanted_.reset(); }
+    OfferedSettings(const OfferedSettings &) = delete;
+    OfferedSettings &operator=(const OfferedSettings &) = delete;
+
+private:
+    NamedEvent wanted_;
+};
+
+/// Whether the settings are to be shown; true for one reader, once. Does not wait.
+bool takeWantedSettings(const DeviceRoot &device);
+
 /// Takes the tap that is waiting, if there is one: the event "CLKTODAY" reports it, and the Today
 /// item's values "CATEGORY", "CHANNEL" and "TITLE" describe it. One that lacks a text is taken and
 /// ignored. Does not wait.

@@ -5,7 +5,7 @@
 namespace tidebrook {
 
 /// Shows the settings, on the pages "Today Setting" and "Auto Update", until the user is done or
-/// cancels.
+/// cancels. Does nothing while they are shown.
 void showSettings(AppState &state);
 
 } // namespace tidebrook

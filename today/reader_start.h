@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/base/device_root.h"
+#include "platform/sync/tasks.h"
+#include "store/headlines.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+namespace tidebrook {
+
+class OfferedTap;
+
+/// Has the reader start, or come forward, for what the user has chosen here. Belongs to the
+/// user-interface thread, which it never holds up.
+class ReaderStart : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ReaderStart(const DeviceRoot &device);
+    ~ReaderStart() override;
+
+    void open();
+    /// It opens this article. After 10 seconds it opens it no more.
+    void open(const Headline &headline);
+    /// It opens its settings, within the same time.
+    void openSettings();
+
+Q_SIGNALS:
+    /// The reader could not be started.
+    void failed();
+
+private:
+    void start(std::shared_ptr<void> offer);
+
+    const DeviceRoot device_;
+    std::shared_ptr<void> offer_; // what the reader is to find, until it is taken back
+    QTimer end_;
+    Tasks tasks_{Tasks::Serial}; // the first to end
+};
+
+} // namespace tidebrook
