@@ -15,10 +15,7 @@ namespace {
 
 // Only the topmost layer is acted on.
 bool canBeTapped(const ListView &list) {
-    const QWidget *part = &list;
-    while (part != nullptr && qobject_cast<const Layer *>(part) == nullptr)
-        part = part->parentWidget();
-    const auto *layer = qobject_cast<const Layer *>(part);
+    const Layer *layer = Layer::of(list);
     return list.isVisible() && list.isEnabled() &&
            (layer == nullptr || layer->stack().top() == layer);
 }

@@ -9,6 +9,13 @@ Layer::Layer(ScreenStack &stack) : QWidget(&stack, Qt::SubWindow), stack_(stack)
     setVisible(false);
 }
 
+const Layer *Layer::of(const QWidget &part) {
+    const QWidget *above = &part;
+    while (above != nullptr && qobject_cast<const Layer *>(above) == nullptr)
+        above = above->parentWidget();
+    return qobject_cast<const Layer *>(above);
+}
+
 // The key is used up also when the focus stays, else the window would look for a widget below.
 bool Layer::focusNextPrevChild(bool next) {
     QWidget::focusNextPrevChild(next);

@@ -15,6 +15,9 @@ class Layer : public QWidget {
 public:
     explicit Layer(ScreenStack &stack);
 
+    /// The layer that a widget is part of; null when it is in none.
+    static const Layer *of(const QWidget &part);
+
     ScreenStack &stack() const { return stack_; }
 
     /// Ends the layer; the stack's `run` returns this result. Later calls are ignored.

@@ -109,10 +109,7 @@ void ListView::selectRow(int row) {
 }
 
 bool ListView::looksFocused() const {
-    const QWidget *above = parentWidget();
-    while (above != nullptr && qobject_cast<const Layer *>(above) == nullptr)
-        above = above->parentWidget();
-    const auto *layer = qobject_cast<const Layer *>(above);
+    const Layer *layer = Layer::of(*this);
     const bool isBelowMenu =
         QApplication::activePopupWidget() != nullptr && window()->focusWidget() == this;
     return hasFocus() || isBelowMenu || (layer != nullptr && layer->focusBefore() == this);

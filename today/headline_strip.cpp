@@ -121,6 +121,8 @@ bool HeadlineStrip::event(QEvent *event) {
     const bool isHandled = QAbstractButton::event(event);
     if (event->type() == QEvent::Enter || event->type() == QEvent::Leave)
         updateStepping();
+    else if (event->type() == QEvent::FontChange)
+        setFixedHeight(sizeHint().height());
     return isHandled;
 }
 

@@ -26,36 +26,49 @@ bool startReader(const DeviceRoot &device) {
 
 ReaderStart::ReaderStart(const DeviceRoot &device) : device_(device) {
     end_.setSingleShot(true);
-    end_.callOnTimeout(this, [this] { offer_.reset(); });
+    end_.callOnTimeout(this, &ReaderStart::withdraw);
 }
 
-ReaderStart::~ReaderStart() = default;
+ReaderStart::~ReaderStart() { withdraw(); }
 
-void ReaderStart::open() { start(nullptr); }
+void ReaderStart::open() {
+    start([](TodayOffer &, const Headline &) { return true; }, {});
+}
 
-// Without the hand-over the reader opens all the same.
 void ReaderStart::open(const Headline &headline) {
-    auto tap = std::make_shared<OfferedTap>(device_);
-    offer_ = tap;
-    tasks_.ask(
-        this, [tap, headline] { return tap->offer(headline, ownTodayKey()); },
-        [this, tap](bool) { start(tap); });
+    start([](TodayOffer &offer,
+             const Headline &tapped) { return offer.offerTap(tapped, ownTodayKey()); },
+          headline);
 }
 
-void ReaderStart::openSettings() { start(std::make_shared<OfferedSettings>(device_)); }
+void ReaderStart::openSettings() {
+    start([](TodayOffer &offer, const Headline &) { return offer.offerSettings(); }, {});
+}
 
-// A process that holds the event open keeps it set until the reader has taken it.
-void ReaderStart::start(std::shared_ptr<void> offer) {
-    offer_ = std::move(offer);
+// Without the hand-over the reader opens all the same. An offer before stays open until this one
+// is, so that nothing is lost that a reader has still to take.
+void ReaderStart::start(Offering offering, const Headline &headline) {
+    const auto offer = std::make_shared<TodayOffer>(device_);
+    offer_ = offer;
     end_.start(offerTime);
     tasks_.ask(
-        this, [device = device_] { return startReader(device); },
+        this,
+        [device = device_, offer, offering, headline] {
+            offering(*offer, headline);
+            return startReader(device);
+        },
         [this](bool isStarted) {
             if (isStarted)
                 return;
-            offer_.reset();
+            withdraw();
             Q_EMIT failed();
         });
+}
+
+void ReaderStart::withdraw() {
+    if (offer_)
+        offer_->withdraw();
+    offer_.reset();
 }
 
 } // namespace tidebrook

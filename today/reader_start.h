@@ -11,7 +11,7 @@
 
 namespace tidebrook {
 
-class OfferedTap;
+class TodayOffer;
 
 /// Has the reader start, or come forward, for what the user has chosen here. Belongs to the
 /// user-interface thread, which it never holds up.
@@ -33,10 +33,13 @@ Q_SIGNALS:
     void failed();
 
 private:
-    void start(std::shared_ptr<void> offer);
+    using Offering = bool (*)(TodayOffer &offer, const Headline &headline);
+
+    void start(Offering offering, const Headline &headline);
+    void withdraw();
 
     const DeviceRoot device_;
-    std::shared_ptr<void> offer_; // what the reader is to find, until it is taken back
+    std::shared_ptr<TodayOffer> offer_; // for the reader that was started last
     QTimer end_;
     Tasks tasks_{Tasks::Serial}; // the first to end
 };

@@ -12,24 +12,22 @@ constexpr QStringView settingsEvent = u"TODAYSETTING";
 
 } // namespace
 
-OfferedTap::OfferedTap(const DeviceRoot &device)
-    : device_(device), tapped_(device, tapEvent, NamedEvent::Reset::Auto) {}
+TodayOffer::TodayOffer(const DeviceRoot &device)
+    : device_(device), tap_(device, tapEvent, NamedEvent::Reset::Auto),
+      settings_(device, settingsEvent, NamedEvent::Reset::Auto) {}
 
-OfferedTap::~OfferedTap() { tapped_.reset(); }
-
-bool OfferedTap::offer(const Headline &headline, QStringView todayItemKey) {
-    tapped_.reset(); // a reader that takes it now would find one value of each
+bool TodayOffer::offerTap(const Headline &headline, QStringView todayItemKey) {
+    tap_.reset(); // a reader that takes it now could find another headline's texts
     Registry registry(device_);
     Registry::Batch batch(registry);
     return batch.isOpen() && registry.write(todayItemKey, u"CATEGORY", headline.category) &&
            registry.write(todayItemKey, u"CHANNEL", headline.channel) &&
-           registry.write(todayItemKey, u"TITLE", headline.title) && batch.commit() &&
-           tapped_.set();
+           registry.write(todayItemKey, u"TITLE", headline.title) && batch.commit() && tap_.set();
 }
 
-OfferedSettings::OfferedSettings(const DeviceRoot &device)
-    : wanted_(device, settingsEvent, NamedEvent::Reset::Auto) {
-    wanted_.set();
+void TodayOffer::withdraw() {
+    tap_.reset();
+    settings_.reset();
 }
 
 bool takeWantedSettings(const DeviceRoot &device) {

@@ -11,36 +11,24 @@
 
 namespace tidebrook {
 
-/// A tap on a headline, which a reader is to take: set as long as this lives, or until one takes
-/// it. Thread-safe.
-class OfferedTap {
+/// What a reader that starts or comes forward is to open. It is offered until a reader takes it, it
+/// is withdrawn, or every process that offers something has ended this. Thread-safe.
+class TodayOffer {
 public:
-    explicit OfferedTap(const DeviceRoot &device);
-    /// Takes the tap back, so that no reader follows it later.
-    ~OfferedTap();
-    OfferedTap(const OfferedTap &) = delete;
-    OfferedTap &operator=(const OfferedTap &) = delete;
+    explicit TodayOffer(const DeviceRoot &device);
 
-    /// Offers the headline in place of one before. Waits for another process that writes the
+    /// Offers a tapped headline in place of one before. Waits for another process that writes the
     /// registry, 2 seconds at most. False, with nothing offered, when it could not be written.
-    bool offer(const Headline &headline, QStringView todayItemKey);
+    bool offerTap(const Headline &headline, QStringView todayItemKey);
+    /// Offers the reader's settings.
+    bool offerSettings() { return settings_.set(); }
+
+    void withdraw();
 
 private:
     const DeviceRoot device_;
-    NamedEvent tapped_;
-};
-
-/// Has a reader that comes forward show its settings: set as long as this lives, or until one takes
-/// it.
-class OfferedSettings {
-public:
-    explicit OfferedSettings(const DeviceRoot &device);
-    ~OfferedSettings() { wanted_.reset(); }
-    OfferedSettings(const OfferedSettings &) = delete;
-    OfferedSettings &operator=(const OfferedSettings &) = delete;
-
-private:
-    NamedEvent wanted_;
+    NamedEvent tap_;
+    NamedEvent settings_;
 };
 
 /// Whether the settings are to be shown; true for one reader, once. Does not wait.

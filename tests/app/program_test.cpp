@@ -40,6 +40,7 @@ public:
             environment.remove(name);
         environment.insert(u"TIDEBROOK_HOME"_s, root.path());
         environment.insert(u"XDG_ACTIVATION_TOKEN"_s, u"token"_s);
+        environment.insert(u"XDG_RUNTIME_DIR"_s, root.path()); // as every login sets it
         for (const auto &[name, value] : own.asKeyValueRange())
             environment.insert(name, value);
         process_.setProcessEnvironment(environment);
