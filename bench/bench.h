@@ -74,5 +74,6 @@ void measureService(Bench &bench);
 void measureReader(Bench &bench);
 void measureScreens(Bench &bench);
 void measureSharing(Bench &bench);
+void measureToday(Bench &bench);
 
 } // namespace tidebrook

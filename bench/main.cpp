@@ -20,7 +20,7 @@ const struct {
 } cases[]{
     {u"one"_s, refreshOneFeed},     {u"held"_s, refreshBesideOthers}, {u"many"_s, refreshManyFeeds},
     {u"channels"_s, listChannels},  {u"service"_s, measureService},   {u"reader"_s, measureReader},
-    {u"screens"_s, measureScreens}, {u"sharing"_s, measureSharing},
+    {u"screens"_s, measureScreens}, {u"sharing"_s, measureSharing},   {u"today"_s, measureToday},
 };
 
 void describe(QCommandLineParser &parser, const QStringList &names) {

@@ -66,7 +66,8 @@ void Report::row(const Column &column, double ours, double theirs) {
         verdict = "<= " + text(*column.target, 2) + (isMet ? "  met" : "  NOT MET");
     }
     print(column.text, text(ours * column.unit, column.decimals),
-          text(theirs * column.unit, column.decimals), text(ours / theirs, 3), verdict);
+          text(theirs * column.unit, column.decimals), theirs > 0 ? text(ours / theirs, 3) : "-",
+          verdict);
 }
 
 } // namespace tidebrook

@@ -8,6 +8,7 @@
 #include "platform/base/replace_file.h"
 #include "store/provisioning.h"
 #include "store/seeding.h"
+#include "test_device/test_device.h"
 #include "update/channel_file.h"
 
 #include <QCryptographicHash>
@@ -70,7 +71,7 @@ void makeStore(const QString &home, const StorePlan &plan) {
     for (int i = 0; i < plan.filledChannels; ++i)
         seed += channelLine(filledChannel(plan, i));
     const DeviceRoot device(home);
-    const QString todayItem = u"Bench"_s;
+    const QString todayItem = testTodayKey.toString();
     require(provisionDevice(device, encodeChannelFile(seed + feeds), todayItem), home);
     Registry registry(device);
     SettingsStore(registry).setDword(programKey, u"CategoryNumber", 0);
@@ -82,7 +83,8 @@ void makeStore(const QString &home, const StorePlan &plan) {
             store.RecountChannel(filledChannel(plan, i).channelName);
     });
     const QString list = device.filePath(u"\\windows\\UpdateChannel.list");
-    require(isCounted && (!plan.areAutomatic || replaceFile(list, encodeChannelFile(feeds))), home);
+    require(isCounted && store.PublishTotalUnread(), home);
+    require(!plan.areAutomatic || replaceFile(list, encodeChannelFile(feeds)), home);
 }
 
 StoreCopy::StoreCopy(const QString &store) : home(store + u"-copy"_s) {
