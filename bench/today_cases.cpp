@@ -30,66 +30,62 @@ double cpuOf(pid_t process) {
     return secondsOf(clock);
 }
 
-double pssOf(pid_t process) { return procFigure(std::to_string(process) + "/smaps_rollup", "Pss"); }
-
-Figures measureItem() {
-    const Item item;
-    Figures figures{{"Pss", pssOf(item.id())}};
+Figures measureSteps(const Item &item) {
     const double cpu = cpuOf(item.id());
     const double sleeps = sleepsOf(item.id());
     std::this_thread::sleep_for(stepsOfRun * step);
-    figures["cpu"] = (cpuOf(item.id()) - cpu) / stepsOfRun;
-    figures["wake-ups"] = sleepsOf(item.id()) - sleeps;
-    require(figures["wake-ups"] >= stepsOfRun,
-            u"the Today item shows one headline after another"_s);
+    Figures figures{{"cpu", (cpuOf(item.id()) - cpu) / stepsOfRun},
+                    {"wake-ups", sleepsOf(item.id()) - sleeps}};
+    // On a busy machine some may come too late.
+    require(2 * figures["wake-ups"] > stepsOfRun, u"the Today item goes through the headlines"_s);
     return figures;
-}
-
-Figures measureWindow() {
-    const BackgroundProcess window(u"bare_window"_s, {u"1"_s, u"stay"_s}, "work");
-    awaitIdle(window.id());
-    return {{"Pss", pssOf(window.id())}};
 }
 
 void measureShown(Bench &bench) {
     bench.report.section("The Today item's window over 1,000 unread articles", "bare window");
-    {
+    std::array<Runs, 2> memory; // at the same moments: other programs share it alike
+    Runs steps;
+    for (int run = 0; run < bench.runs; ++run) {
         const Item item;
-        const BackgroundProcess window(u"bare_window"_s, {u"1"_s, u"stay"_s}, "work");
-        const auto both = memoryOf(item.id(), window.id());
-        bench.report.compare({}, {both[0]}, {both[1]},
-                             {{"alone", "as if alone, KiB"}, {"Anonymous", "anonymous, KiB"}});
+        {
+            const BackgroundProcess window(u"bare_window"_s, {u"1"_s, u"stay"_s}, "work");
+            awaitIdle(window.id());
+            const auto both = memoryOf(item.id(), window.id());
+            for (std::size_t i = 0; i < both.size(); ++i)
+                memory[i].push_back(both[i]);
+        }
+        steps.push_back(measureSteps(item));
     }
-    const std::vector<Runs> both = bench.takeTurns({measureItem, measureWindow});
-    bench.report.compare({}, both[0], both[1], {{"Pss", "Pss, KiB", 1, 0, 1.2}});
+    bench.report.compare({}, memory[0], memory[1],
+                         {{"alone", "as if alone, KiB", 1, 0, 1.2},
+                          {"Pss", "Pss, KiB"},
+                          {"Anonymous", "anonymous, KiB"}});
     bench.report.section("The same, 20 headlines a run, 300 ms each", "allowed");
-    bench.report.limit("CPU of a headline", both[0], "cpu", stepAllowed);
+    bench.report.limit("CPU of a headline", steps, "cpu", stepAllowed);
     bench.report.section("How often its threads wake up for that", "headlines");
-    bench.report.compare({}, both[0], {{{"wake-ups", stepsOfRun}}}, {{"wake-ups", "wake-ups"}});
+    bench.report.compare({}, steps, {{{"wake-ups", stepsOfRun}}}, {{"wake-ups", "wake-ups"}});
 }
+
+void control(const QStringList &arguments) { outputOf(u"tidebrookctl"_s, arguments); }
 
 /// Others change what the item shows, but not whether it is shown.
 void changeDevice() {
     for (int i = 0; i < changeCount; ++i) {
-        outputOf(u"tidebrookctl"_s, {u"setting"_s, u"UpdateInterval"_s, QString::number(i % 6)});
-        outputOf(u"tidebrookctl"_s,
-                 {u"mark"_s, u"Voices of district 0001"_s, i % 2 == 0 ? u"read"_s : u"unread"_s});
+        control({u"setting"_s, u"UpdateInterval"_s, QString::number(i % 6)});
+        control({u"mark"_s, u"Voices of district 0001"_s, i % 2 == 0 ? u"read"_s : u"unread"_s});
     }
 }
 
 void measureHidden(Bench &bench) {
     bench.report.section("The Today item put away, while tidebrookctl makes 40 changes", "allowed");
     const Item item;
-    const auto enable = [](const QString &value) {
-        outputOf(u"tidebrookctl"_s, {u"setting"_s, u"--today"_s, u"Enabled"_s, value});
-    };
-    enable(u"0"_s);
+    control({u"setting"_s, u"--today"_s, u"Enabled"_s, u"0"_s});
     awaitIdle(item.id());
     const double before = sleepsOf(item.id());
     changeDevice();
     std::this_thread::sleep_for(2s);
     const double after = sleepsOf(item.id());
-    enable(u"1"_s);
+    control({u"setting"_s, u"--today"_s, u"Enabled"_s, u"1"_s});
     std::this_thread::sleep_for(2s);
     require(sleepsOf(item.id()) > after, u"the Today item comes back"_s);
     bench.report.compare({}, {{{"wake-ups", after - before}}}, {{{"wake-ups", 0}}},

@@ -27,6 +27,8 @@ std::optional<Headlines> readHeadlines(const DeviceRoot &device, int limit) {
                                                {.readOnly = true, .busyTimeout = longestWait});
     if (!database)
         return std::nullopt;
+    // Each page is read once, and the memory of a usual cache would stay with the program.
+    database->run("PRAGMA cache_size = -100");
     Headlines found;
     SqliteStatement channels = database->prepare("SELECT 1 FROM RSSCHRecord LIMIT 1");
     found.hasChannels = channels.next();
