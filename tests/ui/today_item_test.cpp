@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDir>
 #include <QTest>
 
@@ -167,6 +168,21 @@ TEST_F(TodayItemTest, OfVeryManyItStepsThroughTheNewestByHandAndByItself) {
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(&strip(), &leave);
     EXPECT_TRUE(sees(u"0 unread. A: title 9997"_s));
+    const auto lock = [](bool isLocked) {
+        QDBusConnection::sessionBus().send(
+            QDBusMessage::createSignal(u"/org/freedesktop/ScreenSaver"_s,
+                                       u"org.freedesktop.ScreenSaver"_s, u"ActiveChanged"_s)
+            << isLocked);
+    };
+    const auto staysForSomeSteps = [&] {
+        const QString before = strip().accessibleName();
+        QTest::qWait(300);
+        return strip().accessibleName() == before;
+    };
+    lock(true);
+    waitFor(staysForSomeSteps);
+    lock(false);
+    waitFor([&] { return !staysForSomeSteps(); });
 }
 
 TEST_F(TodayItemTest, ATapOpensTheArticleAlsoAfterAnyOfTheProgramsWasKilled) {
