@@ -74,9 +74,10 @@ constexpr std::array commands{
             "channel has the same feed"},
     Command{u"service", 1, 1, u"", Needs::Registry, runService, u"service status|start|stop",
             u"the background downloader of the device"},
-    Command{u"setting", 1, 2, u"today", Needs::Registry, runSetting,
-            u"setting NAME [VALUE] [--today]",
-            u"read or write a setting (--today: the Today item's, which reads it at once)"},
+    Command{u"setting", 0, 2, u"today", Needs::Registry, runSetting,
+            u"setting [NAME [VALUE]] [--today]",
+            u"list the settings: name, value, meaning; or read or write one (--today: those of the "
+            "Today item alone, which reads them at once)"},
     Command{
         u"check", 0, 0, u"", Needs::Files, runCheck, u"check",
         u"examine what is stored; a line for each fault, and for each feed that is there twice"},

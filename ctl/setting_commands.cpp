@@ -1,35 +1,34 @@
 #include "ctl/commands.h"
+#include "ctl/known_settings.h"
 #include "ctl/output.h"
 #include "ctl/shared_feeds.h"
-#include "platform/sync/named_event.h"
 #include "store/store_check.h"
-#include "update/update_settings.h"
 
 namespace tidebrook {
 
 namespace {
 
-// The two values that the platform keeps have keys of their own.
-QString keyOf(const Device &device, const QString &name, bool isToday) {
-    if (isToday)
-        return device.todayItemKey;
-    if (name == u"Cradled")
-        return hardwareStateKey.toString();
-    if (name == u"Status")
-        return phoneStateKey.toString();
-    return programKey.toString();
+int listSettings(CommandDevice &device, bool isTodayAlone) {
+    for (const KnownSetting &setting : knownSettings(isTodayAlone))
+        printFields({setting.name.toString(),
+                     storedValue(device, setting).value_or(QStringLiteral("not set")),
+                     setting.meaning.toString()});
+    return ExitDone;
 }
 
-bool isText(const QString &name, bool isToday) {
-    return isToday && (name == u"CATEGORY" || name == u"CHANNEL" || name == u"TITLE");
+int failUnknown(const QString &name, bool isTodayAlone) {
+    QStringList names;
+    for (const KnownSetting &setting : knownSettings(isTodayAlone))
+        names.append(setting.name.toString());
+    return failUsage(QStringLiteral("there is no setting \"%1\" among %2")
+                         .arg(name, names.join(QStringLiteral(", "))));
 }
 
-int printSetting(CommandDevice &device, const QString &key, const QString &name) {
-    const std::optional<RegistryValue> value = device.registry.read(key, name);
+int printSetting(CommandDevice &device, const KnownSetting &setting) {
+    const std::optional<QString> value = storedValue(device, setting);
     if (!value)
-        return fail(QStringLiteral("\"%1\" is not set").arg(name));
-    const quint32 *number = std::get_if<quint32>(&*value);
-    printLine(number ? QString::number(*number) : std::get<QString>(*value));
+        return fail(QStringLiteral("\"%1\" is not set").arg(setting.name));
+    printLine(*value);
     return ExitDone;
 }
 
@@ -55,25 +54,22 @@ int reportSharedFeeds(CommandDevice &device) {
 int runSetting(CommandDevice &device, const Arguments &arguments) {
     if (!device.openRegistry())
         return ExitFailed;
+    const bool isTodayAlone = arguments.options.contains(QStringLiteral("today"));
+    if (arguments.operands.isEmpty())
+        return listSettings(device, isTodayAlone);
     const QString name = arguments.operands[0];
-    const bool isToday = arguments.options.contains(QStringLiteral("today"));
-    const QString key = keyOf(device, name, isToday);
+    const std::optional<KnownSetting> setting = knownSetting(name, isTodayAlone);
+    if (!setting)
+        return failUnknown(name, isTodayAlone);
     if (arguments.operands.size() == 1)
-        return printSetting(device, key, name);
-    const QString text = arguments.operands[1];
-    RegistryValue value = text;
-    if (!isText(name, isToday)) {
-        bool isNumber = false;
-        value = quint32{text.toUInt(&isNumber)};
-        if (!isNumber)
-            return failUsage(
-                QStringLiteral("\"%1\" takes a number from 0 to 4294967295").arg(name));
-    }
-    if (!device.registry.write(key, name, value) || !device.registry.flush())
-        return fail(QStringLiteral("the setting could not be stored"));
-    if (isToday)
-        NamedEvent(device.root, todayItemsEvent, NamedEvent::Reset::Auto).set();
-    return ExitDone;
+        return printSetting(device, *setting);
+    const std::optional<RegistryValue> value = valueOf(*setting, arguments.operands[1]);
+    if (!value)
+        return failUsage(QStringLiteral("\"%1\" takes %2 (%3)")
+                             .arg(setting->name, rangeInWords(*setting), setting->meaning));
+    return storeValue(device, *setting, *value)
+               ? ExitDone
+               : fail(QStringLiteral("the setting could not be stored"));
 }
 
 int runCheck(CommandDevice &device, const Arguments &) {

@@ -24,7 +24,7 @@ TEST_F(RivalsTest, WhatIsStoredIsNeverToldToHaveFailed) {
     for (int round = 0; round < 4; ++round) {
         QStringList calls;
         for (int i = 0; i < 5; ++i) {
-            calls.append(u"setting FontSize %1"_s.arg(i));
+            calls.append(u"setting FontSize %1"_s.arg(9 + i));
             calls.append(u"add-category \"%1 %2\""_s.arg(round).arg(i));
             calls.append(u"auto %1 ch%2"_s.arg(round % 2 == 0 ? u"add" : u"remove").arg(i));
         }
