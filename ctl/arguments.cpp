@@ -14,9 +14,11 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     const QCommandLineOption timeout(QStringLiteral("timeout"), {}, QStringLiteral("SECONDS"));
     const QCommandLineOption today(QStringLiteral("today"));
     const QCommandLineOption all(QStringLiteral("all"));
+    const QCommandLineOption create(QStringLiteral("create"));
     const QCommandLineOption category(QStringLiteral("category"), {}, QStringLiteral("NAME"));
     QCommandLineParser parser;
-    parser.addOptions({help, version, home, order, jobs, pauses, timeout, today, all, category});
+    parser.addOptions(
+        {help, version, home, order, jobs, pauses, timeout, today, all, create, category});
     if (!parser.parse(commandLine)) {
         *error = parser.errorText();
         return std::nullopt;
@@ -31,7 +33,8 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     arguments.operands = parser.positionalArguments();
     if (!arguments.operands.isEmpty())
         arguments.command = arguments.operands.takeFirst();
-    for (const QCommandLineOption &option : {order, jobs, pauses, timeout, today, all, category}) {
+    for (const QCommandLineOption &option :
+         {order, jobs, pauses, timeout, today, all, create, category}) {
         if (parser.isSet(option))
             arguments.options.append(option.names());
     }

@@ -1,11 +1,35 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 
+#include <QUrl>
+
 namespace tidebrook {
 
 namespace {
 
 const QString nameNeeded = QStringLiteral("a channel needs a name");
+
+// Where it is a whole address of the web; else the failure is reported.
+bool isWebAddress(const QString &link) {
+    const QUrl url(link);
+    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
+    if (isWeb && url.isValid() && !url.host().isEmpty())
+        return true;
+    fail(
+        QStringLiteral("\"%1\" is no address: one begins with http:// or https:// and names a host")
+            .arg(link));
+    return false;
+}
+
+// The category of a new channel; empty, and the failure is reported, where it is not to be made.
+QString categoryOfNew(CommandDevice &device, const Arguments &arguments) {
+    QString category = wantedCategory(device, arguments.operands[0].trimmed());
+    if (category.isEmpty() || arguments.options.contains(QStringLiteral("create")) ||
+        device.categories().contains(category))
+        return category;
+    fail(QStringLiteral("there is no category \"%1\"; --create makes it").arg(category));
+    return {};
+}
 
 } // namespace
 
@@ -23,15 +47,15 @@ int runChannels(CommandDevice &device, const Arguments &arguments) {
 }
 
 int runAdd(CommandDevice &device, const Arguments &arguments) {
-    const QString category = wantedCategory(device, arguments.operands[0].trimmed());
+    const QString category = categoryOfNew(device, arguments);
     const QString name = storableName(arguments.operands[1]);
-    if (category.isEmpty())
+    const QString link = arguments.operands[2].trimmed();
+    if (category.isEmpty() || !isWebAddress(link))
         return ExitFailed;
     if (name.isEmpty())
         return fail(nameNeeded);
     QString storedName;
-    const ChangeEnd end = device.subscriptions().addChannel(
-        {category, name, arguments.operands[2].trimmed()}, &storedName);
+    const ChangeEnd end = device.subscriptions().addChannel({category, name, link}, &storedName);
     if (end == ChangeEnd::Done)
         printLine(storedName);
     return exitCodeOf(device, end);
@@ -57,7 +81,7 @@ int runMove(CommandDevice &device, const Arguments &arguments) {
 int runRelink(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     const QString link = arguments.operands[1].trimmed();
-    return device.hasChannel(name)
+    return device.hasChannel(name) && isWebAddress(link)
                ? exitCodeOf(device, device.subscriptions().relinkChannel(name, link))
                : ExitFailed;
 }

@@ -36,8 +36,10 @@ constexpr std::array commands{
             u"delete-category NAME", u"delete a category, its channels and their articles"},
     Command{u"channels", 0, 1, u"", Needs::Channels, runChannels, u"channels [CATEGORY]",
             u"list channels: unread/total, name, address, category"},
-    Command{u"add", 3, 3, u"", Needs::Channels, runAdd, u"add CATEGORY NAME URL",
-            u"subscribe to a feed; prints the name that was stored"},
+    Command{
+        u"add", 3, 3, u"create", Needs::Channels, runAdd, u"add CATEGORY NAME URL [--create]",
+        u"subscribe to a feed, and make its category where it is missing (--create); prints the "
+        "name that was stored"},
     Command{u"rename", 2, 2, u"", Needs::Channels, runRename, u"rename OLD NEW",
             u"rename a channel"},
     Command{u"move", 2, 2, u"", Needs::Channels, runMove, u"move NAME CATEGORY",

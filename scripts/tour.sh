@@ -128,10 +128,10 @@ startServer() {
 addChannels() {
     local category name file
     chapter "Subscribing"
-    explain "\"add\" subscribes to a feed, and makes its category if there is none yet." \
+    explain "\"add\" subscribes to a feed; with \"--create\" it makes the category if there is none yet." \
         "It prints the name under which the channel is kept:"
     while IFS=$'\t' read -r category name file; do
-        try 0 add "$category" "$name" "$site/$file"
+        try 0 add --create "$category" "$name" "$site/$file"
         nameOf[$file]=$output
     done <"$feeds/channels.tsv"
     explain "" "What there is now; in front of each channel stand its unread and its articles:"

@@ -80,7 +80,7 @@ TEST_F(BadGroundTest, CategoriesThatCannotBeSeededFailTheInit) {
 
 TEST_F(BadGroundTest, AnAutomaticListThatIsNotToBeHadIsAFailureOfWhatNeedsIt) {
     for (const QString &name : {u"a"_s, u"b"_s, u"c"_s, u"d"_s}) {
-        ok(u"add %1 %2 http://x/"_s.arg(name == u"d" ? u"D"_s : u"C"_s, name));
+        ok(u"add --create %1 %2 http://x/"_s.arg(name == u"d" ? u"D"_s : u"C"_s, name));
         ok(u"auto add " + name);
     }
     const QString list = u"windows/UpdateChannel.list"_s;

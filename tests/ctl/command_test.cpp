@@ -1,7 +1,7 @@
 #include "ctl/ctl_process.h"
 #include "platform/sql/registry.h"
 #include "platform/sync/named_event.h"
-#include "store/settings_store.h"
+#include "store/feed_store.h"
 #include "update/update_settings.h"
 
 #include <QDir>
@@ -27,7 +27,7 @@ TEST_F(CommandTest, AReaderSubscribesRefreshesAndReads) {
     server_.serve(u"/feed"_s, feed);
     const QString url = server_.url(u"/feed");
     EXPECT_EQ(ok(u"init"_s), u"0 categories, 0 channels\n");
-    EXPECT_EQ(ok(u"add \"It's news\" Bob's " + url), u"Bob's\n");
+    EXPECT_EQ(ok(u"add --create \"It's news\" Bob's " + url), u"Bob's\n");
     EXPECT_EQ(ok(u"categories"_s), u"It's news\n");
     EXPECT_EQ(ok(u"channels"_s), QString(u"0/0\tBob's\t" + url + u"\tIt's news\n"));
     EXPECT_EQ(ok(u"update"_s), u"ok\t2\t2/2\tBob's\n");
@@ -50,9 +50,9 @@ TEST_F(CommandTest, AReaderSubscribesRefreshesAndReads) {
 }
 
 TEST_F(CommandTest, ChannelsAreRenamedMovedRelinkedAndDeleted) {
-    ok(u"add A one http://x/"_s);
-    ok(u"add B two http://y/"_s);
-    EXPECT_TRUE(ok(u"add B two http://y/"_s).startsWith(u"two-"));
+    ok(u"add --create A one http://x/"_s);
+    ok(u"add --create B two http://y/"_s);
+    EXPECT_TRUE(ok(u"add --create B two http://y/"_s).startsWith(u"two-"));
     ok(u"rename one 1'"_s);
     ok(u"relink 1' http://z/%1"_s);
     ok(u"move 1' B"_s);
@@ -68,7 +68,7 @@ TEST_F(CommandTest, ChannelsAreRenamedMovedRelinkedAndDeleted) {
 // What a kill may leave: the new name listed, or that and the channels moved already.
 TEST_F(CommandTest, ACategorysRenamingThatWasBrokenOffGoesOn) {
     for (const QString &name : {u"A"_s, u"B"_s, u"C"_s})
-        ok(u"add %1 \"of %1\" http://x/"_s.arg(name));
+        ok(u"add --create %1 \"of %1\" http://x/"_s.arg(name));
     for (const QStringList &halfDone :
          {QStringList{u"add-category New"_s},
           QStringList{u"rename-category B New"_s, u"add-category B"_s}}) {
@@ -86,10 +86,10 @@ TEST_F(CommandTest, ACategorysRenamingThatWasBrokenOffGoesOn) {
 
 TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
     server_.serve(u"/feed"_s, feed);
-    ok(u"add A one " + server_.url(u"/feed"));
+    ok(u"add --create A one " + server_.url(u"/feed"));
     ok(u"update"_s);
-    ok(u"add A two http://y/"_s);
-    ok(u"add B other http://z/"_s);
+    ok(u"add --create A two http://y/"_s);
+    ok(u"add --create B other http://z/"_s);
     const auto stored = [this] {
         return QString(ok(u"channels"_s) + ok(u"categories"_s) + ok(u"articles one"_s));
     };
@@ -109,6 +109,8 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
         u"rename one \uFFFEtwo; rename one \"\t\"; "
         "setting SortMode; add-category \" A \"; add-category \"  \"; rename-category A B; "
         "rename-category C D; rename-category A \" \"; delete-category C; channels C; "
+        "add Unknown three http://y/; add A three y; add A three ftp://y/; add A three http:///y; "
+        "add A three http://:80/; add A three \"http://y z/\"; relink one y; relink one \" \"; "
         "add A \" \" http://x/; add A three \"x', NULL, NULL, NULL);DELETE FROM RSSCHRecord --\"; "
         "rename one two; rename three four; "
         "move one C; relink one \"x', CATEGORY = 'B\"; delete three; articles three; show one "
@@ -177,10 +179,11 @@ TEST_F(CommandTest, WhatAListShowsIsWhatACommandTakes) {
     server_.serve(u"/feed"_s, "<rss><channel><item><title>Two\nlines</title><guid>1</guid>"
                               "<description>Text</description></item></channel></rss>");
     const QString name = QString(44, u'n') + u"'''''''";
-    EXPECT_EQ(ok(u"add C \"a\tb\uFEFFc\" http://x/"_s), u"a bc\n");
+    EXPECT_EQ(ok(u"add --create C \"a\tb\uFEFFc\" http://x/"_s), u"a bc\n");
     ok(u"rename \"a bc\" \"d\te\""_s);
     ok(u"delete \"d e\""_s);
-    const QString stored = ok(u"add C %1 %2"_s.arg(name, server_.url(u"/feed"))).chopped(1);
+    const QString stored =
+        ok(u"add --create C %1 %2"_s.arg(name, server_.url(u"/feed"))).chopped(1);
     EXPECT_EQ(stored, name.left(50));
     EXPECT_EQ(ok(u"update"_s), QString(u"ok\t1\t1/1\t" + stored + u'\n'));
     EXPECT_TRUE(ok(u"channels"_s).startsWith(u"1/1\t"));
@@ -245,8 +248,8 @@ TEST_F(CommandTest, ManyChannelsAtATimeAreToldInTheirOrder) {
     for (int i = 0; i < 12; ++i) {
         const QString name(QChar((i % 2 == 0 ? u'a' : u'A') + i));
         server_.serve(u'/' + name, feed);
-        ok(u"add C %1 %2"_s.arg(name, i == 5 ? u"http://127.0.0.1:1/"_s
-                                             : server_.url(QString(u'/' + name))));
+        ok(u"add --create C %1 %2"_s.arg(name, i == 5 ? u"http://127.0.0.1:1/"_s
+                                                      : server_.url(QString(u'/' + name))));
     }
     for (const QString &call : {u"update --jobs 5"_s, u"update --pauses"_s}) {
         const CtlRun update = run(call);
@@ -263,12 +266,16 @@ TEST_F(CommandTest, ManyChannelsAtATimeAreToldInTheirOrder) {
 TEST_F(CommandTest, ManyChannelsTakePartAtOnceAndEachOnce) {
     const QString left = u"\"no address\": cannot be updated automatically"_s;
     for (const QString &name : {u"one"_s, u"two"_s})
-        ok(u"add A %1 http://%1/"_s.arg(name));
-    ok(u"add A \"no address\" http://x/"_s);
-    ok(u"add B three http://three/"_s);
+        ok(u"add --create A %1 http://%1/"_s.arg(name));
+    ok(u"add --create A \"no address\" http://x/"_s);
+    ok(u"add --create B three http://three/"_s);
     ok(u"auto add two"_s);
     EXPECT_EQ(ok(u"auto add --category B"_s), u"1 channel added\n");
-    ok(u"relink \"no address\" \" \""_s);
+    {
+        Registry registry(root_);
+        FeedStore store(root_, registry, testTodayKey.toString());
+        EXPECT_TRUE(store.Open() && store.SetChannelLink(u"no address"_s, {}));
+    }
     for (const QString &added : {u"1 channel added\n"_s, u"0 channels added\n"_s}) {
         const CtlRun all = run(u"auto add --all"_s);
         EXPECT_EQ(all.out, added);

@@ -20,7 +20,7 @@ TEST_F(RivalsTest, FirstStartsAtTheSameTimeMakeOneDevice) {
 
 TEST_F(RivalsTest, WhatIsStoredIsNeverToldToHaveFailed) {
     for (int i = 0; i < 5; ++i)
-        ok(u"add C ch%1 http://x/"_s.arg(i));
+        ok(u"add --create C ch%1 http://x/"_s.arg(i));
     for (int round = 0; round < 4; ++round) {
         QStringList calls;
         for (int i = 0; i < 5; ++i) {
@@ -38,7 +38,7 @@ TEST_F(RivalsTest, WhatIsStoredIsNeverToldToHaveFailed) {
 TEST_F(RivalsTest, NamesThatTwoWantGoToOneOfThem) {
     for (int round = 0; round < 5; ++round) {
         for (const QString &name : {u"A%1"_s.arg(round), u"B%1"_s.arg(round)})
-            ok(u"add %1 \"%1 one\" http://127.0.0.1:1/"_s.arg(name));
+            ok(u"add --create %1 \"%1 one\" http://127.0.0.1:1/"_s.arg(name));
         QStringList calls;
         for (const char *call : {"rename-category A%1 C%1", "rename-category B%1 C%1",
                                  "rename \"A%1 one\" C%1", "rename \"B%1 one\" C%1", "channels"})
@@ -55,7 +55,7 @@ TEST_F(RivalsTest, ChannelsThatChangeWhileTheirFeedIsOnItsWayStayWhole) {
     const QStringList names{u"gone"_s, u"renamed"_s, u"moved"_s};
     for (int i = 0; i < 3; ++i) {
         server_.serve(u"/%1"_s.arg(i), generatedFeed(5, static_cast<quint32>(i)));
-        ok(u"add A %1 %2"_s.arg(names[i], server_.url(u"/%1"_s.arg(i))));
+        ok(u"add --create A %1 %2"_s.arg(names[i], server_.url(u"/%1"_s.arg(i))));
     }
     ok(u"add-category B"_s);
     for (const QString &update : {u"update"_s, u"update B --pauses"_s}) {
@@ -73,7 +73,7 @@ TEST_F(RivalsTest, ChannelsThatChangeWhileTheirFeedIsOnItsWayStayWhole) {
         expectSound();
     }
     // Nothing of the deleted channel is left to stand in the way of a new one.
-    ok(u"add A again "_s + server_.url(u"/0"));
+    ok(u"add --create A again "_s + server_.url(u"/0"));
     EXPECT_EQ(ok(u"update A again"_s), u"ok\t5\t5/5\tagain\n");
     expectSound();
 }

@@ -144,7 +144,7 @@ TEST_F(AutomaticTest, WhatBecameOfUpdatesIsTold) {
 TEST_F(AutomaticTest, AFeedThatIsThereTwiceIsTold) {
     ok(u"update"_s);
     addChannel(u"twin"_s, generatedFeed(4, 0)); // and ch0 has three of these
-    ok(u"add C again " + server_.url(u"/ch4/#top").toUpper());
+    ok(u"add --create C again " + server_.url(u"/ch4/#top").toUpper());
     EXPECT_EQ(run(u"update C twin"_s).lines(), QStringList(u"ok\t1\t1/1\ttwin"_s));
     const QString lacks = u"articles of its feed that other channels have, as \"ch0\": 3"_s;
     const QString same = u"the same address as \"%1\""_s;

@@ -87,7 +87,7 @@ TEST_F(ChaosTest, NothingIsLostOrStuckWhoeverIsKilled) {
     publish(100'000);
     EXPECT_EQ(ok(u"request C ch0"_s), u"done\n");
     ok(u"update"_s);
-    ok(u"add D new " + server_.url(u"/ch0"));
+    ok(u"add --create D new " + server_.url(u"/ch0"));
     ok(u"auto add new"_s);
     expectSound();
 }
