@@ -57,10 +57,13 @@ constexpr std::array commands{
             u"mark all articles of a channel, or one of them"},
     Command{u"save", 4, 4, u"", Needs::Store, runSave, u"save CHANNEL TITLE link|article FILE",
             u"save an article, or its link alone, as a page of HTML"},
-    Command{u"import", 2, 2, u"", Needs::Store, runImport, u"import FILE|URL CATEGORY",
-            u"subscribe to the feeds of an OPML list; prints the names that were stored"},
-    Command{u"export", 2, 3, u"", Needs::Channels, runExport, u"export CATEGORY [CHANNEL] FILE",
-            u"write a category's channels, or one of them, as an OPML list"},
+    Command{
+        u"import", 2, 2, u"", Needs::Store, runImport, u"import FILE|URL|- CATEGORY",
+        u"subscribe to the feeds of an OPML list (-: standard input); prints the names that were "
+        "stored"},
+    Command{
+        u"export", 2, 3, u"", Needs::Channels, runExport, u"export CATEGORY [CHANNEL] FILE|-",
+        u"write a category's channels, or one of them, as an OPML list (-: to standard output)"},
     Command{u"update", 0, 2, u"jobs pauses", Needs::Store, runUpdate,
             u"update [CATEGORY [CHANNEL]] [--jobs N] [--pauses]",
             u"refresh channels, N at a time (8); or one by one, as for the screens"},

@@ -11,10 +11,10 @@ namespace tidebrook {
 
 namespace {
 
-void write(std::FILE *stream, const QString &text) {
-    const QByteArray utf8 = text.toUtf8();
-    std::fwrite(utf8.constData(), 1, static_cast<std::size_t>(utf8.size()), stream);
+void write(std::FILE *stream, const QByteArray &bytes) {
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
 }
+void write(std::FILE *stream, const QString &text) { write(stream, text.toUtf8()); }
 
 } // namespace
 
@@ -26,6 +26,8 @@ void printFields(const QStringList &fields) {
         clean.append(withoutHidden(field));
     write(stdout, clean.join(u'\t') + u'\n');
 }
+
+void printDocument(const QByteArray &document) { write(stdout, document); }
 
 QString printable(const QString &text) { return withoutHidden(text); }
 

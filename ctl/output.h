@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -14,6 +15,8 @@ void printLine(const QString &line);
 void printFields(const QStringList &fields);
 /// The same for a text of several lines, which may have line ends and tabs.
 void printText(const QString &text);
+/// Writes a document to standard output as it is.
+void printDocument(const QByteArray &document);
 /// A text as `printLine` shows it.
 QString printable(const QString &text);
 

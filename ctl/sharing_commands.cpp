@@ -1,9 +1,13 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "platform/base/plain_file.h"
+#include "platform/base/replace_file.h"
 #include "share/article_sharing.h"
 #include "share/opml_reader.h"
 #include "share/opml_writer.h"
 #include "store/error_codes.h"
+
+#include <QFile>
 
 namespace tidebrook {
 
@@ -12,6 +16,30 @@ namespace {
 bool isAddress(const QString &operand) {
     return operand.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
            operand.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
+}
+
+const QString standardStream = QStringLiteral("-"); // in the place of a file
+
+// One byte more than `limit` at most.
+QByteArray readStandardInput(qint64 limit) {
+    QByteArray bytes;
+    QFile input;
+    if (input.open(stdin, QIODevice::ReadOnly))
+        bytes = input.read(limit + 1);
+    return bytes;
+}
+
+bool openList(OpmlReader &reader, const QString &source) {
+    if (source == standardStream)
+        return reader.openDocument(readStandardInput(HttpLimits().bodyBytes));
+    return reader.open(isAddress(source) ? AddMode::ListFromUrl : AddMode::ListFromFile, source);
+}
+
+int failReading(const OpmlReader &reader, const QString &source) {
+    const bool isMissing = source != standardStream && !isAddress(source) &&
+                           fileKindAt(source, Links::Followed) == FileKind::Missing;
+    return fail(source + u": " +
+                (isMissing ? QStringLiteral("no such file") : messageWithCode(reader.error())));
 }
 
 int failWriting(const QString &path) {
@@ -42,9 +70,8 @@ int runImport(CommandDevice &device, const Arguments &arguments) {
     if (source.isEmpty())
         return fail(QStringLiteral("a list needs a file or an address"));
     OpmlReader reader(device.root, device.registry);
-    const AddMode mode = isAddress(source) ? AddMode::ListFromUrl : AddMode::ListFromFile;
-    if (!reader.open(mode, source))
-        return fail(QStringLiteral("%1: %2").arg(source, messageWithCode(reader.error())));
+    if (!openList(reader, source))
+        return failReading(reader, source);
     // Only now: others must not wait for the server that this waits for.
     if (!device.lock())
         return ExitFailed;
@@ -63,9 +90,13 @@ int runExport(CommandDevice &device, const Arguments &arguments) {
     const QString path = arguments.operands.last();
     if (!device.hasCategory(category) || (!channel.isNull() && !jobOf(device, category, channel)))
         return ExitFailed;
-    if (exportOpml(device.store, category, channel, path))
-        return ExitDone;
-    return device.store.error() != 0 ? failStore(device) : failWriting(path);
+    const auto document = opmlOf(device.store, category, channel);
+    if (!document)
+        return failStore(device);
+    if (path != standardStream)
+        return replaceFile(path, *document, Readers::Usual) ? ExitDone : failWriting(path);
+    printDocument(*document);
+    return ExitDone;
 }
 
 int runSave(CommandDevice &device, const Arguments &arguments) {

@@ -48,10 +48,16 @@ bool OpmlReader::open(AddMode mode, const QString &source) {
         document = download(source);
     else if (mode == AddMode::ListFromFile && !source.isEmpty())
         document = readFile(source);
-    if (document && parse(*document))
-        return true;
+    return document && openDocument(*document);
+}
+
+bool OpmlReader::openDocument(const QByteArray &document) {
     close();
-    return false;
+    error_ = 0;
+    const bool isWhole = document.size() <= limits_.bodyBytes ? parse(document) : fail(FeedNotXml);
+    if (!isWhole)
+        close();
+    return isWhole;
 }
 
 bool OpmlReader::fail(quint32 code) {

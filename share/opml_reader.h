@@ -29,6 +29,8 @@ public:
     /// refused: then it offers no channels, and the reason is in `error()` and in the registry's
     /// "ERRORNO".
     bool open(AddMode mode, const QString &source);
+    /// The same for a document that is in memory. One of more than `limits.bodyBytes` is refused.
+    bool openDocument(const QByteArray &document);
 
     /// Why the last `open` failed; 0 when it did not, or when no code says it.
     quint32 error() const { return error_; }

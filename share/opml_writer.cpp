@@ -6,8 +6,6 @@
 #include <QList>
 #include <QXmlStreamWriter>
 
-#include <optional>
-
 namespace tidebrook {
 
 namespace {
@@ -81,12 +79,18 @@ QByteArray documentOf(const QString &category, const QList<ChannelRecord> &chann
 
 } // namespace
 
+std::optional<QByteArray> opmlOf(FeedStore &store, const QString &category,
+                                 const QString &channel) {
+    const std::optional<QList<ChannelRecord>> channels = channelsOf(store, category, channel);
+    return channels ? std::optional(documentOf(category, *channels)) : std::nullopt;
+}
+
 bool exportOpml(FeedStore &store, const QString &category, const QString &channel,
                 const QString &path) {
     if (category.isNull() || path.isNull())
         return false;
-    const std::optional<QList<ChannelRecord>> channels = channelsOf(store, category, channel);
-    return channels && replaceFile(path, documentOf(category, *channels), Readers::Usual);
+    const std::optional<QByteArray> document = opmlOf(store, category, channel);
+    return document && replaceFile(path, *document, Readers::Usual);
 }
 
 } // namespace tidebrook

@@ -146,6 +146,10 @@ TEST_F(CommandTest, ListsAreImportedAndExportedAndArticlesSaved) {
     ok(u"delete-category New"_s);
     EXPECT_EQ(ok(u"import %1 New"_s.arg(file)), names);
     EXPECT_EQ(ok(u"channels"_s), channels);
+    EXPECT_EQ(ok(u"export New -"_s).toUtf8(), contentOf(file));
+    EXPECT_EQ(run(u"import - Piped"_s, u"exec <"_s + file).lines().size(), 2);
+    EXPECT_EQ(ok(u"channels Piped"_s).count(u'\n'), 2);
+    ok(u"delete-category Piped"_s);
     ok(u"export New Bob's " + file);
     EXPECT_TRUE(ok(u"import %1 Again"_s.arg(file)).startsWith(u"Bob's-"));
 
@@ -166,7 +170,9 @@ TEST_F(CommandTest, ListsAreImportedAndExportedAndArticlesSaved) {
 
     const QString nowhere = filePath(u"no/folder"_s);
     fails(u"import http://localhost/feed X"_s, u"(1003)"_s);
-    fails(u"import %1 X"_s.arg(nowhere), u"(1002)"_s);
+    fails(u"import %1 X"_s.arg(nowhere), u"%1: no such file"_s.arg(nowhere));
+    EXPECT_TRUE(run(u"import - X"_s, u"exec </dev/null"_s).err.contains(u"(1002)"));
+    fails(u"import %1 X"_s.arg(root_.path()), u"(1002)"_s);
     fails(u"export New " + nowhere, nowhere);
     fails(u"export X " + file, u"\"X\""_s);
     fails(u"export New last " + file, u"\"New\""_s);
