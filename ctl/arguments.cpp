@@ -15,10 +15,12 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     const QCommandLineOption today(QStringLiteral("today"));
     const QCommandLineOption all(QStringLiteral("all"));
     const QCommandLineOption create(QStringLiteral("create"));
+    const QCommandLineOption dryRun(QStringList{QStringLiteral("dry-run"), QStringLiteral("n")});
+    const QCommandLineOption yes(QStringList{QStringLiteral("yes"), QStringLiteral("y")});
     const QCommandLineOption category(QStringLiteral("category"), {}, QStringLiteral("NAME"));
     QCommandLineParser parser;
-    parser.addOptions(
-        {help, version, home, order, jobs, pauses, timeout, today, all, create, category});
+    parser.addOptions({help, version, home, order, jobs, pauses, timeout, today, all, create,
+                       dryRun, yes, category});
     if (!parser.parse(commandLine)) {
         *error = parser.errorText();
         return std::nullopt;
@@ -34,9 +36,9 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     if (!arguments.operands.isEmpty())
         arguments.command = arguments.operands.takeFirst();
     for (const QCommandLineOption &option :
-         {order, jobs, pauses, timeout, today, all, create, category}) {
+         {order, jobs, pauses, timeout, today, all, create, dryRun, yes, category}) {
         if (parser.isSet(option))
-            arguments.options.append(option.names());
+            arguments.options.append(option.names().first());
     }
     arguments.order = parser.value(order);
     arguments.jobs = parser.value(jobs);

@@ -96,11 +96,55 @@ int runRenameCategory(CommandDevice &device, const Arguments &arguments) {
     return exitCodeOf(device, device.subscriptions().RenameCategory(old, name));
 }
 
+namespace {
+
+// What would go with a category; nothing, and the failure is reported, when there is none such.
+std::optional<QString> contentInWords(CommandDevice &device, const QString &category) {
+    QList<ChannelRecord> feeds;
+    if (!device.hasCategory(category))
+        return std::nullopt;
+    bool isRead = device.store.ListFeeds(feeds);
+    int channels = 0;
+    int articles = 0;
+    for (const ChannelRecord &feed : std::as_const(feeds)) {
+        ReadFlagCounts counts;
+        if (feed.category != category)
+            continue;
+        isRead = isRead && device.store.CountReadFlags(category, feed.channelName, counts);
+        ++channels;
+        articles += counts.total;
+    }
+    if (isRead)
+        return QStringLiteral("%1 channels, %2 articles").arg(channels).arg(articles);
+    failStore(device);
+    return std::nullopt;
+}
+
+// Without the lock: others must not wait for the user.
+bool isDeletionWanted(CommandDevice &device, const QString &category, const QString &content) {
+    device.unlock();
+    if (confirm(QStringLiteral("Delete \"%1\" with %2?").arg(category, content)))
+        return device.lock();
+    fail(QStringLiteral("\"%1\" stays").arg(category));
+    return false;
+}
+
+} // namespace
+
 int runDeleteCategory(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
-    return device.hasCategory(name)
-               ? exitCodeOf(device, device.subscriptions().deleteCategory(name))
-               : ExitFailed;
+    const bool isTrial = arguments.options.contains(QStringLiteral("dry-run"));
+    const bool isAsking = !isTrial && !arguments.options.contains(QStringLiteral("yes"));
+    auto content = contentInWords(device, name);
+    if (content && isAsking)
+        content =
+            isDeletionWanted(device, name, *content) ? contentInWords(device, name) : std::nullopt;
+    if (!content)
+        return ExitFailed;
+    const ChangeEnd end = isTrial ? ChangeEnd::Done : device.subscriptions().deleteCategory(name);
+    if (end == ChangeEnd::Done)
+        printLine(*content);
+    return exitCodeOf(device, end);
 }
 
 } // namespace tidebrook

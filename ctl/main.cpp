@@ -32,8 +32,11 @@ constexpr std::array commands{
             u"add a category"},
     Command{u"rename-category", 2, 2, u"", Needs::Channels, runRenameCategory,
             u"rename-category OLD NEW", u"rename a category; its channels go with it"},
-    Command{u"delete-category", 1, 1, u"", Needs::Channels, runDeleteCategory,
-            u"delete-category NAME", u"delete a category, its channels and their articles"},
+    Command{
+        u"delete-category", 1, 1, u"dry-run yes", Needs::Channels, runDeleteCategory,
+        u"delete-category NAME [--dry-run] [--yes]",
+        u"delete a category, its channels and their articles, and say how many; on a terminal it "
+        "asks before, unless --yes; --dry-run: only say how many"},
     Command{u"channels", 0, 1, u"", Needs::Channels, runChannels, u"channels [CATEGORY]",
             u"list channels: unread/total, name, address, category"},
     Command{

@@ -3,6 +3,8 @@
 #include "platform/base/text.h"
 #include "res/strings.h"
 
+#include <QFile>
+
 #include <unistd.h>
 
 #include <cstdio>
@@ -48,6 +50,17 @@ int failUsage(const QString &message) {
     fail(message);
     write(stderr, QStringLiteral("Try 'tidebrookctl --help'.\n"));
     return ExitUsage;
+}
+
+bool confirm(const QString &question) {
+    if (isatty(STDIN_FILENO) != 1)
+        return true;
+    write(stderr, withoutHidden(question) + u" [y/N] ");
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return false;
+    const QByteArray answer = input.readLine().trimmed().toLower();
+    return answer == "y" || answer == "yes";
 }
 
 QString messageWithCode(quint32 code) {

@@ -30,6 +30,10 @@ bool flushOutput();
 int fail(const QString &message);
 int failUsage(const QString &message);
 
+/// Asks a question on standard error, where standard input is a terminal. True for yes, and where
+/// there is no terminal.
+bool confirm(const QString &question);
+
 /// The system's message for an error code, with the code.
 QString messageWithCode(quint32 code);
 

@@ -250,6 +250,31 @@ TEST_F(CommandTest, TheSettingsAreListedAsTheyAreStored) {
     fails(u"setting Sort"_s, u"SortMode, FontSize"_s, 2);
 }
 
+TEST_F(CommandTest, ADeletedCategorySaysWhatGoesAndATerminalIsAsked) {
+    ok(u"add --create Kept kept http://x/"_s);
+    addChannel(u"ch"_s, feed);
+    addChannel(u"empty"_s);
+    ok(u"update C ch"_s);
+    const QString content = u"2 channels, 2 articles"_s;
+    EXPECT_EQ(ok(u"delete-category C --dry-run"_s), content + u'\n');
+    const auto onTerminal = [&](const QString &answer, const QString &option = {}) {
+        return run(u"delete-category C " + option,
+                   u"echo %1 | exec script -qec \"$0 $*\" /dev/null; exit $?"_s.arg(answer));
+    };
+    const CtlRun refused = onTerminal(u"n"_s);
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.out.contains(u"Delete \"C\" with %1?"_s.arg(content)))
+        << qPrintable(refused.out);
+    EXPECT_EQ(ok(u"channels C"_s).count(u'\n'), 2);
+    EXPECT_EQ(onTerminal(u"y"_s).exitCode, 0);
+    addChannel(u"ch"_s, feed);
+    EXPECT_FALSE(onTerminal(u"n"_s, u"--yes"_s).out.contains(u"Delete"));
+    addChannel(u"ch"_s, feed);
+    EXPECT_EQ(ok(u"delete-category C"_s), u"1 channels, 0 articles\n") << "without a terminal";
+    EXPECT_EQ(ok(u"channels"_s), u"0/0\tkept\thttp://x/\tKept\n");
+    EXPECT_EQ(ok(u"categories"_s), u"Kept\n");
+}
+
 TEST_F(CommandTest, ManyChannelsAtATimeAreToldInTheirOrder) {
     for (int i = 0; i < 12; ++i) {
         const QString name(QChar((i % 2 == 0 ? u'a' : u'A') + i));
