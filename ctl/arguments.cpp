@@ -4,23 +4,46 @@
 
 namespace tidebrook {
 
+namespace {
+
+QCommandLineOption option(QLatin1String names, const QString &value = {}) {
+    return QCommandLineOption(QString(names).split(u' '), {}, value);
+}
+
+// Each belongs to some of the commands.
+QList<QCommandLineOption> commandOptions() {
+    return {option(QLatin1String("order o"), QStringLiteral("ORDER")),
+            option(QLatin1String("jobs j"), QStringLiteral("N")),
+            option(QLatin1String("pauses")),
+            option(QLatin1String("timeout t"), QStringLiteral("SECONDS")),
+            option(QLatin1String("today")),
+            option(QLatin1String("all a")),
+            option(QLatin1String("category c"), QStringLiteral("NAME")),
+            option(QLatin1String("create")),
+            option(QLatin1String("dry-run n")),
+            option(QLatin1String("yes y"))};
+}
+
+void takeOptions(const QCommandLineParser &parser, Arguments &arguments) {
+    for (const QCommandLineOption &option : commandOptions()) {
+        if (parser.isSet(option))
+            arguments.options.append(option.names().first());
+    }
+    arguments.order = parser.value(QStringLiteral("order"));
+    arguments.jobs = parser.value(QStringLiteral("jobs"));
+    arguments.timeout = parser.value(QStringLiteral("timeout"));
+    arguments.category = parser.value(QStringLiteral("category"));
+}
+
+} // namespace
+
 std::optional<Arguments> parseArguments(const QStringList &commandLine, QString *error) {
-    const QCommandLineOption help(QStringList{QStringLiteral("help"), QStringLiteral("h")});
-    const QCommandLineOption version(QStringLiteral("version"));
-    const QCommandLineOption home(QStringLiteral("home"), {}, QStringLiteral("DIR"));
-    const QCommandLineOption order(QStringLiteral("order"), {}, QStringLiteral("ORDER"));
-    const QCommandLineOption jobs(QStringLiteral("jobs"), {}, QStringLiteral("N"));
-    const QCommandLineOption pauses(QStringLiteral("pauses"));
-    const QCommandLineOption timeout(QStringLiteral("timeout"), {}, QStringLiteral("SECONDS"));
-    const QCommandLineOption today(QStringLiteral("today"));
-    const QCommandLineOption all(QStringLiteral("all"));
-    const QCommandLineOption create(QStringLiteral("create"));
-    const QCommandLineOption dryRun(QStringList{QStringLiteral("dry-run"), QStringLiteral("n")});
-    const QCommandLineOption yes(QStringList{QStringLiteral("yes"), QStringLiteral("y")});
-    const QCommandLineOption category(QStringLiteral("category"), {}, QStringLiteral("NAME"));
+    const QCommandLineOption help = option(QLatin1String("help h"));
+    const QCommandLineOption version = option(QLatin1String("version V"));
+    const QCommandLineOption quiet = option(QLatin1String("quiet q"));
+    const QCommandLineOption home = option(QLatin1String("home"), QStringLiteral("DIR"));
     QCommandLineParser parser;
-    parser.addOptions({help, version, home, order, jobs, pauses, timeout, today, all, create,
-                       dryRun, yes, category});
+    parser.addOptions(QList{help, version, quiet, home} + commandOptions());
     if (!parser.parse(commandLine)) {
         *error = parser.errorText();
         return std::nullopt;
@@ -35,15 +58,8 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     arguments.operands = parser.positionalArguments();
     if (!arguments.operands.isEmpty())
         arguments.command = arguments.operands.takeFirst();
-    for (const QCommandLineOption &option :
-         {order, jobs, pauses, timeout, today, all, create, dryRun, yes, category}) {
-        if (parser.isSet(option))
-            arguments.options.append(option.names().first());
-    }
-    arguments.order = parser.value(order);
-    arguments.jobs = parser.value(jobs);
-    arguments.timeout = parser.value(timeout);
-    arguments.category = parser.value(category);
+    takeOptions(parser, arguments);
+    arguments.isQuiet = parser.isSet(quiet);
     arguments.wantsHelp = parser.isSet(help);
     arguments.wantsVersion = parser.isSet(version);
     return arguments;

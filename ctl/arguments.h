@@ -12,11 +12,12 @@ struct Arguments {
     QString home; // empty: the standard device root
     QString command;
     QStringList operands; // behind the command
-    QStringList options;  // the command's own options that were given, without their dashes
+    QStringList options;  // the command's own options that were given, by their long names
     QString order;
     QString jobs;
     QString timeout;
     QString category;
+    bool isQuiet = false;
     bool wantsHelp = false;
     bool wantsVersion = false;
 };

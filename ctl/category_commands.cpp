@@ -44,6 +44,7 @@ int exitCodeOf(const Device &device, ChangeEnd end) {
 }
 
 int runInit(const DeviceRoot &root) {
+    const bool wasThere = root.isDevice();
     if (!provisionDevice(root))
         return fail(QStringLiteral("%1: no device can be made there").arg(root.path()));
     if (!root.makeFolders())
@@ -60,9 +61,12 @@ int runInit(const DeviceRoot &root) {
     const auto channels = device.channels();
     if (!channels)
         return ExitFailed;
-    printLine(QStringLiteral("%1 categories, %2 channels")
-                  .arg(device.categories().size())
-                  .arg(channels->size()));
+    printFields(
+        {QStringLiteral("%1 categories, %2 channels")
+             .arg(device.categories().size())
+             .arg(channels->size()),
+         (wasThere ? QStringLiteral("device found at ") : QStringLiteral("new device at ")) +
+             root.path()});
     return ExitDone;
 }
 

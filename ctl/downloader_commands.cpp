@@ -171,7 +171,8 @@ int runRequest(CommandDevice &device, const Arguments &arguments) {
         break;
     }
     SetLastErrorCode(device.registry, NothingKnown);
-    return fail(messageWithCode(NothingKnown));
+    return fail(
+        QStringLiteral("no answer came within %1 seconds (%2)").arg(timeout).arg(NothingKnown));
 }
 
 int runAuto(CommandDevice &device, const Arguments &arguments) {
@@ -201,10 +202,11 @@ int runService(CommandDevice &device, const Arguments &arguments) {
         return tellService(device);
     if (action == u"start")
         return startService(device);
-    if (action != u"stop")
-        return failUsage(QStringLiteral("usage: tidebrookctl service status|start|stop"));
-    return stopService(device.root, 10s) ? ExitDone
-                                         : fail(QStringLiteral("the service does not end"));
+    if (action != u"stop" && action != u"restart")
+        return failUsage(QStringLiteral("usage: tidebrookctl service status|start|stop|restart"));
+    if (!stopService(device.root, 10s))
+        return fail(QStringLiteral("the service does not end"));
+    return action == u"restart" ? startService(device) : ExitDone;
 }
 
 int runUpdates(CommandDevice &device, const Arguments &) {

@@ -24,8 +24,10 @@ struct Command {
 };
 
 constexpr std::array commands{
+    Command{u"help", 0, 1, u"", Needs::Root, nullptr, u"help [COMMAND]",
+            u"print this, or what one command does"},
     Command{u"init", 0, 0, u"", Needs::Root, nullptr, u"init",
-            u"make the device where nothing or an empty folder is, and what it lacks"},
+            u"make the device where nothing or an empty folder is, and what it lacks; says which"},
     Command{u"categories", 0, 0, u"", Needs::Channels, runCategories, u"categories",
             u"list the categories"},
     Command{u"add-category", 1, 1, u"", Needs::Channels, runAddCategory, u"add-category NAME",
@@ -80,8 +82,8 @@ constexpr std::array commands{
     Command{u"updates", 0, 0, u"", Needs::Channels, runUpdates, u"updates",
             u"list channels: name, last success, last result, next automatic try, and which "
             "channel has the same feed"},
-    Command{u"service", 1, 1, u"", Needs::Registry, runService, u"service status|start|stop",
-            u"the background downloader of the device"},
+    Command{u"service", 1, 1, u"", Needs::Registry, runService,
+            u"service status|start|stop|restart", u"the background downloader of the device"},
     Command{u"setting", 0, 2, u"today", Needs::Registry, runSetting,
             u"setting [NAME [VALUE]] [--today]",
             u"list the settings: name, value, meaning; or read or write one (--today: those of the "
@@ -92,24 +94,57 @@ constexpr std::array commands{
 };
 
 void printHelp() {
-    printText(QStringLiteral("Usage: tidebrookctl [--home DIR] COMMAND [...]\n\n"
+    printText(QStringLiteral("Usage: tidebrookctl [--home DIR] [--quiet] COMMAND [...]\n\n"
                              "Works on the feeds, articles and settings of a Tidebrook device.\n"));
     for (const Command &command : commands)
         printText(QStringLiteral("  %1\n      %2")
                       .arg(QStringView(command.usage), QStringView(command.help)));
     printText(QStringLiteral(
         "\nOptions:\n"
-        "  --home DIR   the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook\n"
-        "  --help       print this\n"
-        "  --version    print the version\n\n"
+        "  --home DIR      the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook\n"
+        "  -q, --quiet     print no lines but errors\n"
+        "  -h, --help      print this, or what the command does\n"
+        "  -V, --version   print the version\n\n"
+        "Of the commands' options these have a letter: -a (--all), -c (--category), -j (--jobs),\n"
+        "-n (--dry-run), -o (--order), -t (--timeout), -y (--yes).\n"
         "Names that begin with a dash go behind \"--\".\n"
         "Exit status: 0 done, 1 failed, 2 wrong usage."));
 }
 
-bool hasOnlyItsOptions(const Command &command, const Arguments &arguments) {
-    const QString own = command.options.toString();
-    return std::all_of(arguments.options.begin(), arguments.options.end(),
-                       [&](const QString &option) { return own.split(u' ').contains(option); });
+const Command *commandOf(const QString &name) {
+    const auto *command = std::find_if(commands.begin(), commands.end(),
+                                       [&](const Command &each) { return each.name == name; });
+    return command == commands.end() ? nullptr : command;
+}
+
+int failUnknown(const QString &name) {
+    return failUsage(name.isEmpty() ? QStringLiteral("no command")
+                                    : QStringLiteral("there is no command \"%1\"").arg(name));
+}
+
+int failUse(const Command &command) {
+    return failUsage(QStringLiteral("usage: tidebrookctl %1").arg(QStringView(command.usage)));
+}
+
+int help(const QString &name) {
+    if (name.isEmpty()) {
+        printHelp();
+        return ExitDone;
+    }
+    const Command *command = commandOf(name);
+    if (!command)
+        return failUnknown(name);
+    printText(QStringLiteral("Usage: tidebrookctl %1\n\n  %2")
+                  .arg(QStringView(command->usage), QStringView(command->help)));
+    return ExitDone;
+}
+
+bool isUsedRight(const Command &command, const Arguments &arguments) {
+    const QStringList own = command.options.toString().split(u' ');
+    const qsizetype operands = arguments.operands.size();
+    return operands >= command.leastOperands && operands <= command.mostOperands &&
+           std::all_of(arguments.options.begin(), arguments.options.end(),
+                       [&](const QString &option) { return own.contains(option); });
 }
 
 int runCommand(const Command &command, const Arguments &arguments) {
@@ -137,27 +172,21 @@ int run(const QStringList &commandLine) {
     const std::optional<Arguments> arguments = parseArguments(commandLine, &error);
     if (!arguments)
         return failUsage(error);
-    if (arguments->wantsHelp) {
-        printHelp();
-        return ExitDone;
-    }
+    if (arguments->wantsHelp)
+        return help(arguments->command);
     if (arguments->wantsVersion) {
         printLine(QStringLiteral("tidebrookctl " TIDEBROOK_VERSION));
         return ExitDone;
     }
-    const auto *command =
-        std::find_if(commands.begin(), commands.end(), [&](const Command &candidate) {
-            return candidate.name == arguments->command;
-        });
-    if (command == commands.end())
-        return failUsage(
-            arguments->command.isEmpty()
-                ? QStringLiteral("no command")
-                : QStringLiteral("there is no command \"%1\"").arg(arguments->command));
-    const qsizetype operands = arguments->operands.size();
-    if (operands < command->leastOperands || operands > command->mostOperands ||
-        !hasOnlyItsOptions(*command, *arguments))
-        return failUsage(QStringLiteral("usage: tidebrookctl %1").arg(QStringView(command->usage)));
+    const Command *command = commandOf(arguments->command);
+    if (!command)
+        return failUnknown(arguments->command);
+    if (!isUsedRight(*command, *arguments))
+        return failUse(*command);
+    if (command->name == u"help")
+        return help(arguments->operands.value(0));
+    if (arguments->isQuiet)
+        beQuiet();
     return runCommand(*command, *arguments);
 }
 

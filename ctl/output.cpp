@@ -18,11 +18,20 @@ void write(std::FILE *stream, const QByteArray &bytes) {
 }
 void write(std::FILE *stream, const QString &text) { write(stream, text.toUtf8()); }
 
+bool isQuiet = false;
+
 } // namespace
+
+void beQuiet() { isQuiet = true; }
 
 void printLine(const QString &line) { printFields({line}); }
 
 void printFields(const QStringList &fields) {
+    if (!isQuiet)
+        printFault(fields);
+}
+
+void printFault(const QStringList &fields) {
     QStringList clean;
     for (const QString &field : fields)
         clean.append(withoutHidden(field));
@@ -33,7 +42,10 @@ void printDocument(const QByteArray &document) { write(stdout, document); }
 
 QString printable(const QString &text) { return withoutHidden(text); }
 
-void printText(const QString &text) { write(stdout, withoutHidden(text, u"\n\t") + u'\n'); }
+void printText(const QString &text) {
+    if (!isQuiet)
+        write(stdout, withoutHidden(text, u"\n\t") + u'\n');
+}
 
 QString counts(int unread, int total) {
     return QString::number(unread) + u'/' + QString::number(total);
@@ -67,7 +79,7 @@ QString messageWithCode(quint32 code) {
     return QStringLiteral("%1 (%2)").arg(errorMessage(code)).arg(code);
 }
 
-ConsoleProgress::ConsoleProgress() : isTerminal_(isatty(STDERR_FILENO) == 1) {}
+ConsoleProgress::ConsoleProgress() : isTerminal_(!isQuiet && isatty(STDERR_FILENO) == 1) {}
 
 ConsoleProgress::~ConsoleProgress() { show({}); }
 

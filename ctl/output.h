@@ -9,11 +9,17 @@ namespace tidebrook {
 /// How the program ends.
 enum ExitCode { ExitDone = 0, ExitFailed = 1, ExitUsage = 2 };
 
+/// From now on no line of standard output is written but those of `printFault`, and no progress is
+/// shown.
+void beQuiet();
+
 /// Writes a line, or a line of tab-separated fields, to standard output as UTF-8. Control
 /// characters become blanks: no text of a feed breaks the lines or speaks to the terminal.
 void printLine(const QString &line);
 void printFields(const QStringList &fields);
-/// The same for a text of several lines, which may have line ends and tabs.
+/// The same for a line that says what failed or is wrong.
+void printFault(const QStringList &fields);
+/// The same as `printLine` for a text of several lines, which may have line ends and tabs.
 void printText(const QString &text);
 /// Writes a document to standard output as it is.
 void printDocument(const QByteArray &document);

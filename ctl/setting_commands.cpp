@@ -75,7 +75,7 @@ int runSetting(CommandDevice &device, const Arguments &arguments) {
 int runCheck(CommandDevice &device, const Arguments &) {
     const QStringList faults = checkStore(device.root, device.registry);
     for (const QString &fault : faults)
-        printLine(fault);
+        printFault({fault});
     return faults.isEmpty() ? reportSharedFeeds(device) : ExitFailed;
 }
 

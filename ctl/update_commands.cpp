@@ -35,8 +35,8 @@ QList<RefreshResult> updateOneByOne(CommandDevice &device, const QList<RefreshJo
 
 void printResult(const RefreshJob &job, const RefreshResult &result) {
     if (result.error != 0) {
-        printFields({QStringLiteral("error"), QString::number(result.error),
-                     errorMessage(result.error), job.channelName});
+        printFault({QStringLiteral("error"), QString::number(result.error),
+                    errorMessage(result.error), job.channelName});
         return;
     }
     printFields({QStringLiteral("ok"), QString::number(result.storedCount),

@@ -101,7 +101,7 @@ makeDevice() {
     explain "Categories, channels and articles live in one folder, the device." \
         "This one is temporary and starts without channels, so that the tour needs no network:"
     try 0 init
-    if [[ $output != "0 categories, 0 channels" ]]; then
+    if [[ $output != "0 categories, 0 channels"$'\t'* ]]; then
         fail "a device with an empty list of default channels must begin empty."
     fi
 }

@@ -75,7 +75,7 @@ TEST_F(BadGroundTest, CategoriesThatCannotBeSeededFailTheInit) {
         ASSERT_TRUE(lock.isOpen());
         fails(u"init"_s, u"categories"_s);
     }
-    EXPECT_EQ(ok(u"init"_s), u"1 categories, 0 channels\n");
+    EXPECT_TRUE(ok(u"init"_s).startsWith(u"1 categories, 0 channels\t"));
 }
 
 TEST_F(BadGroundTest, AnAutomaticListThatIsNotToBeHadIsAFailureOfWhatNeedsIt) {

@@ -80,7 +80,7 @@ TEST_F(KillTest, AFirstStartKilledAtAnyMomentIsMadeGoodByTheNext) {
     for (int round = 0; round < killCount(); ++round) {
         const QString home = u"--home %1 "_s.arg(filePath(u"fresh%1"_s.arg(round)));
         killed(home + u"init", 25'000);
-        EXPECT_EQ(ok(home + u"init"), u"3 categories, 8 channels\n");
+        EXPECT_TRUE(ok(home + u"init").startsWith(u"3 categories, 8 channels\t"));
         ok(home + u"check");
     }
 }

@@ -13,7 +13,7 @@ TEST_F(RivalsTest, FirstStartsAtTheSameTimeMakeOneDevice) {
     for (int round = 0; round < 3; ++round) {
         const QString home = u"--home %1 "_s.arg(filePath(u"fresh%1"_s.arg(round)));
         EXPECT_EQ(together(QStringList(8, home + u"init")), QList<int>(8, 0));
-        EXPECT_EQ(ok(home + u"init"), u"3 categories, 8 channels\n");
+        EXPECT_TRUE(ok(home + u"init").startsWith(u"3 categories, 8 channels\t"));
         EXPECT_EQ(ok(home + u"check"), u"");
     }
 }

@@ -116,7 +116,10 @@ TEST_F(AutomaticTest, ManyStartedAtOnceBecomeOne) {
     EXPECT_EQ(together(QStringList(6, u"service start"_s)), QList<int>(6, 0));
     waitForRound();
     EXPECT_EQ(server_.requests().size(), 6);
-    EXPECT_TRUE(ok(u"service status"_s).startsWith(u"running"_s));
+    const QString first = ok(u"service status"_s);
+    EXPECT_TRUE(first.startsWith(u"running"_s));
+    ok(u"service restart"_s);
+    EXPECT_NE(ok(u"service status"_s), first);
     ok(u"service stop"_s);
     const CtlRun status = run(u"service status"_s);
     EXPECT_EQ(status.out, u"not running\n");
