@@ -14,12 +14,39 @@
 #include <cstdio>
 #include <mutex>
 #include <optional>
+#include <string_view>
 
 namespace tidebrook {
 
 namespace {
 
 constexpr std::chrono::seconds forwardTimeout(15);
+constexpr int usageStatus = 2;
+
+constexpr char help[] = R"(Usage: tidebrook
+
+Opens the reader of news feeds; a second start brings the running one forward.
+
+  -h, --help      print this
+  -V, --version   print the version
+
+The device root is $TIDEBROOK_HOME, else ~/.local/share/tidebrook.
+)";
+
+// The exit status where the first argument leaves nothing to start.
+int answer(std::string_view argument) {
+    if (argument == "--help" || argument == "-h") {
+        std::fputs(help, stdout);
+        return 0;
+    }
+    if (argument == "--version" || argument == "-V") {
+        std::puts("tidebrook " TIDEBROOK_VERSION);
+        return 0;
+    }
+    std::fprintf(stderr, "tidebrook: it takes no \"%s\"; try 'tidebrook --help'\n",
+                 argument.data());
+    return usageStatus;
+}
 
 void prepareApplication() {
     QApplication::setApplicationName(QStringLiteral("tidebrook"));
@@ -101,6 +128,8 @@ void Start::go() {
 } // namespace
 
 int runReader(int argc, char **argv) {
+    if (argc > 1)
+        return answer(argv[1]);
     Start start;
     if (start.isRunningElsewhere() && !start.claim())
         return 0;

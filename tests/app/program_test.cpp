@@ -34,7 +34,8 @@ using Environment = QMap<QString, QString>;
 class Reader {
 public:
     explicit Reader(const DeviceRoot &root,
-                    const Environment &own = {{u"QT_QPA_PLATFORM"_s, u"offscreen"_s}}) {
+                    const Environment &own = {{u"QT_QPA_PLATFORM"_s, u"offscreen"_s}},
+                    const QStringList &arguments = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const QString &name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
             environment.remove(name);
@@ -44,7 +45,7 @@ public:
         for (const auto &[name, value] : own.asKeyValueRange())
             environment.insert(name, value);
         process_.setProcessEnvironment(environment);
-        process_.start(QStringLiteral(TIDEBROOK), {});
+        process_.start(QStringLiteral(TIDEBROOK), arguments);
         EXPECT_TRUE(process_.waitForStarted());
     }
     ~Reader() {
@@ -66,6 +67,7 @@ public:
         const bool isEnded = process_.waitForFinished(timeout);
         return isEnded && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
     }
+    QString answer() { return QString::fromLocal8Bit(process_.readAllStandardOutput()); }
     QString words() { return QString::fromLocal8Bit(process_.readAllStandardError()); }
 
     /// Whether it ends by itself when it gets a signal, as it does once it is under way.
@@ -172,6 +174,28 @@ TEST_F(ProgramTest, AStartWhileTheOneBeforeIsClosingRunsItself) {
     expectRequest();
     EXPECT_EQ(first.end(SIGCONT), 0);
     expectRuns(second);
+}
+
+TEST_F(ProgramTest, AnArgumentIsAnsweredOrRefusedWithoutADisplayAndNothingIsMade) {
+    const struct {
+        QStringList arguments;
+        int status;
+        QString answer;
+        QString words;
+    } calls[]{{{u"--version"_s}, 0, u"tidebrook "_s + QStringLiteral(TIDEBROOK_VERSION), {}},
+              {{u"--help"_s}, 0, u"Usage: tidebrook"_s, {}},
+              {{u"--no-such"_s, u"--help"_s}, 2, {}, u"\"--no-such\""_s},
+              {{u"list.opml"_s}, 2, {}, u"\"list.opml\""_s}};
+    for (const auto &call : calls) {
+        Reader reader(root_, {}, call.arguments);
+        EXPECT_EQ(reader.end(), call.status);
+        const QString answer = reader.answer();
+        const QString words = reader.words();
+        EXPECT_TRUE(answer.startsWith(call.answer) && words.contains(call.words));
+        EXPECT_EQ(answer.isEmpty(), call.answer.isEmpty());
+        EXPECT_EQ(words.count(u'\n'), call.words.isEmpty() ? 0 : 1) << qPrintable(words);
+    }
+    EXPECT_FALSE(QFile::exists(root_.path()));
 }
 
 TEST_F(ProgramTest, WithoutADisplayItEndsWithoutAWordAndMakesAndOpensNothing) {
