@@ -173,10 +173,12 @@ TEST_F(RequestTest, AnAnswerToOneThatWasGivenUpIsNotTakenForTheNext) {
 
 TEST_F(RequestTest, OfSeveralThatWaitTheNewestIsAnswered) {
     std::vector<std::unique_ptr<QProcess>> requesters;
+    for (int i = 1; i <= 5; ++i)
+        addChannel(u"ch%1"_s.arg(i), smallFeed);
     for (qsizetype i = 1; i <= 5; ++i) {
         const QString name = u"ch%1"_s.arg(i);
-        server_.trickle(u'/' + name, i == 5 ? smallFeed : "<not-rss/>", 20ms);
-        addChannel(name);
+        if (i < 5)
+            server_.trickle(u'/' + name, "<not-rss/>", 100ms); // until all have been asked for
         requesters.push_back(start(u"request C %1 --timeout 4"_s.arg(name)));
         waitForRequests(i);
     }
