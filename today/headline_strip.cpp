@@ -81,7 +81,7 @@ private:
 HeadlineStrip::HeadlineStrip() {
     setFocusPolicy(Qt::StrongFocus);
     setWindowTitle(resourceString(programNameString));
-    setFixedHeight(sizeHint().height());
+    setFixedHeight(HeadlineStrip::sizeHint().height());
 }
 
 void HeadlineStrip::setState(const TodayState &state) {
@@ -122,7 +122,7 @@ bool HeadlineStrip::event(QEvent *event) {
     if (event->type() == QEvent::Enter || event->type() == QEvent::Leave)
         updateStepping();
     else if (event->type() == QEvent::FontChange)
-        setFixedHeight(sizeHint().height());
+        setFixedHeight(HeadlineStrip::sizeHint().height());
     return isHandled;
 }
 

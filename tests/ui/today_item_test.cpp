@@ -234,7 +234,8 @@ public:
     QStringList texts;
 
 public Q_SLOTS:
-    // NOLINTNEXTLINE(readability-identifier-naming): it is the interface's
+    // The interface's name and parameters.
+    // NOLINTNEXTLINE(readability-identifier-naming, readability-function-size)
     Q_SCRIPTABLE uint Notify(const QString &, uint, const QString &, const QString &,
                              const QString &text, const QStringList &, const QVariantMap &, int) {
         texts.append(text);
