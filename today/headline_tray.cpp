@@ -52,8 +52,7 @@ void HeadlineTray::setState(const TodayState &state) {
     menu_.setState(state);
     QStringList lines{resourceString(programNameString) + u": " +
                       resourceString(todayUnreadString).arg(state.total)};
-    for (const Headline &headline :
-         state.headlines.first(std::min<qsizetype>(hintedHeadlines, state.headlines.size())))
+    for (const Headline &headline : state.headlines.mid(0, hintedHeadlines))
         lines.append(plainLine(headline));
     setToolTip(lines.join(u'\n'));
 }

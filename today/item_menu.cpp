@@ -32,8 +32,7 @@ ItemMenu::ItemMenu(int headlineLimit) : headlineLimit_(headlineLimit) {
 void ItemMenu::setState(const TodayState &state) {
     if (mark_ != nullptr)
         mark_->setEnabled(state.news == TodayState::News::Unread);
-    listHeadlines(
-        state.headlines.first(std::min<qsizetype>(headlineLimit_, state.headlines.size())));
+    listHeadlines(state.headlines.mid(0, headlineLimit_));
 }
 
 void ItemMenu::listHeadlines(const QList<Headline> &headlines) {

@@ -33,8 +33,8 @@ bool takeEvents(int descriptor) {
 
 } // namespace
 
-// QFileSystemWatcher does not notice that a watched folder was renamed, and reports each entry of
-// a folder that is watched for its own sake.
+// Not by QFileSystemWatcher: it does not notice that a watched folder is renamed, and it wakes the
+// program for every file that is made in one.
 DeviceWatch::DeviceWatch(const DeviceRoot &device, QObject *parent)
     : QObject(parent), device_(device), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
     if (!inotify_.isOpen())
