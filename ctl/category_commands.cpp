@@ -8,7 +8,7 @@ namespace tidebrook {
 namespace {
 
 const QString listedFailure = QStringLiteral("the list of categories could not be stored");
-const QString nameNeeded = QStringLiteral("a category needs a name");
+const QString categoryNameNeeded = QStringLiteral("a category needs a name");
 
 } // namespace
 
@@ -79,14 +79,14 @@ int runCategories(CommandDevice &device, const Arguments &) {
 QString wantedCategory(CommandDevice &device, const QString &name) {
     QString stored = device.categories().contains(name) ? name : categoryName(printable(name));
     if (stored.isEmpty())
-        fail(nameNeeded);
+        fail(categoryNameNeeded);
     return stored;
 }
 
 int runAddCategory(CommandDevice &device, const Arguments &arguments) {
     const QString name = categoryName(printable(arguments.operands[0]));
     if (name.isEmpty())
-        return fail(nameNeeded);
+        return fail(categoryNameNeeded);
     return exitCodeOf(device, device.subscriptions().addCategory(name));
 }
 
@@ -96,7 +96,7 @@ int runRenameCategory(CommandDevice &device, const Arguments &arguments) {
     if (!device.hasCategory(old))
         return ExitFailed;
     if (name.isEmpty())
-        return fail(nameNeeded);
+        return fail(categoryNameNeeded);
     return exitCodeOf(device, device.subscriptions().RenameCategory(old, name));
 }
 

@@ -7,7 +7,7 @@ namespace tidebrook {
 
 namespace {
 
-const QString nameNeeded = QStringLiteral("a channel needs a name");
+const QString channelNameNeeded = QStringLiteral("a channel needs a name");
 
 // Where it is a whole address of the web; else the failure is reported.
 bool isWebAddress(const QString &link) {
@@ -53,7 +53,7 @@ int runAdd(CommandDevice &device, const Arguments &arguments) {
     if (category.isEmpty() || !isWebAddress(link))
         return ExitFailed;
     if (name.isEmpty())
-        return fail(nameNeeded);
+        return fail(channelNameNeeded);
     QString storedName;
     const ChangeEnd end = device.subscriptions().addChannel({category, name, link}, &storedName);
     if (end == ChangeEnd::Done)
@@ -66,7 +66,7 @@ int runRename(CommandDevice &device, const Arguments &arguments) {
     const QString name = storableName(arguments.operands[1]);
     if (!device.hasChannel(old))
         return ExitFailed;
-    return name.isEmpty() ? fail(nameNeeded)
+    return name.isEmpty() ? fail(channelNameNeeded)
                           : exitCodeOf(device, device.subscriptions().renameChannel(old, name));
 }
 

@@ -4,7 +4,10 @@ jobLimit() {
     echo "${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}"
 }
 
-# build PRESET: configures build/PRESET and builds everything in it.
+# build PRESET [TARGET...]: configures build/PRESET and builds everything in it, or these targets.
 build() {
-    cmake --preset "$1" && cmake --build --preset "$1" --parallel "$(jobLimit)"
+    local preset=$1
+    shift
+    cmake --preset "$preset" &&
+        cmake --build --preset "$preset" --parallel "$(jobLimit)" ${1:+--target "$@"}
 }

@@ -27,10 +27,10 @@ checkFormat() {
         xargs -0 --no-run-if-empty clang-format --dry-run -Werror
 }
 
-# Of all builds, only that of the benchmarks compiles every file of ours.
+# Only this build compiles every file of ours, and each by itself.
 runTidy() {
-    build bench &&
-        run-clang-tidy -quiet -j "$(jobLimit)" -p build/bench "^$PWD/($folders)/"
+    build clang &&
+        run-clang-tidy -quiet -j "$(jobLimit)" -p build/clang "^$PWD/($folders)/"
 }
 
 runAddressSanitizer() {
@@ -54,8 +54,8 @@ runThreadSanitizer() {
 }
 
 step "formatting" checkFormat
-step "clang-tidy" runTidy
 step "build with clang" build clang
+step "clang-tidy" runTidy
 step "tests under AddressSanitizer and UndefinedBehaviorSanitizer" runAddressSanitizer
 step "tests under ThreadSanitizer" runThreadSanitizer
 

@@ -21,7 +21,7 @@ hasDisplay() {
 }
 
 if hasDisplay; then
-    build release
+    build release tidebrook feedlarkd
     exec build/release/bin/tidebrook
 fi
 echo "There is no display to open the reader on; here is the tour instead."

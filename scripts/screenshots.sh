@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 source scripts/building.sh
 
-build release
+build release screenshots
 work=$(mktemp --directory)
 trap 'rm -r "$work"' EXIT
 

@@ -86,7 +86,7 @@ countLines() {
 buildQuietly() {
     local log=$temporary/build.log
     echo "Building Tidebrook (the first time, this takes some minutes) ..."
-    if ! build release >"$log" 2>&1; then
+    if ! build release tidebrookctl feedlarkd feedserver >"$log" 2>&1; then
         cat "$log" >&2
         fail "the build failed."
     fi

@@ -33,11 +33,6 @@ constexpr std::uint32_t textName = 0;                 // "#text" is the first na
 
 bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-struct ParserFree {
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
-using Parser = std::unique_ptr<XML_ParserStruct, ParserFree>;
-
 } // namespace
 
 /// Builds a document from the parser's events. An event that breaks a limit stops the parser.
@@ -63,6 +58,10 @@ public:
     }
 
 private:
+    struct ParserFree {
+        void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+    };
+    using Parser = std::unique_ptr<XML_ParserStruct, ParserFree>;
     struct OpenElement {
         std::uint32_t node;
         std::uint32_t lastChild = 0;

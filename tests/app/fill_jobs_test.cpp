@@ -1,6 +1,7 @@
 #include "app/fill_jobs.h"
 #include "support/forked_process.h"
 #include "support/no_threads.h"
+#include "support/waiting.h"
 #include "test_device/test_device.h"
 
 #include <QElapsedTimer>
@@ -16,8 +17,6 @@ namespace tidebrook {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr int timeout = 20'000; // ms
 
 /// Two screens and the fills that they launch, each of which stands still before it looks for a
 /// stop, until it is let on.
@@ -82,7 +81,7 @@ private:
     void end(HeldFill &fill) {
         const int before = running;
         fill.end.release();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return running < before; }, timeout));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return running < before; }, patience));
     }
 
     QObject screen_;
@@ -176,7 +175,7 @@ TEST(FillJobsTest, NothingIsLaunchedStoppedOrBalancedWhileAnotherProcessHasTheMu
         screens.play("L"); // refused, for a stop that cannot be balanced yet
         EXPECT_EQ(screens.seen, "");
     }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, timeout));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, patience));
     EXPECT_EQ(screens.fills.fillStop(), 0);
 }
 

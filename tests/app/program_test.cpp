@@ -5,6 +5,7 @@
 #include "res/default_channels.h"
 #include "store/provisioning.h"
 #include "store/store_check.h"
+#include "support/waiting.h"
 #include "test_device/test_device.h"
 
 #include <QDir>
@@ -25,8 +26,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
-
-constexpr int timeout = 20'000; // ms
 
 using Environment = QMap<QString, QString>;
 
@@ -64,7 +63,7 @@ public:
     /// Its exit status; -1 when it crashed or went on.
     int end(int number = 0) {
         signal(number);
-        const bool isEnded = process_.waitForFinished(timeout);
+        const bool isEnded = process_.waitForFinished(patience);
         return isEnded && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
     }
     QString answer() { return QString::fromLocal8Bit(process_.readAllStandardOutput()); }
@@ -107,12 +106,12 @@ protected:
                 return holder() == reader.id() && reader.heedsSignals() && hasDatabase() &&
                        runningService(root_);
             },
-            timeout));
+            patience));
     }
 
     void expectRequest() const {
         NamedEvent request(root_, u"FEEDLARK", NamedEvent::Reset::Manual);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return request.test(); }, timeout));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return request.test(); }, patience));
     }
 
     /// Name, time and content of every file that holds data.

@@ -1,5 +1,6 @@
 #include "platform/sync/tasks.h"
 #include "support/no_threads.h"
+#include "support/waiting.h"
 
 #include <QTest>
 
@@ -12,8 +13,6 @@ namespace tidebrook {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr int timeout = 20'000; // ms
 
 TEST(TasksTest, SerialOnesAreAllDoneInOrderAndToldToWhoIsStillThere) {
     Tasks queue(Tasks::Serial);
@@ -36,7 +35,7 @@ TEST(TasksTest, SerialOnesAreAllDoneInOrderAndToldToWhoIsStillThere) {
     gone.reset();
     for (const int number : expected)
         ASSERT_TRUE(ask(screen, number));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == expected.size(); }, timeout));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == expected.size(); }, patience));
     EXPECT_EQ(told, expected);
     ASSERT_TRUE(ask(screen, 100));
     queue.finish();
@@ -66,7 +65,7 @@ TEST(TasksTest, ConcurrentOnesAreToldUnlessTheyAreCalledOffOrNobodyIsThere) {
     ASSERT_TRUE(tasks.run(gone.get(), answer, tell));
     gone.reset();
     ASSERT_TRUE(tasks.run(&receiver, answer, tell));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return running == 0; }, timeout));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return running == 0; }, patience));
     EXPECT_EQ(told, QList<int>{3});
 
     std::atomic<int> ended = 0;

@@ -3,6 +3,7 @@
 #include "platform/sync/process_lock.h"
 #include "platform/sync/wait_any.h"
 #include "support/no_threads.h"
+#include "support/waiting.h"
 #include "test_device/test_device.h"
 
 #include <QTest>
@@ -18,8 +19,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
-
-constexpr int timeout = 20'000; // ms
 
 /// Stands in the downloader's place and does with each request what a character of its script
 /// says: d is done and f fails with 1007; v deletes the channel b and x closes the database first,
@@ -156,7 +155,7 @@ TEST_F(UpdateJobsTest, WhatComesOfAnUpdateIsTold) {
             act(jobs_.isUpdating() ? downloader.last() : '\0');
             return !jobs_.isUpdating();
         };
-        ASSERT_TRUE(QTest::qWaitFor(isOver, timeout));
+        ASSERT_TRUE(QTest::qWaitFor(isOver, patience));
         EXPECT_EQ(seen_, expected.seen);
         EXPECT_EQ(parts_.settings.dword(programKey, u"ERRORNO"), expected.errorCode);
         EXPECT_EQ(downloader.requested(), expected.requested);

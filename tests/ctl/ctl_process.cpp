@@ -1,4 +1,5 @@
 #include "ctl/ctl_process.h"
+#include "support/waiting.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -75,7 +76,7 @@ QList<int> CtlTest::together(const QStringList &calls) {
 }
 
 void CtlTest::waitFor(const std::function<bool()> &condition) {
-    ASSERT_TRUE(QTest::qWaitFor(condition, 20'000));
+    ASSERT_TRUE(QTest::qWaitFor(condition, patience));
 }
 
 } // namespace tidebrook

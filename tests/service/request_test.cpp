@@ -4,6 +4,7 @@
 #include "platform/sync/pause.h"
 #include "service/running_service.h"
 #include "support/full_disk.h"
+#include "support/waiting.h"
 #include "test_device/test_device.h"
 #include "update/request_file.h"
 #include "update/update_run.h"
@@ -183,7 +184,7 @@ TEST_F(RequestTest, OfSeveralThatWaitTheNewestIsAnswered) {
         waitForRequests(i);
     }
     for (const auto &requester : requesters) {
-        requester->waitForFinished(20'000);
+        requester->waitForFinished(patience);
         EXPECT_EQ(requester->readAllStandardOutput() == "done\n", requester == requesters.back());
         EXPECT_EQ(requester->readAllStandardError().contains("(1012)"),
                   requester != requesters.back());
@@ -208,7 +209,7 @@ TEST_F(RequestTest, ADownloaderThatIsKilledIsToldByTheTimeOutAndStartedAnew) {
     const auto requester = start(u"request C a --timeout 3"_s);
     waitForRequests(1);
     EXPECT_EQ(end(SIGKILL), -1);
-    requester->waitForFinished(20'000);
+    requester->waitForFinished(patience);
     EXPECT_EQ(requester->exitCode(), 1);
     EXPECT_TRUE(requester->readAllStandardError().contains("no answer came within 3 seconds"));
     EXPECT_EQ(errorCode(), u"1012");

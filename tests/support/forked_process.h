@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/descriptor.h"
+#include "support/waiting.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -67,7 +68,7 @@ public:
     /// Waits until it is not zero; false when that does not happen.
     bool wait() const {
         pollfd descriptor{count_.number(), POLLIN, 0};
-        return poll(&descriptor, 1, 20'000) == 1;
+        return poll(&descriptor, 1, patience) == 1;
     }
     /// Waits like `wait`, returns the count and begins it anew.
     std::uint64_t take() const {

@@ -32,14 +32,14 @@ struct Change {
     QStringList automatic = {};
 };
 
-const QString line = odd + u" Science";
+const QString listed = odd + u" Science";
 const QString luna = u"Luna "_s + link;
 const QString longName(49, u'n');
 const QString longLink = u"http://x/"_s + QString(502, u'l');
 
 const Change changes[] = {
-    {.isAutoUpdated = true, .automatic = {line}},
-    {.isTicked = true, .automatic = {line}},
+    {.isAutoUpdated = true, .automatic = {listed}},
+    {.isTicked = true, .automatic = {listed}},
     {.isAutoUpdated = true, .isTicked = true},
     {.isMoved = true,
      .isTicked = true,

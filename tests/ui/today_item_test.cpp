@@ -3,6 +3,7 @@
 #include "platform/sync/named_event.h"
 #include "platform/sync/process_lock.h"
 #include "service/running_service.h"
+#include "support/waiting.h"
 #include "today/today_item.h"
 
 #include <QApplication>
@@ -34,7 +35,7 @@ protected:
     // A process has one session bus, which it keeps.
     static void SetUpTestSuite() {
         bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        ASSERT_TRUE(bus.waitForReadyRead(20'000));
+        ASSERT_TRUE(bus.waitForReadyRead(patience));
         qputenv("DBUS_SESSION_BUS_ADDRESS", bus.readLine().trimmed());
     }
     static void TearDownTestSuite() {
@@ -51,7 +52,7 @@ protected:
     HeadlineStrip &strip() { return item_->strip(); }
     bool sees(const QString &text) {
         return QTest::qWaitFor(
-            [&] { return strip().isVisible() && strip().accessibleName() == text; }, 20'000);
+            [&] { return strip().isVisible() && strip().accessibleName() == text; }, patience);
     }
     /// Chooses an entry of the strip's menu by its text.
     void choose(const QString &text) {
@@ -78,7 +79,7 @@ protected:
     void killReader() const {
         if (const auto process = reader())
             kill(*process, SIGKILL);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !reader(); }, 20'000));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !reader(); }, patience));
     }
     /// Whether an article is marked read.
     bool isRead(const QString &title) {
@@ -293,7 +294,7 @@ TEST_F(TodayItemTest, OneRunsForADeviceAndEveryEndLeavesRoomForAnother) {
         return process;
     };
     const auto end = [](QProcess &process) {
-        return process.waitForFinished(20'000) && process.exitStatus() == QProcess::NormalExit
+        return process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit
                    ? process.exitCode()
                    : -1;
     };

@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_F(TodayTest, AHeadlineThatIsTappedIsOpenedWhereverTheUserIsAndSettingsHoldAtOnce) {
-    const Hand nothing = [](User &) {};
+    const Hand stay = [](User &) {};
     const Hand leave = pressing(Qt::Key_Escape);
     const Hand hide = [](User &user) { user.act([&] { user.stack().hide(); }); };
     const Hand minimise = [](User &user) {
@@ -58,10 +58,10 @@ TEST_F(TodayTest, AHeadlineThatIsTappedIsOpenedWhereverTheUserIsAndSettingsHoldA
         Hand go;
         Hand leave = {};
     } places[]{
-        {"categories", 0, nothing},
-        {"channels", 1, nothing},
-        {"articles", 2, nothing},
-        {"an article", 3, nothing},
+        {"categories", 0, stay},
+        {"channels", 1, stay},
+        {"articles", 2, stay},
+        {"an article", 3, stay},
         {"a name being typed", 0, pressing(Qt::Key_F2)},
         {"a question", 0, pressing(Qt::Key_Delete), leave},
         {"a warning over an article", 3, choosing({u"Send Link via SMS"_s}), leave},

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace tidebrook {
+
+/// How long a test waits for what must happen, however busy the machine is, in milliseconds.
+constexpr int patience = 20'000;
+
+} // namespace tidebrook
