@@ -65,7 +65,7 @@ int main(int argc, char **argv) {
     using namespace tidebrook;
     const QCoreApplication application(argc, argv);
     // For the programs that are run.
-    qputenv("no_proxy", "127.0.0.1");
+    qputenv("no_proxy", "127.0.0.1,localhost");
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QStringList names;
     for (const auto &each : cases)

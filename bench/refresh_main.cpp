@@ -1,6 +1,7 @@
 #include "bench/figures.h"
 #include "platform/base/clock.h"
 #include "update/auto_round.h"
+#include "update/polite_refresh.h"
 
 #include <curl/curl.h>
 
@@ -13,15 +14,23 @@ namespace tidebrook {
 namespace {
 
 Figures refresh(const RefreshTarget &target, const QList<RefreshJob> &jobs, int parallel) {
-    const QList<RefreshResult> results =
-        jobs.size() == 1 ? QList{refreshChannel(target, jobs.first())}
-                         : refreshChannels(target, jobs, parallel, [](auto, const auto &) {});
     Figures counts;
-    for (const RefreshResult &result : results) {
+    const auto count = [&](const RefreshResult &result) {
         counts["items"] += result.counts.total;
         counts["stored"] += result.storedCount;
         counts["failed"] += result.error == 0 ? 0 : 1;
+    };
+    if (jobs.size() == 1) {
+        count(refreshChannel(target, jobs.first()));
+        return counts;
     }
+    UpdateStateStore states(target.device);
+    std::vector<FeedTurn> turns;
+    for (const RefreshJob &job : jobs)
+        turns.push_back({job, {}});
+    refreshPolitely(target, states, turns, parallel, utcNow(),
+                    {[&](auto, const RefreshResult &result, bool) { count(result); },
+                     [&](auto, const QDateTime &) { counts["failed"] += 1; }});
     return counts;
 }
 

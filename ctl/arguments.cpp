@@ -14,6 +14,7 @@ QCommandLineOption option(QLatin1String names, const QString &value = {}) {
 QList<QCommandLineOption> commandOptions() {
     return {option(QLatin1String("order o"), QStringLiteral("ORDER")),
             option(QLatin1String("jobs j"), QStringLiteral("N")),
+            option(QLatin1String("full")),
             option(QLatin1String("pauses")),
             option(QLatin1String("timeout t"), QStringLiteral("SECONDS")),
             option(QLatin1String("today")),

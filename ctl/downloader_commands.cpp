@@ -22,11 +22,6 @@ using namespace std::chrono_literals;
 
 constexpr int longestTimeout = 3600; // seconds
 
-QString displayed(const QDateTime &moment) {
-    return moment.isValid() ? moment.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
-                            : QStringLiteral("never");
-}
-
 QString resultInWords(const UpdateState &state) {
     if (!state.lastAttempt.isValid())
         return QStringLiteral("not updated yet");
@@ -61,7 +56,7 @@ public:
         QDateTime next = qMax(*round_, now_);
         while (wish.isValid() && next < wish)
             next = nextRound(settings_, next, now_).value_or(wish);
-        return next <= now_ ? QStringLiteral("now") : displayed(next);
+        return next <= now_ ? QStringLiteral("now") : displayedMoment(next);
     }
 
 private:
@@ -224,7 +219,7 @@ int runUpdates(CommandDevice &device, const Arguments &) {
     const NextTries nextTries(device, *automatic);
     for (const ListedChannel &channel : *channels) {
         const UpdateState state = states.value(channel.name);
-        QStringList fields{channel.name, displayed(state.lastSuccess), resultInWords(state),
+        QStringList fields{channel.name, displayedMoment(state.lastSuccess), resultInWords(state),
                            nextTries.of(channel, state)};
         if (shared.contains(channel.name))
             fields.append(shared.value(channel.name));

@@ -69,9 +69,12 @@ constexpr std::array commands{
     Command{
         u"export", 2, 3, u"", Needs::Channels, runExport, u"export CATEGORY [CHANNEL] FILE|-",
         u"write a category's channels, or one of them, as an OPML list (-: to standard output)"},
-    Command{u"update", 0, 2, u"jobs pauses", Needs::Store, runUpdate,
-            u"update [CATEGORY [CHANNEL]] [--jobs N] [--pauses]",
-            u"refresh channels, N at a time (8); or one by one, as for the screens"},
+    Command{u"update", 0, 2, u"full jobs pauses", Needs::Store, runUpdate,
+            u"update [CATEGORY [CHANNEL]] [--full] [--jobs N] [--pauses]",
+            u"refresh channels, N at a time (8) and one of a host, as the downloader does: what is "
+            "unchanged is not sent again, and a feed that failed or whose server asks for it waits "
+            "(later); a CHANNEL waits for its server alone; --full: everything again, and now; "
+            "--pauses: the same one by one, as for the screens"},
     Command{u"request", 2, 2, u"timeout", Needs::Store, runRequest,
             u"request CATEGORY CHANNEL [--timeout SECONDS]",
             u"have the downloader refresh a channel, as the reader does (waits 60 seconds)"},

@@ -51,6 +51,11 @@ QString counts(int unread, int total) {
     return QString::number(unread) + u'/' + QString::number(total);
 }
 
+QString displayedMoment(const QDateTime &moment) {
+    return moment.isValid() ? moment.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
+                            : QStringLiteral("never");
+}
+
 bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
 int fail(const QString &message) {

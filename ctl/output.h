@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +29,9 @@ QString printable(const QString &text);
 
 /// Unread and total articles as they are shown everywhere.
 QString counts(int unread, int total);
+
+/// A moment as it is shown everywhere: local time to the minute; "never" for an invalid one.
+QString displayedMoment(const QDateTime &moment);
 
 /// Writes what was printed so far. False when standard output did not take it.
 bool flushOutput();

@@ -19,13 +19,13 @@ struct UpdateState {
     QString url; ///< the address that all of this is about
 
     QDateTime lastAttempt;
-    QDateTime lastTurn; ///< the last attempt that was an automatic one
+    QDateTime lastTurn; ///< the last attempt of a round or of `tidebrookctl update`
     QDateTime lastSuccess;
     quint32 lastError = 0;     ///< of the last attempt; 0 when it succeeded
     bool wasUnchanged = false; ///< the last attempt: the server had nothing new to send
     int storedCount = 0;       ///< new articles of the last attempt
     SharedArticles shared;     ///< of the last document
-    int failures = 0;          ///< automatic attempts that failed since the last success or request
+    int failures = 0;          ///< turns that failed since the last success or request
     QDateTime leftAloneUntil;  ///< as the server asked
 
     /// What the server said of the document that was stored last, and how many articles the

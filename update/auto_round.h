@@ -27,11 +27,9 @@ struct AutoRoundResult {
     bool isOver = false;
 };
 
-/// Updates the channels of the automatic list on this thread, without pauses. It downloads four at
-/// a time, never two of one host, and only documents that have changed since they were stored:
-/// `refreshChannels` does neither, and so is for channels that a user asks for. Ends early when the
-/// stop of the target's limits is raised. A round in which no server at all was reached counts as a
-/// failure of no feed, since the network was missing. `observer` gets each channel that was tried.
+/// Updates the channels of the automatic list as their servers like it (`refreshPolitely`), four at
+/// a time and on this thread. Ends early when the stop of the target's limits is raised. `observer`
+/// gets each channel that was tried.
 AutoRoundResult
 runAutoRound(const RefreshTarget &target, const AutoRound &round,
              const std::function<void(const RefreshJob &, const RefreshResult &)> &observer);

@@ -1,11 +1,5 @@
 #include "update/refresh.h"
 
-#include "platform/sync/tasks.h"
-
-#include <atomic>
-#include <mutex>
-#include <vector>
-
 namespace tidebrook {
 
 RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job) {
@@ -37,28 +31,6 @@ RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, F
     if (isChanged)
         result.shared = fetcher.sharedArticles();
     return result;
-}
-
-QList<RefreshResult>
-refreshChannels(const RefreshTarget &target, const QList<RefreshJob> &jobs, int parallel,
-                const std::function<void(qsizetype, const RefreshResult &)> &observer) {
-    std::vector<RefreshResult> results(static_cast<std::size_t>(jobs.size()));
-    std::atomic<qsizetype> nextJob = 0;
-    std::mutex observerMutex;
-    const auto work = [&] {
-        for (qsizetype index = nextJob++; index < jobs.size(); index = nextJob++) {
-            RefreshResult &result = results[static_cast<std::size_t>(index)];
-            result = refreshChannel(target, jobs[index]);
-            const std::lock_guard lock(observerMutex);
-            observer(index, result);
-        }
-    };
-    Threads helpers;
-    for (qsizetype i = 1; i < qMin(qsizetype{parallel}, jobs.size()) && helpers.start(work);)
-        ++i;
-    work();
-    helpers.join();
-    return {results.begin(), results.end()};
 }
 
 } // namespace tidebrook

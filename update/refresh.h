@@ -3,10 +3,6 @@
 #include "feed/feed_fetcher.h"
 #include "update/refresh_job.h"
 
-#include <QList>
-
-#include <functional>
-
 namespace tidebrook {
 
 /// How a channel's refresh ended.
@@ -28,12 +24,5 @@ RefreshResult refreshChannel(const RefreshTarget &target, const RefreshJob &job)
 /// if `isFetched`, and counts. Waits for no network.
 RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, FeedFetcher &fetcher,
                            bool isFetched);
-
-/// Refreshes channels, up to `parallel` (1 or more) at a time, on the calling thread and on others
-/// that have ended when it returns. `observer` gets each channel's index and result as it ends, on
-/// any of the threads, one call at a time.
-QList<RefreshResult>
-refreshChannels(const RefreshTarget &target, const QList<RefreshJob> &jobs, int parallel,
-                const std::function<void(qsizetype, const RefreshResult &)> &observer);
 
 } // namespace tidebrook

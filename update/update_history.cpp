@@ -57,11 +57,14 @@ UpdateState stateAt(const UpdateState &state, const QString &url) {
     return fresh;
 }
 
-QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now) {
-    QDateTime next;
+QDateTime serverWish(const UpdateState &state, const QDateTime &now) {
     // What lies further ahead than it can was written by a clock that was set back since.
-    if (state.leftAloneUntil.isValid() && state.leftAloneUntil <= after(now, longestWish))
-        next = state.leftAloneUntil;
+    const bool isPossible = state.leftAloneUntil <= after(now, longestWish);
+    return isPossible ? state.leftAloneUntil : QDateTime();
+}
+
+QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now) {
+    const QDateTime next = serverWish(state, now);
     if (state.failures == 0 || isDaily || state.lastTurn > after(now, 1min))
         return next;
     const QDateTime again = after(state.lastTurn, backOff(state.failures));
@@ -85,6 +88,13 @@ void noteRequested(UpdateStateStore &states, const RefreshJob &job, const Refres
         noteAttempt(state, job, result);
         state.failures = 0;
         state.leftAloneUntil = {};
+    });
+}
+
+void forgetFailures(UpdateStateStore &states, const RefreshJob &job) {
+    states.change(job.channelName, [&](UpdateState &state) {
+        state = stateAt(state, job.url);
+        state.failures = 0;
     });
 }
 

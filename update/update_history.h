@@ -12,9 +12,12 @@ namespace tidebrook {
 /// What is remembered of a channel that has this address now: nothing, if it had another one.
 UpdateState stateAt(const UpdateState &state, const QString &url);
 
+/// Until when the feed's server has asked for it to be left alone; invalid when it has not.
+QDateTime serverWish(const UpdateState &state, const QDateTime &now);
+
 /// The earliest moment at which a channel may be tried automatically again, for what its feed's
-/// server has asked for and (unless rounds are a day apart anyway) how often it has failed.
-/// Invalid when that is at any time.
+/// server has asked for (`serverWish`) and (unless rounds are a day apart anyway) how often it has
+/// failed. Invalid when that is at any time.
 QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now);
 
 /// Until when a server that was asked at `now` wants to be left alone; invalid when it does not.
@@ -27,6 +30,9 @@ bool isOverloaded(const HttpAnswer &answer);
 
 /// Remembers how a refresh that a user has asked for ended. The feed's failures are forgotten.
 void noteRequested(UpdateStateStore &states, const RefreshJob &job, const RefreshResult &result);
+
+/// Forgets how often the feed has failed, since a user asks for it.
+void forgetFailures(UpdateStateStore &states, const RefreshJob &job);
 
 /// Remembers an attempt of a round that reached no server at all: it counts as no failure, and the
 /// feed has not had its turn.

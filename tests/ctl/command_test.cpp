@@ -95,7 +95,8 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
     const QString misused =
         u"; fly; help fly; fly --help; help add rename; service fly; update -n; -q; init now; add "
         u"A three; channels --pauses; channels --no-such; "
-        "articles one --order size; update --jobs 0; update --jobs 2 --pauses; "
+        "articles one --order size; update --jobs 0; update --jobs 2 --pauses; update --full "
+        "--pauses; "
         "--home= channels; mark one seen; save one a page f; "
         "setting SortMode big; setting SortMode 3; setting UpdateInterval 0; setting Sort; "
         "setting Sort 1; setting SortMode 1 --today; auto add; auto add one --all; auto remove "

@@ -55,7 +55,8 @@ TEST_F(RivalsTest, ChannelsThatChangeWhileTheirFeedIsOnItsWayStayWhole) {
     const QStringList names{u"gone"_s, u"renamed"_s, u"moved"_s};
     for (int i = 0; i < 3; ++i) {
         server_.serve(u"/%1"_s.arg(i), generatedFeed(5, static_cast<quint32>(i)));
-        ok(u"add --create A %1 %2"_s.arg(names[i], server_.url(u"/%1"_s.arg(i))));
+        ok(u"add --create A %1 http://%2.localhost:%3/%2"_s.arg(names[i]).arg(i).arg(
+            server_.port()));
     }
     ok(u"add-category B"_s);
     for (const QString &update : {u"update"_s, u"update B --pauses"_s}) {
