@@ -75,5 +75,6 @@ void measureReader(Bench &bench);
 void measureScreens(Bench &bench);
 void measureSharing(Bench &bench);
 void measureToday(Bench &bench);
+void measurePublisher(Bench &bench);
 
 } // namespace tidebrook

@@ -30,6 +30,8 @@ constexpr KnownSetting settings[]{
     number(u"UpdateMode", 0, 2, u"automatic updates: 0 never, 1 at an interval, 2 daily"),
     number(u"UpdateInterval", 1, 6, u"1 to 6: every 30 minutes, 1, 2, 4, 8, 16 hours"),
     number(u"UpdateTime", 0, 23, u"hour of the daily update"),
+    number(u"UpdateOffset", 0, 599,
+           u"seconds from that hour to the daily update; each device its own"),
     number(u"ACTOPTION", 0, 1, u"1: automatic updates only in the cradle"),
     number(u"NoRoaming", 0, 1, u"1: no automatic updates while roaming"),
     number(u"LastAutoUpdate", 0, any, u"last automatic update, in seconds since 1970; 0 none"),

@@ -2,6 +2,8 @@
 
 #include "store/settings_store.h"
 
+#include <QRandomGenerator>
+
 #include <array>
 
 namespace tidebrook {
@@ -11,6 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr QStringView lastRoundValue = u"LastAutoUpdate";
+constexpr QStringView offsetValue = u"UpdateOffset";
 constexpr quint32 roamingBit = 0x200;
 constexpr quint32 hoursOfDay = 24;
 constexpr std::array<std::chrono::seconds, 6> intervals{30min, 1h, 2h, 4h, 8h, 16h};
@@ -30,14 +33,15 @@ QDateTime beginOfHour(const QDate &date, quint32 hour) {
     return earlier.toLocalTime().time() == time ? earlier : begin.toUTC();
 }
 
-QDateTime firstAfter(const QDateTime &moment, quint32 hour) {
-    const QDate date = moment.toLocalTime().date();
-    const QDateTime sameDay = beginOfHour(date, hour);
-    return sameDay > moment ? sameDay : beginOfHour(date.addDays(1), hour);
-}
-
 QDateTime addTo(const QDateTime &moment, std::chrono::milliseconds time) {
     return moment.addMSecs(time.count());
+}
+
+QDateTime firstAfter(const QDateTime &moment, const AutoUpdateSettings &settings) {
+    const QDate date = moment.toLocalTime().date();
+    const QDateTime sameDay = addTo(beginOfHour(date, settings.hour), settings.offset);
+    return sameDay > moment ? sameDay
+                            : addTo(beginOfHour(date.addDays(1), settings.hour), settings.offset);
 }
 
 // The time from one round to the next; nothing when there are no rounds.
@@ -51,7 +55,33 @@ std::optional<std::chrono::seconds> roundPeriod(const AutoUpdateSettings &settin
     return std::nullopt;
 }
 
+std::optional<std::chrono::seconds> storedOffset(const std::optional<RegistryValue> &value) {
+    const quint32 *number = value ? std::get_if<quint32>(&*value) : nullptr;
+    if (!number || *number >= offsetSpan.count())
+        return std::nullopt;
+    return std::chrono::seconds(*number);
+}
+
+// Two programs that draw at the same time keep the same one.
+std::chrono::seconds deviceOffset(Registry &registry) {
+    const std::optional<RegistryValue> value = registry.read(programKey, offsetValue);
+    if (const auto offset = storedOffset(value))
+        return *offset;
+    const RegistryValue drawn = static_cast<quint32>(drawOffset().count());
+    if (value)
+        registry.write(programKey, offsetValue, drawn);
+    else
+        registry.create(programKey, offsetValue, drawn);
+    registry.flush();
+    return storedOffset(registry.read(programKey, offsetValue)).value_or(0s);
+}
+
 } // namespace
+
+std::chrono::seconds drawOffset() {
+    const auto span = static_cast<quint32>(offsetSpan.count());
+    return std::chrono::seconds(QRandomGenerator::system()->bounded(span));
+}
 
 AutoUpdateSettings AutoUpdateSettings::read(Registry &registry) {
     SettingsStore settings(registry);
@@ -62,6 +92,8 @@ AutoUpdateSettings AutoUpdateSettings::read(Registry &registry) {
     read.onlyCradled = settings.dword(programKey, u"ACTOPTION") != 0;
     read.neverRoaming = settings.dword(programKey, u"NoRoaming") != 0;
     read.isCradled = settings.dword(hardwareStateKey, u"Cradled") == 1;
+    if (read.isDaily())
+        read.offset = deviceOffset(registry);
     read.isRoaming = (settings.dword(phoneStateKey, u"Status") & roamingBit) != 0;
     return read;
 }
@@ -73,7 +105,7 @@ std::optional<QDateTime> nextRound(const AutoUpdateSettings &settings, const QDa
         return std::nullopt;
     QDateTime next = lastRound.isValid() ? addTo(lastRound, *period) : now;
     if (settings.isDaily())
-        next = firstAfter(lastRound.isValid() ? lastRound : now, settings.hour);
+        next = firstAfter(lastRound.isValid() ? lastRound : now, settings);
     return next.isValid() ? std::optional(next) : std::nullopt; // the calendar has an end
 }
 
@@ -149,7 +181,7 @@ auto AutoSchedule::dueRound(const QDateTime &now, std::chrono::milliseconds upti
         return std::nullopt;
     // A round that a restart has broken off goes on, but not when another was due meanwhile.
     const QDateTime latest =
-        settings.isDaily() ? firstAfter(now.addDays(-1), settings.hour) : addTo(now, -*period);
+        settings.isDaily() ? firstAfter(now.addDays(-1), settings) : addTo(now, -*period);
     return Round{last.isValid() ? qMax(*next_, latest) : latest, settings.isDaily(),
                  settings.isSkipped()};
 }

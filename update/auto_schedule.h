@@ -14,19 +14,29 @@ struct AutoUpdateSettings {
     enum Mode : quint32 { Never = 0, Interval = 1, Daily = 2 };
 
     quint32 mode = Never;
-    quint32 interval = 0; ///< 1 to 6: half an hour, then 1, 2, 4, 8, 16 hours
-    quint32 hour = 0;     ///< of the day, local time, for the daily mode
+    quint32 interval = 0;           ///< 1 to 6: half an hour, then 1, 2, 4, 8, 16 hours
+    quint32 hour = 0;               ///< of the day, local time, for the daily mode
+    std::chrono::seconds offset{0}; ///< from its beginning to the round, below `offsetSpan`
     bool onlyCradled = false;
     bool isCradled = false;
     bool neverRoaming = false;
     bool isRoaming = false;
 
+    /// A device that has no offset yet, or one out of range, draws one in the daily mode and keeps
+    /// it (in the registry, as "UpdateOffset").
     static AutoUpdateSettings read(Registry &registry);
 
     bool isDaily() const { return mode == Daily; }
     /// Whether a round that is due now must be left out.
     bool isSkipped() const { return (onlyCradled && !isCradled) || (neverRoaming && isRoaming); }
 };
+
+/// The part of the daily hour that devices spread their rounds over, lest a publisher meets all of
+/// them in the same second.
+inline constexpr std::chrono::seconds offsetSpan{600};
+
+/// An offset for a device, at random.
+std::chrono::seconds drawOffset();
 
 /// When the round behind `lastRound` (invalid: there was none) is due. One in the past is due now,
 /// once for all that were missed. Nothing when there are no automatic updates.

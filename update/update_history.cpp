@@ -109,22 +109,26 @@ void noteRetryAfter(UpdateStateStore &states, const RefreshJob &job, const QDate
     });
 }
 
+void takeTurn(UpdateState &state, const RefreshJob &job, const QDateTime &start,
+              const RefreshResult &result, const HttpAnswer &answer) {
+    noteAttempt(state, job, result);
+    state.lastTurn = start;
+    state.wasUnchanged = answer.isUnchanged;
+    state.leftAloneUntil = retryAfter(answer, start);
+    // A failure that left the channel uncounted is our database's, and not the feed's.
+    if (result.error != 0 && result.isCounted)
+        ++state.failures;
+    // A channel that was unchanged but has lost articles to their age is to be sent anew.
+    if (result.error == 0 && !answer.isUnchanged) {
+        state.validators = answer.validators;
+        state.total = result.counts.total;
+    }
+}
+
 void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &start,
               const RefreshResult &result, const HttpAnswer &answer) {
-    states.change(job.channelName, [&](UpdateState &state) {
-        noteAttempt(state, job, result);
-        state.lastTurn = start;
-        state.wasUnchanged = answer.isUnchanged;
-        state.leftAloneUntil = retryAfter(answer, start);
-        // A failure that left the channel uncounted is our database's, and not the feed's.
-        if (result.error != 0 && result.isCounted)
-            ++state.failures;
-        // A channel that was unchanged but has lost articles to their age is to be sent anew.
-        if (result.error == 0 && !answer.isUnchanged) {
-            state.validators = answer.validators;
-            state.total = result.counts.total;
-        }
-    });
+    states.change(job.channelName,
+                  [&](UpdateState &state) { takeTurn(state, job, start, result, answer); });
 }
 
 } // namespace tidebrook

@@ -41,6 +41,10 @@ void noteUnreached(UpdateStateStore &states, const RefreshJob &job, const Refres
 /// Remembers that the feed's server has asked to be left alone, before the feed had its turn.
 void noteRetryAfter(UpdateStateStore &states, const RefreshJob &job, const QDateTime &until);
 
+/// What a channel's turn in the round that began at `start` leaves in its state.
+void takeTurn(UpdateState &state, const RefreshJob &job, const QDateTime &start,
+              const RefreshResult &result, const HttpAnswer &answer);
+
 /// Remembers how a channel's turn in the round that began at `start` ended.
 void noteTurn(UpdateStateStore &states, const RefreshJob &job, const QDateTime &start,
               const RefreshResult &result, const HttpAnswer &answer);

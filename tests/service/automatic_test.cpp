@@ -129,6 +129,7 @@ TEST_F(AutomaticTest, ManyStartedAtOnceBecomeOne) {
 TEST_F(AutomaticTest, WhatBecameOfUpdatesIsTold) {
     set(u"UpdateMode"_s, 2);
     set(u"UpdateTime"_s, 5);
+    set(u"UpdateOffset"_s, 450);
     server_.answerStatus(u"/ch1"_s, 404, "gone");
     for (const QString &call :
          {u"auto remove ch2"_s, u"rename ch0 \"new name\""_s, u"delete ch5"_s})
@@ -136,7 +137,7 @@ TEST_F(AutomaticTest, WhatBecameOfUpdatesIsTold) {
     EXPECT_TRUE(update(u"ch1"_s).startsWith(u"never\tnot updated yet\t"_s));
     run(u"update"_s);
     EXPECT_EQ(update(u"new name"_s).section(u'\t', 1, 1), u"3 new articles");
-    EXPECT_TRUE(update(u"new name"_s).endsWith(u" 05:00"_s));
+    EXPECT_TRUE(update(u"new name"_s).endsWith(u" 05:07"_s));
     EXPECT_EQ(update(u"ch1"_s).section(u'\t', 0, 1),
               u"never\tEncountering Problem when Reading Feed information (1002)");
     EXPECT_TRUE(update(u"ch2"_s).endsWith(u"\tnot automatic"_s));

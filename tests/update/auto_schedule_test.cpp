@@ -2,6 +2,8 @@
 #include "test_device/test_device.h"
 #include "update/auto_schedule.h"
 
+#include <QSet>
+
 #include <gtest/gtest.h>
 
 #include <ctime>
@@ -15,7 +17,7 @@ using namespace std::chrono_literals;
 /// A device that lives through days in minutes' steps.
 class Day {
 public:
-    explicit Day(const QDateTime &start) : clock_(start) {}
+    explicit Day(const QDateTime &start) : clock_(start) { meet(u"UpdateOffset"_s, 0); }
 
     /// The rounds that were run, each by how long after the start: "HH:MM".
     QString live(int minutes, const QStringList &events) {
@@ -82,6 +84,8 @@ const DayCase days[] = {
     {"NoSuchHour", "0 at 24; 600 at 4294967295", ""},
     {"NoSuchMode", "0 every 1; 0 UpdateMode 3", ""},
     {"DailyAtSix", "0 at 6", "06:00 30:00", 48},
+    {"DailyAtAMomentOfItsOwn", "0 at 6; 0 UpdateOffset 540; 365 restart", "06:09 30:09", 48},
+    {"DailyChosenBeforeItsMoment", "0 UpdateOffset 540; 365 at 6; 366 restart", "06:09", 24},
     {"DailyChosenAfterTheHour", "0 every 1; 1 UpdateMode 0; 600 at 6", "00:00 30:00", 48},
     {"DailyAtMidnight", "60 at 0", "24:00", 36},
     {"ShorterIntervalChosen", "0 every 5; 600 every 4", "00:00 08:00 12:00 16:00 20:00"},
@@ -122,6 +126,29 @@ TEST(AutoSchedule, HasTheRoundsThatAreDue) {
     }
     zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
     tzset();
+}
+
+TEST(AutoSchedule, DevicesHaveTheirOwnMomentsInTheHourAndKeepThem) {
+    QSet<QDateTime> moments;
+    const QDateTime now(QDate(2026, 6, 10), QTime(0, 0));
+    for (const quint32 bad : {0U, 600U, 4294967295U, 600U, 600U, 600U}) {
+        TestDevice device;
+        SettingsStore settings(*device.registry);
+        settings.setDword(programKey, u"UpdateMode", 2);
+        settings.setDword(programKey, u"UpdateTime", 6);
+        if (bad != 0)
+            settings.setDword(programKey, u"UpdateOffset", bad);
+        const auto nextOf = [&](Registry &registry) {
+            return *nextRound(AutoUpdateSettings::read(registry), {}, now);
+        };
+        const QDateTime first = nextOf(*device.registry);
+        Registry other(device.root); // as of the downloader that is started anew
+        EXPECT_EQ(nextOf(other), first);
+        const qint64 offset = now.addSecs(6 * 3600).secsTo(first);
+        EXPECT_TRUE(offset >= 0 && offset < 600) << offset;
+        moments.insert(first);
+    }
+    EXPECT_GT(moments.size(), 1);
 }
 
 TEST(AutoSchedule, ARegistryThatTakesNoNoteDoesNotDoubleARound) {
