@@ -37,7 +37,8 @@ void describe(QCommandLineParser &parser, const QStringList &names) {
     parser.addPositionalArgument(
         u"case"_s,
         names.join(u", ") + u"; all by default. Only a \"service\" that is named is watched while "
-                            "it sleeps, too, for two minutes.",
+                            "it sleeps, too, for two minutes, and only a \"publisher\" that is "
+                            "named is simulated, which takes minutes.",
         u"[case...]"_s);
     parser.addHelpOption();
 }

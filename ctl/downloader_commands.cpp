@@ -56,7 +56,10 @@ public:
         QDateTime next = qMax(*round_, now_);
         while (wish.isValid() && next < wish)
             next = nextRound(settings_, next, now_).value_or(wish);
-        return next <= now_ ? QStringLiteral("now") : displayedMoment(next);
+        if (next > now_)
+            return displayedMoment(next);
+        return settings_.isBarred() ? QStringLiteral("waiting: roaming, or a metered connection")
+                                    : QStringLiteral("now");
     }
 
 private:

@@ -8,6 +8,7 @@
 #include "update/round_request.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tidebrook {
 
@@ -42,7 +43,8 @@ Downloader::Downloader(const DeviceRoot &device, const QString &todayItemKey, Se
     : device_(device), todayItemKey_(todayItemKey), log_(log), registry_(device),
       request_(device, requestEvent, NamedEvent::Reset::Manual),
       roundRequest_(device, roundRequestEvent, NamedEvent::Reset::Auto), interrupt_(interrupt),
-      schedule_(registry_), server_(device, registry_, todayItemKey, log, interrupt.stopSignal()) {}
+      schedule_(registry_), network_(registry_),
+      server_(device, registry_, todayItemKey, log, interrupt.stopSignal()) {}
 
 Downloader::~Downloader() { interrupt_.stop(); }
 
@@ -58,9 +60,11 @@ bool Downloader::run() {
     giveBackMemory(); // what starting has needed
     bool isRoundWanted = false;
     while (!interrupt_.isStopped()) {
+        network_.update();
         lookAfterRound(isRoundWanted);
         const WaitResult result =
-            WaitAny({&request_, &roundRequest_}, interrupt_.descriptor(), timeToSleep());
+            WaitAny({&request_, &roundRequest_}, {interrupt_.descriptor(), network_.descriptor()},
+                    timeToSleep());
         // Files that were put in their place, as from a backup, are another device.
         if (result.kind == WaitResult::Kind::Failed || ownFiles.isEmpty() || files() != ownFiles) {
             log_.error(
@@ -100,20 +104,17 @@ void Downloader::lookAfterRound(bool isRoundWanted) {
     isRoundWanted_ = isRoundWanted;
     if (isRoundWanted)
         startRound({now, now}); // not a day from the last one, so feeds that fail are left alone
-    else if (uptime() >= notBefore_)
+    else if (uptime() >= notBefore_ && network_.isSettled())
         startDueRound(now);
 }
 
 void Downloader::startDueRound(const QDateTime &now) {
     const std::optional<AutoSchedule::Round> due = schedule_.dueRound(now, uptime());
-    if (!due)
-        return;
-    if (due->isSkipped) {
-        log_.info(QStringLiteral("automatic update left out: roaming, or not in the cradle"));
-        schedule_.endRound(now);
-        return;
-    }
-    startRound({now, due->since, due->isDaily});
+    const bool wasBarred = std::exchange(isBarred_, due && due->isBarred);
+    if (isBarred_ && !wasBarred)
+        log_.info(QStringLiteral("the automatic update waits: roaming, or a metered connection"));
+    if (due && !due->isBarred)
+        startRound({now, due->since, due->isDaily});
 }
 
 void Downloader::noteEndOfRound() {

@@ -6,6 +6,7 @@
 #include "platform/sync/interrupt.h"
 #include "platform/sync/named_event.h"
 #include "platform/sync/tasks.h"
+#include "service/network_values.h"
 #include "service/request_server.h"
 #include "service/service_log.h"
 #include "update/auto_round.h"
@@ -57,7 +58,9 @@ private:
     NamedEvent roundRequest_;
     Interrupt &interrupt_; // woken by the end of a round
     AutoSchedule schedule_;
+    NetworkValues network_;
 
+    bool isBarred_ = false;                  // a round that is due, as the log has it
     int futileRounds_ = 0;                   // in a row, which have to be run again
     std::chrono::milliseconds notBefore_{0}; // uptime; the next round
 

@@ -14,7 +14,6 @@ using namespace std::chrono_literals;
 
 constexpr QStringView lastRoundValue = u"LastAutoUpdate";
 constexpr QStringView offsetValue = u"UpdateOffset";
-constexpr quint32 roamingBit = 0x200;
 constexpr quint32 hoursOfDay = 24;
 constexpr std::array<std::chrono::seconds, 6> intervals{30min, 1h, 2h, 4h, 8h, 16h};
 
@@ -183,7 +182,7 @@ auto AutoSchedule::dueRound(const QDateTime &now, std::chrono::milliseconds upti
     const QDateTime latest =
         settings.isDaily() ? firstAfter(now.addDays(-1), settings) : addTo(now, -*period);
     return Round{last.isValid() ? qMax(*next_, latest) : latest, settings.isDaily(),
-                 settings.isSkipped()};
+                 settings.isBarred()};
 }
 
 } // namespace tidebrook

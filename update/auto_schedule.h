@@ -9,6 +9,9 @@
 
 namespace tidebrook {
 
+/// The bit of the platform's value "Status" that is set while the phone roams.
+inline constexpr quint32 roamingBit = 0x200;
+
 /// The settings of the automatic updates, with the state of the platform that they depend on.
 struct AutoUpdateSettings {
     enum Mode : quint32 { Never = 0, Interval = 1, Daily = 2 };
@@ -27,8 +30,8 @@ struct AutoUpdateSettings {
     static AutoUpdateSettings read(Registry &registry);
 
     bool isDaily() const { return mode == Daily; }
-    /// Whether a round that is due now must be left out.
-    bool isSkipped() const { return (onlyCradled && !isCradled) || (neverRoaming && isRoaming); }
+    /// Whether a round that is due now has to wait until these values change.
+    bool isBarred() const { return (onlyCradled && !isCradled) || (neverRoaming && isRoaming); }
 };
 
 /// The part of the daily hour that devices spread their rounds over, lest a publisher meets all of
@@ -53,14 +56,14 @@ public:
         /// Channels that were tried since then have had their turn in this round.
         QDateTime since;
         bool isDaily = false;
-        bool isSkipped = false;
+        bool isBarred = false; ///< it stays due until it is allowed, or the settings change
     };
 
     /// The round that is due, if one is. Reads the settings anew. `uptime` counts on through
     /// suspends and changes of the clock. Call it every minute or so.
     std::optional<Round> dueRound(const QDateTime &now, std::chrono::milliseconds uptime);
 
-    /// The round that began at `start` is over, or was left out.
+    /// The round that began at `start` is over.
     void endRound(const QDateTime &start) { store(start); }
 
     /// When the next round is due, as the settings were last time; nothing for never.

@@ -15,14 +15,16 @@ namespace tidebrook {
 namespace {
 
 using Events = std::initializer_list<NamedEvent *>;
+using Inputs = std::initializer_list<int>;
 
 /// The events' descriptors in order, and the input's behind them.
-std::vector<pollfd> descriptorsOf(Events events, int inputDescriptor) {
+std::vector<pollfd> descriptorsOf(Events events, Inputs inputs) {
     std::vector<pollfd> descriptors;
-    descriptors.reserve(events.size() + 1);
+    descriptors.reserve(events.size() + inputs.size());
     for (const NamedEvent *event : events)
         descriptors.push_back({event->descriptor(), POLLIN, 0});
-    descriptors.push_back({inputDescriptor, POLLIN, 0});
+    for (const int input : inputs)
+        descriptors.push_back({input, POLLIN, 0});
     return descriptors;
 }
 
@@ -36,15 +38,21 @@ std::optional<WaitResult> found(const std::vector<pollfd> &descriptors, Events e
         if ((descriptor.revents & POLLNVAL) != 0)
             return WaitResult{WaitResult::Kind::Failed, -1};
     }
-    if (descriptors.back().revents != 0)
-        return WaitResult{WaitResult::Kind::Input, -1};
+    for (std::size_t i = events.size(); i < descriptors.size(); ++i) {
+        if (descriptors[i].revents != 0)
+            return WaitResult{WaitResult::Kind::Input, -1};
+    }
     return std::nullopt;
 }
 
 } // namespace
 
 WaitResult WaitAny(Events events, int inputDescriptor, std::chrono::milliseconds timeout) {
-    std::vector<pollfd> descriptors = descriptorsOf(events, inputDescriptor);
+    return WaitAny(events, Inputs{inputDescriptor}, timeout);
+}
+
+WaitResult WaitAny(Events events, Inputs inputs, std::chrono::milliseconds timeout) {
+    std::vector<pollfd> descriptors = descriptorsOf(events, inputs);
     const QDeadlineTimer end(std::max(timeout, std::chrono::milliseconds::zero()));
     for (;;) {
         // A time too long for poll is waited for in pieces.

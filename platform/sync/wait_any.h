@@ -11,7 +11,7 @@ namespace tidebrook {
 struct WaitResult {
     enum class Kind {
         Event,    ///< the event at `index` was seen or, if it resets by itself, taken
-        Input,    ///< the descriptor can be read: there is input, or its other end is closed
+        Input,    ///< a descriptor can be read: there is input, or its other end is closed
         TimedOut, ///< nothing came in time
         Failed,   ///< waiting was not possible, as with a descriptor that is not open
     };
@@ -24,8 +24,10 @@ struct WaitResult {
 /// the list; the others stay as they are. An auto-reset event wakes one of those that wait for it;
 /// the others wait on for what is left of their time. An event that is not open is never set.
 ///
-/// `inputDescriptor` is not read, and -1 stands for none. A time-out of zero or less only looks.
-/// Thread-safe.
+/// The input's descriptors are not read, and -1 stands for none. A time-out of zero or less only
+/// looks. Thread-safe.
+WaitResult WaitAny(std::initializer_list<NamedEvent *> events,
+                   std::initializer_list<int> inputDescriptors, std::chrono::milliseconds timeout);
 WaitResult WaitAny(std::initializer_list<NamedEvent *> events, int inputDescriptor,
                    std::chrono::milliseconds timeout);
 

@@ -13,6 +13,9 @@ RunningService::RunningService() {
     // The second, direct download of a feed goes to the server too.
     environment_.insert(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
     qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
+    // What the machine's own network is like must not matter.
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere");
+    environment_.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, u"unix:path=/nowhere"_s);
     run(u"init"_s);
 }
 

@@ -3,6 +3,7 @@
 #include "platform/sync/named_event.h"
 #include "platform/sync/process_lock.h"
 #include "service/running_service.h"
+#include "support/private_bus.h"
 #include "support/waiting.h"
 #include "today/today_item.h"
 
@@ -34,14 +35,10 @@ class TodayItemTest : public RunningService {
 protected:
     // A process has one session bus, which it keeps.
     static void SetUpTestSuite() {
-        bus.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        ASSERT_TRUE(bus.waitForReadyRead(patience));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", bus.readLine().trimmed());
+        bus.emplace();
+        qputenv("DBUS_SESSION_BUS_ADDRESS", bus->address());
     }
-    static void TearDownTestSuite() {
-        bus.kill();
-        bus.waitForFinished();
-    }
+    static void TearDownTestSuite() { bus.reset(); }
     TodayItemTest() { ok(u"setting Enabled 1 --today"_s); }
     ~TodayItemTest() override {
         item_.reset();
@@ -88,7 +85,7 @@ protected:
                                          QRegularExpression::MultilineOption));
     }
 
-    static inline QProcess bus{nullptr};
+    static inline std::optional<PrivateBus> bus;
     std::optional<TodayItem> item_;
 };
 

@@ -30,12 +30,11 @@ public:
             if (minute < wakeUp_)
                 continue;
             const auto due = schedule_->dueRound(clock_, std::chrono::minutes(minute));
-            if (!due)
+            if (!due || due->isBarred)
                 continue;
             schedule_->endRound(clock_);
-            if (!due->isSkipped)
-                rounds.append(u"%1:%2"_s.arg(minute / 60, 2, 10, QChar(u'0'))
-                                  .arg(minute % 60, 2, 10, QChar(u'0')));
+            rounds.append(u"%1:%2"_s.arg(minute / 60, 2, 10, QChar(u'0'))
+                              .arg(minute % 60, 2, 10, QChar(u'0')));
         }
         return rounds.join(u' ');
     }
@@ -90,9 +89,13 @@ const DayCase days[] = {
     {"DailyAtMidnight", "60 at 0", "24:00", 36},
     {"ShorterIntervalChosen", "0 every 5; 600 every 4", "00:00 08:00 12:00 16:00 20:00"},
     {"SwitchedOffAndOn", "0 every 3; 150 UpdateMode 0; 450 every 3", "00:00 02:00 07:30 09:30", 11},
-    {"OnlyInTheCradle", "0 every 4; 0 ACTOPTION 1; 600 Cradled 1", "12:00 16:00 20:00"},
+    {"OnlyInTheCradle", "0 every 4; 0 ACTOPTION 1; 600 Cradled 1", "10:00 14:00 18:00 22:00"},
+    {"BarredForDaysAndMadeUpOnce", "0 at 6; 0 ACTOPTION 1; 3300 Cradled 1", "55:00 78:00", 80},
+    {"BarredAndSwitchedOff", "0 at 6; 0 ACTOPTION 1; 400 UpdateMode 0; 500 Cradled 1; 600 at 6",
+     "30:00", 48},
+    {"BarredAndRestarted", "0 at 6; 0 ACTOPTION 1; 400 restart; 500 Cradled 1", "08:20 30:00", 48},
     {"NeverWhileRoaming", "0 every 4; 0 NoRoaming 1; 300 Status 536871424; 500 Status 537116673",
-     "00:00 04:00 12:00 16:00 20:00"},
+     "00:00 04:00 08:20 12:20 16:20 20:20"},
     {"AsleepOverTheHour", "0 at 6; 330 asleep 540", "09:00 30:00", 48},
     {"AsleepForDays", "0 at 6; 400 asleep 6000", "06:00 100:00 102:00", 110},
     {"AsleepOverIntervals", "0 every 2; 70 asleep 460", "00:00 01:00 07:40 08:40", 9},
