@@ -1,8 +1,10 @@
 #include "kit/page/page_source.h"
 
+#include "platform/html/html_pictures.h"
+#include "platform/html/html_tokens.h"
+
 #include <QHash>
 #include <QRegularExpression>
-#include <QUrl>
 
 #include <algorithm>
 #include <array>
@@ -52,9 +54,9 @@ QHash<QString, Element> makeElements() {
     return elements;
 }
 
-Element elementFor(QStringView name) {
+Element elementFor(const QString &name) {
     static const QHash<QString, Element> elements = makeElements();
-    return elements.value(name.toString().toLower());
+    return elements.value(name);
 }
 
 // Sizes are all in points, because a document does not nest other units. The levels are those of
@@ -97,11 +99,8 @@ QString inPoints(QString style) {
 
 using Attributes = QHash<QString, QString>;
 
-bool isReadAttribute(const QString &name) {
-    static const QStringList read =
-        u"href name id color size style align dir type src alt width height"_s.split(u' ');
-    return read.contains(name);
-}
+// A value as it can stand between double quotes.
+QString quotable(QString value) { return value.replace(u'"', u"&quot;"_s); }
 
 // The attributes of an element that stays. The style attribute wins over other sizes.
 QString keptAttributes(const QString &element, const Attributes &given) {
@@ -109,121 +108,64 @@ QString keptAttributes(const QString &element, const Attributes &given) {
     static const QStringList plain = u"name id color align dir type"_s.split(u' ');
     for (const QString &name : plain) {
         if (given.contains(name))
-            kept += u" %1=\"%2\""_s.arg(name, given.value(name));
+            kept += u" %1=\"%2\""_s.arg(name, quotable(given.value(name)));
     }
     if (given.contains(u"href"_s))
-        kept += u" href=\"%1%2\""_s.arg(QString(linkMark), given.value(u"href"_s));
+        kept += u" href=\"%1%2\""_s.arg(QString(linkMark), quotable(given.value(u"href"_s)));
     const QString style = sizeStyleFrom(given.value(u"size"_s)) + sizeStyleOf(element) +
-                          inPoints(given.value(u"style"_s));
+                          inPoints(quotable(given.value(u"style"_s)));
     return style.isEmpty() ? kept : kept + u" style=\"%1\""_s.arg(style);
 }
 
-// Pictures of a pixel count readers, or keep others apart.
-bool isPixel(const Attributes &picture) {
-    return std::ranges::any_of(std::array{u"width"_s, u"height"_s}, [&](const QString &side) {
-        const QString pixels = picture.value(side, u"?"_s).trimmed();
-        return pixels.startsWith(u'0') || pixels == u"1" || pixels == u"1px";
-    });
-}
-
-QString fileNameOf(QStringView address) {
-    for (const QChar end : {u'?', u'#'}) {
-        if (const qsizetype at = address.indexOf(end); at >= 0)
-            address.truncate(at);
-    }
-    while (address.endsWith(u'/'))
-        address.chop(1);
-    return QUrl::fromPercentEncoding(address.mid(address.lastIndexOf(u'/') + 1).toUtf8());
-}
-
 // Data has no address that anything else could open.
-QString pictureLink(const Attributes &picture, bool isInLink) {
-    const QString source = picture.value(u"src"_s);
-    const bool isData = source.trimmed().startsWith(u"data:", Qt::CaseInsensitive);
-    QString text = picture.value(u"alt"_s).trimmed();
-    if (text.isEmpty() && !isData)
-        text = fileNameOf(QStringView(source).trimmed());
+QString pictureLink(const HtmlTag &picture, bool isInLink) {
+    const QString source = quotable(picture.attributes.value(u"src"_s));
+    QString text = pictureText(picture);
     text.replace(u'<', u"&lt;"_s);
-    if (text.isEmpty() || source.isEmpty() || isData || isInLink)
+    if (text.isEmpty() || source.isEmpty() || isInlineData(picture) || isInLink)
         return u' ' + text + u' ';
     return u" <a href=\"%1%2\">%3</a> "_s.arg(QString(linkMark), source, text);
 }
 
 class Defuser {
 public:
-    explicit Defuser(const QString &html) : html_(html) {}
+    explicit Defuser(const QString &html) : tokens_(html) {}
 
     QString run() {
-        while (at_ < html_.size()) {
-            const qsizetype next = indexOrEnd(u"<", at_);
-            addText(html_.mid(at_, next - at_));
-            at_ = next;
-            if (at_ < html_.size())
-                takeMarkup();
+        while (tokens_.next()) {
+            if (tokens_.kind() == HtmlTokens::Kind::Tag)
+                takeTag(tokens_.tag());
+            else
+                addText(tokens_.text() == u"<" ? QStringView(u"&lt;") : tokens_.text());
         }
         return result_;
     }
 
 private:
-    qsizetype indexOrEnd(QStringView text, qsizetype from) const {
-        const qsizetype found = html_.indexOf(text, from, Qt::CaseInsensitive);
-        return found < 0 ? html_.size() : found;
-    }
-    bool isAt(QStringView text) const { return html_.mid(at_).startsWith(text); }
-    void skipSpaces() {
-        while (at_ < html_.size() && html_[at_].isSpace())
-            at_ += 1;
-    }
-    QStringView takeUntil(QStringView ends) {
-        const qsizetype from = at_;
-        while (at_ < html_.size() && !html_[at_].isSpace() && !ends.contains(html_[at_]))
-            at_ += 1;
-        return html_.mid(from, at_ - from);
-    }
-
     void addText(QStringView text) {
         isCellBegun_ = isCellBegun_ || !text.trimmed().isEmpty();
         result_ += text;
     }
 
-    void takeMarkup() {
-        if (isAt(u"<!--") && html_.indexOf(u"-->", at_ + 2) >= 0) {
-            at_ = html_.indexOf(u"-->", at_ + 2) + 3;
-        } else if (isAt(u"<!") || isAt(u"<?")) {
-            at_ = indexOrEnd(u">", at_) + 1;
-        } else {
-            const qsizetype name = isAt(u"</") ? at_ + 2 : at_ + 1;
-            if (name < html_.size() && html_[name].isLetter())
-                takeTag(name);
-            else
-                addText(u"&lt;");
-            at_ = std::max(at_, name);
-        }
-    }
-
-    void takeTag(qsizetype nameAt) {
-        const bool isEnd = nameAt == at_ + 2;
-        at_ = nameAt;
-        const QStringView name = takeUntil(u"/>");
-        const Element element = elementFor(name);
-        const Attributes attributes = takeAttributes();
+    void takeTag(const HtmlTag &tag) {
+        const Element element = elementFor(tag.name);
         switch (element.fate) {
         case Fate::Drop:
             return;
         case Fate::DropWhole:
-            return isEnd ? void() : skipContents(name);
+            return tag.isEnd ? void() : tokens_.skipContents();
         case Fate::Picture:
-            if (!isEnd && !isPixel(attributes))
-                addText(pictureLink(attributes, isInLink_));
+            if (!tag.isEnd && !isPixel(tag))
+                addText(pictureLink(tag, isInLink_));
             return;
         case Fate::Cell:
-            return isEnd ? endCell() : beginCell(element.name == u"th");
+            return tag.isEnd ? endCell() : beginCell(element.name == u"th");
         case Fate::Break:
             endCell();
-            return addTag(element.name, isEnd, {});
+            return addTag(element.name, tag.isEnd, {});
         case Fate::Keep:
         case Fate::Rename:
-            return addElement(element.name, isEnd, attributes);
+            return addElement(element.name, tag.isEnd, tag.attributes);
         }
     }
 
@@ -263,50 +205,7 @@ private:
         dropped_.clear();
     }
 
-    // An element that is never closed keeps its contents, else the rest of the page would go too.
-    void skipContents(QStringView name) {
-        const qsizetype end = indexOrEnd(QString(u"</"_s + name), at_);
-        if (end < html_.size())
-            at_ = indexOrEnd(u">", end) + 1;
-    }
-
-    // Of several of the same name the first counts.
-    Attributes takeAttributes() {
-        Attributes attributes;
-        while (at_ < html_.size() && html_[at_] != u'>') {
-            const QString name = takeUntil(u"=/>").toString().toLower();
-            skipSpaces();
-            const bool hasValue = at_ < html_.size() && html_[at_] == u'=';
-            const QString value = hasValue ? takeValue() : QString();
-            if (!hasValue && isAt(u"/"))
-                at_ += 1;
-            if (isReadAttribute(name) && !attributes.contains(name))
-                attributes.insert(name, value);
-        }
-        at_ += 1;
-        return attributes;
-    }
-
-    // The value behind the equals sign, with its quotes escaped.
-    QString takeValue() {
-        at_ += 1;
-        skipSpaces();
-        QStringView value;
-        if (isAt(u"\"") || isAt(u"'")) {
-            const QStringView quote = html_.mid(at_, 1);
-            at_ += 1;
-            const qsizetype close = html_.indexOf(quote, at_);
-            const qsizetype end = close < 0 ? indexOrEnd(u">", at_) : close;
-            value = html_.mid(at_, end - at_);
-            at_ = close < 0 ? end : end + 1;
-        } else {
-            value = takeUntil(u">");
-        }
-        return value.toString().replace(u'"', u"&quot;"_s);
-    }
-
-    QStringView html_;
-    qsizetype at_ = 0;
+    HtmlTokens tokens_;
     QString result_;
     bool isInLink_ = false;
     bool isInHeading_ = false;    // of a table

@@ -72,6 +72,13 @@ QString withoutControls(QString text) {
     return text;
 }
 
+QString withoutSoftBreaks(QString text) {
+    return text.removeIf([](QChar c) {
+        return c == QChar::SoftHyphen || c == QChar(0x200B) || c == QChar(0x2060) ||
+               c == QChar::ByteOrderMark;
+    });
+}
+
 QString withoutHidden(QString text, QStringView kept) {
     const QString whole = text;
     for (qsizetype i = 0; i < whole.size(); ++i) {

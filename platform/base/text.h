@@ -20,6 +20,10 @@ QStringView TrimTrailingBlanks(QStringView text);
 /// The text with a blank in place of every control character, line ends and tabs among them.
 QString withoutControls(QString text);
 
+/// The text without the characters that show nothing and only allow or forbid a line's end at their
+/// place: soft hyphens, blanks and joiners without a width, byte-order marks.
+QString withoutSoftBreaks(QString text);
+
 /// The text as it can go to a terminal or into a file's name: with a blank in place of every
 /// invisible character that can change how the text around it is read: controls, line and paragraph
 /// separators, changes of direction, and characters without a width. Those of `kept` stay, and so

@@ -1,7 +1,10 @@
 #include "platform/xml/html_entities.h"
 
+#include <QHash>
 #include <QList>
 #include <QStringBuilder>
+
+#include <array>
 
 namespace tidebrook {
 
@@ -89,7 +92,67 @@ constexpr Run runs[] = {
     {9829, "hearts diams"},
 };
 
+constexpr qsizetype longestEntity = 32; // between its ampersand and its semicolon
+
+QHash<QString, QChar> namedCharacters() {
+    QHash<QString, QChar> named{{QStringLiteral("quot"), u'"'},
+                                {QStringLiteral("amp"), u'&'},
+                                {QStringLiteral("apos"), u'\''},
+                                {QStringLiteral("lt"), u'<'},
+                                {QStringLiteral("gt"), u'>'}};
+    for (const Run &run : runs) {
+        int character = run.first;
+        for (const QString &name : QString::fromLatin1(run.names).split(u' '))
+            named.insert(name, QChar(character++));
+    }
+    return named;
+}
+
+// Empty for what is no number.
+QString numberedCharacter(QStringView number) {
+    static constexpr std::array<char16_t, 32> ofWindows{
+        0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+        0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
+    const bool isHex = number.startsWith(u'x') || number.startsWith(u'X');
+    bool isNumber = false;
+    const uint code = number.sliced(isHex ? 1 : 0).toUInt(&isNumber, isHex ? 16 : 10);
+    if (!isNumber)
+        return {};
+    if (code >= 128 && code < 160)
+        return QChar(ofWindows.at(code - 128));
+    if (code == 0 || code > QChar::LastValidCodePoint || QChar::isSurrogate(code))
+        return QChar(QChar::ReplacementCharacter);
+    const auto character = static_cast<char32_t>(code);
+    return QString::fromUcs4(&character, 1);
+}
+
+// Empty for what is no entity.
+QString characterOf(QStringView entity) {
+    static const QHash<QString, QChar> named = namedCharacters();
+    if (entity.startsWith(u'#'))
+        return entity.size() > 1 ? numberedCharacter(entity.sliced(1)) : QString();
+    const auto found = named.constFind(entity.toString());
+    return found == named.cend() ? QString() : QString(*found);
+}
+
 } // namespace
+
+QString withoutHtmlEntities(QStringView text) {
+    QString result;
+    while (!text.isEmpty()) {
+        const qsizetype begin = text.indexOf(u'&');
+        result += begin < 0 ? text : text.first(begin);
+        if (begin < 0)
+            break;
+        text = text.sliced(begin);
+        const qsizetype end = text.left(longestEntity).indexOf(u';');
+        const QString character = end < 0 ? QString() : characterOf(text.sliced(1, end - 1));
+        result += character.isEmpty() ? QStringView(u"&") : QStringView(character);
+        text = text.sliced(character.isEmpty() ? 1 : end + 1);
+    }
+    return result;
+}
 
 QByteArray htmlEntityDeclarations() {
     QByteArray declarations;

@@ -1,5 +1,6 @@
 #include "platform/network/network_watch.h"
 #include "support/system_bus.h"
+#include "support/waiting.h"
 
 #include <QCoreApplication>
 #include <QTest>
@@ -27,7 +28,7 @@ protected:
                     watch.process();
                 return watch.isSettled() && watch.state() == NetworkState{isFree, isRoaming};
             },
-            20'000);
+            patience);
     }
 
     int argumentCount_ = 0;

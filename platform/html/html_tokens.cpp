@@ -1,0 +1,105 @@
+#include "platform/html/html_tokens.h"
+
+#include <algorithm>
+
+namespace tidebrook {
+
+bool HtmlTokens::next() {
+    while (at_ < html_.size()) {
+        if (html_[at_] == u'<') {
+            if (takeMarkup())
+                return true;
+            continue;
+        }
+        const qsizetype begin = html_.indexOf(u'<', at_);
+        const qsizetype end = begin < 0 ? html_.size() : begin;
+        kind_ = Kind::Text;
+        text_ = html_.mid(at_, end - at_);
+        at_ = end;
+        return true;
+    }
+    return false;
+}
+
+void HtmlTokens::skipContents() {
+    const qsizetype end = indexOrEnd(QString(u"</" + tag_.name), at_);
+    if (end < html_.size())
+        at_ = indexOrEnd(u">", end) + 1;
+}
+
+qsizetype HtmlTokens::indexOrEnd(QStringView text, qsizetype from) const {
+    const qsizetype found = html_.indexOf(text, from, Qt::CaseInsensitive);
+    return found < 0 ? html_.size() : found;
+}
+
+void HtmlTokens::skipSpaces() {
+    while (at_ < html_.size() && html_[at_].isSpace())
+        at_ += 1;
+}
+
+QStringView HtmlTokens::takeUntil(QStringView ends) {
+    const qsizetype from = at_;
+    while (at_ < html_.size() && !html_[at_].isSpace() && !ends.contains(html_[at_]))
+        at_ += 1;
+    return html_.mid(from, at_ - from);
+}
+
+// False for what is left out.
+bool HtmlTokens::takeMarkup() {
+    if (isAt(u"<!--") && html_.indexOf(u"-->", at_ + 2) >= 0) {
+        at_ = html_.indexOf(u"-->", at_ + 2) + 3;
+        return false;
+    }
+    if (isAt(u"<!") || isAt(u"<?")) {
+        at_ = indexOrEnd(u">", at_) + 1;
+        return false;
+    }
+    const qsizetype name = isAt(u"</") ? at_ + 2 : at_ + 1;
+    if (name < html_.size() && html_[name].isLetter()) {
+        takeTag(name);
+    } else {
+        kind_ = Kind::Text;
+        text_ = html_.mid(at_, 1);
+    }
+    at_ = std::max(at_, name);
+    return true;
+}
+
+void HtmlTokens::takeTag(qsizetype nameAt) {
+    kind_ = Kind::Tag;
+    tag_.isEnd = nameAt == at_ + 2;
+    tag_.attributes.clear();
+    at_ = nameAt;
+    tag_.name = takeUntil(u"/>").toString().toLower();
+    takeAttributes();
+}
+
+void HtmlTokens::takeAttributes() {
+    while (at_ < html_.size() && html_[at_] != u'>') {
+        const QString name = takeUntil(u"=/>").toString().toLower();
+        skipSpaces();
+        const bool hasValue = at_ < html_.size() && html_[at_] == u'=';
+        const QString value = hasValue ? takeValue() : QString();
+        if (!hasValue && isAt(u"/"))
+            at_ += 1;
+        if (!name.isEmpty() && !tag_.attributes.contains(name))
+            tag_.attributes.insert(name, value);
+    }
+    at_ += 1;
+}
+
+QString HtmlTokens::takeValue() {
+    at_ += 1;
+    skipSpaces();
+    if (!isAt(u"\"") && !isAt(u"'"))
+        return takeUntil(u">").toString();
+    const QStringView quote = html_.mid(at_, 1);
+    at_ += 1;
+    const qsizetype close = html_.indexOf(quote, at_);
+    const qsizetype end = close < 0 ? indexOrEnd(u">", at_) : close;
+    const QString value = html_.mid(at_, end - at_).toString();
+    at_ = close < 0 ? end : end + 1;
+    return value;
+}
+
+} // namespace tidebrook
