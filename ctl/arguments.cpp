@@ -22,7 +22,12 @@ QList<QCommandLineOption> commandOptions() {
             option(QLatin1String("category c"), QStringLiteral("NAME")),
             option(QLatin1String("create")),
             option(QLatin1String("dry-run n")),
-            option(QLatin1String("yes y"))};
+            option(QLatin1String("yes y")),
+            option(QLatin1String("json")),
+            option(QLatin1String("header")),
+            option(QLatin1String("unread u")),
+            option(QLatin1String("html")),
+            option(QLatin1String("link l"))};
 }
 
 void takeOptions(const QCommandLineParser &parser, Arguments &arguments) {
@@ -60,6 +65,10 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
     if (!arguments.operands.isEmpty())
         arguments.command = arguments.operands.takeFirst();
     takeOptions(parser, arguments);
+    if (arguments.has(u"json") && arguments.has(u"header")) {
+        *error = QStringLiteral("--json goes without --header");
+        return std::nullopt;
+    }
     arguments.isQuiet = parser.isSet(quiet);
     arguments.wantsHelp = parser.isSet(help);
     arguments.wantsVersion = parser.isSet(version);

@@ -20,6 +20,11 @@ struct Arguments {
     bool isQuiet = false;
     bool wantsHelp = false;
     bool wantsVersion = false;
+
+    /// Whether an own option of the command was given, by its long name.
+    bool has(QStringView option) const { return options.contains(option); }
+    /// Whether the form of a table is asked for.
+    bool hasTableForm() const { return has(u"json") || has(u"header"); }
 };
 
 /// Takes a command line apart. Nothing, with `error` telling why, when it has an unknown option.

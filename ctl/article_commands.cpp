@@ -1,6 +1,12 @@
+#include "ctl/article_operand.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "ctl/pager.h"
+#include "ctl/table.h"
+#include "ctl/wrapping.h"
 #include "feed/feed_records.h"
+
+#include <QJsonArray>
 
 namespace tidebrook {
 
@@ -16,29 +22,9 @@ std::optional<SortMode> sortMode(const QString &order) {
     return std::nullopt;
 }
 
-QString shown(const QString &text) { return text.startsWith(missingText) ? QString() : text; }
+QString supplied(const QString &text) { return text.startsWith(missingText) ? QString() : text; }
 
 } // namespace
-
-QString listedTitle(CommandDevice &device, const QString &channel, const QString &title) {
-    QList<ArticleRow> articles;
-    if (!device.store.ListArticles(channel, SortMode::Date, articles))
-        return title;
-    QString found = title;
-    for (const ArticleRow &article : std::as_const(articles)) {
-        if (article.title == title)
-            return title;
-        if (printable(article.title) == title)
-            found = article.title;
-    }
-    return found;
-}
-
-int failArticle(const Device &device, const QString &title) {
-    return device.store.error() != 0
-               ? failStore(device)
-               : fail(QStringLiteral("there is no article \"%1\"").arg(title));
-}
 
 int runArticles(CommandDevice &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
@@ -47,49 +33,61 @@ int runArticles(CommandDevice &device, const Arguments &arguments) {
         return failUsage(QStringLiteral("there is no order \"%1\"").arg(arguments.order));
     if (!device.hasChannel(channel))
         return ExitFailed;
-    QList<ArticleRow> articles;
-    if (!device.store.ListArticles(channel, *mode, articles))
-        return failStore(device);
-    for (const ArticleRow &article : std::as_const(articles))
-        printFields({article.isRead ? QStringLiteral("r") : QStringLiteral("u"),
-                     article.publicationDate, article.title});
-    return ExitDone;
-}
-
-int runShow(CommandDevice &device, const Arguments &arguments) {
-    const QString channel = arguments.operands[0];
-    if (!device.hasChannel(channel))
-        return ExitFailed;
-    const QString title = listedTitle(device, channel, arguments.operands[1]);
-    ArticleExtract detail;
-    const bool isMarked = device.store.GetArticleDetail(channel, title, detail);
-    // Every stored article has a link, be it only the mark of a missing one.
-    if (detail.itemLink.isEmpty())
-        return failArticle(device, title);
-    printLine(detail.publicationDate);
-    printLine(shown(detail.itemLink));
-    printLine({});
-    printText(shown(detail.description));
-    device.store.PublishTotalUnread();
-    return isMarked ? ExitDone : failStore(device);
+    Table table(arguments, {QStringLiteral("state"), QStringLiteral("date"),
+                            QStringLiteral("title"), QStringLiteral("number")});
+    const auto add = [&](const ListedArticle &article) {
+        table.add({readLetter(article), article.publicationDate, article.title,
+                   QString::number(article.number)},
+                  articleObject(article));
+        return true;
+    };
+    const ArticleChoice choice{.channel = channel, .category = {}, .order = *mode};
+    return device.store.VisitArticles(choice, add) ? table.end() : failStore(device);
 }
 
 namespace {
 
-// All articles of a channel, or the one with that title.
-int markArticles(CommandDevice &device, const QString &channel, bool isRead,
-                 const std::optional<QString> &title) {
-    bool isMarked = false;
-    if (title) {
-        ArticleExtract extract;
-        if (!device.store.GetArticleExtract(channel, *title, extract))
-            return failArticle(device, *title);
-        isMarked = device.store.MarkArticle(channel, *title, isRead);
-    } else {
-        isMarked = isRead ? device.store.MarkChannelRead(channel)
-                          : device.store.MarkChannelUnread(channel);
+// The heading stands above the text, and the addresses of the links below it.
+QString page(const ListedArticle &article, const ReadableText &text, int columns) {
+    const std::pair<QString, QString> heading[]{
+        {QStringLiteral("Title:   "), article.title},
+        {QStringLiteral("Date:    "), article.publicationDate},
+        {QStringLiteral("Channel: "), article.channel},
+        {QStringLiteral("Link:    "), supplied(article.itemLink)}};
+    QString page;
+    for (const auto &[name, value] : heading) {
+        if (!value.isEmpty())
+            page += wrapped({name, QString(name.size(), u' '), printable(value)}, columns) + u'\n';
     }
-    if (!isMarked)
+    if (!text.lines.isEmpty())
+        page += u'\n';
+    for (const ReadableLine &line : text.lines)
+        page += wrapped(line, columns) + u'\n';
+    if (!text.links.isEmpty())
+        page += u'\n';
+    for (qsizetype i = 0; i < text.links.size(); ++i)
+        page += QStringLiteral("[%1] %2\n").arg(QString::number(i + 1), printable(text.links[i]));
+    return page.chopped(1); // which is printed with a line end
+}
+
+QJsonObject wholeObject(const ListedArticle &article, const ReadableText &text) {
+    QJsonObject object = articleObject(article);
+    object.insert(QStringLiteral("html"), jsonText(article.description));
+    object.insert(QStringLiteral("text"), jsonText(text.joined()));
+    object.insert(QStringLiteral("links"), QJsonArray::fromStringList(text.links));
+    return object;
+}
+
+int showLink(const ListedArticle &article) {
+    const QString link = supplied(article.itemLink);
+    if (link.isEmpty())
+        return fail(QStringLiteral("\"%1\" has no link").arg(article.title));
+    printLine(link);
+    return ExitDone;
+}
+
+int markArticle(CommandDevice &device, const ListedArticle &article, bool isRead) {
+    if (!device.store.MarkArticle(article.channel, article.guid, isRead))
         return failStore(device);
     device.store.PublishTotalUnread();
     return ExitDone;
@@ -97,19 +95,47 @@ int markArticles(CommandDevice &device, const QString &channel, bool isRead,
 
 } // namespace
 
+int runShow(CommandDevice &device, const Arguments &arguments) {
+    if (arguments.options.size() > 1)
+        return failUsage(QStringLiteral("show takes one of --html, --link, --json"));
+    auto article = wantedArticle(device, arguments.operands[0], arguments.operands[1]);
+    if (!article)
+        return ExitFailed;
+    if (arguments.has(u"link"))
+        return showLink(*article);
+    if (!device.store.ReadDescription(article->guid, article->description))
+        return failStore(device);
+    const QString html = supplied(article->description);
+    if (arguments.has(u"json")) {
+        if (!isQuiet())
+            printDocument(jsonLine(wholeObject(*article, readableText(html))) + '\n');
+        return ExitDone;
+    }
+    // Before the pager, which the user may leave open.
+    const int code = article->isRead ? ExitDone : markArticle(device, *article, true);
+    if (arguments.has(u"html"))
+        printPaged(html);
+    else
+        printPaged(page(*article, readableText(html), outputColumns()));
+    return code;
+}
+
 int runMark(CommandDevice &device, const Arguments &arguments) {
     const QString channel = arguments.operands[0];
     const QString flag = arguments.operands[1];
     if (flag != u"read" && flag != u"unread")
         return failUsage(QStringLiteral("articles are marked \"read\" or \"unread\""));
+    const bool isRead = flag == u"read";
+    if (arguments.operands.size() > 2) {
+        const auto article = wantedArticle(device, channel, arguments.operands[2]);
+        return article ? markArticle(device, *article, isRead) : ExitFailed;
+    }
     if (!device.hasChannel(channel))
         return ExitFailed;
-    // An empty title marks no article, and not all of them.
-    const std::optional<QString> title =
-        arguments.operands.size() > 2
-            ? std::optional(listedTitle(device, channel, arguments.operands[2]))
-            : std::nullopt;
-    return markArticles(device, channel, flag == u"read", title);
+    if (!(isRead ? device.store.MarkChannelRead(channel) : device.store.MarkChannelUnread(channel)))
+        return failStore(device);
+    device.store.PublishTotalUnread();
+    return ExitDone;
 }
 
 } // namespace tidebrook

@@ -1,5 +1,6 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "ctl/table.h"
 #include "res/strings.h"
 #include "store/error_codes.h"
 
@@ -70,10 +71,12 @@ int runInit(const DeviceRoot &root) {
     return ExitDone;
 }
 
-int runCategories(CommandDevice &device, const Arguments &) {
+int runCategories(CommandDevice &device, const Arguments &arguments) {
+    const QString column = QStringLiteral("name");
+    Table table(arguments, {column});
     for (const QString &name : device.categories())
-        printLine(name);
-    return ExitDone;
+        table.add({name}, {{column, name}});
+    return table.end();
 }
 
 QString wantedCategory(CommandDevice &device, const QString &name) {
@@ -137,8 +140,8 @@ bool isDeletionWanted(CommandDevice &device, const QString &category, const QStr
 
 int runDeleteCategory(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
-    const bool isTrial = arguments.options.contains(QStringLiteral("dry-run"));
-    const bool isAsking = !isTrial && !arguments.options.contains(QStringLiteral("yes"));
+    const bool isTrial = arguments.has(u"dry-run");
+    const bool isAsking = !isTrial && !arguments.has(u"yes");
     auto content = contentInWords(device, name);
     if (content && isAsking)
         content =

@@ -1,5 +1,6 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "ctl/table.h"
 
 #include <QUrl>
 
@@ -40,10 +41,17 @@ int runChannels(CommandDevice &device, const Arguments &arguments) {
     const auto channels = device.channels(category);
     if (!channels)
         return ExitFailed;
+    Table table(arguments, {QStringLiteral("unread/total"), QStringLiteral("name"),
+                            QStringLiteral("address"), QStringLiteral("category")});
     for (const ListedChannel &channel : *channels)
-        printFields(
-            {counts(channel.unread, channel.total), channel.name, channel.link, channel.category});
-    return ExitDone;
+        table.add(
+            {counts(channel.unread, channel.total), channel.name, channel.link, channel.category},
+            {{QStringLiteral("unread"), channel.unread},
+             {QStringLiteral("total"), channel.total},
+             {QStringLiteral("name"), channel.name},
+             {QStringLiteral("address"), jsonText(channel.link)},
+             {QStringLiteral("category"), channel.category}});
+    return table.end();
 }
 
 int runAdd(CommandDevice &device, const Arguments &arguments) {

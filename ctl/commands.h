@@ -23,6 +23,7 @@ int runRelink(CommandDevice &device, const Arguments &arguments);
 int runDelete(CommandDevice &device, const Arguments &arguments);
 int runArticles(CommandDevice &device, const Arguments &arguments);
 int runShow(CommandDevice &device, const Arguments &arguments);
+int runSearch(CommandDevice &device, const Arguments &arguments);
 int runMark(CommandDevice &device, const Arguments &arguments);
 int runSave(CommandDevice &device, const Arguments &arguments);
 int runImport(CommandDevice &device, const Arguments &arguments);
@@ -43,13 +44,6 @@ QString wantedCategory(CommandDevice &device, const QString &name);
 QString failureOf(const Device &device, ChangeEnd end);
 /// The exit code of a change; a failure is reported.
 int exitCodeOf(const Device &device, ChangeEnd end);
-
-/// The title of an article as it is stored, for one that was copied from the list, where tabs and
-/// line ends are blanks.
-QString listedTitle(CommandDevice &device, const QString &channel, const QString &title);
-
-/// Reports that an article is not there, or that the database failed when it was read.
-int failArticle(const Device &device, const QString &title);
 
 /// What refreshes a channel, which must be in that category. Nothing, and the failure is reported,
 /// when there is none such.

@@ -2,6 +2,7 @@
 
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "platform/base/name_order.h"
 
 namespace tidebrook {
 
@@ -51,17 +52,13 @@ std::optional<QList<ListedChannel>> CommandDevice::channels(const QString &categ
     const auto guard = store.lock();
     QList<ListedChannel> listed;
     for (const QString &name : category.isNull() ? categories() : QStringList{category}) {
-        QList<ChannelRow> rows;
-        bool isRead = store.ListChannelsByName(name, rows);
-        for (const ChannelRow &row : std::as_const(rows)) {
-            ListedChannel channel{row.name, name, {}, row.unread, row.total};
-            isRead = isRead && store.GetChannelLink(name, channel.name, channel.link);
-            listed.append(channel);
-        }
-        if (!isRead) {
+        QList<ListedChannel> channels;
+        if (!store.ListWholeCategory(name, channels)) {
             failStore(*this);
             return std::nullopt;
         }
+        sortByName(channels);
+        listed += channels;
     }
     return listed;
 }

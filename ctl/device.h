@@ -9,15 +9,6 @@
 
 namespace tidebrook {
 
-/// A channel as the lists show it.
-struct ListedChannel {
-    QString name;
-    QString category;
-    QString link;
-    int unread = 0;
-    int total = 0;
-};
-
 /// The device that the commands work on. Its own functions report their failures on standard error.
 class CommandDevice : public Device {
 public:
@@ -35,7 +26,7 @@ public:
     /// Whether there is such a channel, in a listed category or not.
     bool hasChannel(const QString &name);
     bool hasCategory(const QString &name);
-    /// The channels of one category, or of all listed ones.
+    /// All channels of one category, or of all listed ones, each category's by their names.
     std::optional<QList<ListedChannel>> channels(const QString &category = {});
 
     QStringList categories();

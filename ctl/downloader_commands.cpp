@@ -1,6 +1,7 @@
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "ctl/shared_feeds.h"
+#include "ctl/table.h"
 #include "platform/base/clock.h"
 #include "platform/desktop/service.h"
 #include "res/strings.h"
@@ -45,17 +46,26 @@ public:
             listed_.insert(job.channelName);
     }
 
-    QString of(const ListedChannel &channel, const UpdateState &state) const {
-        if (!listed_.contains(channel.name))
-            return QStringLiteral("not automatic");
-        if (!round_)
-            return QStringLiteral("automatic updates are off");
+    bool isAutomatic(const QString &channel) const { return listed_.contains(channel); }
+
+    // Invalid where there is none.
+    QDateTime of(const ListedChannel &channel, const UpdateState &state) const {
+        if (!isAutomatic(channel.name) || !round_)
+            return {};
         const bool isDaily = settings_.mode == AutoUpdateSettings::Daily;
         const QDateTime wish = nextTry(stateAt(state, channel.link), isDaily, now_);
         // The first round that is not too early.
         QDateTime next = qMax(*round_, now_);
         while (wish.isValid() && next < wish)
             next = nextRound(settings_, next, now_).value_or(wish);
+        return next;
+    }
+
+    QString inWords(const QString &channel, const QDateTime &next) const {
+        if (!isAutomatic(channel))
+            return QStringLiteral("not automatic");
+        if (!next.isValid())
+            return QStringLiteral("automatic updates are off");
         if (next > now_)
             return displayedMoment(next);
         return settings_.isBarred() ? QStringLiteral("waiting: roaming, or a metered connection")
@@ -69,13 +79,18 @@ private:
     QSet<QString> listed_;
 };
 
-int listAutomatic(CommandDevice &device) {
+int listAutomatic(CommandDevice &device, const Arguments &arguments) {
     const auto channels = autoUpdatedChannels(device.root);
     if (!channels)
         return exitCodeOf(device, ChangeEnd::AutoListFailed);
+    const QStringList columns{QStringLiteral("name"), QStringLiteral("category"),
+                              QStringLiteral("address")};
+    Table table(arguments, columns);
     for (const RefreshJob &job : *channels)
-        printFields({job.channelName, job.category, job.url});
-    return ExitDone;
+        table.add(
+            {job.channelName, job.category, job.url},
+            {{columns[0], job.channelName}, {columns[1], job.category}, {columns[2], job.url}});
+    return table.end();
 }
 
 int addAutomatic(CommandDevice &device, const QString &name) {
@@ -178,19 +193,19 @@ int runAuto(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands.value(1);
     const QStringList &options = arguments.options;
     const bool isOne = !name.isNull() && options.isEmpty();
-    if (action == u"list" && name.isNull() && options.isEmpty())
-        return listAutomatic(device);
+    const bool isOfAll = arguments.has(u"all") || arguments.has(u"category");
+    if (action == u"list" && name.isNull() && !isOfAll)
+        return listAutomatic(device, arguments);
     if (action == u"add" && isOne)
         return addAutomatic(device, name);
-    if (action == u"add" && name.isNull() && options.size() == 1)
-        return addManyAutomatic(device, options.contains(QStringLiteral("category"))
-                                            ? std::optional(arguments.category)
-                                            : std::nullopt);
+    if (action == u"add" && name.isNull() && isOfAll && options.size() == 1)
+        return addManyAutomatic(
+            device, arguments.has(u"category") ? std::optional(arguments.category) : std::nullopt);
     if (action == u"remove" && isOne)
         return removeAutomatic(device, name);
     if (action == u"run" && name.isNull() && options.isEmpty())
         return runAutomatic(device);
-    return failUsage(QStringLiteral("usage: tidebrookctl auto list | add "
+    return failUsage(QStringLiteral("usage: tidebrookctl auto list [--json|--header] | add "
                                     "NAME|--all|--category CATEGORY | remove NAME | run"));
 }
 
@@ -207,7 +222,30 @@ int runService(CommandDevice &device, const Arguments &arguments) {
     return action == u"restart" ? startService(device) : ExitDone;
 }
 
-int runUpdates(CommandDevice &device, const Arguments &) {
+namespace {
+
+QJsonValue jsonMoment(const QDateTime &moment) {
+    return moment.isValid() ? QJsonValue(moment.toUTC().toString(Qt::ISODate)) : QJsonValue();
+}
+
+QJsonObject updatesObject(const ListedChannel &channel, const UpdateState &state,
+                          const QString &shared) {
+    const bool isTried = state.lastAttempt.isValid();
+    const bool isDone = isTried && state.lastError == 0;
+    return {{QStringLiteral("name"), channel.name},
+            {QStringLiteral("category"), channel.category},
+            {QStringLiteral("lastAttempt"), jsonMoment(state.lastAttempt)},
+            {QStringLiteral("lastSuccess"), jsonMoment(state.lastSuccess)},
+            {QStringLiteral("lastResult"), resultInWords(state)},
+            {QStringLiteral("errorCode"),
+             isTried && !isDone ? QJsonValue(qint64{state.lastError}) : QJsonValue()},
+            {QStringLiteral("newArticles"), isDone ? QJsonValue(state.storedCount) : QJsonValue()},
+            {QStringLiteral("sharedFeed"), jsonText(shared)}};
+}
+
+} // namespace
+
+int runUpdates(CommandDevice &device, const Arguments &arguments) {
     const auto channels = device.channels();
     if (!channels)
         return ExitFailed;
@@ -220,15 +258,22 @@ int runUpdates(CommandDevice &device, const Arguments &) {
         return failStore(device);
     const QHash<QString, QString> shared = sharedFeeds(feeds, states);
     const NextTries nextTries(device, *automatic);
+    Table table(arguments, {QStringLiteral("name"), QStringLiteral("lastSuccess"),
+                            QStringLiteral("lastResult"), QStringLiteral("nextTry"),
+                            QStringLiteral("sharedFeed")});
     for (const ListedChannel &channel : *channels) {
         const UpdateState state = states.value(channel.name);
+        const QDateTime next = nextTries.of(channel, state);
+        QJsonObject object = updatesObject(channel, state, shared.value(channel.name));
+        object.insert(QStringLiteral("automatic"), nextTries.isAutomatic(channel.name));
+        object.insert(QStringLiteral("nextTry"), jsonMoment(next));
         QStringList fields{channel.name, displayedMoment(state.lastSuccess), resultInWords(state),
-                           nextTries.of(channel, state)};
+                           nextTries.inWords(channel.name, next)};
         if (shared.contains(channel.name))
             fields.append(shared.value(channel.name));
-        printFields(fields);
+        table.add(fields, object);
     }
-    return ExitDone;
+    return table.end();
 }
 
 } // namespace tidebrook

@@ -100,13 +100,13 @@ std::optional<RegistryValue> valueOf(const KnownSetting &setting, const QString 
     return isTaken ? std::optional<RegistryValue>(value) : std::nullopt;
 }
 
-std::optional<QString> storedValue(Device &device, const KnownSetting &setting) {
-    const std::optional<RegistryValue> value =
-        device.registry.read(keyOf(device, setting.owner), setting.name);
-    if (!value)
-        return std::nullopt;
-    const quint32 *number = std::get_if<quint32>(&*value);
-    return number ? QString::number(*number) : std::get<QString>(*value);
+std::optional<RegistryValue> storedValue(Device &device, const KnownSetting &setting) {
+    return device.registry.read(keyOf(device, setting.owner), setting.name);
+}
+
+QString valueInWords(const RegistryValue &value) {
+    const quint32 *number = std::get_if<quint32>(&value);
+    return number ? QString::number(*number) : std::get<QString>(value);
 }
 
 bool storeValue(Device &device, const KnownSetting &setting, const RegistryValue &value) {

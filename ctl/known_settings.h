@@ -34,7 +34,9 @@ QString rangeInWords(const KnownSetting &setting);
 std::optional<RegistryValue> valueOf(const KnownSetting &setting, const QString &text);
 
 /// The value as it is stored, be it in the range or not; nothing when it is not set.
-std::optional<QString> storedValue(Device &device, const KnownSetting &setting);
+std::optional<RegistryValue> storedValue(Device &device, const KnownSetting &setting);
+/// A value as it is printed.
+QString valueInWords(const RegistryValue &value);
 /// Stores a value for good, and has the Today item read its own ones again. False when it could
 /// not be stored.
 bool storeValue(Device &device, const KnownSetting &setting, const RegistryValue &value);

@@ -12,6 +12,8 @@ namespace {
 /// store open (Store, Channels).
 enum class Needs { Root, Registry, Files, Store, Channels };
 
+constexpr qsizetype mostWords = 1000;
+
 struct Command {
     QStringView name;
     qsizetype leastOperands;
@@ -28,8 +30,8 @@ constexpr std::array commands{
             u"print this, or what one command does"},
     Command{u"init", 0, 0, u"", Needs::Root, nullptr, u"init",
             u"make the device where nothing or an empty folder is, and what it lacks; says which"},
-    Command{u"categories", 0, 0, u"", Needs::Channels, runCategories, u"categories",
-            u"list the categories"},
+    Command{u"categories", 0, 0, u"json header", Needs::Channels, runCategories,
+            u"categories [--json|--header]", u"list the categories"},
     Command{u"add-category", 1, 1, u"", Needs::Channels, runAddCategory, u"add-category NAME",
             u"add a category"},
     Command{u"rename-category", 2, 2, u"", Needs::Channels, runRenameCategory,
@@ -39,7 +41,8 @@ constexpr std::array commands{
         u"delete-category NAME [--dry-run] [--yes]",
         u"delete a category, its channels and their articles, and say how many; on a terminal it "
         "asks before, unless --yes; --dry-run: only say how many"},
-    Command{u"channels", 0, 1, u"", Needs::Channels, runChannels, u"channels [CATEGORY]",
+    Command{u"channels", 0, 1, u"json header", Needs::Channels, runChannels,
+            u"channels [CATEGORY] [--json|--header]",
             u"list channels: unread/total, name, address, category"},
     Command{
         u"add", 3, 3, u"create", Needs::Channels, runAdd, u"add CATEGORY NAME URL [--create]",
@@ -53,14 +56,21 @@ constexpr std::array commands{
             u"give a channel another address"},
     Command{u"delete", 1, 1, u"", Needs::Channels, runDelete, u"delete NAME",
             u"delete a channel and its articles"},
-    Command{u"articles", 1, 1, u"order", Needs::Store, runArticles,
-            u"articles CHANNEL [--order date|status|unread]",
-            u"list a channel's articles: r(ead) or u(nread), date, title"},
-    Command{u"show", 2, 2, u"", Needs::Store, runShow, u"show CHANNEL TITLE",
-            u"print an article and mark it read"},
-    Command{u"mark", 2, 3, u"", Needs::Store, runMark, u"mark CHANNEL read|unread [TITLE]",
+    Command{u"articles", 1, 1, u"order json header", Needs::Store, runArticles,
+            u"articles CHANNEL [--order date|status|unread] [--json|--header]",
+            u"list a channel's articles: r(ead) or u(nread), date, title, number (its place in "
+            "the order by date)"},
+    Command{u"search", 1, mostWords, u"unread category json header", Needs::Store, runSearch,
+            u"search WORD... [--unread] [--category NAME] [--json|--header]",
+            u"list the articles with all these words in title or text, in any case, the newest "
+            "first: r(ead) or u(nread), date, title, channel, number"},
+    Command{u"show", 2, 2, u"html link json", Needs::Store, runShow,
+            u"show CHANNEL ARTICLE [--html|--link|--json]",
+            u"print an article as text or as HTML, on a terminal in a pager, and mark it read; or "
+            "print its link, or all of it as JSON, and leave it as it is"},
+    Command{u"mark", 2, 3, u"", Needs::Store, runMark, u"mark CHANNEL read|unread [ARTICLE]",
             u"mark all articles of a channel, or one of them"},
-    Command{u"save", 4, 4, u"", Needs::Store, runSave, u"save CHANNEL TITLE link|article FILE",
+    Command{u"save", 4, 4, u"", Needs::Store, runSave, u"save CHANNEL ARTICLE link|article FILE",
             u"save an article, or its link alone, as a page of HTML"},
     Command{
         u"import", 2, 2, u"", Needs::Store, runImport, u"import FILE|URL|- CATEGORY",
@@ -79,20 +89,21 @@ constexpr std::array commands{
             u"request CATEGORY CHANNEL [--timeout SECONDS]",
             u"have the downloader refresh a channel, as the reader does (waits 60 seconds)"},
     Command{
-        u"auto", 1, 2, u"all category", Needs::Channels, runAuto,
-        u"auto list | add NAME|--all|--category CATEGORY | remove NAME | run",
+        u"auto", 1, 2, u"all category json header", Needs::Channels, runAuto,
+        u"auto list [--json|--header] | add NAME|--all|--category CATEGORY | remove NAME | run",
         u"the channels that are updated automatically; run: have the downloader update them now"},
-    Command{u"updates", 0, 0, u"", Needs::Channels, runUpdates, u"updates",
+    Command{u"updates", 0, 0, u"json header", Needs::Channels, runUpdates,
+            u"updates [--json|--header]",
             u"list channels: name, last success, last result, next automatic try, and which "
             "channel has the same feed"},
     Command{u"service", 1, 1, u"", Needs::Registry, runService,
             u"service status|start|stop|restart", u"the background downloader of the device"},
-    Command{u"setting", 0, 2, u"today", Needs::Registry, runSetting,
-            u"setting [NAME [VALUE]] [--today]",
+    Command{u"setting", 0, 2, u"today json header", Needs::Registry, runSetting,
+            u"setting [NAME [VALUE]] [--today] [--json|--header]",
             u"list the settings: name, value, meaning; or read or write one (--today: those of the "
             "Today item alone, which reads them at once)"},
     Command{
-        u"check", 0, 0, u"", Needs::Files, runCheck, u"check",
+        u"check", 0, 0, u"json header", Needs::Files, runCheck, u"check [--json|--header]",
         u"examine what is stored; a line for each fault, and for each feed that is there twice"},
 };
 
@@ -108,8 +119,13 @@ void printHelp() {
         "  -q, --quiet     print no lines but errors\n"
         "  -h, --help      print this, or what the command does\n"
         "  -V, --version   print the version\n\n"
+        "ARTICLE is a title, a guid, a number of the list, or a title's beginning that is the "
+        "only\n"
+        "one. Lists are fields with tabs between; --header puts the names of the columns above, "
+        "and\n"
+        "--json makes the list one JSON document.\n\n"
         "Of the commands' options these have a letter: -a (--all), -c (--category), -j (--jobs),\n"
-        "-n (--dry-run), -o (--order), -t (--timeout), -y (--yes).\n"
+        "-l (--link), -n (--dry-run), -o (--order), -t (--timeout), -u (--unread), -y (--yes).\n"
         "Names that begin with a dash go behind \"--\".\n"
         "Exit status: 0 done, 1 failed, 2 wrong usage."));
 }

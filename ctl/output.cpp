@@ -18,16 +18,18 @@ void write(std::FILE *stream, const QByteArray &bytes) {
 }
 void write(std::FILE *stream, const QString &text) { write(stream, text.toUtf8()); }
 
-bool isQuiet = false;
+bool hasBecomeQuiet = false;
 
 } // namespace
 
-void beQuiet() { isQuiet = true; }
+void beQuiet() { hasBecomeQuiet = true; }
+
+bool isQuiet() { return hasBecomeQuiet; }
 
 void printLine(const QString &line) { printFields({line}); }
 
 void printFields(const QStringList &fields) {
-    if (!isQuiet)
+    if (!isQuiet())
         printFault(fields);
 }
 
@@ -43,8 +45,12 @@ void printDocument(const QByteArray &document) { write(stdout, document); }
 QString printable(const QString &text) { return withoutHidden(text); }
 
 void printText(const QString &text) {
-    if (!isQuiet)
-        write(stdout, withoutHidden(text, u"\n\t") + u'\n');
+    if (!isQuiet())
+        write(stdout, printableText(text));
+}
+
+QByteArray printableText(const QString &text) {
+    return QString(withoutHidden(text, u"\n\t") + u'\n').toUtf8();
 }
 
 QString counts(int unread, int total) {
@@ -84,7 +90,7 @@ QString messageWithCode(quint32 code) {
     return QStringLiteral("%1 (%2)").arg(errorMessage(code)).arg(code);
 }
 
-ConsoleProgress::ConsoleProgress() : isTerminal_(!isQuiet && isatty(STDERR_FILENO) == 1) {}
+ConsoleProgress::ConsoleProgress() : isTerminal_(!isQuiet() && isatty(STDERR_FILENO) == 1) {}
 
 ConsoleProgress::~ConsoleProgress() { show({}); }
 

@@ -13,6 +13,7 @@ enum ExitCode { ExitDone = 0, ExitFailed = 1, ExitUsage = 2 };
 /// From now on no line of standard output is written but those of `printFault`, and no progress is
 /// shown.
 void beQuiet();
+bool isQuiet();
 
 /// Writes a line, or a line of tab-separated fields, to standard output as UTF-8. Control
 /// characters become blanks: no text of a feed breaks the lines or speaks to the terminal.
@@ -22,6 +23,8 @@ void printFields(const QStringList &fields);
 void printFault(const QStringList &fields);
 /// The same as `printLine` for a text of several lines, which may have line ends and tabs.
 void printText(const QString &text);
+/// The text as `printText` writes it, with the line end behind it.
+QByteArray printableText(const QString &text);
 /// Writes a document to standard output as it is.
 void printDocument(const QByteArray &document);
 /// A text as `printLine` shows it.

@@ -2,18 +2,32 @@
 #include "ctl/known_settings.h"
 #include "ctl/output.h"
 #include "ctl/shared_feeds.h"
+#include "ctl/table.h"
 #include "store/store_check.h"
 
 namespace tidebrook {
 
 namespace {
 
-int listSettings(CommandDevice &device, bool isTodayAlone) {
-    for (const KnownSetting &setting : knownSettings(isTodayAlone))
-        printFields({setting.name.toString(),
-                     storedValue(device, setting).value_or(QStringLiteral("not set")),
-                     setting.meaning.toString()});
-    return ExitDone;
+QJsonValue jsonValue(const std::optional<RegistryValue> &value) {
+    if (!value)
+        return {};
+    const quint32 *number = std::get_if<quint32>(&*value);
+    return number ? QJsonValue(qint64{*number}) : QJsonValue(std::get<QString>(*value));
+}
+
+int listSettings(CommandDevice &device, const Arguments &arguments) {
+    const QStringList columns{QStringLiteral("name"), QStringLiteral("value"),
+                              QStringLiteral("meaning")};
+    Table table(arguments, columns);
+    for (const KnownSetting &setting : knownSettings(arguments.has(u"today"))) {
+        const QString name = setting.name.toString();
+        const QString meaning = setting.meaning.toString();
+        const std::optional<RegistryValue> value = storedValue(device, setting);
+        table.add({name, value ? valueInWords(*value) : QStringLiteral("not set"), meaning},
+                  {{columns[0], name}, {columns[1], jsonValue(value)}, {columns[2], meaning}});
+    }
+    return table.end();
 }
 
 int failUnknown(const QString &name, bool isTodayAlone) {
@@ -25,15 +39,19 @@ int failUnknown(const QString &name, bool isTodayAlone) {
 }
 
 int printSetting(CommandDevice &device, const KnownSetting &setting) {
-    const std::optional<QString> value = storedValue(device, setting);
+    const std::optional<RegistryValue> value = storedValue(device, setting);
     if (!value)
         return fail(QStringLiteral("\"%1\" is not set").arg(setting.name));
-    printLine(*value);
+    printLine(valueInWords(*value));
     return ExitDone;
 }
 
+QJsonObject findingObject(const QString &kind, const QString &text) {
+    return {{QStringLiteral("kind"), kind}, {QStringLiteral("text"), text}};
+}
+
 // No fault: each feed may be there as often as the user wants.
-int reportSharedFeeds(CommandDevice &device) {
+int reportSharedFeeds(CommandDevice &device, Table &table) {
     QList<ChannelRecord> feeds;
     if (!device.openStore())
         return ExitFailed;
@@ -42,11 +60,13 @@ int reportSharedFeeds(CommandDevice &device) {
     const QHash<QString, QString> shared =
         sharedFeeds(feeds, UpdateStateStore(device.root).readAll());
     for (const ChannelRecord &feed : std::as_const(feeds)) {
-        if (shared.contains(feed.channelName))
-            printLine(QStringLiteral("note: channel \"%1\": %2")
-                          .arg(feed.channelName, shared.value(feed.channelName)));
+        if (!shared.contains(feed.channelName))
+            continue;
+        const QString text = QStringLiteral("channel \"%1\": %2")
+                                 .arg(feed.channelName, shared.value(feed.channelName));
+        table.add({u"note: " + text}, findingObject(QStringLiteral("note"), text));
     }
-    return ExitDone;
+    return table.end();
 }
 
 } // namespace
@@ -54,9 +74,11 @@ int reportSharedFeeds(CommandDevice &device) {
 int runSetting(CommandDevice &device, const Arguments &arguments) {
     if (!device.openRegistry())
         return ExitFailed;
-    const bool isTodayAlone = arguments.options.contains(QStringLiteral("today"));
+    const bool isTodayAlone = arguments.has(u"today");
     if (arguments.operands.isEmpty())
-        return listSettings(device, isTodayAlone);
+        return listSettings(device, arguments);
+    if (arguments.hasTableForm())
+        return failUsage(QStringLiteral("--json and --header go with the list of settings"));
     const QString name = arguments.operands[0];
     const std::optional<KnownSetting> setting = knownSetting(name, isTodayAlone);
     if (!setting)
@@ -72,11 +94,15 @@ int runSetting(CommandDevice &device, const Arguments &arguments) {
                : fail(QStringLiteral("the setting could not be stored"));
 }
 
-int runCheck(CommandDevice &device, const Arguments &) {
+int runCheck(CommandDevice &device, const Arguments &arguments) {
     const QStringList faults = checkStore(device.root, device.registry);
+    Table table(arguments, {QStringLiteral("finding")});
     for (const QString &fault : faults)
-        printFault({fault});
-    return faults.isEmpty() ? reportSharedFeeds(device) : ExitFailed;
+        table.addFault({fault}, findingObject(QStringLiteral("fault"), fault));
+    if (faults.isEmpty())
+        return reportSharedFeeds(device, table);
+    table.end();
+    return ExitFailed;
 }
 
 } // namespace tidebrook

@@ -1,3 +1,4 @@
+#include "ctl/article_operand.h"
 #include "ctl/commands.h"
 #include "ctl/output.h"
 #include "platform/base/plain_file.h"
@@ -5,7 +6,6 @@
 #include "share/article_sharing.h"
 #include "share/opml_reader.h"
 #include "share/opml_writer.h"
-#include "store/error_codes.h"
 
 #include <QFile>
 
@@ -105,13 +105,14 @@ int runSave(CommandDevice &device, const Arguments &arguments) {
     const QString path = arguments.operands[3];
     if (what != u"link" && what != u"article")
         return failUsage(QStringLiteral("what is saved is the \"link\" or the \"article\""));
-    if (!device.hasChannel(channel))
+    const auto article = wantedArticle(device, channel, arguments.operands[1]);
+    if (!article)
         return ExitFailed;
-    const QString title = listedTitle(device, channel, arguments.operands[1]);
+    ArticleExtract extract{article->publicationDate, {}, article->itemLink};
+    if (!device.store.ReadDescription(article->guid, extract.description))
+        return failStore(device);
     const SaveKind kind = what == u"link" ? SaveKind::Link : SaveKind::Article;
-    if (saveArticleHtml(device.store, channel, title, path, kind))
-        return ExitDone;
-    return device.store.error() == FileNotWritten ? failWriting(path) : failArticle(device, title);
+    return saveArticleHtml(article->title, extract, path, kind) ? ExitDone : failWriting(path);
 }
 
 } // namespace tidebrook

@@ -209,9 +209,9 @@ compareWithFiles() {
 readArticle() {
     local channel=${nameOf[harbour_courier.xml]} title
     chapter "Reading"
-    explain "The articles of a channel: unread (u) or read (r), date, and title:"
+    explain "The articles of a channel: unread (u) or read (r), date, title, and number:"
     try 0 articles "$channel"
-    title=$(head -n 1 <<<"$output" | cut -f3-)
+    title=$(head -n 1 <<<"$output" | cut -f3)
     explain "" "One of them in full, with its date, its link and its text:"
     try 0 show "$channel" "$title"
     if [[ $(grep -c . <<<"$output") -lt 3 ]]; then
@@ -219,7 +219,7 @@ readArticle() {
     fi
     explain "" "Showing it has marked it as read:"
     try 0 articles "$channel"
-    if [[ $(grep '^r' <<<"$output" | cut -f3-) != "$title" ||
+    if [[ $(grep '^r' <<<"$output" | cut -f3) != "$title" ||
         $(countLines "$output" r) != 1 ]]; then
         fail "that article, and no other, must be marked as read."
     fi

@@ -46,13 +46,18 @@ bool saveArticleHtml(FeedStore &store, const QString &channel, const QString &ti
     ArticleExtract article;
     if (!store.GetArticleExtract(channel, title, article))
         return false;
-    QByteArray page =
-        kind == SaveKind::Link ? linkPage(title, article) : articlePage(title, article);
-    page.resize(pageSize, '\0');
-    if (replaceFile(path, page, Readers::Usual))
+    if (saveArticleHtml(title, article, path, kind))
         return true;
     store.recordError(FileNotWritten);
     return false;
+}
+
+bool saveArticleHtml(const QString &title, const ArticleExtract &article, const QString &path,
+                     SaveKind kind) {
+    QByteArray page =
+        kind == SaveKind::Link ? linkPage(title, article) : articlePage(title, article);
+    page.resize(pageSize, '\0');
+    return replaceFile(path, page, Readers::Usual);
 }
 
 bool sendArticleLink(FeedStore &store, const QString &channel, const QString &title,

@@ -16,6 +16,11 @@ enum class SendKind : quint8 { Sms = 15, Email = 16 };
 bool saveArticleHtml(FeedStore &store, const QString &channel, const QString &title,
                      const QString &path, SaveKind kind);
 
+/// The same for an article that has been read from the store; false when the file cannot be
+/// written.
+bool saveArticleHtml(const QString &title, const ArticleExtract &article, const QString &path,
+                     SaveKind kind);
+
 /// Opens the desktop's composer with an article's link. False when there is no such article, or no
 /// composer.
 bool sendArticleLink(FeedStore &store, const QString &channel, const QString &title, SendKind kind);

@@ -33,32 +33,25 @@ bool isIn(FeedStore &store, const QString &category, const QString &channel) {
 }
 
 // Nothing when a part of it cannot be read.
-std::optional<QList<ChannelRecord>> channelsOf(FeedStore &store, const QString &category,
+std::optional<QList<ListedChannel>> channelsOf(FeedStore &store, const QString &category,
                                                const QString &channel) {
     const auto guard = store.lock(); // not while the file is written
-    QList<ChannelRow> rows{{channel}};
-    const bool isListed = channel.isNull() ? store.ListChannels(escapedCategory(category), rows)
-                                           : isIn(store, category, channel);
-    if (!isListed)
-        return std::nullopt;
-    QList<ChannelRecord> channels;
-    for (const ChannelRow &row : std::as_const(rows)) {
-        QString link;
-        if (!store.GetChannelLink(category, row.name, link))
-            return std::nullopt;
-        channels.append({category, row.name, link});
-    }
-    return channels;
+    QList<ListedChannel> channels{{channel, category, {}}};
+    const bool isRead = channel.isNull()
+                            ? store.ListWholeCategory(category, channels)
+                            : isIn(store, category, channel) &&
+                                  store.GetChannelLink(category, channel, channels[0].link);
+    return isRead ? std::optional(channels) : std::nullopt;
 }
 
-void writeOutline(QXmlStreamWriter &writer, const ChannelRecord &channel) {
+void writeOutline(QXmlStreamWriter &writer, const ListedChannel &channel) {
     writer.writeEmptyElement(QStringLiteral("outline"));
-    writer.writeAttribute(QStringLiteral("text"), xmlText(channel.channelName));
+    writer.writeAttribute(QStringLiteral("text"), xmlText(channel.name));
     writer.writeAttribute(QStringLiteral("type"), QStringLiteral("link"));
-    writer.writeAttribute(QStringLiteral("url"), xmlText(channel.channelLink));
+    writer.writeAttribute(QStringLiteral("url"), xmlText(channel.link));
 }
 
-QByteArray documentOf(const QString &category, const QList<ChannelRecord> &channels) {
+QByteArray documentOf(const QString &category, const QList<ListedChannel> &channels) {
     QByteArray document;
     QXmlStreamWriter writer(&document);
     writer.setAutoFormatting(true);
@@ -71,7 +64,7 @@ QByteArray documentOf(const QString &category, const QList<ChannelRecord> &chann
     writer.writeStartElement(QStringLiteral("body"));
     writer.writeStartElement(QStringLiteral("outline"));
     writer.writeAttribute(QStringLiteral("text"), xmlText(category));
-    for (const ChannelRecord &channel : channels)
+    for (const ListedChannel &channel : channels)
         writeOutline(writer, channel);
     writer.writeEndDocument();
     return document;
@@ -81,7 +74,7 @@ QByteArray documentOf(const QString &category, const QList<ChannelRecord> &chann
 
 std::optional<QByteArray> opmlOf(FeedStore &store, const QString &category,
                                  const QString &channel) {
-    const std::optional<QList<ChannelRecord>> channels = channelsOf(store, category, channel);
+    const std::optional<QList<ListedChannel>> channels = channelsOf(store, category, channel);
     return channels ? std::optional(documentOf(category, *channels)) : std::nullopt;
 }
 

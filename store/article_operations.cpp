@@ -4,6 +4,9 @@ namespace tidebrook {
 
 namespace {
 
+// No stored guid has a quote, and another's would end the literal.
+bool isStorableGuid(const QString &guid) { return !guid.contains(u'\''); }
+
 QStringView orderOf(SortMode mode) {
     switch (mode) {
     case SortMode::Status:
@@ -16,6 +19,28 @@ QStringView orderOf(SortMode mode) {
     return u" ORDER BY PUBDATE DESC";
 }
 
+// Rows of ids and numbers alone: what else an article has would take long to sort.
+QString chosenStatement(const ArticleChoice &choice) {
+    const QString numbered =
+        QStringLiteral("SELECT ID, NUMBER FROM (SELECT RSSRecord.rowid AS ID, PUBDATE, TIMESTAMP, "
+                       "READ_UNREAD, %1 AS PLACE, row_number() OVER (PARTITION BY "
+                       "RSSRecord.CHANNEL_NAME ORDER BY PUBDATE DESC, TIMESTAMP DESC, "
+                       "RSSRecord.rowid) AS NUMBER FROM RSSRecord ");
+    QString statement;
+    if (choice.channel.isNull())
+        statement = numbered.arg(u"RSSCHRecord.CATEGORY") +
+                    QStringLiteral("JOIN RSSCHRecord ON RSSCHRecord.CHANNEL_NAME = "
+                                   "RSSRecord.CHANNEL_NAME)");
+    else
+        statement =
+            numbered.arg(u"CATEGORY") +
+            QStringLiteral("WHERE CHANNEL_NAME = '%1')").arg(escapedChannelName(choice.channel));
+    statement += QStringLiteral(" WHERE NUMBER > 0");
+    if (!choice.category.isNull())
+        statement += QStringLiteral(" and PLACE = '%1'").arg(escapedCategory(choice.category));
+    return statement + orderOf(choice.order);
+}
+
 } // namespace
 
 bool FeedStore::ListArticles(const QString &channel, SortMode mode, QList<ArticleRow> &articles) {
@@ -26,6 +51,27 @@ bool FeedStore::ListArticles(const QString &channel, SortMode mode, QList<Articl
                 .arg(escapedChannelName(channel)) +
             orderOf(mode),
         articles);
+}
+
+bool FeedStore::VisitArticles(const ArticleChoice &choice,
+                              const std::function<bool(const ListedArticle &)> &visit) {
+    const auto guard = lock();
+    bool isRead = true;
+    const auto take = [&](const SqliteStatement &row) {
+        ListedArticle article;
+        isRead = ReadListedArticle(row.integer(0), choice.withDescription, article);
+        article.number = row.integer(1);
+        return isRead && visit(article);
+    };
+    return readRows(chosenStatement(choice), take, "TIMESTAMP DESC, ID") && isRead;
+}
+
+bool FeedStore::ReadDescription(const QString &guid, QString &description) {
+    const auto guard = lock();
+    description.clear();
+    return !isStorableGuid(guid) ||
+           ReadText(QStringLiteral("SELECT DESCRIPTION FROM RSSRecord WHERE GUID='%1'").arg(guid),
+                    description);
 }
 
 bool FeedStore::GetArticleDetail(const QString &channel, const QString &title,
@@ -61,20 +107,21 @@ bool FeedStore::selectArticle(const QString &escapedChannel, const QString &esca
 
 bool FeedStore::MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle) {
     const auto guard = lock();
-    return setReadFlag(escapedChannel, escapedTitle, true);
+    return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = 1 WHERE "
+                                          "CHANNEL_NAME='%1' and TITLE='%2'")
+                               .arg(escapedChannel, escapedTitle));
 }
 
-bool FeedStore::setReadFlag(const QString &escapedChannel, const QString &escapedTitle,
-                            bool isRead) {
-    return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = %1 WHERE "
-                                          "CHANNEL_NAME='%2' and TITLE='%3'")
-                               .arg(QString::number(isRead), escapedChannel, escapedTitle));
-}
-
-bool FeedStore::MarkArticle(const QString &channel, const QString &title, bool isRead) {
+bool FeedStore::MarkArticle(const QString &channel, const QString &guid, bool isRead) {
+    if (!isStorableGuid(guid))
+        return true;
     const QString name = escapedChannelName(channel);
-    return changeWhole(
-        [&] { return setReadFlag(name, escapedTitle(title), isRead) && RecountChannel(name); });
+    return changeWhole([&] {
+        return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = %1 WHERE "
+                                              "CHANNEL_NAME='%2' and GUID='%3'")
+                                   .arg(QString::number(isRead), name, guid)) &&
+               RecountChannel(name);
+    });
 }
 
 bool FeedStore::MarkChannelRead(const QString &channel) { return markChannel(channel, 1); }

@@ -66,6 +66,23 @@ bool FeedStore::ListChannelsByName(const QString &category, QList<ChannelRow> &c
     return isListed;
 }
 
+bool FeedStore::ListWholeCategory(const QString &category, QList<ListedChannel> &channels) {
+    const auto guard = lock();
+    channels.clear();
+    return readRows(
+        QStringLiteral("SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS, CHANNEL_LINK "
+                       "FROM RSSCHRecord WHERE CATEGORY = '%1'")
+            .arg(escapedCategory(category)),
+        [&](const SqliteStatement &row) {
+            const auto text = [&](int column, qsizetype capacity) {
+                return TrimTrailingBlanks(cutText(row.text(column), capacity)).toString();
+            };
+            channels.append({text(0, channelNameCapacity), category, text(3, linkCapacity),
+                             static_cast<int>(row.integer(1)), static_cast<int>(row.integer(2))});
+            return true;
+        });
+}
+
 bool FeedStore::ListFeeds(QList<ChannelRecord> &feeds) {
     const auto guard = lock();
     feeds.clear();
@@ -103,11 +120,10 @@ bool FeedStore::ListChannelCategories(QStringList &categories) {
 bool FeedStore::GetChannelLink(const QString &category, const QString &name, QString &link) {
     const auto guard = lock();
     link.clear();
-    return ReadChannelLink(
-        QStringLiteral("SELECT CHANNEL_LINK FROM RSSCHRecord WHERE CATEGORY = '%1' and "
-                       "CHANNEL_NAME='%2'")
-            .arg(escapedCategory(category), escapedChannelName(name)),
-        link);
+    return ReadText(QStringLiteral("SELECT CHANNEL_LINK FROM RSSCHRecord WHERE CATEGORY = '%1' and "
+                                   "CHANNEL_NAME='%2'")
+                        .arg(escapedCategory(category), escapedChannelName(name)),
+                    link);
 }
 
 bool FeedStore::SetChannelLink(const QString &name, const QString &link) {

@@ -19,13 +19,6 @@
 
 namespace tidebrook {
 
-/// The orders of an article list.
-enum class SortMode {
-    Date = 12,       ///< newest first
-    Status = 13,     ///< unread first, each group newest first
-    UnreadOnly = 14, ///< only unread ones, newest first
-};
-
 /// The one database of the system, and the only way to it: every channel and article is read and
 /// changed here. `docs/formats.md` describes the file.
 ///
@@ -74,6 +67,8 @@ public:
     bool ListChannels(const QString &escapedCategory, QList<ChannelRow> &channels);
     /// The same in the order of `sortByName`, for people; `category` is not escaped.
     bool ListChannelsByName(const QString &category, QList<ChannelRow> &channels);
+    /// The channels of a category, any number of them, in the order of the database.
+    bool ListWholeCategory(const QString &category, QList<ListedChannel> &channels);
     /// Every channel of every category, with its address: any number of them.
     bool ListFeeds(QList<ChannelRecord> &feeds);
     /// The category that a channel is in; null when there is no such channel.
@@ -110,9 +105,16 @@ public:
     /// Reads an article and leaves it as it is. False when there is no such article.
     bool GetArticleExtract(const QString &channel, const QString &title, ArticleExtract &extract);
     bool MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle);
+    /// Calls `visit` with each chosen article, any number of them, of which one at a time is in
+    /// memory, until it returns false. Holds the store's lock meanwhile; `visit` may read, but
+    /// not change the store. False when the articles could not be read to the end.
+    bool VisitArticles(const ArticleChoice &choice,
+                       const std::function<bool(const ListedArticle &)> &visit);
+    /// The description of an article, as the feed sent it; empty when there is no such article.
+    bool ReadDescription(const QString &guid, QString &description);
     /// Marks an article and recounts its channel: both or neither. True also when there is no such
     /// article.
-    bool MarkArticle(const QString &channel, const QString &title, bool isRead);
+    bool MarkArticle(const QString &channel, const QString &guid, bool isRead);
     bool MarkChannelRead(const QString &channel);
     bool MarkChannelUnread(const QString &channel);
     bool CountReadFlags(const QString &category, const QString &channel, ReadFlagCounts &counts);
@@ -138,7 +140,6 @@ private:
     bool changeAndReopen(const std::function<bool()> &work);
     bool insertChannel(SqlCommand &command, const ChannelRecord &record, QString *storedName);
     bool setInBothTables(QStringView column, const QString &escaped, const QString &channel);
-    bool setReadFlag(const QString &escapedChannel, const QString &escapedTitle, bool isRead);
     bool markChannel(const QString &channel, int readFlag);
 
     bool readRows(const QString &statement,
@@ -146,10 +147,11 @@ private:
                   const QByteArray &orderOfEquals = {});
     bool ReadChannelRows(const QString &statement, QList<ChannelRow> &channels);
     bool ReadArticleRows(const QString &statement, QList<ArticleRow> &articles);
+    bool ReadListedArticle(qint64 id, bool withDescription, ListedArticle &article);
     bool ReadArticleDetail(const QString &statement, std::optional<ArticleExtract> &article);
     bool selectArticle(const QString &escapedChannel, const QString &escapedTitle,
                        std::optional<ArticleExtract> &article);
-    bool ReadChannelLink(const QString &statement, QString &link);
+    bool ReadText(const QString &statement, QString &text);
     bool CountRows(const QString &statement, int &count);
     bool SumUnread(const QString &statement, qint64 &sum);
     bool CountReadFlags(const QString &statement, ReadFlagCounts &counts);

@@ -145,6 +145,27 @@ bool FeedStore::ReadArticleRows(const QString &statement, QList<ArticleRow> &art
     return isRead;
 }
 
+// An article of a row that was found in the same query cannot be gone.
+bool FeedStore::ReadListedArticle(qint64 id, bool withDescription, ListedArticle &article) {
+    SqliteStatement row = session_->prepare(
+        "SELECT a.GUID, a.TITLE, a.CHANNEL_NAME, c.CATEGORY, a.PUBDATE, a.ITEM_LINK, "
+        "a.READ_UNREAD, a.DESCRIPTION FROM RSSRecord a LEFT JOIN RSSCHRecord c ON "
+        "c.CHANNEL_NAME = a.CHANNEL_NAME WHERE a.rowid = ?",
+        {id});
+    if (!row.next())
+        return false;
+    // Guids are stored whole, also longer ones than the column is declared for.
+    article = {TrimTrailingBlanks(row.text(0)).toString(),
+               columnText(row, 1),
+               columnText(row, 2),
+               columnText(row, 3),
+               columnText(row, 4),
+               columnText(row, 5),
+               withDescription ? columnText(row, 7) : QString(),
+               (row.integer(6) & 1) == 1};
+    return true;
+}
+
 bool FeedStore::ReadArticleDetail(const QString &statement,
                                   std::optional<ArticleExtract> &article) {
     return readRows(statement, [&](const SqliteStatement &row) {
@@ -153,9 +174,9 @@ bool FeedStore::ReadArticleDetail(const QString &statement,
     });
 }
 
-bool FeedStore::ReadChannelLink(const QString &statement, QString &link) {
+bool FeedStore::ReadText(const QString &statement, QString &text) {
     return readRows(statement, [&](const SqliteStatement &row) {
-        link = columnText(row, 0);
+        text = columnText(row, 0);
         return false;
     });
 }

@@ -81,7 +81,7 @@ protected:
     /// Whether an article is marked read.
     bool isRead(const QString &title) {
         return ok(u"articles A"_s)
-            .contains(QRegularExpression(u"^r\t.*\t%1$"_s.arg(title),
+            .contains(QRegularExpression(u"^r\t.*\t%1\t"_s.arg(title),
                                          QRegularExpression::MultilineOption));
     }
 
