@@ -30,6 +30,11 @@ QList<QCommandLineOption> commandOptions() {
             option(QLatin1String("link l"))};
 }
 
+QList<QCommandLineOption> generalOptions() {
+    return {option(QLatin1String("help h")), option(QLatin1String("version V")),
+            option(QLatin1String("quiet q")), option(QLatin1String("home"), QStringLiteral("DIR"))};
+}
+
 void takeOptions(const QCommandLineParser &parser, Arguments &arguments) {
     for (const QCommandLineOption &option : commandOptions()) {
         if (parser.isSet(option))
@@ -44,12 +49,9 @@ void takeOptions(const QCommandLineParser &parser, Arguments &arguments) {
 } // namespace
 
 std::optional<Arguments> parseArguments(const QStringList &commandLine, QString *error) {
-    const QCommandLineOption help = option(QLatin1String("help h"));
-    const QCommandLineOption version = option(QLatin1String("version V"));
-    const QCommandLineOption quiet = option(QLatin1String("quiet q"));
-    const QCommandLineOption home = option(QLatin1String("home"), QStringLiteral("DIR"));
+    const QString home = QStringLiteral("home");
     QCommandLineParser parser;
-    parser.addOptions(QList{help, version, quiet, home} + commandOptions());
+    parser.addOptions(generalOptions() + commandOptions());
     if (!parser.parse(commandLine)) {
         *error = parser.errorText();
         return std::nullopt;
@@ -69,10 +71,29 @@ std::optional<Arguments> parseArguments(const QStringList &commandLine, QString 
         *error = QStringLiteral("--json goes without --header");
         return std::nullopt;
     }
-    arguments.isQuiet = parser.isSet(quiet);
-    arguments.wantsHelp = parser.isSet(help);
-    arguments.wantsVersion = parser.isSet(version);
+    arguments.isQuiet = parser.isSet(QStringLiteral("quiet"));
+    arguments.wantsHelp = parser.isSet(QStringLiteral("help"));
+    arguments.wantsVersion = parser.isSet(QStringLiteral("version"));
     return arguments;
+}
+
+QStringList optionsOfAllCommands() {
+    QStringList names;
+    for (const QCommandLineOption &option : generalOptions())
+        names.append(option.names().first());
+    return names;
+}
+
+QString optionBeforeValue(const QString &word) {
+    const qsizetype dashes = word.startsWith(QLatin1String("--")) ? 2 : 1;
+    for (const QCommandLineOption &option : generalOptions() + commandOptions()) {
+        for (const QString &name : option.names()) {
+            const bool isGiven = word == QString(dashes, u'-') + name;
+            if (isGiven && (name.size() == 1) == (dashes == 1) && !option.valueName().isEmpty())
+                return option.names().first();
+        }
+    }
+    return {};
 }
 
 } // namespace tidebrook

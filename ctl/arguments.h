@@ -30,4 +30,9 @@ struct Arguments {
 /// Takes a command line apart. Nothing, with `error` telling why, when it has an unknown option.
 std::optional<Arguments> parseArguments(const QStringList &commandLine, QString *error);
 
+/// The long names, without dashes, of the options that every command takes.
+QStringList optionsOfAllCommands();
+/// The long name of the option that a word is, if the next word is its value; else empty.
+QString optionBeforeValue(const QString &word);
+
 } // namespace tidebrook

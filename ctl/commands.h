@@ -36,6 +36,9 @@ int runUpdates(CommandDevice &device, const Arguments &arguments);
 int runSetting(CommandDevice &device, const Arguments &arguments);
 int runCheck(CommandDevice &device, const Arguments &arguments);
 
+/// Reports how one of the commands is used.
+int failUse(const QString &command);
+
 /// A category's name: as it is listed, else as it would be stored. Empty, and the failure is
 /// reported, when nothing is left of it.
 QString wantedCategory(CommandDevice &device, const QString &name);

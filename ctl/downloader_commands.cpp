@@ -205,8 +205,7 @@ int runAuto(CommandDevice &device, const Arguments &arguments) {
         return removeAutomatic(device, name);
     if (action == u"run" && name.isNull() && options.isEmpty())
         return runAutomatic(device);
-    return failUsage(QStringLiteral("usage: tidebrookctl auto list [--json|--header] | add "
-                                    "NAME|--all|--category CATEGORY | remove NAME | run"));
+    return failUse(arguments.command);
 }
 
 int runService(CommandDevice &device, const Arguments &arguments) {

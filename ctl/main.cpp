@@ -1,5 +1,8 @@
 #include "ctl/commands.h"
+#include "ctl/completion.h"
 #include "ctl/output.h"
+
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <array>
@@ -10,7 +13,7 @@ namespace {
 
 /// What a command needs before it runs: the lock of the channels (Files, Channels), and the
 /// store open (Store, Channels).
-enum class Needs { Root, Registry, Files, Store, Channels };
+enum class Needs { Nothing, Root, Registry, Files, Store, Channels };
 
 constexpr qsizetype mostWords = 1000;
 
@@ -26,7 +29,7 @@ struct Command {
 };
 
 constexpr std::array commands{
-    Command{u"help", 0, 1, u"", Needs::Root, nullptr, u"help [COMMAND]",
+    Command{u"help", 0, 1, u"", Needs::Nothing, nullptr, u"help [COMMAND]",
             u"print this, or what one command does"},
     Command{u"init", 0, 0, u"", Needs::Root, nullptr, u"init",
             u"make the device where nothing or an empty folder is, and what it lacks; says which"},
@@ -35,10 +38,10 @@ constexpr std::array commands{
     Command{u"add-category", 1, 1, u"", Needs::Channels, runAddCategory, u"add-category NAME",
             u"add a category"},
     Command{u"rename-category", 2, 2, u"", Needs::Channels, runRenameCategory,
-            u"rename-category OLD NEW", u"rename a category; its channels go with it"},
+            u"rename-category CATEGORY NAME", u"rename a category; its channels go with it"},
     Command{
         u"delete-category", 1, 1, u"dry-run yes", Needs::Channels, runDeleteCategory,
-        u"delete-category NAME [--dry-run] [--yes]",
+        u"delete-category CATEGORY [--dry-run] [--yes]",
         u"delete a category, its channels and their articles, and say how many; on a terminal it "
         "asks before, unless --yes; --dry-run: only say how many"},
     Command{u"channels", 0, 1, u"json header", Needs::Channels, runChannels,
@@ -48,20 +51,20 @@ constexpr std::array commands{
         u"add", 3, 3, u"create", Needs::Channels, runAdd, u"add CATEGORY NAME URL [--create]",
         u"subscribe to a feed, and make its category where it is missing (--create); prints the "
         "name that was stored"},
-    Command{u"rename", 2, 2, u"", Needs::Channels, runRename, u"rename OLD NEW",
+    Command{u"rename", 2, 2, u"", Needs::Channels, runRename, u"rename CHANNEL NAME",
             u"rename a channel"},
-    Command{u"move", 2, 2, u"", Needs::Channels, runMove, u"move NAME CATEGORY",
+    Command{u"move", 2, 2, u"", Needs::Channels, runMove, u"move CHANNEL CATEGORY",
             u"move a channel to another category"},
-    Command{u"relink", 2, 2, u"", Needs::Channels, runRelink, u"relink NAME URL",
+    Command{u"relink", 2, 2, u"", Needs::Channels, runRelink, u"relink CHANNEL URL",
             u"give a channel another address"},
-    Command{u"delete", 1, 1, u"", Needs::Channels, runDelete, u"delete NAME",
+    Command{u"delete", 1, 1, u"", Needs::Channels, runDelete, u"delete CHANNEL",
             u"delete a channel and its articles"},
     Command{u"articles", 1, 1, u"order json header", Needs::Store, runArticles,
             u"articles CHANNEL [--order date|status|unread] [--json|--header]",
             u"list a channel's articles: r(ead) or u(nread), date, title, number (its place in "
             "the order by date)"},
     Command{u"search", 1, mostWords, u"unread category json header", Needs::Store, runSearch,
-            u"search WORD... [--unread] [--category NAME] [--json|--header]",
+            u"search WORD... [--unread] [--category CATEGORY] [--json|--header]",
             u"list the articles with all these words in title or text, in any case, the newest "
             "first: r(ead) or u(nread), date, title, channel, number"},
     Command{u"show", 2, 2, u"html link json", Needs::Store, runShow,
@@ -90,7 +93,8 @@ constexpr std::array commands{
             u"have the downloader refresh a channel, as the reader does (waits 60 seconds)"},
     Command{
         u"auto", 1, 2, u"all category json header", Needs::Channels, runAuto,
-        u"auto list [--json|--header] | add NAME|--all|--category CATEGORY | remove NAME | run",
+        u"auto list [--json|--header] | add CHANNEL|--all|--category CATEGORY | remove CHANNEL | "
+        "run",
         u"the channels that are updated automatically; run: have the downloader update them now"},
     Command{u"updates", 0, 0, u"json header", Needs::Channels, runUpdates,
             u"updates [--json|--header]",
@@ -99,12 +103,16 @@ constexpr std::array commands{
     Command{u"service", 1, 1, u"", Needs::Registry, runService,
             u"service status|start|stop|restart", u"the background downloader of the device"},
     Command{u"setting", 0, 2, u"today json header", Needs::Registry, runSetting,
-            u"setting [NAME [VALUE]] [--today] [--json|--header]",
+            u"setting [SETTING [VALUE]] [--today] [--json|--header]",
             u"list the settings: name, value, meaning; or read or write one (--today: those of the "
             "Today item alone, which reads them at once)"},
     Command{
         u"check", 0, 0, u"json header", Needs::Files, runCheck, u"check [--json|--header]",
         u"examine what is stored; a line for each fault, and for each feed that is there twice"},
+    Command{u"complete", 0, mostWords, u"", Needs::Nothing, nullptr,
+            u"complete -- [WORD]...",
+            u"print what the last of the words may be, with its meaning: for the completion of "
+            "shells"},
 };
 
 void printHelp() {
@@ -141,10 +149,6 @@ int failUnknown(const QString &name) {
                                     : QStringLiteral("there is no command \"%1\"").arg(name));
 }
 
-int failUse(const Command &command) {
-    return failUsage(QStringLiteral("usage: tidebrookctl %1").arg(QStringView(command.usage)));
-}
-
 int help(const QString &name) {
     if (name.isEmpty()) {
         printHelp();
@@ -155,6 +159,21 @@ int help(const QString &name) {
         return failUnknown(name);
     printText(QStringLiteral("Usage: tidebrookctl %1\n\n  %2")
                   .arg(QStringView(command->usage), QStringView(command->help)));
+    return ExitDone;
+}
+
+// What a shell offers in the place of the last word.
+int complete(const QStringList &words) {
+    QList<CommandSyntax> known;
+    for (const Command &command : commands) {
+        const QString about = QStringView(command.help).toString();
+        known.append(
+            {command.name.toString(), QStringView(command.usage).toString(),
+             command.options.toString().split(u' ', Qt::SkipEmptyParts),
+             about.first(about.indexOf(QRegularExpression(QStringLiteral("[:;(]|$")))).trimmed()});
+    }
+    for (const Completion &each : completionsOf(known, words))
+        printFields({each.text, each.about});
     return ExitDone;
 }
 
@@ -201,15 +220,22 @@ int run(const QStringList &commandLine) {
     if (!command)
         return failUnknown(arguments->command);
     if (!isUsedRight(*command, *arguments))
-        return failUse(*command);
+        return failUse(arguments->command);
     if (command->name == u"help")
         return help(arguments->operands.value(0));
+    if (command->name == u"complete")
+        return complete(arguments->operands);
     if (arguments->isQuiet)
         beQuiet();
     return runCommand(*command, *arguments);
 }
 
 } // namespace
+
+int failUse(const QString &command) {
+    return failUsage(
+        QStringLiteral("usage: tidebrookctl %1").arg(QStringView(commandOf(command)->usage)));
+}
 
 } // namespace tidebrook
 

@@ -126,10 +126,10 @@ TEST_F(CommandTest, WrongCallsSayWhyAndChangeNothing) {
 TEST_F(CommandTest, HelpIsOfTheCommandAndQuietLeavesTheErrorsAlone) {
     ok(u"add --create C one http://127.0.0.1:1/"_s);
     const QString help = ok(u"help relink"_s);
-    EXPECT_TRUE(help.startsWith(u"Usage: tidebrookctl relink NAME URL\n"));
+    EXPECT_TRUE(help.startsWith(u"Usage: tidebrookctl relink CHANNEL URL\n"));
     EXPECT_FALSE(help.contains(u"rename"));
     EXPECT_EQ(ok(u"relink -h"_s), help);
-    EXPECT_TRUE(ok(u"help"_s).contains(u"rename OLD NEW"));
+    EXPECT_TRUE(ok(u"help"_s).contains(u"rename CHANNEL NAME"));
     EXPECT_EQ(ok(u"-V"_s), ok(u"--version"_s));
     for (const QString &call : {u"-q channels"_s, u"init --quiet"_s})
         EXPECT_EQ(ok(call), u"") << qPrintable(call);
