@@ -10,6 +10,8 @@ buildPackages=(
     libgtest-dev dbus-daemon ca-certificates
 )
 # shellcheck disable=SC2034
+testPackages=(zsh fish)
+# shellcheck disable=SC2034
 benchPackages=(libxml2-dev valgrind)
 # shellcheck disable=SC2034
 checkPackages=(clang clang-format clang-tidy)
