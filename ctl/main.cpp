@@ -109,8 +109,7 @@ constexpr std::array commands{
     Command{
         u"check", 0, 0, u"json header", Needs::Files, runCheck, u"check [--json|--header]",
         u"examine what is stored; a line for each fault, and for each feed that is there twice"},
-    Command{u"complete", 0, mostWords, u"", Needs::Nothing, nullptr,
-            u"complete -- [WORD]...",
+    Command{u"complete", 0, mostWords, u"", Needs::Nothing, nullptr, u"complete -- [WORD]...",
             u"print what the last of the words may be, with its meaning: for the completion of "
             "shells"},
 };

@@ -10,7 +10,7 @@ namespace tidebrook {
 namespace {
 
 // In small letters, since the wizard of the reader stores addresses in these.
-QString comparable(const QString &link) {
+QString comparableAddress(const QString &link) {
     QUrl url(link.contains(QLatin1String("://")) ? link : u"http://" + link);
     if (!url.isValid())
         return link;
@@ -41,7 +41,7 @@ QHash<QString, QString> sharedFeeds(const QList<ChannelRecord> &feeds,
     QHash<QString, QStringList> names; // of the channels, by their addresses
     QHash<QString, QString> addresses; // by their names
     for (const ChannelRecord &feed : feeds) {
-        const QString address = comparable(feed.channelLink);
+        const QString address = comparableAddress(feed.channelLink);
         names[address].append(feed.channelName);
         addresses.insert(feed.channelName, address);
     }

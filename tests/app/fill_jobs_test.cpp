@@ -81,7 +81,7 @@ private:
     void end(HeldFill &fill) {
         const int before = running;
         fill.end.release();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return running < before; }, patience));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return running < before; }, patienceLimit));
     }
 
     QObject screen_;
@@ -175,7 +175,7 @@ TEST(FillJobsTest, NothingIsLaunchedStoppedOrBalancedWhileAnotherProcessHasTheMu
         screens.play("L"); // refused, for a stop that cannot be balanced yet
         EXPECT_EQ(screens.seen, "");
     }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screens.seen == "A"; }, patienceLimit));
     EXPECT_EQ(screens.fills.fillStop(), 0);
 }
 

@@ -63,7 +63,7 @@ public:
     /// Its exit status; -1 when it crashed or went on.
     int end(int number = 0) {
         signal(number);
-        const bool isEnded = process_.waitForFinished(patience);
+        const bool isEnded = process_.waitForFinished(patienceLimit);
         return isEnded && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
     }
     QString answer() { return QString::fromLocal8Bit(process_.readAllStandardOutput()); }
@@ -106,12 +106,12 @@ protected:
                 return holder() == reader.id() && reader.heedsSignals() && hasDatabase() &&
                        runningService(root_);
             },
-            patience));
+            patienceLimit));
     }
 
     void expectRequest() const {
         NamedEvent request(root_, u"FEEDLARK", NamedEvent::Reset::Manual);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return request.test(); }, patience));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return request.test(); }, patienceLimit));
     }
 
     /// Name, time and content of every file that holds data.

@@ -35,7 +35,7 @@ TEST(TasksTest, SerialOnesAreAllDoneInOrderAndToldToWhoIsStillThere) {
     gone.reset();
     for (const int number : expected)
         ASSERT_TRUE(ask(screen, number));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == expected.size(); }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.size() == expected.size(); }, patienceLimit));
     EXPECT_EQ(told, expected);
     ASSERT_TRUE(ask(screen, 100));
     queue.finish();
@@ -65,7 +65,7 @@ TEST(TasksTest, ConcurrentOnesAreToldUnlessTheyAreCalledOffOrNobodyIsThere) {
     ASSERT_TRUE(tasks.run(gone.get(), answer, tell));
     gone.reset();
     ASSERT_TRUE(tasks.run(&receiver, answer, tell));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return running == 0; }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return running == 0; }, patienceLimit));
     EXPECT_EQ(told, QList<int>{3});
 
     std::atomic<int> ended = 0;

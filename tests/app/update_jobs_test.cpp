@@ -155,7 +155,7 @@ TEST_F(UpdateJobsTest, WhatComesOfAnUpdateIsTold) {
             act(jobs_.isUpdating() ? downloader.last() : '\0');
             return !jobs_.isUpdating();
         };
-        ASSERT_TRUE(QTest::qWaitFor(isOver, patience));
+        ASSERT_TRUE(QTest::qWaitFor(isOver, patienceLimit));
         EXPECT_EQ(seen_, expected.seen);
         EXPECT_EQ(parts_.settings.dword(programKey, u"ERRORNO"), expected.errorCode);
         EXPECT_EQ(downloader.requested(), expected.requested);

@@ -36,7 +36,8 @@ TEST_F(CommandTest, AReaderSubscribesRefreshesAndReads) {
     environment_.insert(u"TIDEBROOK_PAUSES"_s, u"20"_s); // percent
     EXPECT_EQ(ok(u"update --pauses"_s), u"ok\t0\t2/2\tBob's\n");
     EXPECT_GE(timer.elapsed(), 400) << "a second before and after";
-    EXPECT_EQ(ok(u"articles Bob's"_s), u"u\t2026-11-07\tDon't panic\t1\nu\t2026-11-06\tTab here 1m\t2\n");
+    EXPECT_EQ(ok(u"articles Bob's"_s),
+              u"u\t2026-11-07\tDon't panic\t1\nu\t2026-11-06\tTab here 1m\t2\n");
     EXPECT_EQ(ok(u"show Bob's \"Don't panic\""_s),
               u"Title:   Don't panic\nDate:    2026-11-07\nChannel: Bob's\n"
               "Link:    http://example.org/1\n\nText\n");

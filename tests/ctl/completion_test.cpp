@@ -10,23 +10,23 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-const QByteArray feed =
+const QByteArray completedFeed =
     "<rss><channel><title>Feed</title>"
     "<item><title>First</title><link>http://example.org/1</link></item>"
     "<item><title>Don't \"panic\"!</title><link>http://example.org/2</link></item>"
     "<item><title>Last</title><link>http://example.org/3</link></item></channel></rss>";
 
-const QString channel = u"Tom's $5 & more ü"_s;
+const QString hardName = u"Tom's $5 & more ü"_s;
 
 /// The shells themselves, in a terminal, and what their users type.
 class CompletionTest : public CtlTest {
 protected:
     CompletionTest() {
-        server_.serve(u"/feed"_s, feed);
+        server_.serve(u"/feed"_s, completedFeed);
         ok(u"add --create \"New: this\" Anna http://x/0"_s);
-        ok(u"add --create C \"%1\" %2"_s.arg(channel, server_.url(u"/feed")));
+        ok(u"add --create C \"%1\" %2"_s.arg(hardName, server_.url(u"/feed")));
         ok(u"add C \"Zeit: \"\"\"das\"\"\"\" http://x/0"_s);
-        ok(u"update C \"%1\""_s.arg(channel));
+        ok(u"update C \"%1\""_s.arg(hardName));
         const QString programs = QFileInfo(QStringLiteral(TIDEBROOKCTL)).path();
         environment_.insert(u"PATH"_s, programs + u':' + environment_.value(u"PATH"_s));
         environment_.insert(u"HOME"_s, folder_.path());
@@ -71,12 +71,12 @@ protected:
                     u"TIDEBROOK_HOME="_s + nowhere + u" ./tidebrookctl --hom\t"_s + nowhere +
                         u" show An\t Last"_s});
         const QString channels = ok(u"channels"_s);
-        EXPECT_TRUE(channels.contains(channel + u"\thttp://x/1\tC\n")) << qPrintable(shown);
+        EXPECT_TRUE(channels.contains(hardName + u"\thttp://x/1\tC\n")) << qPrintable(shown);
         EXPECT_TRUE(channels.contains(u"Zeit: \"das\"\thttp://x/2\tC\n")) << qPrintable(shown);
         EXPECT_TRUE(channels.contains(u"Anna\thttp://x/0\tC\n")) << qPrintable(shown);
         EXPECT_TRUE(ok(u"categories"_s).contains(u"News\n")) << qPrintable(shown);
-        EXPECT_TRUE(ok(u"articles \"%1\" --order unread"_s.arg(channel)).count(u'\n') == 2 &&
-                    ok(u"articles \"%1\""_s.arg(channel)).contains(u"\nr\t"))
+        EXPECT_TRUE(ok(u"articles \"%1\" --order unread"_s.arg(hardName)).count(u'\n') == 2 &&
+                    ok(u"articles \"%1\""_s.arg(hardName)).contains(u"\nr\t"))
             << qPrintable(shown);
         EXPECT_EQ(ok(u"setting UpdateMode"_s), u"2\n") << qPrintable(shown);
         EXPECT_TRUE(shown.contains(QRegularExpression(u"feedlarkd \\d"_s))) << qPrintable(shown);

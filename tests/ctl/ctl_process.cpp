@@ -76,7 +76,7 @@ QList<int> CtlTest::together(const QStringList &calls) {
 }
 
 void CtlTest::waitFor(const std::function<bool()> &condition) {
-    ASSERT_TRUE(QTest::qWaitFor(condition, patience));
+    ASSERT_TRUE(QTest::qWaitFor(condition, patienceLimit));
 }
 
 } // namespace tidebrook

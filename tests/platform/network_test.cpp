@@ -28,7 +28,7 @@ protected:
                     watch.process();
                 return watch.isSettled() && watch.state() == NetworkState{isFree, isRoaming};
             },
-            patience);
+            patienceLimit);
     }
 
     int argumentCount_ = 0;

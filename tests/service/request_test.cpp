@@ -184,7 +184,7 @@ TEST_F(RequestTest, OfSeveralThatWaitTheNewestIsAnswered) {
         waitForRequests(i);
     }
     for (const auto &requester : requesters) {
-        requester->waitForFinished(patience);
+        requester->waitForFinished(patienceLimit);
         EXPECT_EQ(requester->readAllStandardOutput() == "done\n", requester == requesters.back());
         EXPECT_EQ(requester->readAllStandardError().contains("(1012)"),
                   requester != requesters.back());
@@ -209,7 +209,7 @@ TEST_F(RequestTest, ADownloaderThatIsKilledIsToldByTheTimeOutAndStartedAnew) {
     const auto requester = start(u"request C a --timeout 3"_s);
     waitForRequests(1);
     EXPECT_EQ(end(SIGKILL), -1);
-    requester->waitForFinished(patience);
+    requester->waitForFinished(patienceLimit);
     EXPECT_EQ(requester->exitCode(), 1);
     EXPECT_TRUE(requester->readAllStandardError().contains("no answer came within 3 seconds"));
     EXPECT_EQ(errorCode(), u"1012");

@@ -68,7 +68,7 @@ public:
     /// Waits until it is not zero; false when that does not happen.
     bool wait() const {
         pollfd descriptor{count_.number(), POLLIN, 0};
-        return poll(&descriptor, 1, patience) == 1;
+        return poll(&descriptor, 1, patienceLimit) == 1;
     }
     /// Waits like `wait`, returns the count and begins it anew.
     std::uint64_t take() const {

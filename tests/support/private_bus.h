@@ -14,7 +14,7 @@ public:
     PrivateBus() {
         using namespace Qt::StringLiterals;
         daemon_.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
-        EXPECT_TRUE(daemon_.waitForReadyRead(patience));
+        EXPECT_TRUE(daemon_.waitForReadyRead(patienceLimit));
         address_ = daemon_.readLine().trimmed();
     }
     ~PrivateBus() {

@@ -3,6 +3,6 @@
 namespace tidebrook {
 
 /// How long a test waits for what must happen, however busy the machine is, in milliseconds.
-constexpr int patience = 20'000;
+constexpr int patienceLimit = 20'000;
 
 } // namespace tidebrook

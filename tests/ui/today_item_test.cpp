@@ -49,7 +49,7 @@ protected:
     HeadlineStrip &strip() { return item_->strip(); }
     bool sees(const QString &text) {
         return QTest::qWaitFor(
-            [&] { return strip().isVisible() && strip().accessibleName() == text; }, patience);
+            [&] { return strip().isVisible() && strip().accessibleName() == text; }, patienceLimit);
     }
     /// Chooses an entry of the strip's menu by its text.
     void choose(const QString &text) {
@@ -76,7 +76,7 @@ protected:
     void killReader() const {
         if (const auto process = reader())
             kill(*process, SIGKILL);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !reader(); }, patience));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !reader(); }, patienceLimit));
     }
     /// Whether an article is marked read.
     bool isRead(const QString &title) {
@@ -291,7 +291,8 @@ TEST_F(TodayItemTest, OneRunsForADeviceAndEveryEndLeavesRoomForAnother) {
         return process;
     };
     const auto end = [](QProcess &process) {
-        return process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit
+        return process.waitForFinished(patienceLimit) &&
+                       process.exitStatus() == QProcess::NormalExit
                    ? process.exitCode()
                    : -1;
     };
