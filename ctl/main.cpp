@@ -122,7 +122,7 @@ void printHelp() {
                       .arg(QStringView(command.usage), QStringView(command.help)));
     printText(QStringLiteral(
         "\nOptions:\n"
-        "  --home DIR      the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook\n"
+        "  --home DIR      the device root; else $TIDEBROOK_HOME or $XDG_DATA_HOME/tidebrook\n"
         "  -q, --quiet     print no lines but errors\n"
         "  -h, --help      print this, or what the command does\n"
         "  -V, --version   print the version\n\n"

@@ -30,7 +30,8 @@ Opens the reader of news feeds; a second start brings the running one forward.
   -h, --help      print this
   -V, --version   print the version
 
-The device root is $TIDEBROOK_HOME, else ~/.local/share/tidebrook.
+The device root is $TIDEBROOK_HOME, else $XDG_DATA_HOME/tidebrook, which usually
+is ~/.local/share/tidebrook.
 )";
 
 // The exit status where the first argument leaves nothing to start.

@@ -20,7 +20,7 @@ namespace tidebrook {
 
 namespace {
 
-enum ExitStatus { ExitEnded = 0, ExitFailed = 1, ExitUsage = 2 };
+enum ExitStatus { ExitEnded = 0, ExitFailed = 1, ExitUsage = 2, ExitNoDevice = 3 };
 
 constexpr char help[] = R"(Usage: feedlarkd [--home DIR] [--foreground] [--verbose]
 
@@ -28,7 +28,7 @@ Tidebrook's background downloader: answers the requests of the reader, and keeps
 the channels of the automatic list up to date as the settings say. One runs for
 each device; a second one ends at once.
 
-  --home DIR     the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook
+  --home DIR     the device root; else $TIDEBROOK_HOME or $XDG_DATA_HOME/tidebrook
   --foreground   stay in the foreground and log to standard error; else the log is
                  run/feedlarkd.log below the device root
   --verbose      log every channel
@@ -36,7 +36,7 @@ each device; a second one ends at once.
   --version      print the version
 
 SIGTERM and SIGINT end it, also in the middle of a download.
-Exit status: 0 ended or already running, 1 failed, 2 wrong usage.
+Exit status: 0 ended or already running, 1 failed, 2 wrong usage, 3 no device.
 )";
 
 struct Options {
@@ -107,8 +107,12 @@ int run(const QStringList &commandLine) {
     Options options{.isForeground = parser.isSet(foreground), .isVerbose = parser.isSet(verbose)};
     if (parser.isSet(home))
         options.root = DeviceRoot(parser.value(home));
-    if (!options.root.isDevice() || !options.root.makeFolders())
-        return fail(QStringLiteral("there is no usable device at %1").arg(options.root.path()));
+    if (!options.root.isDevice()) {
+        fail(QStringLiteral("there is no device at %1").arg(options.root.path()));
+        return ExitNoDevice;
+    }
+    if (!options.root.makeFolders())
+        return fail(QStringLiteral("%1: the device cannot be used").arg(options.root.path()));
     if (const auto pid = runningService(options.root)) {
         std::fprintf(stderr, "feedlarkd: it runs already, as process %d\n", static_cast<int>(*pid));
         return ExitEnded;

@@ -17,7 +17,7 @@ shows the first again and ends.
   --strip      only a strip at the top of the screen
   --tray       only an icon in the tray
   --window     an ordinary small window
-  --home DIR   the device root; else $TIDEBROOK_HOME, else ~/.local/share/tidebrook
+  --home DIR   the device root; else $TIDEBROOK_HOME or $XDG_DATA_HOME/tidebrook
   --help       print this
   --version    print the version
 

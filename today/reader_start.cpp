@@ -1,6 +1,7 @@
 #include "today/reader_start.h"
 
 #include "platform/desktop/own_program.h"
+#include "platform/desktop/own_unit.h"
 #include "today/today_state.h"
 #include "update/today_tap.h"
 
@@ -14,11 +15,18 @@ constexpr std::chrono::seconds offerTime(10);
 
 bool startReader(const DeviceRoot &device) {
     const QString program = ownProgram(QStringLiteral("tidebrook"));
+    // The browser that opens a link must outlive the reader.
+    const QStringList command =
+        outsideOwnUnit({program}, {QStringLiteral("--property=Type=exec"),
+                                   QStringLiteral("--property=ExitType=cgroup"),
+                                   QStringLiteral("--setenv=TIDEBROOK_HOME"),
+                                   QStringLiteral("--setenv=XDG_ACTIVATION_TOKEN")});
     QProcess reader;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("TIDEBROOK_HOME"), device.path());
     reader.setProcessEnvironment(environment);
-    reader.setProgram(program);
+    reader.setProgram(command.first());
+    reader.setArguments(command.mid(1));
     return !program.isEmpty() && reader.startDetached();
 }
 

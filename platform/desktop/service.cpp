@@ -2,6 +2,7 @@
 
 #include "platform/base/descriptor.h"
 #include "platform/desktop/own_program.h"
+#include "platform/desktop/own_unit.h"
 #include "platform/sync/process_lock.h"
 #include "platform/sync/wait_any.h"
 
@@ -28,10 +29,12 @@ constexpr int launchTimeout = 10'000; // milliseconds
 
 /// Runs the program until the service is in the background; why that failed, or an empty text.
 QString launchHere(const QString &program, const DeviceRoot &device) {
+    const QStringList command =
+        outsideOwnUnit({program, u"--home"_s, device.path()}, {u"--property=Type=forking"_s});
     QProcess launcher;
     launcher.setStandardInputFile(QProcess::nullDevice());
     launcher.setStandardOutputFile(QProcess::nullDevice());
-    launcher.start(program, {u"--home"_s, device.path()});
+    launcher.start(command.first(), command.mid(1));
     if (!launcher.waitForStarted())
         return program + u": " + launcher.errorString();
     if (!launcher.waitForFinished(launchTimeout)) {

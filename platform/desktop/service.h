@@ -27,8 +27,8 @@ std::optional<pid_t> runningService(const DeviceRoot &device);
 /// Starts the device's service where none runs: with the program `feedlarkd` beside the running
 /// program, or else on the PATH, and the arguments `--home` and the device root. That program puts
 /// the service into the background and ends: with 0 as soon as a service answers requests, and with
-/// anything else when there is none. It gets 10 seconds. After a failure `error` is what it wrote
-/// to its standard error, or why it was not run.
+/// anything else when there is none. It gets 10 seconds. The service outlives this process. After a
+/// failure `error` is what was written to standard error, or why the program was not run.
 Activation activateService(const DeviceRoot &device, QString *error = nullptr);
 
 /// Asks the device's service to end (SIGTERM) and waits for that. True when no service runs

@@ -1,3 +1,4 @@
+#include "platform/desktop/own_unit.h"
 #include "platform/desktop/service.h"
 #include "platform/sync/process_lock.h"
 #include "support/device_folders.h"
@@ -61,6 +62,33 @@ TEST_F(ServiceTest, StoppingWaitsForTheEndOfTheService) {
     const auto deaf = startHolder([] { std::signal(SIGTERM, SIG_IGN); });
     EXPECT_FALSE(stopService(device_, 50ms));
     EXPECT_EQ(runningService(device_), deaf->id());
+}
+
+TEST_F(ServiceTest, OnlyWhatTheServiceManagerStartedHasItStartTheRest) {
+    const QString folder = device_.path();
+    const QStringList command{u"/bin/echo"_s, u"a b"_s};
+    const QStringList byManager{
+        folder + u"/systemd-run"_s, u"--user"_s, u"--quiet"_s,   u"--collect"_s,
+        u"--property=Type=exec"_s,  u"--"_s,     u"/bin/echo"_s, u"a b"_s};
+    ASSERT_TRUE(QFile(u"/bin/true"_s).copy(byManager.first()));
+    const QByteArray path = qgetenv("PATH");
+    const QByteArray own = QByteArray::number(getpid());
+    const QByteArray parents = QByteArray::number(getppid());
+    const struct {
+        QByteArray process;
+        QByteArray path;
+        QStringList expected;
+    } cases[]{{own, QFile::encodeName(folder), byManager},
+              {parents, QFile::encodeName(folder), command},
+              {"", QFile::encodeName(folder), command},
+              {own, "/nowhere", command}};
+    for (const auto &row : cases) {
+        qputenv("SYSTEMD_EXEC_PID", row.process);
+        qputenv("PATH", row.path);
+        EXPECT_EQ(outsideOwnUnit(command, {u"--property=Type=exec"_s}), row.expected);
+    }
+    qunsetenv("SYSTEMD_EXEC_PID");
+    qputenv("PATH", path);
 }
 
 } // namespace
