@@ -14,6 +14,10 @@ testPackages=(scdoc man-db mandoc zsh fish)
 # shellcheck disable=SC2034
 benchPackages=(libxml2-dev valgrind)
 # shellcheck disable=SC2034
+packagePackages=(debhelper dpkg-dev lintian appstream desktop-file-utils)
+# shellcheck disable=SC2034
+rootPackages=(debootstrap debian-archive-keyring)
+# shellcheck disable=SC2034
 checkPackages=(clang clang-format clang-tidy)
 
 isInstalled() {
