@@ -14,6 +14,7 @@ readonly own
 readonly architecture=$1
 readonly out=$PWD/build/package/$architecture
 readonly root=$rootsFolder/test-$architecture
+readonly scratch=$root.scratch
 readonly older=0.0.9-1
 readonly log=$rootsFolder/test-$architecture.log
 
@@ -91,7 +92,7 @@ lint() {
 
 # The programs are position-independent, with read-only relocations and no executable stack.
 checkPrograms() {
-    local unpacked=$rootsFolder/unpacked program
+    local unpacked=$scratch/unpacked program
     rm -rf "$unpacked"
     for program in "$out"/*.deb; do
         dpkg-deb --extract "$program" "$unpacked"
@@ -113,7 +114,7 @@ checkPrograms() {
 
 # Without the compiler cache, and in a folder of another name.
 checkSameBytes() {
-    local again=$PWD/build/package/built-again deb
+    local again=$scratch/built-again deb
     exportSource "$again/in-another-folder/tidebrook"
     CCACHE_DISABLE=1 buildPackages "$again/in-another-folder/tidebrook"
     for deb in "$out"/*.deb; do
@@ -124,11 +125,11 @@ checkSameBytes() {
 
 # The packages with an older version in their place of the new one.
 makeOlder() {
-    local deb folder=$rootsFolder/older
+    local deb folder=$scratch/older
     for deb in "$out"/tidebrook_*.deb "$out"/tidebrook-core_*.deb; do
         rm -rf "$folder"
         dpkg-deb --raw-extract "$deb" "$folder"
-        sed -i "s/^Version: .*/Version: $older/; s/(= [0-9][^)]*)/(= $older)/" "$folder/DEBIAN/control"
+        sed -i "s/^Version: .*/Version: $older/; s/tidebrook-core (= [^)]*)/tidebrook-core (= $older)/" "$folder/DEBIAN/control"
         dpkg-deb --root-owner-group --build "$folder" "$root/packages/older/"
     done
     rm -rf "$folder"
@@ -209,17 +210,18 @@ upgrade() {
 }
 
 checkLeftovers() {
-    listFiles | diff "$rootsFolder/files-before" -
+    listFiles | diff "$scratch/files-before" -
 }
 
-rm -f "$log"
+rm -rf "$log" "$scratch"
+mkdir -p "$scratch"
 check "lintian reports no error and no warning" lint
 check "programs are hardened, the core has no windows, metadata is valid" checkPrograms
 if [[ $architecture != "$own" ]]; then
     emulate "$(dpkg-architecture --host-arch "$architecture" --query DEB_HOST_GNU_CPU 2>/dev/null)"
 fi
 check "a new Debian with what the packages depend on" prepareRoot
-listFiles >"$rootsFolder/files-before"
+listFiles >"$scratch/files-before"
 check "packages of an older version" makeOlder
 check "installation of the older version" \
     inRoot "$root" sh -c 'apt-get -q install --yes --no-install-recommends /packages/older/*.deb'
