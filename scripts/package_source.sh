@@ -28,12 +28,12 @@ exportSource() {
 # buildPackages FOLDER: builds what exportSource has put there, for this machine's architecture.
 # The tests of the source have their own command.
 buildPackages() {
-    local log
-    log=$(dirname "$1")/build.log
-    echo "Building the packages (the first time, this takes some minutes); the log is $log ..."
+    local output
+    output=$(dirname "$1")/build.log
+    echo "Building the packages (the first time, this takes some minutes); the log is $output ..."
     if ! (cd "$1" && DEB_BUILD_OPTIONS="nocheck parallel=$(jobLimit)" \
-        dpkg-buildpackage -us -uc -b -Pnocheck) >"$log" 2>&1; then
-        tail -n 40 "$log" >&2
+        dpkg-buildpackage -us -uc -b -Pnocheck) >"$output" 2>&1; then
+        tail -n 40 "$output" >&2
         return 1
     fi
 }
