@@ -5,7 +5,7 @@
 # the changelog, so that no date of a checkout gets into a package.
 exportSource() {
     local folder=$1 upstream project
-    rm -rf "$(dirname "$folder")"
+    rm -rf --one-file-system "$(dirname "$folder")"
     mkdir -p "$folder"
     if [[ -e .git ]]; then
         git ls-files -z | tar --create --null --files-from=- | tar --extract --directory="$folder"

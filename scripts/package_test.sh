@@ -228,7 +228,7 @@ checkLeftovers() {
     listFiles | diff "$scratch/files-before" -
 }
 
-rm -rf "$log" "$scratch"
+rm -rf --one-file-system "$log" "$scratch"
 mkdir -p "$scratch"
 check "lintian reports no error and no warning" lint
 check "programs are hardened, the core has no windows, metadata is valid" checkPrograms

@@ -44,7 +44,7 @@ unpackRoot() {
     local processor=$1 folder=$2 kept=$rootsFolder/bare-$1.tar uri suite component
     if [[ ! -e $kept ]]; then
         echo "Making a bare Debian for $processor, which takes some minutes ..."
-        rm -rf "$rootsFolder/bare"
+        rm -rf --one-file-system "$rootsFolder/bare"
         mkdir -p "$rootsFolder"
         uri=$(debianSources | awk '$2 == "bookworm" { print $1; exit }')
         debootstrap --arch="$processor" --variant=minbase bookworm "$rootsFolder/bare" "$uri" \
@@ -55,9 +55,9 @@ unpackRoot() {
         rm -f "$rootsFolder"/bare/var/cache/apt/archives/*.deb
         tar --create --file="$kept.new" --directory="$rootsFolder/bare" .
         mv "$kept.new" "$kept"
-        rm -rf "$rootsFolder/bare"
+        rm -rf --one-file-system "$rootsFolder/bare"
     fi
-    rm -rf "$folder"
+    rm -rf --one-file-system "$folder"
     mkdir -p "$folder"
     tar --extract --file="$kept" --directory="$folder"
     debianSources | while read -r uri suite component; do
@@ -68,11 +68,21 @@ unpackRoot() {
     chmod +x "$folder/usr/sbin/policy-rc.d"
 }
 
-# mountRoot FOLDER: what its programs need of the running system.
+# mountRoot FOLDER: what its programs need of the running system. Its devices are the harmless ones,
+# and its own: whatever is deleted in there, those of this machine stay.
 mountRoot() {
+    local device
     mount --types proc proc "$1/proc"
     mount --rbind /sys "$1/sys"
-    mount --rbind /dev "$1/dev"
+    mount --types tmpfs -o mode=755 tmpfs "$1/dev"
+    for device in null zero full random urandom tty; do
+        cp --archive "/dev/$device" "$1/dev/"
+    done
+    mkdir "$1/dev/pts" "$1/dev/shm"
+    chmod 1777 "$1/dev/shm"
+    mount --types devpts -o newinstance,ptmxmode=0666 devpts "$1/dev/pts"
+    ln -s pts/ptmx "$1/dev/ptmx"
+    ln -s /proc/self/fd "$1/dev/fd"
     mount --types tmpfs tmpfs "$1/run"
     mount --types tmpfs tmpfs "$1/tmp"
 }
