@@ -4,10 +4,9 @@
 
 #include <QTextBoundaryFinder>
 
-#include <locale.h>
-#include <wchar.h>
-
 #include <algorithm>
+#include <clocale>
+#include <cwchar>
 
 namespace tidebrook {
 
