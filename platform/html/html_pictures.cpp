@@ -35,7 +35,7 @@ bool isInlineData(const HtmlTag &picture) {
 }
 
 QString pictureText(const HtmlTag &picture) {
-    const QString text = picture.attributes.value(u"alt"_s).trimmed();
+    QString text = picture.attributes.value(u"alt"_s).trimmed();
     if (!text.isEmpty() || isInlineData(picture))
         return text;
     const QString source = picture.attributes.value(u"src"_s);

@@ -97,7 +97,7 @@ QString HtmlTokens::takeValue() {
     at_ += 1;
     const qsizetype close = html_.indexOf(quote, at_);
     const qsizetype end = close < 0 ? indexOrEnd(u">", at_) : close;
-    const QString value = html_.mid(at_, end - at_).toString();
+    QString value = html_.mid(at_, end - at_).toString();
     at_ = close < 0 ? end : end + 1;
     return value;
 }
