@@ -101,3 +101,5 @@ void FillJobs::finish() {
 }
 
 } // namespace tidebrook
+
+#include "moc_fill_jobs.cpp"

@@ -69,3 +69,5 @@ bool OutsideChanges::eventFilter(QObject *, QEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_outside_changes.cpp"

@@ -90,3 +90,5 @@ bool UpdateJobs::eventFilter(QObject *watched, QEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_update_jobs.cpp"

@@ -151,3 +151,5 @@ int RunDialog(int templateId, ScreenStack &stack, DialogProcedure &procedure) {
 }
 
 } // namespace tidebrook
+
+#include "moc_dialog.cpp"

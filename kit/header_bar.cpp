@@ -219,3 +219,5 @@ void HeaderBar::changeEvent(QEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_header_bar.cpp"

@@ -31,3 +31,5 @@ void Layer::end(int result) {
 }
 
 } // namespace tidebrook
+
+#include "moc_layer.cpp"

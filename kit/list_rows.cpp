@@ -61,3 +61,5 @@ void ListRows::remove(int row) {
 }
 
 } // namespace tidebrook
+
+#include "moc_list_rows.cpp"

@@ -298,3 +298,5 @@ int SelectedRow(const ListView *list) {
 }
 
 } // namespace tidebrook
+
+#include "moc_list_view.cpp"

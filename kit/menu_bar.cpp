@@ -80,3 +80,5 @@ void MenuBar::paintEvent(QPaintEvent *) {
 }
 
 } // namespace tidebrook
+
+#include "moc_menu_bar.cpp"

@@ -170,3 +170,5 @@ void MessageBox::keyPressEvent(QKeyEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_message_box.cpp"

@@ -70,3 +70,5 @@ void ProgressLine::paintEvent(QPaintEvent *) {
 }
 
 } // namespace tidebrook
+
+#include "moc_progress_line.cpp"

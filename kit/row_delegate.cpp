@@ -139,3 +139,5 @@ void RowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewIt
 }
 
 } // namespace tidebrook
+
+#include "moc_row_delegate.cpp"

@@ -150,3 +150,5 @@ void ScreenMenu::enable(int command, bool isEnabled) {
 }
 
 } // namespace tidebrook
+
+#include "moc_screen_menu.cpp"

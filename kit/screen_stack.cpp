@@ -146,3 +146,5 @@ void ScreenStack::arrange() {
 }
 
 } // namespace tidebrook
+
+#include "moc_screen_stack.cpp"

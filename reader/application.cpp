@@ -137,3 +137,5 @@ void Application::closeDown() {
 }
 
 } // namespace tidebrook
+
+#include "moc_application.cpp"

@@ -8,6 +8,15 @@ source scripts/building.sh
 readonly preset=$1
 readonly log=build/$preset/tests.log
 
+# How many tests run at once. Most wait more than they compute, but not where a sanitizer slows them.
+testLimit() {
+    if [[ $preset == release ]]; then
+        echo "$((2 * $(jobLimit)))"
+    else
+        jobLimit
+    fi
+}
+
 # One number from CTest's line for each test that has ended; a skipped test has not passed.
 countTests() {
     local lines
@@ -22,8 +31,8 @@ skipped=0
 failed=0
 status=0
 if build "$preset"; then
-    env -u CLICOLOR_FORCE ctest --test-dir "build/$preset" --output-on-failure --no-tests=error \
-        --timeout 600 2>&1 | tee "$log" || status=$?
+    env -u CLICOLOR_FORCE ctest --test-dir "build/$preset" --parallel "$(testLimit)" \
+        --output-on-failure --no-tests=error --timeout 600 2>&1 | tee "$log" || status=$?
     countTests
 else
     echo "The build failed, so no test ran."

@@ -248,3 +248,5 @@ void HeadlineStrip::contextMenuEvent(QContextMenuEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_headline_strip.cpp"

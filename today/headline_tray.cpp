@@ -66,3 +66,5 @@ void HeadlineTray::setTotal(quint32 total) {
 }
 
 } // namespace tidebrook
+
+#include "moc_headline_tray.cpp"

@@ -51,3 +51,5 @@ void ItemMenu::listHeadlines(const QList<Headline> &headlines) {
 }
 
 } // namespace tidebrook
+
+#include "moc_item_menu.cpp"

@@ -42,3 +42,5 @@ void Notifications::act(uint id, const QString &action) {
 }
 
 } // namespace tidebrook
+
+#include "moc_notifications.cpp"

@@ -80,3 +80,5 @@ void ReaderStart::withdraw() {
 }
 
 } // namespace tidebrook
+
+#include "moc_reader_start.cpp"

@@ -207,3 +207,5 @@ void TodayItem::notify(quint32 articles, quint32 channels) {
 }
 
 } // namespace tidebrook
+
+#include "moc_today_item.cpp"

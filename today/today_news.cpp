@@ -137,3 +137,5 @@ void TodayNews::readArrivals() {
 }
 
 } // namespace tidebrook
+
+#include "moc_today_news.cpp"

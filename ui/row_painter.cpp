@@ -164,3 +164,5 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
 }
 
 } // namespace tidebrook
+
+#include "moc_row_painter.cpp"

@@ -77,3 +77,5 @@ QList<FolderEntry> FolderReader::entries() const {
 }
 
 } // namespace tidebrook
+
+#include "moc_folder_reader.cpp"

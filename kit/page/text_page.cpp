@@ -194,3 +194,5 @@ void TextPage::follow(const QUrl &link) {
 }
 
 } // namespace tidebrook
+
+#include "moc_text_page.cpp"

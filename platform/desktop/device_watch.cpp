@@ -92,3 +92,5 @@ void DeviceWatch::add(const QString &path, quint32 events) {
 }
 
 } // namespace tidebrook
+
+#include "moc_device_watch.cpp"

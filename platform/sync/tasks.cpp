@@ -89,3 +89,5 @@ void Tasks::finish() {
 }
 
 } // namespace tidebrook
+
+#include "moc_tasks.cpp"

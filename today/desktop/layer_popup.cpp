@@ -85,3 +85,5 @@ void LayerPopup::drop() {
 }
 
 } // namespace tidebrook
+
+#include "moc_layer_popup.cpp"

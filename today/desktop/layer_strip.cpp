@@ -114,3 +114,5 @@ bool LayerStrip::eventFilter(QObject *object, QEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_layer_strip.cpp"

@@ -108,3 +108,5 @@ void ScreenLock::note(const QString &interface, bool isLocked) {
 }
 
 } // namespace tidebrook
+
+#include "moc_screen_lock.cpp"

@@ -72,3 +72,5 @@ void Sight::update() {
 }
 
 } // namespace tidebrook
+
+#include "moc_sight.cpp"

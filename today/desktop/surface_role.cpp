@@ -105,3 +105,5 @@ bool SurfaceRole::eventFilter(QObject *object, QEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_surface_role.cpp"

@@ -89,3 +89,5 @@ bool X11Dock::eventFilter(QObject *object, QEvent *event) {
 }
 
 } // namespace tidebrook
+
+#include "moc_x11_dock.cpp"
