@@ -78,7 +78,7 @@ TEST_F(HandingOutTest, AFailureThatIsToldLeavesItsCodeAndAllElseAsItWas) {
         ASSERT_TRUE(user.seesBox(deleteChannel));
         user.tap(u"Yes"_s);
     };
-    const Hand add = [](User &user) {
+    const Hand addChannel = [](User &user) {
         user.choose({u"New Channel"_s});
         ASSERT_TRUE(user.seesEditor(u"http://"_s));
         user.type(u"127.0.0.2/feed.xml"_s);
@@ -110,7 +110,7 @@ TEST_F(HandingOutTest, AFailureThatIsToldLeavesItsCodeAndAllElseAsItWas) {
         {"articles", lost("RSSRecord"), pressing(Qt::Key_Right), 2},
         {"a page", lost("RSSRecord"), pressing(Qt::Key_Return), 2},
         {"a deleted channel", refused("DELETE"), remove, 1},
-        {"a new channel", refused("INSERT"), add, 1},
+        {"a new channel", refused("INSERT"), addChannel, 1},
         {"an export", none, saving(u"Export Channel"_s, u"Moon"_s, u"/proc/x"_s), 1, FileNotWritten,
          fileProblem},
         {"saving", none, saving(u"Save Link"_s, u"a"_s, u"/proc/x"_s), 3, FileNotWritten,
