@@ -22,7 +22,7 @@ const QStringList refreshers{u"bench_refresh"_s, u"bench_floor"_s};
 std::string grouped(int number) { return QLocale(QLocale::English).toString(number).toStdString(); }
 
 /// Feeds, and how they are refreshed. They come to so many items, lest something else is measured.
-struct Load {
+struct Refreshes {
     QList<RefreshJob> feeds;
     int items;
     int jobs = 1;
@@ -41,7 +41,7 @@ struct Load {
 
 /// For the first time and again unchanged; of each, the figures by names of their own.
 Figures refreshTwice(const Bench &bench, const QString &program, const QString &store,
-                     const Load &load) {
+                     const Refreshes &load) {
     const StoreCopy copy(store);
     Figures both;
     for (const auto &[name, value] : load.refresh(bench, program, copy.home, load.items))
@@ -53,7 +53,7 @@ Figures refreshTwice(const Bench &bench, const QString &program, const QString &
 
 void refreshOneFeed(Bench &bench, int items) {
     FeedServer server;
-    const Load load{serveFeeds(server, 1, items), items};
+    const Refreshes load{serveFeeds(server, 1, items), items};
     const QString store = bench.folder.filePath(u"one-%1"_s.arg(items));
     makeStore(store, {.feeds = load.feeds});
     std::vector<Side> sides;
@@ -79,7 +79,7 @@ void refreshOneFeed(Bench &bench) {
 void refreshBesideOthers(Bench &bench) {
     bench.report.section("100 new items beside articles of other feeds", "1,000", "that many");
     FeedServer server;
-    const Load load{serveFeeds(server, 1, usualItems), usualItems};
+    const Refreshes load{serveFeeds(server, 1, usualItems), usualItems};
     const std::vector<int> held{1'000, 10'000, 100'000};
     std::vector<Side> sides;
     for (const int articles : held) {
@@ -105,7 +105,7 @@ void refreshManyFeeds(Bench &bench) {
     bench.report.section(
         "50 feeds of 100 items on hosts of their own, answered after 100 ms, 8 at a time", "floor");
     FeedServer server;
-    Load load{serveFeeds(server, 50, usualItems), 50 * usualItems, 8};
+    Refreshes load{serveFeeds(server, 50, usualItems), 50 * usualItems, 8};
     for (qsizetype i = 0; i < load.feeds.size(); ++i) // which are not asked for two at a time
         load.feeds[i].url.replace(u"127.0.0.1"_s, u"%1.localhost"_s.arg(i));
     server.setDelay(std::chrono::milliseconds(100));
