@@ -4,8 +4,6 @@
 #include "platform/base/text.h"
 #include "store/escape_sql.h"
 
-#include <QStringBuilder>
-
 namespace tidebrook {
 
 namespace {
@@ -32,15 +30,6 @@ QStringView cutDescription(QStringView escaped, qsizetype length) {
     return cut;
 }
 
-bool hasLoneQuote(QString escaped) { return escaped.remove(QLatin1String("''")).contains(quote); }
-
-QString insertStatement(const ArticleRecord &article) {
-    return u"INSERT INTO RSSRecord VALUES ('" % article.channelName % u"', '" % article.guid %
-           u"', '" % article.title % u"', '" % article.itemLink % u"' ,'" % article.description %
-           u"' ,'" % article.publicationDate % u"'," % (article.isRead ? u'1' : u'0') % u", " %
-           QString::number(article.timestamp) % u" ,'" % article.category % u"')";
-}
-
 } // namespace
 
 ArticleIngestion::ArticleIngestion(SqlCommand &command, const QString &channelName,
@@ -50,10 +39,9 @@ ArticleIngestion::ArticleIngestion(SqlCommand &command, const QString &channelNa
 qint64 ArticleIngestion::oldestKept() { return ingestionClock(articleLifeDays); }
 
 bool ArticleIngestion::pruneChannel() {
-    const QString statement =
-        QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1' and TIMESTAMP < '%2' ")
-            .arg(channelName_, QString::number(oldestKept()));
-    return command_.execute(statement) != SqliteStep::Failed;
+    return command_.execute(
+               {"DELETE FROM RSSRecord WHERE CHANNEL_NAME='%s' and TIMESTAMP < '%I64d' ",
+                channelName_, oldestKept()}) != SqliteStep::Failed;
 }
 
 bool ArticleIngestion::insertItem(ItemRecord item) {
@@ -68,29 +56,35 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     trim(item.guid);
     trim(item.link);
     const QString date = normalisePubDate(item.publicationDate);
-    // These are not escaped. A quote would end the literal, and what follows could become SQL.
-    if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote) ||
-        hasLoneQuote(category_))
+    // These are not escaped. A doubled quote in them would be stored as one.
+    if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote))
         return false;
-    const SqliteStep ended = command_.execute(insertStatement(articleOf(item, date)));
+    const SqliteStep ended = insert(articleOf(item, date));
     storedCount_ += ended == SqliteStep::Done ? 1 : 0;
     if (ended == SqliteStep::IntegrityViolation && skippedGuids_.size() < skippedLimit)
         skippedGuids_.insert(item.guid);
     return ended != SqliteStep::Failed;
 }
 
+SqliteStep ArticleIngestion::insert(const ArticleRecord &article) {
+    return command_.execute(
+        {"INSERT INTO RSSRecord VALUES ('%s', '%s', '%s', '%s' ,'%s' ,'%s',%d, %lu ,'%s')",
+         article.channelName, article.guid, article.title, article.itemLink, article.description,
+         article.publicationDate, article.isRead, article.timestamp, article.category});
+}
+
 SharedArticles ArticleIngestion::sharedArticles() {
     SharedArticles shared;
     if (skippedGuids_.isEmpty())
         return shared;
-    SqliteStatement own = command_.query(
-        QStringLiteral("SELECT GUID FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(channelName_));
+    SqliteStatement own =
+        command_.query({"SELECT GUID FROM RSSRecord WHERE CHANNEL_NAME='%s'", channelName_});
     while (own.next())
         skippedGuids_.remove(own.text(0));
     // What is left is another channel's, or has a title that this channel has already.
     for (const QString &guid : std::as_const(skippedGuids_)) {
-        SqliteStatement row = command_.query(
-            QStringLiteral("SELECT CHANNEL_NAME FROM RSSRecord WHERE GUID='%1'").arg(guid));
+        SqliteStatement row =
+            command_.query({"SELECT CHANNEL_NAME FROM RSSRecord WHERE GUID='%s'", guid});
         if (!row.next())
             continue;
         const QString owner = TrimTrailingBlanks(row.text(0)).toString();

@@ -25,8 +25,8 @@ public:
 
     /// Stores an item as an unread article. One whose guid is stored already, in any channel, or
     /// whose title this channel has, is skipped with success: the stored article keeps its read
-    /// flag and its age. False when the item has neither guid nor link, or a quote in its guid or
-    /// link, or when the database failed.
+    /// flag and its age. False when the item has neither guid nor link, or a quote in its guid,
+    /// link or date, or when the database failed.
     bool insertItem(ItemRecord item);
 
     /// How many articles were stored.
@@ -37,11 +37,12 @@ public:
     SharedArticles sharedArticles();
 
 private:
+    SqliteStep insert(const ArticleRecord &article);
     ArticleRecord articleOf(const ItemRecord &item, const QString &date) const;
 
     SqlCommand &command_;
     const QString channelName_; // escaped
-    const QString category_;
+    const QString category_;    // escaped
     int storedCount_ = 0;
     QSet<QString> skippedGuids_;
 };

@@ -7,50 +7,45 @@ namespace {
 // No stored guid has a quote, and another's would end the literal.
 bool isStorableGuid(const QString &guid) { return !guid.contains(u'\''); }
 
-QStringView orderOf(SortMode mode) {
+SqlText &addOrder(SqlText &statement, SortMode mode) {
     switch (mode) {
     case SortMode::Status:
-        return u" ORDER BY READ_UNREAD ASC, PUBDATE DESC";
+        return statement.add(" ORDER BY READ_UNREAD ASC, PUBDATE DESC");
     case SortMode::UnreadOnly:
-        return u" and READ_UNREAD = 0 ORDER BY PUBDATE DESC";
+        return statement.add(" and READ_UNREAD = 0 ORDER BY PUBDATE DESC");
     case SortMode::Date:
         break;
     }
-    return u" ORDER BY PUBDATE DESC";
+    return statement.add(" ORDER BY PUBDATE DESC");
 }
 
 // Rows of ids and numbers alone: what else an article has would take long to sort.
-QString chosenStatement(const ArticleChoice &choice) {
-    const QString numbered =
-        QStringLiteral("SELECT ID, NUMBER FROM (SELECT RSSRecord.rowid AS ID, PUBDATE, TIMESTAMP, "
-                       "READ_UNREAD, %1 AS PLACE, row_number() OVER (PARTITION BY "
-                       "RSSRecord.CHANNEL_NAME ORDER BY PUBDATE DESC, TIMESTAMP DESC, "
-                       "RSSRecord.rowid) AS NUMBER FROM RSSRecord ");
-    QString statement;
+SqlText chosenStatement(const ArticleChoice &choice) {
+    SqlText statement("SELECT ID, NUMBER FROM (SELECT a.rowid AS ID, PUBDATE, TIMESTAMP, "
+                      "READ_UNREAD, ");
+    statement.add(choice.channel.isNull() ? "c.CATEGORY" : "a.CATEGORY")
+        .add(" AS PLACE, row_number() OVER (PARTITION BY a.CHANNEL_NAME ORDER BY PUBDATE DESC, "
+             "TIMESTAMP DESC, a.rowid) AS NUMBER FROM RSSRecord a ");
     if (choice.channel.isNull())
-        statement = numbered.arg(u"RSSCHRecord.CATEGORY") +
-                    QStringLiteral("JOIN RSSCHRecord ON RSSCHRecord.CHANNEL_NAME = "
-                                   "RSSRecord.CHANNEL_NAME)");
+        statement.add("JOIN RSSCHRecord c ON c.CHANNEL_NAME = a.CHANNEL_NAME)");
     else
-        statement =
-            numbered.arg(u"CATEGORY") +
-            QStringLiteral("WHERE CHANNEL_NAME = '%1')").arg(escapedChannelName(choice.channel));
-    statement += QStringLiteral(" WHERE NUMBER > 0");
+        statement.add("WHERE a.CHANNEL_NAME = '%s')", escapedChannelName(choice.channel));
+    statement.add(" WHERE NUMBER > 0");
     if (!choice.category.isNull())
-        statement += QStringLiteral(" and PLACE = '%1'").arg(escapedCategory(choice.category));
-    return statement + orderOf(choice.order);
+        statement.add(" and PLACE = '%s'", escapedCategory(choice.category));
+    return addOrder(statement, choice.order).add(", TIMESTAMP DESC, ID");
 }
 
 } // namespace
 
 bool FeedStore::ListArticles(const QString &channel, SortMode mode, QList<ArticleRow> &articles) {
     const auto guard = lock();
-    return ReadArticleRows(
-        QStringLiteral("SELECT TIMESTAMP, TITLE, PUBDATE, READ_UNREAD FROM RSSRecord WHERE "
-                       "CHANNEL_NAME = '%1'")
-                .arg(escapedChannelName(channel)) +
-            orderOf(mode),
-        articles);
+    SqlText statement("SELECT TIMESTAMP, TITLE, PUBDATE, READ_UNREAD FROM RSSRecord WHERE "
+                      "CHANNEL_NAME = '%s'",
+                      escapedChannelName(channel));
+    // Dates have no time of day. Within one refresh, which has one stamp, a feed's newest comes
+    // first.
+    return ReadArticleRows(addOrder(statement, mode).add(", TIMESTAMP DESC, rowid"), articles);
 }
 
 bool FeedStore::VisitArticles(const ArticleChoice &choice,
@@ -63,15 +58,14 @@ bool FeedStore::VisitArticles(const ArticleChoice &choice,
         article.number = row.integer(1);
         return isRead && visit(article);
     };
-    return readRows(chosenStatement(choice), take, "TIMESTAMP DESC, ID") && isRead;
+    return readRows(chosenStatement(choice), take) && isRead;
 }
 
 bool FeedStore::ReadDescription(const QString &guid, QString &description) {
     const auto guard = lock();
     description.clear();
     return !isStorableGuid(guid) ||
-           ReadText(QStringLiteral("SELECT DESCRIPTION FROM RSSRecord WHERE GUID='%1'").arg(guid),
-                    description);
+           ReadText({"SELECT DESCRIPTION FROM RSSRecord WHERE GUID='%s'", guid}, description);
 }
 
 bool FeedStore::GetArticleDetail(const QString &channel, const QString &title,
@@ -99,17 +93,17 @@ bool FeedStore::GetArticleExtract(const QString &channel, const QString &title,
 bool FeedStore::selectArticle(const QString &escapedChannel, const QString &escapedTitle,
                               std::optional<ArticleExtract> &article) {
     return ReadArticleDetail(
-        QStringLiteral("SELECT PUBDATE, DESCRIPTION, ITEM_LINK FROM RSSRecord WHERE "
-                       "CHANNEL_NAME = '%1' and TITLE = '%2'")
-            .arg(escapedChannel, escapedTitle),
+        {"SELECT PUBDATE, DESCRIPTION, ITEM_LINK FROM RSSRecord WHERE CHANNEL_NAME = '%s' and "
+         "TITLE = '%s'",
+         escapedChannel, escapedTitle},
         article);
 }
 
 bool FeedStore::MarkArticleRead(const QString &escapedChannel, const QString &escapedTitle) {
     const auto guard = lock();
-    return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = 1 WHERE "
-                                          "CHANNEL_NAME='%1' and TITLE='%2'")
-                               .arg(escapedChannel, escapedTitle));
+    return ExecuteNonQuery({"UPDATE RSSRecord SET READ_UNREAD = 1 WHERE CHANNEL_NAME='%s' and "
+                            "TITLE='%s'",
+                            escapedChannel, escapedTitle});
 }
 
 bool FeedStore::MarkArticle(const QString &channel, const QString &guid, bool isRead) {
@@ -117,9 +111,9 @@ bool FeedStore::MarkArticle(const QString &channel, const QString &guid, bool is
         return true;
     const QString name = escapedChannelName(channel);
     return changeWhole([&] {
-        return ExecuteNonQuery(QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = %1 WHERE "
-                                              "CHANNEL_NAME='%2' and GUID='%3'")
-                                   .arg(QString::number(isRead), name, guid)) &&
+        return ExecuteNonQuery({"UPDATE RSSRecord SET READ_UNREAD = %d WHERE CHANNEL_NAME='%s' "
+                                "and GUID='%s'",
+                                isRead, name, guid}) &&
                RecountChannel(name);
     });
 }
@@ -131,9 +125,8 @@ bool FeedStore::MarkChannelUnread(const QString &channel) { return markChannel(c
 bool FeedStore::markChannel(const QString &channel, int readFlag) {
     const QString name = escapedChannelName(channel);
     return changeWhole([&] {
-        return ExecuteNonQuery(
-                   QStringLiteral("UPDATE RSSRecord SET READ_UNREAD = %1 WHERE CHANNEL_NAME='%2'")
-                       .arg(QString::number(readFlag), name)) &&
+        return ExecuteNonQuery({"UPDATE RSSRecord SET READ_UNREAD = %d WHERE CHANNEL_NAME='%s'",
+                                readFlag, name}) &&
                RecountChannel(name);
     });
 }
@@ -142,9 +135,8 @@ bool FeedStore::CountReadFlags(const QString &category, const QString &channel,
                                ReadFlagCounts &counts) {
     const auto guard = lock();
     return CountReadFlags(
-        QStringLiteral(
-            "SELECT READ_UNREAD FROM RSSRecord WHERE CATEGORY='%1' and CHANNEL_NAME = '%2'")
-            .arg(escapedCategory(category), escapedChannelName(channel)),
+        {"SELECT READ_UNREAD FROM RSSRecord WHERE CATEGORY='%s' and CHANNEL_NAME = '%s'",
+         escapedCategory(category), escapedChannelName(channel)},
         counts);
 }
 

@@ -33,9 +33,9 @@ bool FeedStore::insertChannel(SqlCommand &command, const ChannelRecord &record,
     const QString category = escapedCategory(record.category);
     QString name = withoutDropped(cutText(record.channelName, channelNameCapacity));
     const auto insert = [&] {
-        return command.execute(QStringLiteral("INSERT INTO RSSCHRecord VALUES ('%1', '%2', 0, 0, '")
-                                   .arg(category, escapedChannelName(name)) +
-                               link + QStringLiteral("', NULL, NULL, NULL)"));
+        return command.execute(
+            {"INSERT INTO RSSCHRecord VALUES ('%s', '%s', 0, 0, '%s', NULL, NULL, NULL)", category,
+             escapedChannelName(name), link});
     };
     SqliteStep status = insert();
     if (status == SqliteStep::IntegrityViolation && name.size() < suffixableNameLength) {
@@ -54,9 +54,8 @@ bool FeedStore::insertChannel(SqlCommand &command, const ChannelRecord &record,
 bool FeedStore::ListChannels(const QString &escapedCategory, QList<ChannelRow> &channels) {
     const auto guard = lock();
     return ReadChannelRows(
-        QStringLiteral("SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSCHRecord "
-                       "WHERE CATEGORY = '%1'")
-            .arg(escapedCategory),
+        {"SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSCHRecord WHERE CATEGORY = '%s'",
+         escapedCategory},
         channels);
 }
 
@@ -70,9 +69,9 @@ bool FeedStore::ListWholeCategory(const QString &category, QList<ListedChannel> 
     const auto guard = lock();
     channels.clear();
     return readRows(
-        QStringLiteral("SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS, CHANNEL_LINK "
-                       "FROM RSSCHRecord WHERE CATEGORY = '%1'")
-            .arg(escapedCategory(category)),
+        {"SELECT CHANNEL_NAME, NUM_OF_UNREAD, TOTAL_ITEMS, CHANNEL_LINK FROM RSSCHRecord "
+         "WHERE CATEGORY = '%s'",
+         escapedCategory(category)},
         [&](const SqliteStatement &row) {
             const auto text = [&](int column, qsizetype capacity) {
                 return TrimTrailingBlanks(cutText(row.text(column), capacity)).toString();
@@ -86,7 +85,7 @@ bool FeedStore::ListWholeCategory(const QString &category, QList<ListedChannel> 
 bool FeedStore::ListFeeds(QList<ChannelRecord> &feeds) {
     const auto guard = lock();
     feeds.clear();
-    return readRows(QStringLiteral("SELECT CATEGORY, CHANNEL_NAME, CHANNEL_LINK FROM RSSCHRecord"),
+    return readRows("SELECT CATEGORY, CHANNEL_NAME, CHANNEL_LINK FROM RSSCHRecord",
                     [&](const SqliteStatement &row) {
                         const auto text = [&](int column) {
                             return TrimTrailingBlanks(row.text(column)).toString();
@@ -99,84 +98,84 @@ bool FeedStore::ListFeeds(QList<ChannelRecord> &feeds) {
 bool FeedStore::FindCategory(const QString &name, QString &category) {
     const auto guard = lock();
     category = QString();
-    return readRows(QStringLiteral("SELECT CATEGORY FROM RSSCHRecord WHERE CHANNEL_NAME='%1'")
-                        .arg(escapedChannelName(name)),
-                    [&](const SqliteStatement &row) {
-                        category = TrimTrailingBlanks(row.text(0)).toString();
-                        return false;
-                    });
+    return readRows(
+        {"SELECT CATEGORY FROM RSSCHRecord WHERE CHANNEL_NAME='%s'", escapedChannelName(name)},
+        [&](const SqliteStatement &row) {
+            category = TrimTrailingBlanks(row.text(0)).toString();
+            return false;
+        });
 }
 
 bool FeedStore::ListChannelCategories(QStringList &categories) {
     const auto guard = lock();
     categories.clear();
-    return readRows(QStringLiteral("SELECT DISTINCT CATEGORY FROM RSSCHRecord"),
-                    [&](const SqliteStatement &row) {
-                        categories.append(TrimTrailingBlanks(row.text(0)).toString());
-                        return true;
-                    });
+    return readRows("SELECT DISTINCT CATEGORY FROM RSSCHRecord", [&](const SqliteStatement &row) {
+        categories.append(TrimTrailingBlanks(row.text(0)).toString());
+        return true;
+    });
 }
 
 bool FeedStore::GetChannelLink(const QString &category, const QString &name, QString &link) {
     const auto guard = lock();
     link.clear();
-    return ReadText(QStringLiteral("SELECT CHANNEL_LINK FROM RSSCHRecord WHERE CATEGORY = '%1' and "
-                                   "CHANNEL_NAME='%2'")
-                        .arg(escapedCategory(category), escapedChannelName(name)),
-                    link);
+    return ReadText(
+        {"SELECT CHANNEL_LINK FROM RSSCHRecord WHERE CATEGORY = '%s' and CHANNEL_NAME='%s'",
+         escapedCategory(category), escapedChannelName(name)},
+        link);
 }
 
 bool FeedStore::SetChannelLink(const QString &name, const QString &link) {
     return changeAndReopen([&] {
         const QStringView trimmed = TrimTrailingBlanks(cutText(link, linkCapacity));
         return isSafeLink(link) &&
-               ExecuteNonQuery(QStringLiteral("UPDATE RSSCHRecord SET CHANNEL_LINK = '%1' WHERE "
-                                              "CHANNEL_NAME='%2'")
-                                   .arg(trimmed, escapedChannelName(name)));
+               ExecuteNonQuery(
+                   {"UPDATE RSSCHRecord SET CHANNEL_LINK = '%s' WHERE CHANNEL_NAME='%s'", trimmed,
+                    escapedChannelName(name)});
     });
 }
 
+// The articles first: they are renamed also when the channel's new name is taken.
 bool FeedStore::RenameChannel(const QString &old, const QString &to) {
-    return setInBothTables(u"CHANNEL_NAME", escapedChannelName(to), old);
+    const QString name = escapedChannelName(old);
+    const QString renamed = escapedChannelName(to);
+    return changeAndReopen([&] {
+        return ExecuteNonQuery({"UPDATE RSSRecord SET CHANNEL_NAME = '%s' WHERE CHANNEL_NAME='%s'",
+                                renamed, name}) &&
+               ExecuteNonQuery(
+                   {"UPDATE RSSCHRecord SET CHANNEL_NAME = '%s' WHERE CHANNEL_NAME='%s'", renamed,
+                    name});
+    });
 }
 
 bool FeedStore::MoveChannel(const QString &name, const QString &category) {
-    return setInBothTables(u"CATEGORY", escapedCategory(category), name);
-}
-
-// The articles first: they are renamed also when the channel's new name is taken.
-bool FeedStore::setInBothTables(QStringView column, const QString &escaped,
-                                const QString &channel) {
-    const QString statement = QStringLiteral("UPDATE %1 SET %2 = '%3' WHERE CHANNEL_NAME='%4'");
-    const QString name = escapedChannelName(channel);
+    const QString channel = escapedChannelName(name);
+    const QString moved = escapedCategory(category);
     return changeAndReopen([&] {
-        return ExecuteNonQuery(statement.arg(u"RSSRecord", column, escaped, name)) &&
-               ExecuteNonQuery(statement.arg(u"RSSCHRecord", column, escaped, name));
+        return ExecuteNonQuery({"UPDATE RSSRecord SET CATEGORY = '%s' WHERE CHANNEL_NAME='%s'",
+                                moved, channel}) &&
+               ExecuteNonQuery({"UPDATE RSSCHRecord SET CATEGORY = '%s' WHERE CHANNEL_NAME='%s'",
+                                moved, channel});
     });
 }
 
 bool FeedStore::DeleteChannel(const QString &name) {
     const QString channel = escapedChannelName(name);
-    return executeAll(
-        {QStringLiteral("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%1'").arg(channel),
-         QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME='%1'").arg(channel)});
+    return executeAll({{"DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='%s'", channel},
+                       {"DELETE FROM RSSRecord WHERE CHANNEL_NAME='%s'", channel}});
 }
 
 bool FeedStore::RecountChannel(const QString &escapedName, ReadFlagCounts *counts) {
     ReadFlagCounts counted;
     const bool isDone = changeWhole([&] {
-        return CountRows(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1' "
-                                        "and READ_UNREAD = 0")
-                             .arg(escapedName),
+        return CountRows({"SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%s' "
+                          "and READ_UNREAD = 0",
+                          escapedName},
                          counted.unread) &&
-               CountRows(QStringLiteral("SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%1'")
-                             .arg(escapedName),
+               CountRows({"SELECT READ_UNREAD FROM RSSRecord WHERE CHANNEL_NAME='%s'", escapedName},
                          counted.total) &&
-               ExecuteNonQuery(
-                   QStringLiteral("UPDATE RSSCHRecord SET NUM_OF_UNREAD='%1', TOTAL_ITEMS='%2' "
-                                  "WHERE CHANNEL_NAME='%3'")
-                       .arg(QString::number(counted.unread), QString::number(counted.total),
-                            escapedName));
+               ExecuteNonQuery({"UPDATE RSSCHRecord SET NUM_OF_UNREAD='%d', TOTAL_ITEMS='%d' "
+                                "WHERE CHANNEL_NAME='%s'",
+                                counted.unread, counted.total, escapedName});
     });
     if (isDone && counts)
         *counts = counted;
@@ -195,12 +194,12 @@ bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts
         stored = {static_cast<int>(row.integer(2)), static_cast<int>(row.integer(3))};
         return true;
     };
-    const bool isRead = readRows(
-        QStringLiteral("SELECT READ_UNREAD, TIMESTAMP, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSRecord "
-                       "JOIN RSSCHRecord ON RSSCHRecord.CHANNEL_NAME = RSSRecord.CHANNEL_NAME "
-                       "WHERE RSSCHRecord.CHANNEL_NAME = '%1'")
-            .arg(escapedChannelName(name)),
-        tally);
+    const bool isRead =
+        readRows({"SELECT READ_UNREAD, TIMESTAMP, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSRecord "
+                  "JOIN RSSCHRecord ON RSSCHRecord.CHANNEL_NAME = RSSRecord.CHANNEL_NAME "
+                  "WHERE RSSCHRecord.CHANNEL_NAME = '%s'",
+                  escapedChannelName(name)},
+                 tally);
     return isRead && isYoung && stored.unread == counts.unread && stored.total == counts.total;
 }
 
@@ -208,7 +207,7 @@ bool FeedStore::PublishTotalUnread() {
     qint64 sum = 0;
     {
         const auto guard = lock();
-        if (!SumUnread(QStringLiteral("SELECT NUM_OF_UNREAD FROM RSSCHRecord"), sum))
+        if (!SumUnread("SELECT NUM_OF_UNREAD FROM RSSCHRecord", sum))
             return false;
     }
     // Without the store's lock, since the registry may be busy.
@@ -219,20 +218,18 @@ bool FeedStore::MoveCategory(const QString &from, const QString &to) {
     const QString old = escapedCategory(from);
     const QString category = escapedCategory(to);
     return executeAll(
-        {QStringLiteral("UPDATE RSSRecord SET CATEGORY = '%1' WHERE CHANNEL_NAME IN "
-                        "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%2')")
-             .arg(category, old),
-         QStringLiteral("UPDATE RSSCHRecord SET CATEGORY = '%1' WHERE CATEGORY = '%2'")
-             .arg(category, old)});
+        {{"UPDATE RSSRecord SET CATEGORY = '%s' WHERE CHANNEL_NAME IN "
+          "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%s')",
+          category, old},
+         {"UPDATE RSSCHRecord SET CATEGORY = '%s' WHERE CATEGORY = '%s'", category, old}});
 }
 
 bool FeedStore::DeleteCategoryChannels(const QString &category) {
     const QString old = escapedCategory(category);
-    return executeAll(
-        {QStringLiteral("DELETE FROM RSSRecord WHERE CHANNEL_NAME IN "
-                        "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%1')")
-             .arg(old),
-         QStringLiteral("DELETE FROM RSSCHRecord WHERE CATEGORY = '%1'").arg(old)});
+    return executeAll({{"DELETE FROM RSSRecord WHERE CHANNEL_NAME IN "
+                        "(SELECT CHANNEL_NAME FROM RSSCHRecord WHERE CATEGORY = '%s')",
+                        old},
+                       {"DELETE FROM RSSCHRecord WHERE CATEGORY = '%s'", old}});
 }
 
 } // namespace tidebrook

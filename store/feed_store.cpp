@@ -118,10 +118,7 @@ bool FeedStore::CreateDatabase() {
 bool FeedStore::buildDatabase(SqliteDatabase &database) {
     SqliteTransaction transaction(database);
     SqlCommand command(database);
-    const auto run = [&](const char *statement) {
-        return command.execute(QString::fromLatin1(statement)) == SqliteStep::Done;
-    };
-    if (!run(articleTable) || !run(channelTable))
+    if (!command.define(articleTable) || !command.define(channelTable))
         return recordFailure(false);
     const std::optional<QList<ChannelRecord>> seed = readSeedChannels(device_);
     if (!seed) {
@@ -133,7 +130,8 @@ bool FeedStore::buildDatabase(SqliteDatabase &database) {
             return recordFailure(false);
     }
     // Only now: the seed must satisfy the columns' own constraints alone.
-    return recordFailure(run(articleIndex) && run(channelIndex) && transaction.commit());
+    return recordFailure(command.define(articleIndex) && command.define(channelIndex) &&
+                         transaction.commit());
 }
 
 void FeedStore::ReleaseSession() {

@@ -134,27 +134,25 @@ private:
     bool buildDatabase(SqliteDatabase &database);
     bool recordFailure(bool isDone);
 
-    bool ExecuteNonQuery(const QString &statement);
-    bool executeAll(const QStringList &statements);
+    bool ExecuteNonQuery(const SqlText &statement);
+    bool executeAll(const std::vector<SqlText> &statements);
     bool changeWhole(const std::function<bool()> &work);
     bool changeAndReopen(const std::function<bool()> &work);
     bool insertChannel(SqlCommand &command, const ChannelRecord &record, QString *storedName);
-    bool setInBothTables(QStringView column, const QString &escaped, const QString &channel);
     bool markChannel(const QString &channel, int readFlag);
 
-    bool readRows(const QString &statement,
-                  const std::function<bool(const SqliteStatement &)> &takeRow,
-                  const QByteArray &orderOfEquals = {});
-    bool ReadChannelRows(const QString &statement, QList<ChannelRow> &channels);
-    bool ReadArticleRows(const QString &statement, QList<ArticleRow> &articles);
+    bool readRows(const SqlText &statement,
+                  const std::function<bool(const SqliteStatement &)> &takeRow);
+    bool ReadChannelRows(const SqlText &statement, QList<ChannelRow> &channels);
+    bool ReadArticleRows(const SqlText &statement, QList<ArticleRow> &articles);
     bool ReadListedArticle(qint64 id, bool withDescription, ListedArticle &article);
-    bool ReadArticleDetail(const QString &statement, std::optional<ArticleExtract> &article);
+    bool ReadArticleDetail(const SqlText &statement, std::optional<ArticleExtract> &article);
     bool selectArticle(const QString &escapedChannel, const QString &escapedTitle,
                        std::optional<ArticleExtract> &article);
-    bool ReadText(const QString &statement, QString &text);
-    bool CountRows(const QString &statement, int &count);
-    bool SumUnread(const QString &statement, qint64 &sum);
-    bool CountReadFlags(const QString &statement, ReadFlagCounts &counts);
+    bool ReadText(const SqlText &statement, QString &text);
+    bool CountRows(const SqlText &statement, int &count);
+    bool SumUnread(const SqlText &statement, qint64 &sum);
+    bool CountReadFlags(const SqlText &statement, ReadFlagCounts &counts);
 
     void beginList(std::size_t rowWidth);
     bool putRow(const void *row);

@@ -11,9 +11,6 @@ namespace {
 
 constexpr int untypedCapacity = 40; // of a column that is declared as no text
 
-// Dates have no time of day. Within one refresh, which has one stamp, a feed's newest comes first.
-constexpr char newestFirst[] = "TIMESTAMP DESC, rowid";
-
 // A row of the row buffer. A shorter text is padded with zeros.
 struct StoredChannel {
     char16_t name[channelNameCapacity];
@@ -47,26 +44,25 @@ template <std::size_t capacity> QString textOf(const char16_t (&stored)[capacity
 
 } // namespace
 
-bool FeedStore::ExecuteNonQuery(const QString &statement) {
+bool FeedStore::ExecuteNonQuery(const SqlText &statement) {
     return session_ ? SqlCommand(*session_).execute(statement) == SqliteStep::Done
                     : recordFailure(false);
 }
 
 // Runs all of them, or none.
-bool FeedStore::executeAll(const QStringList &statements) {
+bool FeedStore::executeAll(const std::vector<SqlText> &statements) {
     return changeWhole([&] {
         return std::all_of(statements.begin(), statements.end(),
-                           [this](const QString &one) { return ExecuteNonQuery(one); });
+                           [this](const SqlText &one) { return ExecuteNonQuery(one); });
     });
 }
 
 // `takeRow` returns whether it wants another row.
-bool FeedStore::readRows(const QString &statement,
-                         const std::function<bool(const SqliteStatement &)> &takeRow,
-                         const QByteArray &orderOfEquals) {
+bool FeedStore::readRows(const SqlText &statement,
+                         const std::function<bool(const SqliteStatement &)> &takeRow) {
     if (!session_)
         return recordFailure(false);
-    SqliteStatement rows = SqlCommand(*session_).query(statement, orderOfEquals);
+    SqliteStatement rows = SqlCommand(*session_).query(statement);
     while (rows.next()) {
         if (!takeRow(rows))
             return true;
@@ -112,7 +108,7 @@ template <class Row> QList<Row> FeedStore::storedRows() {
     return rows;
 }
 
-bool FeedStore::ReadChannelRows(const QString &statement, QList<ChannelRow> &channels) {
+bool FeedStore::ReadChannelRows(const SqlText &statement, QList<ChannelRow> &channels) {
     beginList(sizeof(StoredChannel));
     const bool isRead = readRows(statement, [this](const SqliteStatement &row) {
         StoredChannel channel{};
@@ -127,7 +123,7 @@ bool FeedStore::ReadChannelRows(const QString &statement, QList<ChannelRow> &cha
     return isRead;
 }
 
-bool FeedStore::ReadArticleRows(const QString &statement, QList<ArticleRow> &articles) {
+bool FeedStore::ReadArticleRows(const SqlText &statement, QList<ArticleRow> &articles) {
     beginList(sizeof(StoredArticle));
     // Column 0 is the timestamp, which no list shows.
     const auto putArticle = [this](const SqliteStatement &row) {
@@ -137,7 +133,7 @@ bool FeedStore::ReadArticleRows(const QString &statement, QList<ArticleRow> &art
         article.read = static_cast<quint16>(row.integer(3) & 1);
         return putRow(&article);
     };
-    const bool isRead = readRows(statement, putArticle, newestFirst);
+    const bool isRead = readRows(statement, putArticle);
     articles.clear();
     for (const StoredArticle &article : storedRows<StoredArticle>())
         articles.append(
@@ -166,7 +162,7 @@ bool FeedStore::ReadListedArticle(qint64 id, bool withDescription, ListedArticle
     return true;
 }
 
-bool FeedStore::ReadArticleDetail(const QString &statement,
+bool FeedStore::ReadArticleDetail(const SqlText &statement,
                                   std::optional<ArticleExtract> &article) {
     return readRows(statement, [&](const SqliteStatement &row) {
         article = {columnText(row, 0), columnText(row, 1), columnText(row, 2)};
@@ -174,14 +170,14 @@ bool FeedStore::ReadArticleDetail(const QString &statement,
     });
 }
 
-bool FeedStore::ReadText(const QString &statement, QString &text) {
+bool FeedStore::ReadText(const SqlText &statement, QString &text) {
     return readRows(statement, [&](const SqliteStatement &row) {
         text = columnText(row, 0);
         return false;
     });
 }
 
-bool FeedStore::CountRows(const QString &statement, int &count) {
+bool FeedStore::CountRows(const SqlText &statement, int &count) {
     count = 0;
     return readRows(statement, [&](const SqliteStatement &) {
         ++count;
@@ -189,7 +185,7 @@ bool FeedStore::CountRows(const QString &statement, int &count) {
     });
 }
 
-bool FeedStore::SumUnread(const QString &statement, qint64 &sum) {
+bool FeedStore::SumUnread(const SqlText &statement, qint64 &sum) {
     sum = 0;
     return readRows(statement, [&](const SqliteStatement &row) {
         sum += row.integer(0);
@@ -197,7 +193,7 @@ bool FeedStore::SumUnread(const QString &statement, qint64 &sum) {
     });
 }
 
-bool FeedStore::CountReadFlags(const QString &statement, ReadFlagCounts &counts) {
+bool FeedStore::CountReadFlags(const SqlText &statement, ReadFlagCounts &counts) {
     counts = {};
     return readRows(statement, [&](const SqliteStatement &row) {
         ++counts.total;

@@ -4,6 +4,7 @@
 #include "platform/base/plain_file.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -23,6 +24,11 @@ constexpr qsizetype idleStatementLimit = 64;
 constexpr char blanks[] = " \t\r\n";
 
 constexpr QStringView journalEndings[]{u"-wal", u"-shm", u"-journal"};
+
+QByteArray withParameters(const QByteArray &format) {
+    static const QRegularExpression hole(QStringLiteral("'%(s|d|I64d)'|%(d|lu)"));
+    return QString::fromUtf8(format).replace(hole, QStringLiteral("?")).toUtf8();
+}
 
 bool isOneStatement(const char *tail) { return tail[std::strspn(tail, blanks)] == '\0'; }
 
@@ -153,8 +159,18 @@ sqlite3_stmt *SqliteDatabase::compile(const QByteArray &utf8) {
 
 SqliteStatement SqliteDatabase::prepare(const QByteArray &utf8, std::vector<SqliteValue> values) {
     sqlite3_stmt *idle = idle_.take(utf8);
-    sqlite3_stmt *statement = idle ? idle : compile(utf8);
-    return statement ? SqliteStatement(statement, {this, utf8}, std::move(values))
+    return lend(utf8, idle ? idle : compile(utf8), std::move(values));
+}
+
+SqliteStatement SqliteDatabase::prepareFormat(const QByteArray &format,
+                                              std::vector<SqliteValue> values) {
+    sqlite3_stmt *idle = idle_.take(format);
+    return lend(format, idle ? idle : compile(withParameters(format)), std::move(values));
+}
+
+SqliteStatement SqliteDatabase::lend(const QByteArray &text, sqlite3_stmt *statement,
+                                     std::vector<SqliteValue> values) {
+    return statement ? SqliteStatement(statement, {this, text}, std::move(values))
                      : SqliteStatement();
 }
 

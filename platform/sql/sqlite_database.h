@@ -101,6 +101,9 @@ public:
     /// values to its parameters, in order. False when the text is no statement, or more than one.
     SqliteStatement prepare(const QByteArray &utf8, std::vector<SqliteValue> values = {});
 
+    /// The same for a text whose parameters are written `'%s'`, `%d`, `%lu`, `'%d'` or `'%I64d'`.
+    SqliteStatement prepareFormat(const QByteArray &format, std::vector<SqliteValue> values);
+
     /// Runs one statement that has no rows.
     bool run(const QByteArray &utf8, std::vector<SqliteValue> values = {});
 
@@ -118,10 +121,12 @@ private:
     bool configure(const Options &options);
     bool hasSchema();
     sqlite3_stmt *compile(const QByteArray &utf8);
+    SqliteStatement lend(const QByteArray &text, sqlite3_stmt *statement,
+                         std::vector<SqliteValue> values);
     void giveBack(const QByteArray &text, sqlite3_stmt *statement);
 
     sqlite3 *handle_;
-    QHash<QByteArray, sqlite3_stmt *> idle_;
+    QHash<QByteArray, sqlite3_stmt *> idle_; // by the text or the format
 };
 
 /// A write transaction, rolled back unless it is committed. Inside another one it does nothing:

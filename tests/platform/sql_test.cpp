@@ -13,17 +13,14 @@ protected:
         session_ =
             SqliteDatabase::open(folder_.filePath(QStringLiteral("test.db")), {.create = true});
         ASSERT_TRUE(session_);
-        ASSERT_EQ(run(u"CREATE TABLE T (NAME NCHAR(51)  PRIMARY KEY, LINK NVARCHAR(513), "
-                      u"N SMALLINT, FLAG BIT, STAMP BIGINT)"),
-                  SqliteStep::Done);
+        ASSERT_TRUE(command().define("CREATE TABLE T (NAME NCHAR(51)  PRIMARY KEY, "
+                                     "LINK NVARCHAR(513), N SMALLINT, FLAG BIT, STAMP BIGINT)"));
     }
 
-    SqliteStep run(QStringView statement) {
-        return SqlCommand(*session_).execute(statement.toString());
-    }
+    SqlCommand command() { return SqlCommand(*session_); }
 
-    QStringList texts(QStringView statement) {
-        SqliteStatement rows = SqlCommand(*session_).query(statement.toString());
+    QStringList texts(const SqlText &statement) {
+        SqliteStatement rows = command().query(statement);
         QStringList found;
         while (rows.next())
             found.append(rows.text(0));
@@ -34,33 +31,33 @@ protected:
     std::unique_ptr<SqliteDatabase> session_;
 };
 
-TEST_F(SqlTest, OnlyOneStatementRunsAtATime) {
-    run(u"INSERT INTO T VALUES ('kept', 'l', 1, 0, 5)");
-    for (const QStringView text :
-         {u"SELECT NAME FROM T; DELETE FROM T", u"DELETE FROM T WHERE NAME='x'; DELETE FROM T",
-          u"SELECT NAME FROM T -- comment", u"SELECT NAME FROM T /* comment */", u"",
-          u"SELECT 'unfinished FROM T"}) {
-        EXPECT_EQ(run(text), SqliteStep::Failed) << text.toUtf8().constData();
-    }
-    EXPECT_EQ(run(u"SELECT NAME FROM T ; \n"), SqliteStep::Done);
-    EXPECT_EQ(texts(u"SELECT NAME FROM T"), QStringList(QStringLiteral("kept")));
-}
-
 TEST_F(SqlTest, TrailingBlanksDoNotTellNamesApart) {
-    EXPECT_EQ(run(u"INSERT INTO T VALUES ('World', 'l', 1, 0, 5)"), SqliteStep::Done);
-    EXPECT_EQ(run(u"INSERT INTO T VALUES ('World  ', 'l', 1, 0, 5)"),
-              SqliteStep::IntegrityViolation);
-    EXPECT_EQ(run(u"INSERT INTO T VALUES ('world', 'l', 1, 0, 5)"), SqliteStep::Done);
-    EXPECT_EQ(texts(u"SELECT NAME FROM T WHERE NAME = 'World '"),
+    const auto insert = [&](QStringView name) {
+        return command().execute({"INSERT INTO T VALUES ('%s', 'l', 1, 0, 5)", name});
+    };
+    EXPECT_EQ(insert(u"World"), SqliteStep::Done);
+    EXPECT_EQ(insert(u"World  "), SqliteStep::IntegrityViolation);
+    EXPECT_EQ(insert(u"world"), SqliteStep::Done);
+    EXPECT_EQ(texts({"SELECT NAME FROM T WHERE NAME = '%s'", u"World "}),
               QStringList(QStringLiteral("World")));
-    EXPECT_EQ(texts(u"SELECT NAME FROM T WHERE LINK = 'l '"), QStringList());
+    EXPECT_EQ(texts({"SELECT NAME FROM T WHERE LINK = '%s'", u"l "}), QStringList());
 }
 
-TEST_F(SqlTest, LiteralsTakenOutMeanWhatTheyMeantInPlace) {
-    run(u"INSERT INTO T VALUES ('a ? ''b'' -- ; c', NULL, '12', 1, '4000000000')");
-    EXPECT_EQ(texts(u"SELECT NAME FROM T WHERE STAMP < '4000000001' and N = 12 and FLAG = 1"),
-              QStringList(QStringLiteral("a ? 'b' -- ; c")));
-    EXPECT_EQ(texts(u"SELECT NAME FROM T WHERE STAMP < '500'"), QStringList());
+TEST_F(SqlTest, ATextNeverLeavesItsHole) {
+    for (const QStringView bad : {u"'", u"a'b", u"a''b'", u"x', NULL, 1, 0, 5); DELETE FROM T --"})
+        EXPECT_EQ(command().execute({"INSERT INTO T VALUES ('%s', NULL, 1, 0, 5)", bad}),
+                  SqliteStep::Failed)
+            << bad.toUtf8().constData();
+    const QStringView odd = u"a ? ''b'' %s %d -- ; c''";
+    EXPECT_EQ(command().execute({"INSERT INTO T VALUES ('%s', NULL, '%d', %d, %lu)", odd, 12, true,
+                                 4'000'000'000}),
+              SqliteStep::Done);
+    EXPECT_EQ(texts({"SELECT NAME FROM T WHERE STAMP < '%I64d' and N = '%d' and FLAG = 1",
+                     4'000'000'001, 12}),
+              QStringList(QStringLiteral("a ? 'b' %s %d -- ; c'")));
+    EXPECT_EQ(texts({"SELECT NAME FROM T WHERE STAMP < '%I64d'", 500}), QStringList());
+    EXPECT_EQ(command().execute("DELETE FROM T WHERE NAME='x'; DELETE FROM T"), SqliteStep::Failed);
+    EXPECT_EQ(texts("SELECT count(*) FROM T"), QStringList(QStringLiteral("1")));
 }
 
 } // namespace

@@ -66,11 +66,11 @@ TEST(Check, NamesEveryFault) {
     EXPECT_EQ(checkStore(device.root, *device.registry), QStringList());
 
     device.store->changeAtOnce([](SqlCommand &command) {
-        for (const QString &fault :
-             {u"UPDATE RSSRecord SET READ_UNREAD = 1 WHERE CHANNEL_NAME='one' and TITLE='a'"_s,
-              u"UPDATE RSSRecord SET CATEGORY = 'X' WHERE CHANNEL_NAME='one' and TITLE='b'"_s,
-              u"DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='two'"_s})
-            command.execute(fault);
+        command.execute(
+            "UPDATE RSSRecord SET READ_UNREAD = 1 WHERE CHANNEL_NAME='one' and TITLE='a'");
+        command.execute(
+            "UPDATE RSSRecord SET CATEGORY = 'X' WHERE CHANNEL_NAME='one' and TITLE='b'");
+        command.execute("DELETE FROM RSSCHRecord WHERE CHANNEL_NAME='two'");
     });
     device.addChannel(u"Unlisted"_s, u"three"_s);
     device.registry->write(programKey, u"CategoryNumber", quint32{3});
@@ -81,7 +81,7 @@ TEST(Check, NamesEveryFault) {
                            u"channel \"one\": 1 articles have another category"_s,
                            u"channel \"three\": its category \"Unlisted\" is not listed"_s}));
     device.store->changeAtOnce(
-        [](SqlCommand &command) { command.execute(u"DROP INDEX PK_RECORD"_s); });
+        [](SqlCommand &command) { command.execute("DROP INDEX PK_RECORD"); });
     EXPECT_EQ(checkStore(device.root, *device.registry).last(), u"database: an index is missing");
 }
 

@@ -41,8 +41,9 @@ TEST_F(ChannelTest, AnyNameGoesThroughEveryOperation) {
 TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
     store().changeAtOnce([](SqlCommand &command) {
         for (int i = 0; i < 700; ++i) {
-            command.execute(u"INSERT INTO RSSCHRecord VALUES ('Big', 'channel %1', 0, 0, 'l', "
-                            "NULL, NULL, NULL)"_s.arg(i));
+            command.execute({"INSERT INTO RSSCHRecord VALUES ('Big', 'channel ' || %d, 0, 0, 'l', "
+                             "NULL, NULL, NULL)",
+                             i});
         }
     });
     EXPECT_EQ(device_.channelNames(u"Big"_s).size(), 606);

@@ -52,12 +52,13 @@ void TestDevice::addChannel(const QString &category, const QString &name,
     store->changeAtOnce([&](SqlCommand &command) {
         int number = 0;
         for (TestArticle article : articles) {
-            command.execute(QStringLiteral("INSERT INTO RSSRecord VALUES ('%1', '%1 %2', '%3', "
-                                           "'%4', '%5', '%6', 0, 4000000000, '%7')")
-                                .arg(escapedChannelName(name), QString::number(number++),
-                                     escapedTitle(article.title), article.link,
-                                     article.description.replace(u'\'', QLatin1String("''")),
-                                     article.date, escapedCategory(category)));
+            const QString channel = escapedChannelName(name);
+            command.execute({"INSERT INTO RSSRecord VALUES ('%s', '%s', '%s', '%s', '%s', '%s', 0, "
+                             "4000000000, '%s')",
+                             channel, QString(channel + u' ' + QString::number(number++)),
+                             escapedTitle(article.title), article.link,
+                             article.description.replace(u'\'', QLatin1String("''")), article.date,
+                             escapedCategory(category)});
         }
         store->RecountChannel(escapedChannelName(name));
     });
