@@ -6,6 +6,8 @@
 #include "platform/xml/xml_encoding.h"
 #include "store/settings_store.h"
 
+#include <utility>
+
 namespace tidebrook {
 
 namespace {
@@ -44,11 +46,12 @@ bool FeedFetcher::isRoaming() const {
 bool FeedFetcher::fetch(const QString &url, const QString &channelName) {
     if (url.isEmpty() || channelName.isEmpty())
         return fail(NothingKnown);
-    const Taken taken = takeAnswer(httpGet({url}, limits_));
+    HttpAnswer answer = httpGet({url}, limits_);
+    const Taken taken = takeAnswer(answer);
     return taken == Taken::Unclear ? download(url) : taken != Taken::Failed;
 }
 
-FeedFetcher::Taken FeedFetcher::takeAnswer(const HttpAnswer &answer) {
+FeedFetcher::Taken FeedFetcher::takeAnswer(HttpAnswer &answer) {
     switch (answer.progress) {
     case HttpProgress::NotStarted:
         fail(HttpMissing);
@@ -64,10 +67,11 @@ FeedFetcher::Taken FeedFetcher::takeAnswer(const HttpAnswer &answer) {
     isUnchanged_ = answer.isUnchanged;
     if (isUnchanged_)
         return Taken::Unchanged;
-    document_ = XmlDocument::parse(answer.body, answer.charset);
+    const bool isEmpty = isEmptyText(answer.body);
+    document_ = XmlDocument::parse(std::exchange(answer.body, {}), answer.charset);
     if (document_)
         return checkRoot() ? Taken::Document : Taken::Failed;
-    if (!isEmptyText(answer.body))
+    if (!isEmpty)
         return Taken::Unclear;
     // The user sees that the feed says nothing; the run itself ends as a failed download.
     fail(FeedNotRss);
@@ -88,7 +92,7 @@ bool FeedFetcher::download(const QString &url) {
     if (options_.keepsPauses)
         Pause(loadPause, limits_.stop);
     file.seek(0);
-    document_ = XmlDocument::parse(file.readAll());
+    document_ = XmlDocument::parse({file.readAll()});
     return document_.has_value() ? checkRoot() : fail(FeedNotXml);
 }
 

@@ -48,7 +48,7 @@ public:
     };
 
     /// The first half of `fetch`, for a caller that has made the request itself.
-    Taken takeAnswer(const HttpAnswer &answer);
+    Taken takeAnswer(HttpAnswer &answer);
 
     /// The second half: gets the document once more by the direct transport.
     bool download(const QString &url);

@@ -90,7 +90,7 @@ std::optional<QByteArray> OpmlReader::readFile(const QString &path) {
 }
 
 bool OpmlReader::parse(const QByteArray &bytes) {
-    const std::optional<XmlDocument> document = XmlDocument::parse(bytes);
+    const std::optional<XmlDocument> document = XmlDocument::parse({bytes});
     if (!document)
         return fail(FeedNotXml);
     const XmlNode body =

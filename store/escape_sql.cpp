@@ -22,11 +22,12 @@ qsizetype capacityOf(TextKind kind) {
 
 bool isDropped(QChar c) { return c == u'\r' || c == QChar(0xFEFF) || c == QChar(0xFFFE); }
 
-// Without a branch for each character, which is fast; there is hardly ever one to find.
-bool hasDropped(QStringView text) {
-    unsigned found = 0;
+// Whether a text has characters that the rule changes. Without a branch for each character, which
+// is fast; there is hardly ever one to find.
+bool isTouched(QStringView text) {
+    quint16 found = 0;
     for (const QChar c : text)
-        found |= static_cast<unsigned>(isDropped(c));
+        found |= static_cast<quint16>(c == u'\'' || isDropped(c));
     return found != 0;
 }
 
@@ -48,10 +49,7 @@ void appendQuoted(QStringView text, QString &out, qsizetype capacity) {
 QString escaped(QStringView text, qsizetype capacity) {
     QString out;
     out.reserve(qMin(text.size(), capacity) + 2);
-    if (hasDropped(text))
-        appendQuoted(withoutDropped(text), out, capacity);
-    else
-        appendQuoted(text, out, capacity);
+    appendQuoted(withoutDropped(text), out, capacity);
     return out;
 }
 
@@ -96,6 +94,8 @@ QString escapedChannelName(const QString &name) {
 
 QString escapedTitle(const QString &title) { return escapedWithinCapacity(title, TextKind::Title); }
 
-QString escapeFeedText(QStringView source, qsizetype capacity) { return escaped(source, capacity); }
+QString escapeFeedText(const QString &source, qsizetype capacity) {
+    return source.size() <= capacity && !isTouched(source) ? source : escaped(source, capacity);
+}
 
 } // namespace tidebrook

@@ -38,6 +38,6 @@ QString escapedTitle(const QString &title);
 
 /// The same rule for the texts of a feed, but the result is cut, to `capacity` characters, or to
 /// one more where a doubled quote would be halved.
-QString escapeFeedText(QStringView source, qsizetype capacity);
+QString escapeFeedText(const QString &source, qsizetype capacity);
 
 } // namespace tidebrook

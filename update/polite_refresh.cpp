@@ -38,7 +38,7 @@ private:
 
     std::optional<HttpValidators> begin(std::size_t index);
     HttpValidators validatorsOf(std::size_t index);
-    void takeAnswer(std::size_t index, const HttpAnswer &answer);
+    void takeAnswer(std::size_t index, HttpAnswer &answer);
     void download(std::size_t index);
     void finish(std::size_t index, bool isFetched, const HttpAnswer &answer);
     bool noteUnreachedTurns();
@@ -61,10 +61,10 @@ bool Run::run(int parallel) {
     std::vector<QString> addresses;
     for (const FeedTurn &turn : turns_)
         addresses.push_back(turn.job.url);
-    const bool isAsked = httpGetAll(
-        addresses, parallel, target_.limits,
-        {[this](std::size_t index) { return begin(index); },
-         [this](std::size_t index, const HttpAnswer &answer) { takeAnswer(index, answer); }});
+    const bool isAsked =
+        httpGetAll(addresses, parallel, target_.limits,
+                   {[this](std::size_t index) { return begin(index); },
+                    [this](std::size_t index, HttpAnswer &answer) { takeAnswer(index, answer); }});
     // Only now: the direct download makes connections of its own.
     for (std::size_t i = 0; i < channels_.size(); ++i) {
         if (channels_[i].fetcher && !isStopped())
@@ -109,7 +109,7 @@ HttpValidators Run::validatorsOf(std::size_t index) {
     return channel.counts.total == state.total ? state.validators : HttpValidators();
 }
 
-void Run::takeAnswer(std::size_t index, const HttpAnswer &answer) {
+void Run::takeAnswer(std::size_t index, HttpAnswer &answer) {
     FeedFetcher &fetcher = channels_[index].fetcher.emplace(target_.device, target_.registry,
                                                             target_.limits, target_.options);
     const QString host = QUrl(jobOf(index).url).host();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QIODevice>
 #include <QString>
 
@@ -47,8 +48,8 @@ struct HttpAnswer {
     HttpProgress progress = HttpProgress::NotOpened;
     int status = 0;           ///< 0 when the server did not answer
     bool isUnchanged = false; ///< the document is the one that the request's validators are of
-    QByteArray body;
-    QByteArray charset; ///< of the Content-Type; empty when it names none
+    QByteArrayList body;      ///< in pieces, none of them empty
+    QByteArray charset;       ///< of the Content-Type; empty when it names none
     HttpValidators validators;
     std::chrono::seconds retryAfter{0}; ///< how long the server asks to be left alone
     QString detail;                     ///< for the log: why the request is not complete

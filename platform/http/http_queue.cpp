@@ -112,7 +112,7 @@ private:
                                  waiting.redirects + 1});
             return;
         }
-        const HttpAnswer answer =
+        HttpAnswer answer =
             running->get.takeAnswer(next.isEmpty() ? result : CURLE_TOO_MANY_REDIRECTS);
         running_.erase(running);
         observer_.takeAnswer(waiting.index, answer);

@@ -15,7 +15,7 @@ struct HttpQueueObserver {
     /// Asked when it is a request's turn: what is sent with it. Nothing leaves it out.
     std::function<std::optional<HttpValidators>(std::size_t)> begin;
     /// The answer to a request that was sent.
-    std::function<void(std::size_t, const HttpAnswer &)> takeAnswer;
+    std::function<void(std::size_t, HttpAnswer &)> takeAnswer;
 };
 
 /// Makes GETs as `httpGet` does, up to `parallel` at a time on the calling thread, in their order

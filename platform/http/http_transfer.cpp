@@ -6,6 +6,7 @@ namespace tidebrook {
 
 namespace {
 
+constexpr qint64 pieceBytes = 2 * 1024 * 1024; // of a body that is kept
 constexpr char webSchemes[] = "http,https";
 constexpr long receiveBuffer = 128 * 1024; // bytes; fewer and larger pieces cost less
 constexpr qsizetype validatorLimit = 1024; // bytes; servers send far shorter ones
@@ -242,10 +243,14 @@ HttpGet::HttpGet(const HttpRequest &request, const HttpLimits &limits)
 }
 
 bool HttpGet::keep(const char *data, qint64 size) {
-    if (answer_.body.isEmpty())
-        answer_.body.reserve(
-            qBound(0LL, transfer_.number(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T), limits_.bodyBytes));
-    answer_.body.append(data, size);
+    QByteArrayList &body = answer_.body;
+    if (body.isEmpty() || body.last().size() + size > pieceBytes) {
+        const qint64 announced = transfer_.number(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
+        const qint64 left = announced - body.size() * pieceBytes;
+        body.append(QByteArray());
+        body.last().reserve(qBound(size, left, pieceBytes));
+    }
+    body.last().append(data, size);
     return true;
 }
 

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <memory>
 #include <set>
+#include <utility>
 
 namespace tidebrook {
 
@@ -26,6 +27,7 @@ constexpr qsizetype elementAttributeLimit = 1000;
 constexpr std::size_t nameLimit = 10'000;
 constexpr qsizetype nameSizeLimit = 1000;             // bytes
 constexpr qsizetype textLimit = 48 * 1024 * 1024;     // bytes, attributes' values included
+constexpr qint64 prologLimit = 512 * 1024;            // bytes
 constexpr qsizetype tokenLimit = 1024 * 1024;         // bytes that the parser keeps for later
 constexpr float growthLimit = 4;                      // by entities, in all
 constexpr unsigned long long freeGrowth = 256 * 1024; // bytes that may come of them all the same
@@ -38,10 +40,14 @@ bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 /// Builds a document from the parser's events. An event that breaks a limit stops the parser.
 class XmlBuilder {
 public:
-    XmlBuilder(QByteArrayView bytes, QByteArrayView charset)
-        : bytes_(bytes), charset_(charset), parser_(XML_ParserCreate("UTF-8")) {
+    XmlBuilder(QByteArrayList bytes, QByteArrayView charset)
+        : charset_(charset), parser_(XML_ParserCreate("UTF-8")),
+          reader_(std::move(bytes), charset) {
         document_.names_.push_back("#text");
-        document_.text_ = QByteArray(bytes.size(), Qt::Uninitialized);
+        qsizetype size = 0;
+        for (const QByteArray &piece : reader_.bytes())
+            size += piece.size();
+        makeRoom(size);
     }
 
     std::optional<XmlDocument> build() {
@@ -99,16 +105,16 @@ private:
     }
 
     // In pieces: the parser stores the names of a tag before it calls a handler that could stop it.
+    // Of the last piece it does not count the lines, which would take a seventh of its time.
     bool parseAll() {
-        XmlUtf8Reader reader(bytes_, charset_);
         qint64 fed = 0;
         bool isLast = false;
         while (!isLast) {
-            const std::optional<QByteArrayView> piece = reader.next();
+            const std::optional<QByteArrayView> piece = reader_.next();
             if (!piece)
                 return false;
-            isLast = piece->isEmpty();
-            const bool isPrologTooLong = fed > XmlUtf8Reader::pieceSize && document_.nodes_.empty();
+            isLast = reader_.isAtEnd();
+            const bool isPrologTooLong = fed > prologLimit && document_.nodes_.empty();
             if (isPrologTooLong ||
                 XML_Parse(parser_.get(), piece->data(), static_cast<int>(piece->size()), isLast) !=
                     XML_STATUS_OK)
@@ -132,7 +138,7 @@ private:
     // is declared to be its own text. The first declaration of an entity holds: the document's own,
     // then HTML's.
     QByteArray otherDeclarations() const {
-        XmlUtf8Reader reader(bytes_, charset_);
+        XmlUtf8Reader reader(reader_.bytes(), charset_);
         std::set<QByteArray> names;
         QByteArray text;
         std::optional<QByteArrayView> piece = reader.next();
@@ -203,7 +209,9 @@ private:
         endText();
         if (isStopped_)
             return;
-        if (open_.size() >= depthLimit || document_.nodes_.size() >= nodeLimit) {
+        const bool isPrologTooLong =
+            document_.nodes_.empty() && XML_GetCurrentByteIndex(parser_.get()) > prologLimit;
+        if (isPrologTooLong || open_.size() >= depthLimit || document_.nodes_.size() >= nodeLimit) {
             stop();
             return;
         }
@@ -248,20 +256,22 @@ private:
         }
         // Only a document that grows by its encoding or its entities needs more room than its
         // bytes.
-        if (text.size() > document_.text_.size() - qsizetype{textEnd_})
-            document_.text_.resize(2 * document_.text_.size() + text.size());
-        std::memcpy(textData() + textEnd_, text.data(), static_cast<std::size_t>(text.size()));
+        if (text.size() > textRoom_ - qsizetype{textEnd_})
+            makeRoom(2 * textRoom_ + text.size());
+        std::memcpy(text_ + textEnd_, text.data(), static_cast<std::size_t>(text.size()));
         textEnd_ += static_cast<std::uint32_t>(text.size());
     }
 
-    // Never copies: nothing else shares the text while it is built.
-    char *textData() { return document_.text_.data(); }
+    void makeRoom(qsizetype size) {
+        document_.text_.resize(size);
+        text_ = document_.text_.data();
+        textRoom_ = size;
+    }
 
     void endText() {
         if (isStopped_)
             return;
-        const char *text = textData();
-        if (std::all_of(text + textBegin_, text + textEnd_, isSpace)) {
+        if (std::all_of(text_ + textBegin_, text_ + textEnd_, isSpace)) {
             textEnd_ = textBegin_;
             return;
         }
@@ -275,10 +285,12 @@ private:
         textBegin_ = textEnd_;
     }
 
-    const QByteArrayView bytes_;
     const QByteArrayView charset_;
     const Parser parser_;
+    XmlUtf8Reader reader_;
     XmlDocument document_;
+    char *text_ = nullptr; // of the document, which does not share it yet
+    qsizetype textRoom_ = 0;
     QHash<QByteArrayView, std::uint32_t> nameIndices_; // views of names_' bytes
     std::vector<OpenElement> open_;
     bool isStopped_ = false;
@@ -303,8 +315,9 @@ QString XmlNode::text(qsizetype capacity) const {
                                     .sliced(node.textBegin, node.textEnd - node.textBegin)
                                     .trimmed();
     // Three bytes at most become one unit.
-    const QString decoded = QString::fromUtf8(cutUtf8(text, 3 * (capacity + 1)));
-    return cutText(decoded, capacity).toString();
+    QString decoded = QString::fromUtf8(cutUtf8(text, 3 * (capacity + 1)));
+    decoded.truncate(cutText(decoded, capacity).size());
+    return decoded;
 }
 
 QString XmlNode::attribute(QByteArrayView name) const {
@@ -319,8 +332,8 @@ QString XmlNode::attribute(QByteArrayView name) const {
     return {};
 }
 
-std::optional<XmlDocument> XmlDocument::parse(QByteArrayView bytes, QByteArrayView charset) {
-    return XmlBuilder(bytes, charset).build();
+std::optional<XmlDocument> XmlDocument::parse(QByteArrayList bytes, QByteArrayView charset) {
+    return XmlBuilder(std::move(bytes), charset).build();
 }
 
 } // namespace tidebrook

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QByteArrayView>
 #include <QList>
 #include <QString>
@@ -54,12 +55,12 @@ private:
 /// A document that is not well-formed is refused, and so is one that exceeds a limit: a depth of
 /// 1,000 elements, a million nodes or attributes, a thousand attributes in one element, 10,000
 /// different names, a name of 1,000 bytes, 48 MiB of text, a prolog of half a MiB, a tag or comment
-/// of a MiB, or a growth to four times its size by its entities. It takes 80 MB at most beside the
+/// of 2 MiB, or a growth to four times its size by its entities. It takes 80 MB at most beside the
 /// bytes.
 class XmlDocument {
 public:
     /// `charset` as `XmlUtf8Reader` takes it.
-    static std::optional<XmlDocument> parse(QByteArrayView bytes, QByteArrayView charset = {});
+    static std::optional<XmlDocument> parse(QByteArrayList bytes, QByteArrayView charset = {});
 
     /// The document element; never null.
     XmlNode root() const { return XmlNode(this, 0); }

@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <string_view>
+#include <utility>
 
 namespace tidebrook {
 
@@ -81,21 +82,29 @@ iconv_t converterFrom(const QByteArray &encoding) {
 
 } // namespace
 
-XmlUtf8Reader::XmlUtf8Reader(QByteArrayView bytes, QByteArrayView charset) {
-    const Encoding encoding = encodingOf(bytes, charset);
-    left_ = bytes.sliced(encoding.markSize);
-    if (isUtf8(encoding.name))
-        return;
-    converter_.reset(converterFrom(encoding.name));
-    isKnown_ = converter_ || encoding.isOnlyAssumed;
-    if (converter_)
+XmlUtf8Reader::XmlUtf8Reader(QByteArrayList bytes, QByteArrayView charset)
+    : bytes_(std::move(bytes)) {
+    const Encoding encoding = encodingOf(bytes_.value(0), charset);
+    if (!isUtf8(encoding.name)) {
+        converter_.reset(converterFrom(encoding.name));
+        isKnown_ = converter_ || encoding.isOnlyAssumed;
+    }
+    if (converter_) {
+        bytes_ = {bytes_.join()}; // a character may stand in two pieces
         piece_ = QByteArray(pieceSize, Qt::Uninitialized);
+    }
+    if (!bytes_.isEmpty())
+        left_ = QByteArrayView(bytes_.at(0)).sliced(encoding.markSize);
 }
 
 std::optional<QByteArrayView> XmlUtf8Reader::next() {
     if (!isKnown_)
         return std::nullopt;
     if (!converter_) {
+        if (left_.isEmpty() && !isAtEnd()) {
+            bytes_[at_].clear();
+            left_ = bytes_.at(++at_);
+        }
         const QByteArrayView piece = left_.first(qMin(left_.size(), pieceSize));
         left_ = left_.sliced(piece.size());
         return piece;
@@ -111,9 +120,10 @@ std::optional<QByteArrayView> XmlUtf8Reader::next() {
     return QByteArrayView(piece_.constData(), out - piece_.constData());
 }
 
-bool isEmptyText(QByteArrayView bytes) {
-    const std::optional<Encoding> marked = encodingOfMark(bytes);
-    return bytes.size() == (marked ? marked->markSize : 0);
+bool isEmptyText(const QByteArrayList &bytes) {
+    const QByteArray first = bytes.value(0);
+    const std::optional<Encoding> marked = encodingOfMark(first);
+    return bytes.size() <= 1 && first.size() == (marked ? marked->markSize : 0);
 }
 
 } // namespace tidebrook

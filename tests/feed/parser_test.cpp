@@ -17,7 +17,7 @@ protected:
     }
 
     bool parseDocument(const QByteArray &text, const QString &channel = u"ch"_s) {
-        const auto document = XmlDocument::parse(text);
+        const auto document = XmlDocument::parse({text});
         if (!document) {
             ADD_FAILURE() << "not well-formed";
             return false;
