@@ -17,9 +17,9 @@ constexpr quint32 secondsPerDay = 86'400;
 constexpr qint64 defaultDaysBack = 2;
 
 struct DateParts {
-    QString year;
-    QString month; // with its dashes: -MM-
-    QString day;
+    QStringView year;
+    qsizetype month = 0; // 1 to 12
+    QStringView day;
 };
 
 void readToken(QStringView token, int position, DateParts &parts) {
@@ -27,12 +27,12 @@ void readToken(QStringView token, int position, DateParts &parts) {
     if ((position == 1 || position == 2) && length == 3) {
         const auto *month = std::find(monthNames.begin(), monthNames.end(), token);
         if (month != monthNames.end())
-            parts.month = QStringLiteral("-%1-").arg(month - monthNames.begin() + 1, 2, 10, zero);
+            parts.month = month - monthNames.begin() + 1;
     }
     if (position <= 2 && (length == 1 || length == 2))
-        parts.day = token.toString().rightJustified(2, zero);
+        parts.day = token;
     if ((position == 2 || position == 3 || position == 5) && (length == 4 || length == 2))
-        parts.year = token.toString();
+        parts.year = token;
 }
 
 DateParts readParts(QStringView text) {
@@ -48,17 +48,17 @@ DateParts readParts(QStringView text) {
 QString normalisePubDate(QStringView text) {
     if (text.startsWith(missingText))
         return {};
-    DateParts parts = readParts(text);
-    if (parts.year.isEmpty() || parts.month.isEmpty() || parts.day.isEmpty()) {
-        const QDate today = localNow().date();
-        if (parts.year.isEmpty())
-            parts.year = today.toString(u"yyyy");
-        if (parts.month.isEmpty())
-            parts.month = today.toString(u"-MM-");
-        if (parts.day.isEmpty())
-            parts.day = today.toString(u"dd");
-    }
-    return parts.year + parts.month + parts.day;
+    const DateParts parts = readParts(text);
+    const bool isWhole = !parts.year.isEmpty() && parts.month != 0 && !parts.day.isEmpty();
+    const QDate today = isWhole ? QDate() : localNow().date();
+    const auto padded = [](auto number) { return QString::number(number).rightJustified(2, zero); };
+    QString date = parts.year.isEmpty() ? QString::number(today.year()) : parts.year.toString();
+    date += u'-' + padded(parts.month != 0 ? parts.month : today.month()) + u'-';
+    if (parts.day.isEmpty())
+        return date + padded(today.day());
+    if (parts.day.size() == 1)
+        date += zero;
+    return date + parts.day;
 }
 
 qint64 ingestionClock(quint16 daysBack) {
