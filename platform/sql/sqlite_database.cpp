@@ -19,7 +19,7 @@ namespace tidebrook {
 namespace {
 
 // Far more than the system has statements; a bound, since statements are made from text.
-constexpr qsizetype idleStatementLimit = 64;
+constexpr std::size_t keptStatementLimit = 64;
 
 constexpr char blanks[] = " \t\r\n";
 
@@ -35,7 +35,13 @@ bool isOneStatement(const char *tail) { return tail[std::strspn(tail, blanks)] =
 } // namespace
 
 void SqliteStatement::GiveBack::operator()(sqlite3_stmt *statement) const {
-    database->giveBack(text, statement);
+    if (!place || *place) {
+        sqlite3_finalize(statement);
+        return;
+    }
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    *place = statement;
 }
 
 SqliteStatement::SqliteStatement(sqlite3_stmt *statement, const GiveBack &giveBack,
@@ -119,8 +125,8 @@ std::unique_ptr<SqliteDatabase> SqliteDatabase::open(const QString &path, const 
 }
 
 SqliteDatabase::~SqliteDatabase() {
-    for (sqlite3_stmt *statement : std::as_const(idle_))
-        sqlite3_finalize(statement);
+    for (const auto &kept : statements_)
+        sqlite3_finalize(kept.second);
     sqlite3_close(handle_);
 }
 
@@ -158,34 +164,28 @@ sqlite3_stmt *SqliteDatabase::compile(const QByteArray &utf8) {
 }
 
 SqliteStatement SqliteDatabase::prepare(const QByteArray &utf8, std::vector<SqliteValue> values) {
-    sqlite3_stmt *idle = idle_.take(utf8);
-    return lend(utf8, idle ? idle : compile(utf8), std::move(values));
+    return lend(utf8, false, std::move(values));
 }
 
 SqliteStatement SqliteDatabase::prepareFormat(const QByteArray &format,
                                               std::vector<SqliteValue> values) {
-    sqlite3_stmt *idle = idle_.take(format);
-    return lend(format, idle ? idle : compile(withParameters(format)), std::move(values));
+    return lend(format, true, std::move(values));
 }
 
-SqliteStatement SqliteDatabase::lend(const QByteArray &text, sqlite3_stmt *statement,
+SqliteStatement SqliteDatabase::lend(const QByteArray &text, bool isFormat,
                                      std::vector<SqliteValue> values) {
-    return statement ? SqliteStatement(statement, {this, text}, std::move(values))
-                     : SqliteStatement();
+    auto kept = statements_.find(text);
+    if (kept == statements_.end() && statements_.size() < keptStatementLimit)
+        kept = statements_.emplace(text, nullptr).first;
+    sqlite3_stmt **place = kept == statements_.end() ? nullptr : &kept->second;
+    sqlite3_stmt *statement = place ? std::exchange(*place, nullptr) : nullptr;
+    if (!statement)
+        statement = compile(isFormat ? withParameters(text) : text);
+    return statement ? SqliteStatement(statement, {place}, std::move(values)) : SqliteStatement();
 }
 
 bool SqliteDatabase::run(const QByteArray &utf8, std::vector<SqliteValue> values) {
     return prepare(utf8, std::move(values)).step() == SqliteStep::Done;
-}
-
-void SqliteDatabase::giveBack(const QByteArray &text, sqlite3_stmt *statement) {
-    sqlite3_reset(statement);
-    if (idle_.size() >= idleStatementLimit || idle_.contains(text)) {
-        sqlite3_finalize(statement);
-        return;
-    }
-    sqlite3_clear_bindings(statement);
-    idle_.insert(text, statement);
 }
 
 bool SqliteDatabase::inTransaction() const { return sqlite3_get_autocommit(handle_) == 0; }

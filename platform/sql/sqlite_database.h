@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <QString>
 #include <QStringList>
 
+#include <map>
 #include <memory>
 #include <variant>
 #include <vector>
@@ -49,8 +49,7 @@ private:
     friend class SqliteDatabase;
     struct GiveBack {
         void operator()(sqlite3_stmt *statement) const;
-        SqliteDatabase *database;
-        QByteArray text;
+        sqlite3_stmt **place; // in the database's list, null while on loan; none if not kept
     };
     SqliteStatement(sqlite3_stmt *statement, const GiveBack &giveBack,
                     std::vector<SqliteValue> values);
@@ -121,12 +120,11 @@ private:
     bool configure(const Options &options);
     bool hasSchema();
     sqlite3_stmt *compile(const QByteArray &utf8);
-    SqliteStatement lend(const QByteArray &text, sqlite3_stmt *statement,
-                         std::vector<SqliteValue> values);
-    void giveBack(const QByteArray &text, sqlite3_stmt *statement);
+    SqliteStatement lend(const QByteArray &text, bool isFormat, std::vector<SqliteValue> values);
 
     sqlite3 *handle_;
-    QHash<QByteArray, sqlite3_stmt *> idle_; // by the text or the format
+    // By the text or the format; null while on loan.
+    std::map<QByteArray, sqlite3_stmt *> statements_;
 };
 
 /// A write transaction, rolled back unless it is committed. Inside another one it does nothing:

@@ -5,15 +5,16 @@
 #include "platform/xml/xml_encoding.h"
 
 #include <QByteArrayMatcher>
-#include <QHash>
 
 #define XML_DTD // declares the functions that limit the growth by entities
 #include <expat.h>
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace tidebrook {
@@ -179,14 +180,14 @@ private:
     }
 
     std::uint32_t nameIndex(const char *name) {
-        const auto found = nameIndices_.constFind(QByteArrayView(name));
-        if (found != nameIndices_.cend())
-            return *found;
+        const auto found = nameIndices_.find(std::string_view(name));
+        if (found != nameIndices_.end())
+            return found->second;
         const auto index = static_cast<std::uint32_t>(document_.names_.size());
         const QByteArray &stored = document_.names_.emplace_back(name);
         if (index >= nameLimit || stored.size() > nameSizeLimit)
             stop();
-        nameIndices_.insert(stored, index);
+        nameIndices_.emplace(std::string_view(stored), index);
         return index;
     }
 
@@ -291,7 +292,7 @@ private:
     XmlDocument document_;
     char *text_ = nullptr; // of the document, which does not share it yet
     qsizetype textRoom_ = 0;
-    QHash<QByteArrayView, std::uint32_t> nameIndices_; // views of names_' bytes
+    std::map<std::string_view, std::uint32_t> nameIndices_; // views of names_' bytes
     std::vector<OpenElement> open_;
     bool isStopped_ = false;
     std::uint32_t textBegin_ = 0; // where the run of text being read began
