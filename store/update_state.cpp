@@ -55,7 +55,7 @@ UpdateStateStore::UpdateStateStore(const DeviceRoot &device) : path_(device.file
 
 bool UpdateStateStore::open() {
     database_ = SqliteDatabase::open(
-        path_, {.create = true, .syncEveryCommit = false, .busyTimeout = 2000});
+        path_, {.create = true, .syncEveryCommit = false, .isCache = true, .busyTimeout = 2000});
     return database_ && database_->run(creation) && database_->prepare(insertion);
 }
 

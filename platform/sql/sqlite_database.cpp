@@ -21,6 +21,9 @@ namespace {
 // Far more than the system has statements; a bound, since statements are made from text.
 constexpr std::size_t keptStatementLimit = 64;
 
+// The next one to open the file reads the whole journal.
+constexpr int keptJournalPages = 64;
+
 constexpr char blanks[] = " \t\r\n";
 
 constexpr QStringView journalEndings[]{u"-wal", u"-shm", u"-journal"};
@@ -139,8 +142,14 @@ bool SqliteDatabase::configure(const Options &options) {
         return false;
     if (options.readOnly)
         return true;
+    if (options.isCache)
+        run("PRAGMA synchronous = OFF");
     // Fails for a read-only file, which keeps its journal mode.
     run("PRAGMA journal_mode = WAL");
+    if (options.isCache) {
+        sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+        sqlite3_wal_autocheckpoint(handle_, keptJournalPages);
+    }
     return run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
                                        : "PRAGMA synchronous = NORMAL");
 }

@@ -71,6 +71,9 @@ public:
         /// Sync at every commit. Without it a power cut may undo the last ones, each as a whole,
         /// unless `flush` was called.
         bool syncEveryCommit = true;
+        /// What is in the file can be had again, and is seldom worth a sync: a power cut while the
+        /// file is made may damage it, and its journal stays when it is closed.
+        bool isCache = false;
         /// How long a statement waits for another process's lock, in milliseconds.
         int busyTimeout = 5000;
     };
