@@ -13,8 +13,10 @@ namespace tidebrook {
 
 struct Answer {
     /// Raw: the body is the whole answer, headers included; then `repeated` goes out until the
-    /// client leaves, or without it the connection is closed.
+    /// client leaves, or without it the connection ends.
     enum class Manner { Whole, Raw, Never };
+    /// Of a raw answer. Hold: the connection stays open until the client leaves.
+    enum class Ending { Close, Reset, Hold };
     using Headers = QList<std::pair<QByteArray, QByteArray>>;
 
     Manner manner = Manner::Whole;
@@ -26,10 +28,14 @@ struct Answer {
     QByteArray etag = {};                  // empty: none
     QByteArray lastModified = {};          // empty: none
     QByteArray repeated = {};
+    Ending ending = Ending::Close;
 
     /// The status line and headers; with the body's length.
     QByteArray head() const;
 };
+
+/// `body` in gzip's format.
+QByteArray gzipped(const QByteArray &body);
 
 /// What is answered to which path. Thread-safe.
 class AnswerBook {

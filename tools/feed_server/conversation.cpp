@@ -2,6 +2,7 @@
 
 #include <QUrl>
 
+#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -32,19 +33,27 @@ bool waitFor(int socket, short event) {
 
 } // namespace
 
-FeedServer::FeedServer() {
-    listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    auto *const plain = reinterpret_cast<sockaddr *>(&address);
-    socklen_t size = sizeof address;
-    if (bind(listener_, plain, size) != 0 || listen(listener_, waitingConnections) != 0 ||
-        getsockname(listener_, plain, &size) != 0) {
+FeedServer::FeedServer(const char *address) : address_(address) {
+    if (address_.contains(':'))
+        address_ = '[' + address_ + ']';
+    addrinfo hints{};
+    hints.ai_flags = AI_NUMERICHOST;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *found = nullptr;
+    if (getaddrinfo(address, "0", &hints, &found) != 0)
+        throw std::runtime_error("not an address");
+    listener_ = socket(found->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in6 own{}; // the port of an IPv4 address has the same place
+    socklen_t size = sizeof own;
+    const bool isListening = bind(listener_, found->ai_addr, found->ai_addrlen) == 0 &&
+                             listen(listener_, waitingConnections) == 0 &&
+                             getsockname(listener_, reinterpret_cast<sockaddr *>(&own), &size) == 0;
+    freeaddrinfo(found);
+    if (!isListening) {
         close(listener_);
         throw std::runtime_error("cannot listen on the loopback device");
     }
-    port_ = ntohs(address.sin_port);
+    port_ = ntohs(own.sin6_port);
     acceptor_ = std::thread([this] { acceptAll(); });
 }
 
@@ -84,6 +93,12 @@ void FeedServer::acceptAll() {
 void FeedServer::converse(int socket) {
     QByteArray rest;
     Request request;
+    QByteArray greeting;
+    {
+        const std::lock_guard lock(mutex_);
+        greeting = greeting_;
+    }
+    send(socket, greeting);
     while (readRequest(socket, rest, request)) {
         beginRequest(socket, request);
         const bool isOver = !waitUnlessStopped(delay_.load()) || !answer(socket, request);
@@ -133,13 +148,29 @@ bool FeedServer::answer(int socket, const Request &request) {
         return false;
     }
     if (answer.manner == Answer::Manner::Raw) {
-        while (send(socket, answer.body) && !answer.repeated.isEmpty())
-            answer.body = answer.repeated;
+        sendAsIs(socket, answer);
         return false;
     }
     if (answer.body.isEmpty())
         endRequest(socket);
     return send(socket, answer.head()) && sendBody(socket, answer);
+}
+
+void FeedServer::sendAsIs(int socket, const Answer &answer) {
+    const qsizetype step = answer.interval.count() > 0 ? 1 : answer.body.size();
+    for (qsizetype i = 0; i < answer.body.size(); i += step) {
+        if (!send(socket, answer.body.sliced(i, step)) || !waitUnlessStopped(answer.interval))
+            return;
+    }
+    while (!answer.repeated.isEmpty()) {
+        if (!send(socket, answer.repeated))
+            return;
+    }
+    const linger none{1, 0};
+    if (answer.ending == Answer::Ending::Hold)
+        waitFor(socket, POLLRDHUP);
+    else if (answer.ending == Answer::Ending::Reset)
+        setsockopt(socket, SOL_SOCKET, SO_LINGER, &none, sizeof none);
 }
 
 bool FeedServer::sendBody(int socket, const Answer &answer) {

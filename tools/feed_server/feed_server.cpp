@@ -6,10 +6,7 @@
 
 namespace tidebrook {
 
-namespace {
-
-/// `body` in gzip's format.
-QByteArray compressed(const QByteArray &body) {
+QByteArray gzipped(const QByteArray &body) {
     // What qCompress makes begins with a length and zlib's header and ends with zlib's checksum.
     const QByteArray deflated = qCompress(body).sliced(6).chopped(4);
     const quint32 end[]{
@@ -20,8 +17,6 @@ QByteArray compressed(const QByteArray &body) {
            QByteArray(reinterpret_cast<const char *>(end), sizeof end);
 }
 
-} // namespace
-
 QByteArray FeedServer::Request::header(QByteArrayView name) const {
     for (const auto &[itsName, value] : headers) {
         if (name.compare(itsName, Qt::CaseInsensitive) == 0)
@@ -31,7 +26,7 @@ QByteArray FeedServer::Request::header(QByteArrayView name) const {
 }
 
 QString FeedServer::url(QStringView path) const {
-    return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(path);
+    return QStringLiteral("http://%1:%2%3").arg(QLatin1String(address_)).arg(port()).arg(path);
 }
 
 void FeedServer::serve(const QString &path, const QByteArray &body, const QByteArray &contentType) {
@@ -44,7 +39,7 @@ void FeedServer::serveWithValidators(const QString &path, const QByteArray &body
 }
 
 void FeedServer::serveGzip(const QString &path, const QByteArray &body) {
-    book_.set(path, {.body = compressed(body), .headers = {{"Content-Encoding", "gzip"}}});
+    book_.set(path, {.body = gzipped(body), .headers = {{"Content-Encoding", "gzip"}}});
 }
 
 void FeedServer::answerStatus(const QString &path, int status, const QByteArray &body,
@@ -82,6 +77,11 @@ void FeedServer::endless(const QString &path) {
             "HTTP/1.1 200 OK\r\nContent-Type: text/xml\r\nTransfer-Encoding: chunked\r\n\r\n" +
                 chunk("<rss version=\"2.0\"><channel><title>Endless</title>\n"),
             chunk(item));
+}
+
+void FeedServer::setGreeting(const QByteArray &bytes) {
+    const std::lock_guard lock(mutex_);
+    greeting_ = bytes;
 }
 
 QList<FeedServer::Request> FeedServer::requests() const {

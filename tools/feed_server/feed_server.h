@@ -11,8 +11,7 @@
 namespace tidebrook {
 
 /// An HTTP server on the loopback device that gives the answers that it was set to, faults
-/// included. It listens on a free port of 127.0.0.1 and serves each connection in a thread of its
-/// own.
+/// included. It listens on a free port and serves each connection in a thread of its own.
 ///
 /// Paths are given percent-decoded and without a query; a query in a request does not change the
 /// answer. What was said last about a path holds, also for requests that come while the server
@@ -34,7 +33,8 @@ public:
     };
 
     /// Requests can be made as soon as it returns. Throws std::runtime_error if it cannot listen.
-    FeedServer();
+    /// `address`: 127.0.0.1 or ::1.
+    explicit FeedServer(const char *address = "127.0.0.1");
 
     /// Drops every connection, whatever it is doing, and waits for all threads.
     ~FeedServer();
@@ -87,6 +87,11 @@ public:
     /// the client takes it, or without it closes the connection.
     void sendRaw(const QString &path, const QByteArray &bytes, const QByteArray &repeated = {});
 
+    void setAnswer(const QString &path, const Answer &answer) { book_.set(path, answer); }
+
+    /// Sends these bytes on every new connection before it reads a request.
+    void setGreeting(const QByteArray &bytes);
+
     /// Sends the beginning of a feed and then items without end, in chunks, as fast as they are
     /// taken.
     void endless(const QString &path);
@@ -115,6 +120,7 @@ private:
     bool readRequest(int socket, QByteArray &rest, Request &request);
     bool answer(int socket, const Request &request);
     bool sendBody(int socket, const Answer &answer);
+    void sendAsIs(int socket, const Answer &answer);
     bool send(int socket, const QByteArray &bytes);
     bool waitUnlessStopped(std::chrono::milliseconds time);
     void beginRequest(int socket, const Request &request);
@@ -126,12 +132,14 @@ private:
     std::atomic<std::chrono::milliseconds> delay_{std::chrono::milliseconds(0)};
     int listener_ = -1;
     int port_ = 0;
+    QByteArray address_; // as a URL has it
 
     mutable std::mutex mutex_; // guards what follows
     std::condition_variable changed_;
     bool isStopping_ = false;
     QList<int> sockets_; // of the connections, each of which has a thread
     QList<Request> requests_;
+    QByteArray greeting_;
     QHash<int, QByteArray> answered_; // the hosts of the requests that are being answered
     QHash<QByteArray, int> peaks_;    // by host; of all under an empty one
 
