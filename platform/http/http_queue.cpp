@@ -103,7 +103,9 @@ private:
 
     void end(std::list<Running>::iterator running, CURLcode result) {
         const Waiting waiting = running->waiting;
-        const QString next = result == CURLE_OK ? running->get.transfer().redirect() : QString();
+        // The body of a redirect need not come whole: it is of no use.
+        const bool isAnswered = result == CURLE_OK || result == CURLE_PARTIAL_FILE;
+        const QString next = isAnswered ? running->get.transfer().redirect() : QString();
         if (!next.isEmpty() && waiting.redirects < redirectLimit && hasWebScheme(parseUrl(next))) {
             running_.erase(running);
             waiting_.push_front({waiting.index,
