@@ -133,6 +133,7 @@ size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
 size_t HttpTransfer::receiveHeader(char *line, size_t, size_t size, void *self) {
     auto *transfer = static_cast<HttpTransfer *>(self);
     transfer->headersLeft_ -= static_cast<qint64>(size);
+    transfer->hasWholeHead_ = *line == '\r' || *line == '\n';
     const bool isTaken =
         transfer->headersLeft_ >= 0 &&
         transfer->isTakenPacking(QByteArray(line, static_cast<qsizetype>(size)).toLower());
@@ -200,7 +201,7 @@ HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
         return HttpProgress::NotStarted;
     switch (code) {
     case CURLE_OK:
-        return HttpProgress::Complete;
+        return transfer.hasWholeHead() ? HttpProgress::Complete : HttpProgress::Incomplete;
     case CURLE_URL_MALFORMAT:
         return HttpProgress::NotOpened;
     case CURLE_OPERATION_TIMEDOUT:

@@ -58,6 +58,9 @@ public:
     /// Runs it on this thread to its end, or until `stop` is raised.
     CURLcode perform(const StopSignal *stop);
 
+    /// Whether the empty line behind the headers has come. libcurl takes an answer that ends before
+    /// it for one with an empty body.
+    bool hasWholeHead() const { return hasWholeHead_; }
     /// The value of a header of the answer, or nothing.
     QByteArray header(const char *name) const;
     qint64 number(CURLINFO what) const { return info<curl_off_t>(what); }
@@ -85,7 +88,8 @@ private:
     Sink sink_;
     qint64 bodyLeft_;
     qint64 headersLeft_;
-    qint64 wireLeft_;      // of all that comes, unpacked or not, read or not
+    qint64 wireLeft_; // of all that comes, unpacked or not, read or not
+    bool hasWholeHead_ = false;
     int packingCount_ = 0; // how often the answer being read is packed
 };
 
