@@ -21,8 +21,9 @@ struct HttpLimits {
     const StopSignal *stop = nullptr;                // ends a transfer at once when it is raised
 };
 
-/// What a server said of the state of a document, byte for byte; empty where it said nothing or
-/// more than a kilobyte. Sent back, it has the server answer 304 while the document is the same.
+/// What a server said of the state of a document, byte for byte; empty where it said nothing, more
+/// than a kilobyte, or control characters. Sent back, it has the server answer 304 while the
+/// document is the same.
 struct HttpValidators {
     QByteArray etag;
     QByteArray lastModified;

@@ -2,6 +2,8 @@
 
 #include "platform/sync/stop_signal.h"
 
+#include <algorithm>
+
 namespace tidebrook {
 
 namespace {
@@ -24,9 +26,10 @@ QByteArray charsetOf(const QByteArray &contentType) {
     return {};
 }
 
-// A longer one is not worth sending back.
+// A longer one is not worth sending back, and one with control characters no header can carry.
 QByteArray keptValidator(const QByteArray &value) {
-    return value.size() <= validatorLimit ? value : QByteArray();
+    const bool isText = std::ranges::all_of(value, [](uchar byte) { return byte >= ' '; });
+    return isText && value.size() <= validatorLimit ? value : QByteArray();
 }
 
 } // namespace
