@@ -122,7 +122,18 @@ QByteArray HttpTransfer::header(const char *name) const {
     curl_header *found = nullptr;
     if (!easy_ || curl().curl_easy_header(easy_, name, 0, CURLH_HEADER, -1, &found) != CURLHE_OK)
         return {};
-    return QByteArray(found->value);
+    return QByteArray(found->value).trimmed(); // of an empty one the line's end is left
+}
+
+// libcurl resolves the address only of an answer that came whole.
+QString HttpTransfer::redirect() const {
+    const QString known = QString::fromUtf8(info<const char *>(CURLINFO_REDIRECT_URL));
+    const QByteArray location = status() / 100 == 3 ? header("Location") : QByteArray();
+    if (!known.isEmpty() || location.isEmpty())
+        return known;
+    const CurlUrl url = parseUrl(QString::fromUtf8(info<const char *>(CURLINFO_EFFECTIVE_URL)));
+    curl().curl_url_set(url.get(), CURLUPART_URL, location.constData(), CURLU_URLENCODE);
+    return QString::fromUtf8(partOf(url, CURLUPART_URL));
 }
 
 size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
@@ -136,7 +147,7 @@ size_t HttpTransfer::receive(char *data, size_t, size_t size, void *self) {
 size_t HttpTransfer::receiveHeader(char *line, size_t, size_t size, void *self) {
     auto *transfer = static_cast<HttpTransfer *>(self);
     transfer->headersLeft_ -= static_cast<qint64>(size);
-    transfer->hasWholeHead_ = *line == '\r' || *line == '\n';
+    transfer->hasWholeHead_ = transfer->hasWholeHead_ || *line == '\r' || *line == '\n';
     const bool isTaken =
         transfer->headersLeft_ >= 0 &&
         transfer->isTakenPacking(QByteArray(line, static_cast<qsizetype>(size)).toLower());
@@ -146,8 +157,10 @@ size_t HttpTransfer::receiveHeader(char *line, size_t, size_t size, void *self) 
 // The library unpacks whatever it can, and up to five times over: into how much is only known at
 // the end. The other methods it has use more memory by far.
 bool HttpTransfer::isTakenPacking(const QByteArray &header) {
-    if (header.startsWith("http/"))
+    if (header.startsWith("http/")) {
+        hasWholeHead_ = false;
         packingCount_ = 0;
+    }
     if (!header.startsWith("content-encoding:") && !header.startsWith("transfer-encoding:"))
         return true;
     for (const QByteArray &method : header.sliced(header.indexOf(':') + 1).split(',')) {

@@ -65,10 +65,9 @@ public:
     QByteArray header(const char *name) const;
     qint64 number(CURLINFO what) const { return info<curl_off_t>(what); }
     long status() const { return info<long>(CURLINFO_RESPONSE_CODE); }
-    /// The address that the answer redirects to; empty when it is no redirect.
-    QString redirect() const {
-        return QString::fromUtf8(info<const char *>(CURLINFO_REDIRECT_URL));
-    }
+    /// The address that the answer redirects to, whose body need not have come whole; empty when it
+    /// is no redirect.
+    QString redirect() const;
 
 private:
     template <typename Value> Value info(CURLINFO what) const {

@@ -121,6 +121,7 @@ Rows headers() {
         {"hints without an end", raw({}, hint.repeated(1000)), 1008},
         {"100 without an end", raw({}, QByteArray("HTTP/1.1 100 Continue\r\n\r\n").repeated(1000)),
          1008},
+        {"hints alone", raw(hint), 1007},
         {"hints before", raw(hint.repeated(3) + ok + length + "\r\n" + feed), 0},
         {"switch to another protocol",
          raw("HTTP/1.1 101 Switch\r\nUpgrade: h2c\r\nConnection: Upgrade\r\n\r\n" + feed), 0},
@@ -270,7 +271,7 @@ Rows redirects(FeedServer &server) {
         {"redirect of 90 kB", redirect("/good?" + QByteArray(90'000, 'x')), 0},
         {"redirect with a blank", redirect("/good?a b\xC3\xA9"), 0},
         {"redirect with a fragment", redirect("/good#x#y"), 0},
-        {"redirect folded", redirect("\r\n /good"), 1002},
+        {"redirect folded", redirect("\r\n /good"), 1002, false, 0},
         {"redirect twice in one answer", redirect("/good\r\nLocation: /chain11"), 0},
         {"redirect to a closed port", redirect("http://127.0.0.1:1/"), 1007},
         {"redirect to port 0", redirect("http://127.0.0.1:0/"), 1007},
@@ -326,7 +327,6 @@ Rows phases(const QByteArray &gzip) {
         {"half a header", ok + "Content-Le", 1008},
         {"headers", ok + length + "\r\n", 1008},
         {"half a body", ok + length + "\r\n" + feed.first(40), 1008},
-        {"a hint", "HTTP/1.1 103 Early\r\n\r\n", 1008},
         {"half a chunk size", chunked + "1", 1008},
         {"a chunk size", chunked + hexSize + "\r\n", 1008},
         {"half a chunk", chunked + hexSize + "\r\n" + feed.first(40), 1008},
@@ -345,6 +345,8 @@ Rows phases(const QByteArray &gzip) {
     rows.push_back({"slow bytes", slow(1ms, headed({})), 0});
     rows.push_back({"slow chunks", slow(1ms, raw(chunked + chunk + last)), 0});
     rows.push_back({"headers too slow", slow(100ms, headed({})), 1008, true});
+    rows.push_back(
+        {"a hint Hold", raw("HTTP/1.1 103 Early\r\n\r\n", {}, Ending::Hold), 1008, true});
     rows.push_back({"hints too slow",
                     slow(100ms, raw(QByteArray("HTTP/1.1 100 X\r\n\r\n").repeated(99))), 1008,
                     true});
