@@ -95,8 +95,11 @@ void printLater(const RefreshJob &job, const QDateTime &later, bool isOneNamed) 
 
 void printResult(const RefreshJob &job, const RefreshResult &result) {
     if (result.error != 0) {
-        printFault({QStringLiteral("error"), QString::number(result.error),
-                    errorMessage(result.error), job.channelName});
+        QStringList fields{QStringLiteral("error"), QString::number(result.error),
+                           errorMessage(result.error), job.channelName};
+        if (!result.detail.isEmpty())
+            fields.append(result.detail);
+        printFault(fields);
         return;
     }
     printFields({QStringLiteral("ok"), QString::number(result.storedCount),

@@ -52,6 +52,7 @@ bool FeedFetcher::fetch(const QString &url, const QString &channelName) {
 }
 
 FeedFetcher::Taken FeedFetcher::takeAnswer(HttpAnswer &answer) {
+    detail_ = answer.detail;
     switch (answer.progress) {
     case HttpProgress::NotStarted:
         fail(HttpMissing);

@@ -35,6 +35,9 @@ public:
     /// The code that the user sees, which for an empty answer is another.
     quint32 toldError() const { return toldError_; }
 
+    /// For the log: why the first request was not complete; empty when it was.
+    const QString &detail() const { return detail_; }
+
     /// Gets the document and checks that it is RSS. Waits for the network, for 50 seconds at most;
     /// does not use the store.
     bool fetch(const QString &url, const QString &channelName);
@@ -77,6 +80,7 @@ private:
     const FetchOptions options_;
     quint32 error_ = 0;
     quint32 toldError_ = 0;
+    QString detail_;
     std::optional<XmlDocument> document_;
     bool isUnchanged_ = false;
     int storedCount_ = 0;

@@ -148,7 +148,7 @@ void Downloader::runRound(const AutoRound &round) {
         limits.stop = &interrupt_.stopSignal();
         result = runAutoRound({device_, registry_, store, limits}, round,
                               [this](const RefreshJob &job, const RefreshResult &ended) {
-                                  log_.result(job.channelName, ended.error, ended.storedCount);
+                                  log_.result(job.channelName, ended);
                               });
         log_.info(summary(result));
         publishNews(result);

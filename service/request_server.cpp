@@ -69,7 +69,7 @@ void RequestServer::note(const RequestFile &request, const RefreshResult &result
         log_.warning(QStringLiteral("the request file holds no request"));
         return;
     }
-    log_.result(request.job()->channelName, result.error, result.storedCount);
+    log_.result(request.job()->channelName, result);
     if (stop_.isRaised())
         return;
     UpdateStateStore states(device_);

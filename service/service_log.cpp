@@ -34,12 +34,13 @@ void ServiceLog::detail(const QString &message) {
         write(7, message);
 }
 
-void ServiceLog::result(const QString &channelName, quint32 code, int storedCount) {
-    if (code != 0)
-        warning(QStringLiteral("%1: %2 (%3)")
-                    .arg(channelName, errorMessage(code), QString::number(code)));
+void ServiceLog::result(const QString &channelName, const RefreshResult &result) {
+    if (result.error != 0)
+        warning(QStringLiteral("%1: %2 (%3)%4")
+                    .arg(channelName, errorMessage(result.error), QString::number(result.error),
+                         result.detail.isEmpty() ? QString() : u": " + result.detail));
     else
-        detail(QStringLiteral("%1: %2 new").arg(channelName, QString::number(storedCount)));
+        detail(QStringLiteral("%1: %2 new").arg(channelName, QString::number(result.storedCount)));
 }
 
 void ServiceLog::write(int priority, const QString &message) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include "update/refresh.h"
 
 #include <mutex>
 
@@ -18,7 +18,7 @@ public:
     void warning(const QString &message) { write(4, message); }
     void info(const QString &message) { write(6, message); }
     /// How a channel's update ended.
-    void result(const QString &channelName, quint32 code, int storedCount);
+    void result(const QString &channelName, const RefreshResult &result);
     /// Written only by a verbose log.
     void detail(const QString &message);
 

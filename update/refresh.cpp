@@ -27,6 +27,7 @@ RefreshResult storeFetched(const RefreshTarget &target, const RefreshJob &job, F
         fetcher.fail(DatabaseFailed);
     result.error = fetcher.error();
     result.toldError = fetcher.toldError();
+    result.detail = fetcher.detail();
     result.storedCount = isChanged ? fetcher.storedCount() : 0;
     if (isChanged)
         result.shared = fetcher.sharedArticles();

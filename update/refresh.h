@@ -14,6 +14,7 @@ struct RefreshResult {
     quint32 toldError = error; ///< the code that the user sees
     /// What other channels have of the document; nothing where none was read to its end.
     std::optional<SharedArticles> shared = {};
+    QString detail = {}; ///< for the log: why the request was not complete
 };
 
 /// Refreshes one channel without pauses: fetches, and then stores, prunes and counts as one

@@ -72,6 +72,7 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
       bodyLeft_(bodyLimit), headersLeft_(headerLimit), wireLeft_(2 * (headerLimit + bodyLimit)) {
     if (!easy_)
         return;
+    set(CURLOPT_ERRORBUFFER, failure_.data());
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_QUICK_EXIT, 1L); // a time limit does not wait for a slow name server
     set(CURLOPT_FOLLOWLOCATION, 1L);
@@ -107,6 +108,10 @@ void HttpTransfer::setTimeLimits(const HttpLimits &limits, std::chrono::millisec
 void HttpTransfer::setHeaders(CurlList headers) {
     headers_ = std::move(headers);
     set(CURLOPT_HTTPHEADER, headers_.get());
+}
+
+QString HttpTransfer::failure(CURLcode code) const {
+    return QString::fromUtf8(failure_[0] ? failure_.data() : curl().curl_easy_strerror(code));
 }
 
 CURLcode HttpTransfer::perform(const StopSignal *stop) {
@@ -277,8 +282,8 @@ HttpAnswer HttpGet::takeAnswer(CURLcode code) {
     answer_.status = static_cast<int>(transfer_.status());
     answer_.retryAfter = std::chrono::seconds(transfer_.number(CURLINFO_RETRY_AFTER));
     if (answer_.progress != HttpProgress::Complete) {
-        answer_.detail = isCurlReady() ? QString::fromUtf8(curl().curl_easy_strerror(code))
-                                       : QStringLiteral("libcurl is missing");
+        answer_.detail =
+            isCurlReady() ? transfer_.failure(code) : QStringLiteral("libcurl is missing");
         return std::move(answer_);
     }
     answer_.isUnchanged = isConditional_ && answer_.status == notModified;

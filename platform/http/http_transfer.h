@@ -3,6 +3,7 @@
 #include "platform/http/curl_library.h"
 #include "platform/http/http.h"
 
+#include <array>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -58,6 +59,8 @@ public:
     /// Runs it on this thread to its end, or until `stop` is raised.
     CURLcode perform(const StopSignal *stop);
 
+    /// Why it failed, in libcurl's words.
+    QString failure(CURLcode code) const;
     /// Whether the empty line behind the headers has come. libcurl takes an answer that ends before
     /// it for one with an empty body.
     bool hasWholeHead() const { return hasWholeHead_; }
@@ -88,6 +91,7 @@ private:
     qint64 bodyLeft_;
     qint64 headersLeft_;
     qint64 wireLeft_; // of all that comes, unpacked or not, read or not
+    std::array<char, CURL_ERROR_SIZE> failure_{};
     bool hasWholeHead_ = false;
     int packingCount_ = 0; // how often the answer being read is packed
 };
