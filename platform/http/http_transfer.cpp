@@ -73,6 +73,7 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
     if (!easy_)
         return;
     set(CURLOPT_ERRORBUFFER, failure_.data());
+    setAuthorities();
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_QUICK_EXIT, 1L); // a time limit does not wait for a slow name server
     set(CURLOPT_FOLLOWLOCATION, 1L);
@@ -93,6 +94,16 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
     set(CURLOPT_XFERINFODATA, this);
     set(CURLOPT_XFERINFOFUNCTION, &HttpTransfer::checkWire);
     set(CURLOPT_NOPROGRESS, 0L);
+}
+
+// The variables of the system's TLS library, which libcurl sets aside for defaults of its own.
+void HttpTransfer::setAuthorities() {
+    const QByteArray file = qgetenv("SSL_CERT_FILE");
+    const QByteArray folder = qgetenv("SSL_CERT_DIR");
+    if (!file.isEmpty())
+        set(CURLOPT_CAINFO, file.constData());
+    if (!folder.isEmpty())
+        set(CURLOPT_CAPATH, folder.constData());
 }
 
 HttpTransfer::~HttpTransfer() {

@@ -79,6 +79,7 @@ private:
             curl().curl_easy_getinfo(easy_, what, &value);
         return value;
     }
+    void setAuthorities();
     static size_t receive(char *data, size_t, size_t size, void *self);
     static size_t receiveHeader(char *line, size_t, size_t size, void *self);
     static int countWire(CURL *, curl_infotype type, char *, size_t size, void *self);
