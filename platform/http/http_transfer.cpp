@@ -246,6 +246,8 @@ HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
     case CURLE_COULDNT_RESOLVE_PROXY:
     case CURLE_COULDNT_CONNECT:
     case CURLE_GOT_NOTHING:
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_TOO_MANY_REDIRECTS:
     case CURLE_UNSUPPORTED_PROTOCOL:
         return HttpProgress::NotSent;
