@@ -67,14 +67,14 @@ TEST_F(TlsTest, AServerThatCannotBeTrustedIsNotReachedAndTheReasonIsSaid) {
     const Row rows[]{
         {u"good"_s, u"good"_s, u""_s, u""_s},
         {u"asking"_s, u"good"_s, u"-verify 1"_s, u""_s},
-        {u"wrong"_s, u"good"_s, u""_s, u"does not match|no alternative certificate subject name"_s},
+        {u"wrong"_s, u"good"_s, u""_s, u"no alternative certificate subject name"_s},
         {u"expired"_s, u"expired"_s, u""_s, u"certificate has expired"_s},
         {u"early"_s, u"early"_s, u""_s, u"not yet valid"_s},
         {u"self"_s, u"self"_s, u""_s, u"self.signed certificate"_s},
         {u"unknown"_s, u"unknown"_s, u""_s, u"unable to get local issuer certificate"_s},
         {u"old"_s, u"good"_s, u"-tls1_1 -cipher DEFAULT@SECLEVEL=0"_s, u"protocol"_s},
         {u"strict"_s, u"good"_s, u"-Verify 1 -tls1_3"_s,
-         u"certificate required|SSL|Empty|OpenSSL"_s},
+         u"certificate required"_s},
         {u"strict12"_s, u"good"_s, u"-Verify 1 -tls1_2"_s, u"handshake failure"_s},
     };
     for (const Row &row : rows)
@@ -86,7 +86,7 @@ TEST_F(TlsTest, AServerThatCannotBeTrustedIsNotReachedAndTheReasonIsSaid) {
     EXPECT_EQ(lines.size(), std::ssize(rows) + 1);
     const auto expectLine = [&](const QString &name, const QString &reason) {
         const QRegularExpression line(
-            reason.isEmpty() ? u"^ok\t\\d\t1/1\t%1$"_s.arg(name)
+            reason.isEmpty() ? u"^ok\t\\d\t\\d/\\d\t%1$"_s.arg(name)
                              : u"^error\t1007\t[^\t]+\t%1\t.*(%2)"_s.arg(name, reason));
         EXPECT_EQ(lines.filter(line).size(), 1) << qPrintable(name + u'\n' + lines.join(u'\n'));
     };
