@@ -74,6 +74,7 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
         return;
     set(CURLOPT_ERRORBUFFER, failure_.data());
     setAuthorities();
+    set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2)); // or later
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_QUICK_EXIT, 1L); // a time limit does not wait for a slow name server
     set(CURLOPT_FOLLOWLOCATION, 1L);
