@@ -93,6 +93,13 @@ TEST_F(TlsTest, AServerThatCannotBeTrustedIsNotReachedAndTheReasonIsSaid) {
     for (const Row &row : rows)
         expectLine(row.name, row.reason);
     expectLine(u"plain"_s, u"wrong version"_s);
+
+    EXPECT_EQ(run(u"request C expired"_s).exitCode, 1);
+    waitFor([&] {
+        return contentOf(filePath(u"run/feedlarkd.log"_s))
+            .contains("(1007): SSL certificate problem: certificate has expired\n");
+    });
+    ok(u"service stop"_s);
 }
 
 TEST_F(TlsTest, ARedirectToAServerThatCannotBeTrustedReachesNone) {
