@@ -104,7 +104,8 @@ TEST_F(HostileServerTest, ARoundOverAllOfThemLosesNothing) {
     writeFile(filePath(u"list.opml"_s), subscriptions(rows));
     ok(u"import %1 C"_s.arg(filePath(u"list.opml"_s)));
     ok(u"update --jobs 16"_s);
-    serveHostileAnswers(server_);
+    for (const HostileAnswer &row : rows)
+        server_.setAnswer(row.path(), row.answer);
     EXPECT_EQ(run(u"update --jobs 16 --full"_s).exitCode, 1);
 
     const QJsonArray states = QJsonDocument::fromJson(ok(u"updates --json"_s).toUtf8()).array();

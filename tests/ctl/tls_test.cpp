@@ -73,8 +73,7 @@ TEST_F(TlsTest, AServerThatCannotBeTrustedIsNotReachedAndTheReasonIsSaid) {
         {u"self"_s, u"self"_s, u""_s, u"self.signed certificate"_s},
         {u"unknown"_s, u"unknown"_s, u""_s, u"unable to get local issuer certificate"_s},
         {u"old"_s, u"good"_s, u"-tls1_1 -cipher DEFAULT@SECLEVEL=0"_s, u"protocol"_s},
-        {u"strict"_s, u"good"_s, u"-Verify 1 -tls1_3"_s,
-         u"certificate required"_s},
+        {u"strict"_s, u"good"_s, u"-Verify 1 -tls1_3"_s, u"certificate required"_s},
         {u"strict12"_s, u"good"_s, u"-Verify 1 -tls1_2"_s, u"handshake failure"_s},
     };
     for (const Row &row : rows)
