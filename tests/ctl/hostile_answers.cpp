@@ -224,8 +224,8 @@ Rows packings(const QByteArray &gzip, const QByteArray &bomb) {
     const std::tuple<QByteArray, QByteArray, quint32> methods[]{
         {"GZIP", gzip, 0},
         {"x-gzip", gzip, 0},
-        {"gzip, gzip", gzip, 1008},
-        {"gzip\r\nContent-Encoding: gzip", gzip, 1008},
+        {"gzip, gzip", gzipped(gzip), 1008},
+        {"gzip\r\nContent-Encoding: gzip", gzipped(gzip), 1008},
         {"br", "\x0B\x02\x80", 1008},
         {"zstd", "\x28\xB5\x2F\xFD", 1008},
         {"compress", "\x1F\x9D\x90", 1008},
