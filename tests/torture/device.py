@@ -12,7 +12,7 @@ from email.utils import formatdate
 
 BIN = pathlib.Path(os.environ["TORTURE_BIN"])
 DAY = 86400
-PATIENCE = 20  # seconds; a program that takes longer hangs
+PATIENCE = 60  # seconds; a program that takes longer hangs
 
 
 def feed(name, first, count, now=None):
