@@ -188,11 +188,7 @@ def cut(work, series, disk, ends, states, moment, variant):
     wrong += faults.judge(command, before, after, state, 1, "cut", True)
     if wrong or done == len(series):
         return wrong
-    again, out, err = faults.run(device, command)
-    is_new = state != after and command[0] != "import"
-    if is_new and (again != 0 or device.state() != after):
-        wrong.append(f"again: {again} {out}{err}")
-    return wrong + [f"again: {fault}" for fault in device.faults()]
+    return wrong + faults.again(device, command, state, after)
 
 
 def torture(work, template, step, report):

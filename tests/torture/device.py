@@ -45,7 +45,8 @@ class Device:
         self.root = self.folder / "device"
         if template:
             shutil.rmtree(self.folder, ignore_errors=True)
-            shutil.copytree(template.folder, self.folder, ignore=shutil.ignore_patterns("*.event"))
+            shutil.copytree(template.folder, self.folder, dirs_exist_ok=True,
+                            ignore=shutil.ignore_patterns("*.event"))
         (self.folder / "out").mkdir(parents=True, exist_ok=True)
 
     def start(self, program, *words, env=None, **options):
@@ -85,8 +86,11 @@ class Device:
         facts = set()
 
         def add(kind, file, query):
-            with contextlib.closing(sqlite3.connect(file)) as database:
-                facts.update((kind, *row) for row in database.execute(query))
+            try:
+                with contextlib.closing(sqlite3.connect(file)) as database:
+                    facts.update((kind, *row) for row in database.execute(query))
+            except sqlite3.Error as error:
+                facts.add((kind, "unreadable", str(error)))
 
         if (self.root / "RSSVault.sdf").exists():
             add("channel", self.root / "RSSVault.sdf",

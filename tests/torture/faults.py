@@ -135,25 +135,35 @@ def torment(template, folder, command, before, after, number, how):
     state = device.state()
     is_killed = status == -signal.SIGKILL and how in ("kill", "torn")
     wrong += judge(command, before, after, state, status, out + err, is_killed)
+    return wrong + again(device, command, state, after)
+
+
+def again(device, command, state, after):
+    """What is wrong when the command is repeated, now that nothing keeps it from its work."""
     # A channel has had its turn in a round also when it could not be stored.
-    again, out, err = run(device, ["update"] if command[0] == "feedlarkd" else command)
+    status, out, err = run(device, ["update"] if command[0] == "feedlarkd" else command)
+    wrong = []
     if state != after and command[0] != "import":  # which gives each name that is there another one
-        wrong += [f"again: {again} {out}{err}"] if again != 0 else []
+        wrong += [f"again: {status} {out}{err}"] if status != 0 else []
         wrong += ["again: it does not do its work"] if device.state() != after else []
-    wrong += [f"again: {fault}" for fault in device.faults()]
-    return wrong
+    return wrong + [f"again: {fault}" for fault in device.faults()]
+
+
+def template_for(command, work, template):
+    if command[0] != "feedlarkd":
+        return template
+    rounds = Device(work / "rounds", template)
+    rounds.ctl("setting", "UpdateMode", "1")
+    rounds.ctl("auto", "add", "b")
+    return rounds
 
 
 def torture(work, template, step, report):
     """Every `step`th fault of every command. Cases, faults."""
     cases = []
     for command in COMMANDS:
+        template = template_for(command, work, template)
         device = Device(work / "whole", template)
-        if command[0] == "feedlarkd":
-            template = Device(work / "rounds", template)
-            template.ctl("setting", "UpdateMode", "1")
-            template.ctl("auto", "add", "b")
-            device = Device(work / "whole", template)
         count = device.folder / "count"
         before = device.state()
         status, out, err = run(device, command, {"TORTURE_ROOT": str(device.folder),
