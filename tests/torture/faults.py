@@ -130,7 +130,7 @@ def torment(template, folder, command, before, after, number, how):
                                              "TORTURE_FAULT": f"{number} {how}",
                                              "TORTURE_COUNT": str(count)})
     if "!" not in count.read_text():
-        return None
+        return None if status == 0 else ["it failed by itself"]
     wrong = device.faults()
     state = device.state()
     is_killed = status == -signal.SIGKILL and how in ("kill", "torn")
@@ -175,7 +175,7 @@ def torture(work, template, step, report):
             cases += [(template, command, before, after, number + 1, how)
                       for number, letter in enumerate(letters)
                       if letter in kinds and (number + place) % step == 0]
-    faults = 0
+    faults = unmet = 0
 
     def one(case):
         folder = work / f"case{threading.get_ident()}"
@@ -183,7 +183,8 @@ def torture(work, template, step, report):
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count() + 1) as pool:
         for (_, command, _, _, number, how), wrong in pool.map(one, cases):
+            unmet += wrong is None
             if wrong:
                 faults += 1
                 report(f"{' '.join(command)}, change {number}, {how}: {'; '.join(wrong)}")
-    return len(cases), faults
+    return len(cases) - unmet, faults

@@ -21,8 +21,10 @@ bool changeProperties(Device &device) {
     if (now.category.isNull() && !device.store.FindCategory(now.name = u"other"_s, now.category))
         return false;
     device.store.GetChannelLink(now.category, now.name, now.link);
-    now.isAutoUpdated = isAutoUpdated(device.root, now.name).value_or(false);
-    return LockedSubscriptions(device).changeChannel(
+    const std::optional<bool> isAutomatic = isAutoUpdated(device.root, now.name);
+    now.isAutoUpdated = isAutomatic.value_or(false);
+    return isAutomatic &&
+           LockedSubscriptions(device).changeChannel(
                now, {u"D"_s, u"other"_s, u"http://127.0.0.1:1/other"_s, false}) == ChangeEnd::Done;
 }
 

@@ -90,11 +90,12 @@ void die() {
         pause();
 }
 
+std::atomic<long> changeCount = 0;
+
 // `half` writes half of what is to be written, and is null for what is no write.
 template <class Half> Fate meet(char kind, const Half &half) {
-    static std::atomic<long> number = 0;
     const Orders &given = orders();
-    const long own = ++number;
+    const long own = ++changeCount;
     const bool isLasting = given.is("full") || given.is("dead");
     const bool isMet = given.at > 0 && (isLasting ? own >= given.at : own == given.at);
     if (given.count >= 0)
