@@ -259,6 +259,31 @@ TEST_F(AutoRoundTest, ChannelsOfTheListThatAreGoneOrMovedAreNoTrouble) {
     EXPECT_EQ(device_.counts(u"D"_s, u"moved"_s), u"2/2");
 }
 
+TEST_F(AutoRoundTest, WhatOldArticlesHaveTakenIsReturnedToTheDisk) {
+    const QString path = device_.root.filePath(u"RSSVault.sdf");
+    addFeed(u"f"_s, 3000);
+    for (const bool isMadeEarlier : {false, true}) { // when no database returned anything
+        SCOPED_TRACE(isMadeEarlier);
+        device_.store->ReleaseSession();
+        if (isMadeEarlier) {
+            auto database = SqliteDatabase::open(path, {});
+            ASSERT_TRUE(database && database->run("PRAGMA auto_vacuum = NONE") &&
+                        database->run("VACUUM"));
+        }
+        ASSERT_TRUE(device_.store->Open());
+        server_.serve(u"/f"_s, generatedFeed(3000, 1));
+        EXPECT_EQ(runRound().storedCount, 3000);
+        server_.serve(u"/f"_s, generatedFeed(20, 1, 3000));
+        EXPECT_EQ(runRound(6 * 24).storedCount, 20);
+        device_.store->ReleaseSession();
+        EXPECT_LT(QFile(path).size(), 100'000);
+        ASSERT_TRUE(device_.store->Open());
+        EXPECT_EQ(device_.counts(u"C"_s, u"f"_s), u"20/20");
+        server_.serve(u"/f"_s, generatedFeed(0, 1));
+        runRound(12 * 24);
+    }
+}
+
 TEST_F(AutoRoundTest, ALockedDatabaseIsNotHeldAgainstTheFeed) {
     addFeed(u"f"_s, 2);
     {
