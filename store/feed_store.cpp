@@ -116,6 +116,8 @@ bool FeedStore::CreateDatabase() {
 }
 
 bool FeedStore::buildDatabase(SqliteDatabase &database) {
+    if (!makeReturnable(database))
+        return recordFailure(false);
     SqliteTransaction transaction(database);
     SqlCommand command(database);
     if (!command.define(articleTable) || !command.define(channelTable))

@@ -56,6 +56,10 @@ public:
     void ReleaseSession();
     /// Closes the file for good.
     void Close();
+    /// Makes the file smaller when much of it is no longer used, in steps that keep no other
+    /// process from writing for long. False, with no code, when that was cut short: the next call
+    /// goes on.
+    bool ReturnUnusedSpace();
 
     // --- channels ---
 
@@ -132,6 +136,7 @@ private:
 
     bool CreateDatabase();
     bool buildDatabase(SqliteDatabase &database);
+    static bool makeReturnable(SqliteDatabase &database);
     bool recordFailure(bool isDone);
 
     bool ExecuteNonQuery(const SqlText &statement);

@@ -71,6 +71,8 @@ bool Run::run(int parallel) {
             download(i);
     }
     const bool isReached = noteUnreachedTurns();
+    if (!isStopped())
+        target_.store.ReturnUnusedSpace();
     return isAsked && isReached && !isStopped();
 }
 
