@@ -5,20 +5,23 @@ and files stay as large as they are in an ordinary week, and each feed's article
 import contextlib
 import http.server
 import os
+import pathlib
 import sqlite3
 import subprocess
 import threading
 import time
 
-from device import DAY, Device, clock, feed
+from device import DAY, PATIENCE, Device, clock, feed
 
 FEEDS = 200
 DAYS = 30
 ROUNDS = 8  # a day
 ITEMS = 20  # of a feed
 NEWS_DAY = 12
-MOST_UNUSED = 0.3  # of what is used of the database's file
+MOST_UNUSED = 0.3  # of what is used of the database's file, unless it is but a few pages
+FEW_PAGES = 64
 GROWTH = 1.3  # of what is measured twice, with an ordinary week before each
+LEAST = {"-wal": 5_000_000, ".db": 32768}  # bytes; a journal begins anew at a thousand pages
 
 
 class Publisher(http.server.BaseHTTPRequestHandler):
@@ -68,10 +71,22 @@ def feed_of(number, round_, now):
     return feed(f"f{number}", newest - count, count, now)
 
 
+def status_at_rest(device, process):
+    """Of the downloader, once it has closed the database and sleeps."""
+    status, end = {}, time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        text = pathlib.Path(f"/proc/{process.pid}/status").read_text(encoding="utf-8")
+        status = dict(line.split(":", 1) for line in text.splitlines())
+        is_open = (device.root / "RSSVault.sdf-wal").exists()
+        if not is_open and int(status["Threads"]) == 1 and "sleeping" in status["State"]:
+            break
+        time.sleep(0.01)
+    return status
+
+
 def measure(device, process):
     """Of the downloader and its device."""
-    status = dict(line.split(":", 1) for line in
-                  open(f"/proc/{process.pid}/status", encoding="utf-8").read().splitlines())
+    status = status_at_rest(device, process)
     with contextlib.closing(sqlite3.connect(device.root / "RSSVault.sdf")) as database:
         pages, unused, articles = (database.execute(query).fetchone()[0] for query in (
             "PRAGMA page_count", "PRAGMA freelist_count", "SELECT count(*) FROM RSSRecord"))
@@ -81,10 +96,14 @@ def measure(device, process):
             "descriptors": len(os.listdir(f"/proc/{process.pid}/fd")), "pages": pages, "unused": unused, **files}
 
 
-def is_flat(early, late):
-    return {name: (early.get(name, 0), size) for name, size in late.items()
-            if name not in ("unused", "feedlarkd.log")
-            and size > max(early.get(name, 0), 16384 if "." in name else 0) * GROWTH}
+def grown(early, late):
+    """What has become larger than it was, and by how much."""
+    found = {}
+    for name, size in late.items():
+        least = next((size for ending, size in LEAST.items() if name.endswith(ending)), 0)
+        if name not in ("unused", "feedlarkd.log") and size > max(early.get(name, 0), least) * GROWTH:
+            found[name] = early.get(name, 0), size
+    return found
 
 
 def rounds(device, process, ahead, report):
@@ -135,10 +154,10 @@ def torture(work, report):
     process.terminate()
     process.communicate()
     server.shutdown()
-    for name, (early, late) in is_flat(days[:NEWS_DAY - 1][-1], days[-1]).items():
+    for name, (early, late) in grown(days[:NEWS_DAY - 1][-1], days[-1]).items():
         tell(f"{name} has grown from {early} to {late}")
     for day in days[NEWS_DAY + 7:]:
-        if day["unused"] > MOST_UNUSED * (day["pages"] - day["unused"]):
+        if day["unused"] > max(FEW_PAGES, MOST_UNUSED * (day["pages"] - day["unused"])):
             tell(f"the database has {day['unused']} unused pages of {day['pages']}")
             break
     state = device.state()
