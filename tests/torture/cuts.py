@@ -22,6 +22,8 @@ VARIANTS = ("least", "most", 1, 2, 3, 4)  # a number seeds a choice at random
 
 SERIES = [[command.split() for command in line.split(";")] for line in """
     update
+    update C
+    update D
     rename a zz
     delete a
     move a D
@@ -196,7 +198,8 @@ def torture(work, template, step, report):
     counts = [0, 0]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count() + 1) as pool:
         for series in SERIES:
-            recorded = record(work, template, series)
+            own = faults.template_for(series[0], work, template)
+            recorded = record(work, own, series)
             cases = [(moment, variant) for moment in range(len(recorded[0].changes) + 1)
                      for place, variant in enumerate(VARIANTS) if (moment + place) % step == 0]
             counts[0] += len(cases)

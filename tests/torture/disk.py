@@ -38,13 +38,13 @@ def on_disk(work, template, command, after, size):
 def torture(work, template, _step, report):
     cases = bad = 0
     for command in COMMANDS:
-        template = faults.template_for(command, work, template)
-        device = Device(work / "whole", template)
+        own = faults.template_for(command, work, template)
+        device = Device(work / "whole", own)
         faults.run(device, command)
         after = device.state()
         size, well = LEAST, 0
         while well < ENOUGH:
-            status, wrong = on_disk(work, template, command, after, size)
+            status, wrong = on_disk(work, own, command, after, size)
             size += PAGE
             well = well + 1 if status == 0 else 0
             cases += status is not None

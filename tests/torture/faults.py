@@ -2,8 +2,10 @@
 last one. What is stored must then be sound and whole, and the same command must do its work."""
 
 import concurrent.futures
+import contextlib
 import os
 import signal
+import sqlite3
 import subprocess
 import threading
 
@@ -36,6 +38,8 @@ COMMANDS = [line.split() for line in """
     export C OUT/old.opml
     export C a OUT/new.opml
     update
+    update C
+    update D
     update C a --full
     update --pauses
     auto add b
@@ -150,20 +154,34 @@ def again(device, command, state, after):
 
 
 def template_for(command, work, template):
-    if command[0] != "feedlarkd":
-        return template
-    rounds = Device(work / "rounds", template)
-    rounds.ctl("setting", "UpdateMode", "1")
-    rounds.ctl("auto", "add", "b")
-    return rounds
+    if command[0] == "feedlarkd":
+        rounds = Device(work / "rounds", template)
+        rounds.ctl("setting", "UpdateMode", "1")
+        rounds.ctl("auto", "add", "b")
+        return rounds
+    if command in (["update", "C"], ["update", "D"]):
+        return roomy(Device(work / f"roomy {command[1]}", template), command == ["update", "C"])
+    return template
+
+
+def roomy(device, is_old):
+    """A device with much unused space, which the next update returns to the disk."""
+    with contextlib.closing(sqlite3.connect(device.root / "RSSVault.sdf")) as database:
+        if is_old:
+            database.execute("PRAGMA auto_vacuum = NONE")
+            database.execute("VACUUM")
+        database.execute("CREATE TABLE gone AS SELECT zeroblob(500000)")
+        database.execute("DROP TABLE gone")
+        database.commit()
+    return device
 
 
 def torture(work, template, step, report):
     """Every `step`th fault of every command. Cases, faults."""
     cases = []
     for command in COMMANDS:
-        template = template_for(command, work, template)
-        device = Device(work / "whole", template)
+        own = template_for(command, work, template)
+        device = Device(work / "whole", own)
         count = device.folder / "count"
         before = device.state()
         status, out, err = run(device, command, {"TORTURE_ROOT": str(device.folder),
@@ -172,7 +190,7 @@ def torture(work, template, step, report):
         letters = count.read_text()
         after = device.state()
         for place, (how, kinds) in enumerate(HOWS.items()):
-            cases += [(template, command, before, after, number + 1, how)
+            cases += [(own, command, before, after, number + 1, how)
                       for number, letter in enumerate(letters)
                       if letter in kinds and (number + place) % step == 0]
     faults = unmet = 0
