@@ -102,7 +102,8 @@ class Period:
                 words = {"rename": ("rename", name, new), "move": ("move", name, home),
                          "delete": ("delete", name)}[kind]
             status, out = self.do(user, "tidebrookctl", *words)
-            if kind != "free" and status > 0 and "locked" not in out and "1001" not in out:
+            is_refused = any(word in out for word in ("locked", "1001", "there is no category"))
+            if kind != "free" and status > 0 and not is_refused:
                 self.report(f"{' '.join(words)}: {status} {out.strip()}")
             if status == 0 and kind in ("add", "move"):
                 owned[new if kind == "add" else name] = home
