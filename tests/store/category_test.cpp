@@ -48,6 +48,16 @@ TEST_F(CategoryTest, ADamagedEntryIsTakenOutByTheReadThatMeetsIt) {
     EXPECT_EQ(names().first(), u"good") << "a damaged count must not exhaust the memory";
 }
 
+TEST_F(CategoryTest, ACountThatIsTooSmallHidesNoCategoryThatIsToBeListed) {
+    for (const QString &name : {u"A"_s, u"B"_s, u"C"_s})
+        categories_.AddCategory(name);
+    device_.registry->write(programKey, u"CategoryNumber", quint32{1});
+    for (const QString &name : {u"C"_s, u"New"_s}) {
+        EXPECT_TRUE(categories_.ensureListed(name));
+        EXPECT_TRUE(names().contains(name)) << name.toStdString();
+    }
+}
+
 TEST_F(CategoryTest, SeedingTakesEveryThirdFieldWithNoHeedToLines) {
     const QString path = device_.root.filePath(u"\\windows\\RSSChannels.txt");
     writeFile(path, utf16(u"\uFEFFa\tu\tOne \r\nb\tu\tTwo\nc\tu\tOne\r\nd\t\tu\tThree"_s));
