@@ -77,9 +77,22 @@ bool CategoryListStore::AddCategory(const QString &name) {
 }
 
 bool CategoryListStore::ensureListed(const QString &name) {
+    const auto isListed = [&] { return listedCategories().value_or(QStringList()).contains(name); };
+    if (isListed())
+        return true;
     // Without a count the first call makes the count.
-    return listedCategories().value_or(QStringList()).contains(name) || AddCategory(name) ||
-           AddCategory(name);
+    if (!AddCategory(name))
+        AddCategory(name);
+    return isListed() || (countAnew() && isListed());
+}
+
+// A count that is too small hides the last categories, of which each could be added no more.
+bool CategoryListStore::countAnew() {
+    Registry::Batch batch(settings_.registry());
+    const auto values = settings_.registry().values(categoriesKey);
+    return batch.isOpen() && values &&
+           settings_.RegWriteDword(programKey, countName, static_cast<quint32>(values->size())) &&
+           batch.commit() && settings_.registry().flush();
 }
 
 bool CategoryListStore::DeleteCategory(const QString &name) {

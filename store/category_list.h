@@ -35,7 +35,8 @@ public:
     /// next call succeeds.
     bool AddCategory(const QString &name);
 
-    /// Adds the category unless it is listed. False when it is not listed afterwards.
+    /// Adds the category unless it is listed, and corrects a count that hides it. False when it is
+    /// not listed afterwards.
     bool ensureListed(const QString &name);
 
     /// False when there is no such category, or no count, which is then 0. The category's channels
@@ -44,6 +45,7 @@ public:
 
 private:
     bool readCount(quint32 &count);
+    bool countAnew();
     bool change(const QString &name, const std::function<bool(quint32 count)> &work);
 
     SettingsStore settings_;
