@@ -32,7 +32,9 @@ const QString pieces =
     u"<iframe src=x><object data=x><svg><math><form><input value=x><select><option>|\u0301|"
     u"<meta http-equiv=refresh content='0;url=x'><base href='file:///etc/'>|<p style='a{a{a{a{'>|"
     u"<p style='color:f(f(f(f(f('>|\u202ex\u202a|\ufdd0\ufdd1\ufffc\u2029\u2028\x01\x1b|\xd800|"
-    u"<p style='-qt-block-indent:9999999'>|&#0;&#xD800;&#xFDD0;&#xFFFC;&#9999999999;|\x00"_s;
+    u"<p style='-qt-block-indent:9999999'>|&#0;&#xD800;&#xFDD0;&#xFFFC;&#9999999999;|"
+    u"<pre>\u05d0&\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd"
+    u"\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd\ufffd|\x00"_s;
 
 TEST(Page, IsShownInAMomentWhateverAFeedHas) {
     TextPage page(nullptr);
