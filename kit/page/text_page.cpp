@@ -62,6 +62,10 @@ TextPage::TextPage(QWidget *parent) : QTextBrowser(parent) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(this, &QTextBrowser::anchorClicked, this, &TextPage::follow);
     connect(this, &QTextBrowser::sourceChanged, this, &TextPage::left);
+    // A page is as wide as the screen. But from right to left Qt adds the margin beside a first
+    // line that stands out into it, and a finger could move the page by that.
+    connect(horizontalScrollBar(), &QScrollBar::rangeChanged, this,
+            [this] { horizontalScrollBar()->setRange(0, 0); });
 }
 
 void TextPage::setPage(const QString &html) {
