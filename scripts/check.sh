@@ -58,6 +58,7 @@ step "build with clang" build clang
 step "clang-tidy" runTidy
 step "tests under AddressSanitizer and UndefinedBehaviorSanitizer" runAddressSanitizer
 step "tests under ThreadSanitizer" runThreadSanitizer
+step "fuzzers" scripts/fuzz.sh
 
 printf '\n'
 printf '%s\n' "${results[@]}"

@@ -19,6 +19,8 @@ packagePackages=(scdoc debhelper dpkg-dev lintian appstream desktop-file-utils)
 rootPackages=(debootstrap debian-archive-keyring)
 # shellcheck disable=SC2034
 checkPackages=(clang clang-format clang-tidy)
+# shellcheck disable=SC2034
+fuzzPackages=(clang libclang-rt-dev llvm)
 
 isInstalled() {
     [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
