@@ -92,6 +92,7 @@ TEST_F(AutoListTest, AListEditedByHandIsReadAsFarAsItGoesAndSpoiltNoMore) {
         {utf16(u"\uFEFFa\tu\tC\r\n\r\nb\tu\tC"_s), {u"a"_s, u"b"_s}, u"b\tu\tC\n"_s},
         {utf16(u"note\nb\tu\tC\nb\tv\tD\n\tu\tC\nbc\tu\tC\n"_s), {u"b"_s, u"bc"_s}},
         {utf16(u"a\nu\nC\nb\tu\nC\n"_s), {u"a"_s, u"b"_s}, u"b\tu\tC\n"_s},
+        {utf16(u"a\nu\na\tv\tC\nC\nb\tu\tC\n"_s), {u"a"_s, u"b"_s}, u"b\tu\tC\n"_s},
         {utf16(u"a\tu\tC\nb\tu\tC\n"_s).chopped(1), {u"a"_s, u"b"_s}, u"b\tu\tC\n"_s},
         {utf16(u"# mine\na\tu\tC\nnote\nb\tu\tC\nd\tu\n"_s),
          {u"a"_s, u"b"_s},
