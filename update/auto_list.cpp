@@ -71,6 +71,13 @@ bool makeList(const QString &path) {
     return Descriptor(openPlainFile(path, O_RDONLY | O_CREAT)).isOpen();
 }
 
+QString textOf(const QList<Entry> &entries) {
+    QString text;
+    for (const Entry &entry : entries)
+        text += entry.text + u'\n';
+    return text;
+}
+
 bool hasName(const Entry &entry, const QString &channelName) {
     return entry.channel && comparable(entry.channel->channelName) == comparable(channelName);
 }
@@ -79,6 +86,16 @@ bool isGone(FeedStore &store, const Entry &entry) {
     QString category;
     return entry.channel && store.FindCategory(entry.channel->channelName, category) &&
            category.isNull();
+}
+
+// Where a line goes, texts around it that were no channel can become one, even of the same name.
+void removeName(QList<Entry> &entries, const QString &channelName) {
+    const auto isOfName = [&](const Entry &entry) { return hasName(entry, channelName); };
+    for (QList<Entry> read = readEntries(textOf(entries));
+         std::any_of(read.begin(), read.end(), isOfName); read = readEntries(textOf(entries))) {
+        entries = read;
+        entries.removeIf(isOfName);
+    }
 }
 
 bool changeList(const DeviceRoot &device, FeedStore &store,
@@ -92,9 +109,7 @@ bool changeList(const DeviceRoot &device, FeedStore &store,
     QList<Entry> entries = readEntries(*text);
     entries.removeIf([&](const Entry &entry) { return isGone(store, entry); });
     work(entries);
-    QString changed;
-    for (const Entry &entry : std::as_const(entries))
-        changed += entry.text + u'\n';
+    const QString changed = textOf(entries);
     return changed == *text || replaceFile(path, encodeChannelFile(changed));
 }
 
@@ -124,7 +139,7 @@ bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob 
         if (add)
             entries.append(entryOf({job.channelName, job.url, job.category}));
         else
-            entries.removeIf([&](const Entry &entry) { return hasName(entry, job.channelName); });
+            removeName(entries, job.channelName);
     });
 }
 
