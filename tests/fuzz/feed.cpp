@@ -26,7 +26,7 @@ static TestDevice &device() {
     return device;
 }
 
-static RefreshResult refresh(const HttpAnswer &answer) {
+static RefreshResult refresh(HttpAnswer answer) {
     FeedFetcher fetcher(device().root, *device().registry, {}, {.keepsPauses = false});
     const bool isTaken = fetcher.takeAnswer(answer) == FeedFetcher::Taken::Document;
     return storeFetched({device().root, *device().registry, *device().store}, job, fetcher,
@@ -71,8 +71,10 @@ void fuzz(const QByteArray &input) {
         require(store.DeleteChannel(job.channelName) && store.InsertChannel(record),
                 "the channel can be made anew");
     });
-    HttpAnswer answer{.progress = HttpProgress::Complete, .status = 200, .body = input};
-    answer.charset = charsets.at(takeChoice(answer.body));
+    QByteArray document = input;
+    HttpAnswer answer{.progress = HttpProgress::Complete, .status = 200};
+    answer.charset = charsets.at(takeChoice(document));
+    answer.body = {document};
     const RefreshResult first = refresh(answer);
     require(first.isCounted && first.storedCount == first.counts.total &&
                 first.counts.unread == first.counts.total &&

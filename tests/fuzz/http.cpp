@@ -40,7 +40,7 @@ static void setAnswer(QByteArray answer, std::size_t choice) {
 static void checkGet() {
     const HttpAnswer answer = httpGet({server().url(u"/f"), {"\"e\"", "m"}}, limits);
     const bool isComplete = answer.progress == HttpProgress::Complete;
-    require(answer.body.size() <= limits.bodyBytes, "a body keeps its limit");
+    require(answer.body.join().size() <= limits.bodyBytes, "a body keeps its limit");
     require(answer.validators.etag.size() <= 1024 && answer.validators.lastModified.size() <= 1024,
             "validators keep their limit");
     require(isComplete ? answer.status != 0 : !answer.isUnchanged, "a status is an answer's");
