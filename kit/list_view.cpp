@@ -197,6 +197,7 @@ void ListView::moveByKey(QKeyEvent &event) {
     QListView::keyPressEvent(&event);
     if (event.isAccepted() || isMove(event.key())) {
         event.accept();
+        stopScrollingByTouch(*this);
         scrollTo(currentIndex());
     }
 }

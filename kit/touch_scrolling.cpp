@@ -25,4 +25,9 @@ bool isScrollingByTouch(const QAbstractScrollArea &area) {
     return state == QScroller::Dragging || state == QScroller::Scrolling;
 }
 
+void stopScrollingByTouch(const QAbstractScrollArea &area) {
+    if (isScrollingByTouch(area))
+        QScroller::scroller(area.viewport())->stop();
+}
+
 } // namespace tidebrook

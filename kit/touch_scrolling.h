@@ -11,4 +11,7 @@ void scrollByTouch(QAbstractScrollArea &area);
 /// True while a finger moves the area, and until the area stands still.
 bool isScrollingByTouch(const QAbstractScrollArea &area);
 
+/// Has the area stand still at once.
+void stopScrollingByTouch(const QAbstractScrollArea &area);
+
 } // namespace tidebrook
