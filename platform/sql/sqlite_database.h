@@ -118,7 +118,6 @@ public:
     QStringList faults();
 
 private:
-    friend class SqliteStatement;
     explicit SqliteDatabase(sqlite3 *handle) : handle_(handle) {}
     bool configure(const Options &options);
     bool hasSchema();
