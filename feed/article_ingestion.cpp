@@ -6,28 +6,19 @@
 
 namespace tidebrook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-constexpr QChar quote = u'\'';
+constexpr char quote = '\'';
 constexpr quint16 articleLifeDays = 7;
 constexpr qsizetype storedDescriptionLength = 2999;
 constexpr qsizetype skippedLimit = 1000; // a document can have a hundred times as many
 
-void trim(QString &text) {
-    if (!text.startsWith(missingText))
-        text.truncate(TrimTrailingBlanks(text).size());
-}
-
-// `length` counts the description before its quotes are doubled, so that it loses a character at
-// its end for each quote. A doubled quote is never halved.
-QStringView cutDescription(QStringView escaped, qsizetype length) {
-    QStringView cut = cutText(escaped, length);
-    qsizetype quotes = 0;
-    while (quotes < cut.size() && cut[cut.size() - 1 - quotes] == quote)
-        ++quotes;
-    if (quotes % 2 != 0)
-        cut.chop(1);
-    return cut;
+void trim(QByteArray &text) {
+    const QByteArrayView trimmed = TrimTrailingBlanks(QByteArrayView(text));
+    if (trimmed.size() != text.size() && !text.startsWith(missingUtf8))
+        text.truncate(trimmed.size());
 }
 
 } // namespace
@@ -48,16 +39,16 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     trim(item.description);
     trim(item.publicationDate);
     trim(item.title);
-    if (item.guid == missingText) {
-        if (item.link == missingText)
+    if (item.guid == missingUtf8) {
+        if (item.link == missingUtf8)
             return false;
         item.guid = item.link;
     }
     trim(item.guid);
     trim(item.link);
-    const QString date = normalisePubDate(item.publicationDate);
+    const QString date = normalisePubDate(QString::fromUtf8(item.publicationDate));
     // These are not escaped. A doubled quote in them would be stored as one.
-    if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(quote))
+    if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(QLatin1Char(quote)))
         return false;
     const SqliteStep ended = insert(articleOf(item, date));
     storedCount_ += ended == SqliteStep::Done ? 1 : 0;
@@ -69,38 +60,37 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
 SqliteStep ArticleIngestion::insert(const ArticleRecord &article) {
     return command_.execute(
         {"INSERT INTO RSSRecord VALUES ('%s', '%s', '%s', '%s' ,'%s' ,'%s',%d, %lu ,'%s')",
-         article.channelName, article.guid, article.title, article.itemLink, article.description,
-         article.publicationDate, article.isRead, article.timestamp, article.category});
+         article.channelName, PlainText{article.guid}, PlainText{article.title},
+         PlainText{article.itemLink}, PlainText{article.description}, article.publicationDate,
+         article.isRead, article.timestamp, article.category});
 }
 
 SharedArticles ArticleIngestion::sharedArticles() {
+    const QByteArray own = QString(channelName_).replace(u"''"_s, u"'"_s).toUtf8();
     SharedArticles shared;
-    if (skippedGuids_.isEmpty())
-        return shared;
-    SqliteStatement own =
-        command_.query({"SELECT GUID FROM RSSRecord WHERE CHANNEL_NAME='%s'", channelName_});
-    while (own.next())
-        skippedGuids_.remove(own.text(0));
-    // What is left is another channel's, or has a title that this channel has already.
-    for (const QString &guid : std::as_const(skippedGuids_)) {
+    for (const QByteArray &guid : std::as_const(skippedGuids_)) {
         SqliteStatement row =
-            command_.query({"SELECT CHANNEL_NAME FROM RSSRecord WHERE GUID='%s'", guid});
-        if (!row.next())
+            command_.query({"SELECT CHANNEL_NAME FROM RSSRecord WHERE GUID='%s'", PlainText{guid}});
+        if (!row.next()) // its title is this channel's already
             continue;
-        const QString owner = TrimTrailingBlanks(row.text(0)).toString();
-        shared.owner = shared.count++ == 0 ? owner : std::min(shared.owner, owner);
+        const QByteArrayView owner = TrimTrailingBlanks(row.utf8(0));
+        if (owner == TrimTrailingBlanks(QByteArrayView(own)))
+            continue;
+        const QString name = QString::fromUtf8(owner);
+        shared.owner = shared.count++ == 0 ? name : std::min(shared.owner, name);
     }
     return shared;
 }
 
 ArticleRecord ArticleIngestion::articleOf(const ItemRecord &item, const QString &date) const {
     // An item whose title has dropped characters alone would be a row without a text.
-    QString title = escapeFeedText(item.title, titleCapacity);
+    QByteArray title = storedFeedText(item.title, titleCapacity, HalvedQuote::Kept);
     if (title.isEmpty())
-        title = missingText.toString();
-    const qsizetype length = qMin(item.description.size(), storedDescriptionLength);
-    QString description = escapeFeedText(item.description, descriptionCapacity);
-    description.truncate(cutDescription(description, length).size());
+        title = missingUtf8.toByteArray();
+    // The length is counted before quotes are doubled: a description loses a character at its end
+    // for each quote.
+    const qsizetype length = qMin(unitsOfUtf8(item.description), storedDescriptionLength);
+    const QByteArray description = storedFeedText(item.description, length, HalvedQuote::Dropped);
     return {channelName_, item.guid, title, item.link,
             description,  date,      false, static_cast<quint32>(item.timestamp),
             category_};

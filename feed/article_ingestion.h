@@ -32,8 +32,8 @@ public:
     /// How many articles were stored.
     int storedCount() const { return storedCount_; }
 
-    /// Those of the first 1,000 items that were skipped which other channels have. One query for
-    /// all of them, and one for each that is not this channel's.
+    /// Those of the first 1,000 items that were skipped which other channels have: a query for each
+    /// item, whose document must still be there.
     SharedArticles sharedArticles();
 
 private:
@@ -44,7 +44,7 @@ private:
     const QString channelName_; // escaped
     const QString category_;    // escaped
     int storedCount_ = 0;
-    QSet<QString> skippedGuids_;
+    QSet<QByteArray> skippedGuids_;
 };
 
 } // namespace tidebrook

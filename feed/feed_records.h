@@ -1,32 +1,35 @@
 #pragma once
 
-#include <QString>
+#include <QByteArray>
+#include <QLatin1String>
 
 namespace tidebrook {
 
 /// Stands for a text that a document does not supply.
-inline constexpr QStringView missingText = u"DEFAULT";
+inline constexpr QLatin1String missingText("DEFAULT");
+inline constexpr QByteArrayView missingUtf8(missingText.data(), missingText.size());
 
-/// One item of a feed as it is read, each text cut to its capacity in UTF-16 units.
+/// One item of a feed as it is read. The texts are in UTF-8, each cut to its capacity in UTF-16
+/// units. They may refer to the bytes of the document, which must outlive them.
 struct ItemRecord {
-    QString title;           // 255
-    QString description;     // 3,000
-    QString publicationDate; // 40, as the feed writes it
-    QString category;        // 40
-    QString guid;            // 512
-    QString link;            // 512
-    qint64 timestamp = 0;    // seconds on the ingestion clock
+    QByteArray title;           // 255
+    QByteArray description;     // 3,000
+    QByteArray publicationDate; // 40, as the feed writes it
+    QByteArray category;        // 40
+    QByteArray guid;            // 512
+    QByteArray link;            // 512
+    qint64 timestamp = 0;       // seconds on the ingestion clock
 };
 
-/// What a feed says of itself, each text cut to its capacity in UTF-16 units.
+/// What a feed says of itself, in such texts.
 struct ChannelHeaderRecord {
-    QString title;         // 255
-    QString link;          // 512
-    QString description;   // 3,000
-    QString lastBuildDate; // 40
-    QString imageUrl;      // 512
-    QString imageLink;     // 512
-    QString imageTitle;    // 255
+    QByteArray title;         // 255
+    QByteArray link;          // 512
+    QByteArray description;   // 3,000
+    QByteArray lastBuildDate; // 40
+    QByteArray imageUrl;      // 512
+    QByteArray imageLink;     // 512
+    QByteArray imageTitle;    // 255
 };
 
 } // namespace tidebrook

@@ -16,7 +16,7 @@ constexpr int itemLimit = 100'000; // more would keep the database for seconds
 // Which field of a record an element fills, and how much of its text.
 template <typename Record> struct FieldRule {
     QByteArrayView element;
-    QString Record::*field;
+    QByteArray Record::*field;
     qsizetype capacity;
 };
 
@@ -50,9 +50,9 @@ void applyRules(const std::array<FieldRule<Record>, count> &rules, XmlNode node,
     for (const FieldRule<Record> &rule : rules) {
         if (rule.element != node.name())
             continue;
-        QString text = node.text(rule.capacity);
+        const QByteArrayView text = cutUtf8ToUnits(node.text(), rule.capacity);
         if (!text.isEmpty())
-            record.*rule.field = std::move(text);
+            record.*rule.field = QByteArray::fromRawData(text.data(), text.size());
         return;
     }
 }
@@ -62,17 +62,17 @@ void applyRules(const std::array<FieldRule<Record>, count> &rules, XmlNode node,
 RssParser::RssParser(SqlCommand &command, const QString &channelName,
                      const std::optional<QString> &category)
     : category_(category), ingestion_(command, channelName, category.value_or(QString())) {
-    const QString missing = missingText.toString();
+    const QByteArray missing = missingUtf8.toByteArray();
     // The items of a refresh share one stamp, which keeps them in the feed's own order.
     emptyItem_ = {missing, missing, missing, missing, missing, missing, ingestionClock(0)};
     if (category_)
-        emptyItem_.category = cutText(*category_, categoryCapacity).toString();
+        emptyItem_.category = cutText(*category_, categoryCapacity).toUtf8();
 }
 
 bool RssParser::parse(XmlNode root) {
     if (!ingestion_.pruneChannel())
         return false;
-    const QString missing = missingText.toString();
+    const QByteArray missing = missingUtf8.toByteArray();
     header_ = {missing, missing, missing, missing, missing, missing, missing};
     const XmlNode channel = root.firstChild();
     if (channel.isNull() || channel.firstChild().isNull())

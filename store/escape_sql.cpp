@@ -22,35 +22,11 @@ qsizetype capacityOf(TextKind kind) {
 
 bool isDropped(QChar c) { return c == u'\r' || c == QChar(0xFEFF) || c == QChar(0xFFFE); }
 
-// Whether a text has characters that the rule changes. Without a branch for each character, which
-// is fast; there is hardly ever one to find.
-bool isTouched(QStringView text) {
-    quint16 found = 0;
-    for (const QChar c : text)
-        found |= static_cast<quint16>(c == u'\'' || isDropped(c));
-    return found != 0;
-}
-
-// Appends the text with its quotes doubled until it ends or `out` has `capacity` characters or
-// more. For speed, what is between quotes is copied whole.
-void appendQuoted(QStringView text, QString &out, qsizetype capacity) {
-    while (!text.isEmpty() && out.size() < capacity) {
-        const qsizetype quote = text.indexOf(u'\'');
-        const QStringView plain = quote < 0 ? text : text.first(quote);
-        const QStringView fitting = cutText(plain, capacity - out.size());
-        out += fitting;
-        if (fitting.size() < plain.size() || quote < 0 || out.size() >= capacity)
-            return;
-        out += u"''";
-        text = text.sliced(quote + 1);
-    }
-}
-
-QString escaped(QStringView text, qsizetype capacity) {
-    QString out;
-    out.reserve(qMin(text.size(), capacity) + 2);
-    appendQuoted(withoutDropped(text), out, capacity);
-    return out;
+QByteArray withoutDropped(const QByteArray &utf8) {
+    constexpr char firstOfMarks = '\xEF';
+    if (!utf8.contains('\r') && !utf8.contains(firstOfMarks))
+        return utf8;
+    return QByteArray(utf8).replace("\r", "").replace("\uFEFF", "").replace("\uFFFE", "");
 }
 
 QString escapedWithinCapacity(const QString &text, TextKind kind) {
@@ -71,7 +47,7 @@ bool EscapeSql(QStringView source, QString &destination, TextKind kind) {
     if (source.isNull())
         return false;
     const QStringView scanned = cutText(source, capacityOf(kind) + 1);
-    destination = escaped(scanned, 2 * scanned.size());
+    destination = withoutDropped(scanned).replace(u'\'', QLatin1String("''"));
     return true;
 }
 
@@ -94,8 +70,21 @@ QString escapedChannelName(const QString &name) {
 
 QString escapedTitle(const QString &title) { return escapedWithinCapacity(title, TextKind::Title); }
 
-QString escapeFeedText(const QString &source, qsizetype capacity) {
-    return source.size() <= capacity && !isTouched(source) ? source : escaped(source, capacity);
+QByteArray storedFeedText(const QByteArray &source, qsizetype capacity, HalvedQuote halved) {
+    const QByteArray text = withoutDropped(source);
+    const qsizetype smallestForQuote = halved == HalvedQuote::Kept ? 1 : 2;
+    qsizetype end = 0;
+    for (qsizetype quote = 0; end < text.size(); end = quote + 1, capacity -= 2) {
+        quote = text.indexOf('\'', end);
+        const QByteArrayView plain = QByteArrayView(text).first(quote < 0 ? text.size() : quote);
+        const QByteArrayView fitting =
+            cutUtf8ToUnits(plain.sliced(end), qMax(capacity, qsizetype{0}));
+        end += fitting.size();
+        capacity -= unitsOfUtf8(fitting);
+        if (end != quote || capacity < smallestForQuote)
+            break;
+    }
+    return end == text.size() ? text : text.first(end);
 }
 
 } // namespace tidebrook

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringView>
 
@@ -36,8 +37,12 @@ QString escapedCategory(const QString &category);
 QString escapedChannelName(const QString &name);
 QString escapedTitle(const QString &title);
 
-/// The same rule for the texts of a feed, but the result is cut, to `capacity` characters, or to
-/// one more where a doubled quote would be halved.
-QString escapeFeedText(const QString &source, qsizetype capacity);
+/// What becomes of a quote at the end of a cut text, of whose doubled form only a half would fit.
+enum class HalvedQuote { Kept, Dropped };
+
+/// What is stored of a text of a feed, in UTF-8: the rule's characters are dropped, and the text is
+/// cut so that it would have at most `capacity` UTF-16 units with its quotes doubled. The result
+/// may refer to the same bytes as the source.
+QByteArray storedFeedText(const QByteArray &source, qsizetype capacity, HalvedQuote halved);
 
 } // namespace tidebrook

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QtGlobal>
 
@@ -35,14 +36,14 @@ struct ListedChannel {
     int total = 0;
 };
 
-/// A row of the article table, in the order of its columns, as a statement takes it: the texts are
-/// escaped, or hold no quote.
+/// A row of the article table, in the order of its columns. The names of the channel and of the
+/// category are escaped, the date holds no quote, and the other texts stand as they are, in UTF-8.
 struct ArticleRecord {
     QString channelName;
-    QString guid;
-    QString title;
-    QString itemLink;
-    QString description;
+    QByteArray guid;
+    QByteArray title;
+    QByteArray itemLink;
+    QByteArray description;
     QString publicationDate; // YYYY-MM-DD, or empty
     bool isRead = false;
     quint32 timestamp = 0; // seconds on the ingestion clock

@@ -1,7 +1,9 @@
 #include "platform/base/text.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 namespace tidebrook {
@@ -31,6 +33,21 @@ bool isJoinerInEmoji(QStringView text, qsizetype at) {
            (after.isHighSurrogate() || after.category() == QChar::Symbol_Other);
 }
 
+// Of a byte in UTF-8: what its character has in UTF-16 at the first byte, nothing at the others.
+constexpr quint8 unitsOf(char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    return static_cast<quint8>(((value & 0xC0U) != 0x80) + (value >= 0xF0));
+}
+
+// Of so many bytes, which compilers count side by side.
+constexpr qsizetype blockSize = 64;
+quint8 unitsOfBlock(const char *bytes) {
+    quint8 units = 0;
+    for (qsizetype i = 0; i < blockSize; ++i)
+        units += unitsOf(bytes[i]);
+    return units;
+}
+
 // The pairs of U+E0000 to U+E03FF (tags, variation selectors) are all invisible.
 bool isHiddenPair(QStringView text, qsizetype at) {
     constexpr char16_t firstOfPair = 0xDB40;
@@ -58,10 +75,34 @@ QByteArrayView cutUtf8(QByteArrayView text, qsizetype capacity) {
     return text.first(isRest(end) ? capacity : end);
 }
 
+qsizetype unitsOfUtf8(QByteArrayView text) {
+    qsizetype units = 0;
+    for (; text.size() >= blockSize; text = text.sliced(blockSize))
+        units += unitsOfBlock(text.data());
+    return std::transform_reduce(text.begin(), text.end(), units, std::plus(), unitsOf);
+}
+
+QByteArrayView cutUtf8ToUnits(QByteArrayView text, qsizetype capacity) {
+    if (text.size() <= capacity)
+        return text;
+    qsizetype end = 0;
+    for (; capacity >= blockSize && text.size() - end >= blockSize; end += blockSize)
+        capacity -= unitsOfBlock(text.data() + end);
+    while (end < text.size() && unitsOf(text[end]) <= capacity)
+        capacity -= unitsOf(text[end++]);
+    return text.first(end);
+}
+
 QStringView TrimTrailingBlanks(QStringView text) {
     while (text.size() > 1 && (text.back() == u' ' || text.back() == u'\0'))
         text.chop(1);
     return text;
+}
+
+QByteArrayView TrimTrailingBlanks(QByteArrayView utf8) {
+    while (utf8.size() > 1 && (utf8.back() == ' ' || utf8.back() == '\0'))
+        utf8.chop(1);
+    return utf8;
 }
 
 QString withoutControls(QString text) {

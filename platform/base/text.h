@@ -13,9 +13,16 @@ QStringView cutText(QStringView text, qsizetype capacity);
 /// The first `capacity` bytes of a text in UTF-8, or fewer, so that no character is cut in two.
 QByteArrayView cutUtf8(QByteArrayView text, qsizetype capacity);
 
+/// How many UTF-16 units a valid text in UTF-8 has.
+qsizetype unitsOfUtf8(QByteArrayView text);
+
+/// What `cutText` leaves of a valid text in UTF-8.
+QByteArrayView cutUtf8ToUnits(QByteArrayView text, qsizetype capacity);
+
 /// The text without the blanks (U+0020) and terminators (U+0000) at its end. The first character
 /// is never taken, so a text of blanks alone keeps one.
 QStringView TrimTrailingBlanks(QStringView text);
+QByteArrayView TrimTrailingBlanks(QByteArrayView utf8);
 
 /// The text with a blank in place of every control character, line ends and tabs among them.
 QString withoutControls(QString text);

@@ -10,10 +10,15 @@
 
 namespace tidebrook {
 
+/// A text that goes into a hole as it is, quotes and all.
+struct PlainText {
+    QByteArray utf8; ///< may refer to bytes that outlive the statement
+};
+
 /// One statement: a format and what goes into its holes. A `'%s'` takes a text as it would stand
-/// between the quotes, in which each quote is doubled. A `%d`, `%lu`, `'%d'` or `'%I64d'` takes a
-/// whole number. The values are bound, so that no text of a hole can become SQL: one with a quote
-/// that is not doubled makes the statement fail.
+/// between the quotes, in which each quote is doubled, or a `PlainText`. A `%d`, `%lu`, `'%d'` or
+/// `'%I64d'` takes a whole number. The values are bound, so that no text of a hole can become SQL:
+/// one with a quote that is not doubled makes the statement fail.
 class SqlText {
 public:
     /// The format is a literal of the source.
@@ -35,6 +40,7 @@ public:
 private:
     friend class SqlCommand;
     void take(QStringView text);
+    void take(const PlainText &text) { values_.emplace_back(text.utf8); }
     void take(std::integral auto number) { values_.emplace_back(static_cast<qint64>(number)); }
 
     QByteArray format_;

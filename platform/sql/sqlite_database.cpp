@@ -4,7 +4,6 @@
 #include "platform/base/plain_file.h"
 
 #include <QFile>
-#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -29,8 +28,10 @@ constexpr char blanks[] = " \t\r\n";
 constexpr QStringView journalEndings[]{u"-wal", u"-shm", u"-journal"};
 
 QByteArray withParameters(const QByteArray &format) {
-    static const QRegularExpression hole(QStringLiteral("'%(s|d|I64d)'|%(d|lu)"));
-    return QString::fromUtf8(format).replace(hole, QStringLiteral("?")).toUtf8();
+    QByteArray text = format;
+    for (const char *hole : {"'%s'", "'%d'", "'%I64d'", "%d", "%lu"})
+        text.replace(hole, "?");
+    return text;
 }
 
 bool isOneStatement(const char *tail) { return tail[std::strspn(tail, blanks)] == '\0'; }
@@ -84,10 +85,12 @@ bool SqliteStatement::next() {
     return ended == SqliteStep::Row;
 }
 
-QString SqliteStatement::text(int column) const {
+QString SqliteStatement::text(int column) const { return QString::fromUtf8(utf8(column)); }
+
+QByteArrayView SqliteStatement::utf8(int column) const {
     sqlite3_stmt *row = statement_.get();
     const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(row, column));
-    return QString::fromUtf8(text, sqlite3_column_bytes(row, column));
+    return {text, sqlite3_column_bytes(row, column)};
 }
 
 qint64 SqliteStatement::integer(int column) const {

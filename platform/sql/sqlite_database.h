@@ -41,6 +41,8 @@ public:
 
     /// The columns of the row, counted from 0.
     QString text(int column) const;
+    /// In UTF-8; valid until the next step.
+    QByteArrayView utf8(int column) const;
     qint64 integer(int column) const;
     /// The characters that the table declares a text column for; 0 for a column of another type.
     int declaredLength(int column) const;

@@ -310,15 +310,11 @@ XmlNode XmlNode::nextSibling() const {
     return sibling ? XmlNode(document_, sibling) : XmlNode();
 }
 
-QString XmlNode::text(qsizetype capacity) const {
+QByteArrayView XmlNode::text() const {
     const XmlDocument::Node &node = document_->nodes_[index_];
-    const QByteArrayView text = QByteArrayView(document_->text_)
-                                    .sliced(node.textBegin, node.textEnd - node.textBegin)
-                                    .trimmed();
-    // Three bytes at most become one unit.
-    QString decoded = QString::fromUtf8(cutUtf8(text, 3 * (capacity + 1)));
-    decoded.truncate(cutText(decoded, capacity).size());
-    return decoded;
+    return QByteArrayView(document_->text_)
+        .sliced(node.textBegin, node.textEnd - node.textBegin)
+        .trimmed();
 }
 
 QString XmlNode::attribute(QByteArrayView name) const {

@@ -28,9 +28,8 @@ public:
     XmlNode firstChild() const;
     XmlNode nextSibling() const;
 
-    /// The text of all descendants, one after another, without white space at both ends; its first
-    /// `capacity` UTF-16 units, cut as `cutText` does.
-    QString text(qsizetype capacity = 1 << 28) const;
+    /// The text of all descendants, one after another, without white space at both ends, in UTF-8.
+    QByteArrayView text() const;
 
     /// A null text when there is no such attribute.
     QString attribute(QByteArrayView name) const;

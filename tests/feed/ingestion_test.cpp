@@ -27,12 +27,8 @@ protected:
     }
 
     static ItemRecord item(const QString &title, const QString &guid) {
-        return {title,
-                u"Text"_s,
-                u"Fri, 07 Mar 2008"_s,
-                u"DEFAULT"_s,
-                guid,
-                u"http://example.org/"_s,
+        return {title.toUtf8(),   "Text",        "Fri, 07 Mar 2008",
+                "DEFAULT",        guid.toUtf8(), "http://example.org/",
                 ingestionClock(0)};
     }
 };
@@ -52,7 +48,7 @@ TEST_F(IngestionTest, DuplicatesAreLeftOutAndLeaveTheOldRowAlone) {
 TEST_F(IngestionTest, AMissingGuidIsTheLink) {
     ItemRecord record = item(u"linked"_s, u"DEFAULT"_s);
     EXPECT_TRUE(insert(record));
-    record.title = u"same link"_s;
+    record.title = "same link";
     EXPECT_TRUE(insert(record));
     EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"linked"_s));
 }
@@ -66,29 +62,29 @@ TEST_F(IngestionTest, NoTextOfAFeedBecomesSql) {
         ItemRecord record = item(u"guid"_s, text);
         EXPECT_FALSE(insert(record));
         record = item(u"link"_s, u"2"_s);
-        record.link = text;
+        record.link = text.toUtf8();
         EXPECT_FALSE(insert(record));
         record = item(u"date"_s, u"3"_s);
-        record.publicationDate = u"'' 'x "_s + text;
+        record.publicationDate = "'' 'x " + text.toUtf8();
         EXPECT_FALSE(insert(record));
         EXPECT_EQ(insert(item(u"category"_s, u"4"_s), u"ch"_s, text), text == doubled);
         EXPECT_TRUE(insert(item(text, u"title "_s + QString::number(text.size()))));
         record = item(u"description "_s + text, u"d"_s + QString::number(text.size()));
-        record.description = text;
+        record.description = text.toUtf8();
         EXPECT_TRUE(insert(record));
-        EXPECT_TRUE(text.startsWith(detail(u"ch"_s, record.title).description));
+        EXPECT_TRUE(text.startsWith(detail(u"ch"_s, QString::fromUtf8(record.title)).description));
     }
     EXPECT_EQ(device_.titles(u"ch"_s).size(), 8);
 }
 
 TEST_F(IngestionTest, TextsAreNeverCutInTheMiddleOfAQuote) {
     ItemRecord record = item(u"quotes"_s, u"q"_s);
-    record.description = u"''"_s + QString(96, u'd') + u"''"_s;
+    record.description = "''" + QByteArray(96, 'd') + "''";
     EXPECT_TRUE(insert(record));
     EXPECT_EQ(detail(u"ch"_s, u"quotes"_s).description, QString(u"''"_s + QString(96, u'd')));
 
     record = item(u"odd"_s, u"o"_s);
-    record.description = u"abc'"_s;
+    record.description = "abc'";
     EXPECT_TRUE(insert(record));
     EXPECT_EQ(detail(u"ch"_s, u"odd"_s).description, u"abc");
 
@@ -100,10 +96,10 @@ TEST_F(IngestionTest, TextsAreNeverCutInTheMiddleOfAQuote) {
 
 TEST_F(IngestionTest, ATitleThatShowsNothingHidesNoOtherArticle) {
     ItemRecord record = item(u"\uFEFF"_s, u"1"_s);
-    record.publicationDate = u"DEFAULT"_s;
+    record.publicationDate = "DEFAULT";
     EXPECT_TRUE(insert(record));
-    record.title = u"other"_s;
-    record.guid = u"2"_s;
+    record.title = "other";
+    record.guid = "2";
     EXPECT_TRUE(insert(record));
     EXPECT_EQ(device_.titles(u"ch"_s), (QStringList{u"DEFAULT"_s, u"other"_s}));
 }
