@@ -200,7 +200,7 @@ TEST_F(ProgramTest, AnArgumentIsAnsweredOrRefusedWithoutADisplayAndNothingIsMade
 TEST_F(ProgramTest, WithoutADisplayItEndsWithoutAWordAndMakesAndOpensNothing) {
     const Environment places[]{
         {},
-        {{u"DISPLAY"_s, u":77"_s}},
+        {{u"DISPLAY"_s, u":9999"_s}},
         {{u"WAYLAND_DISPLAY"_s, u"nobody"_s}, {u"XDG_SESSION_TYPE"_s, u"wayland"_s}},
         {{u"QT_QPA_PLATFORM"_s, u"xcb"_s}},
         {{u"QT_QPA_PLATFORM"_s, u"none-such"_s}},
