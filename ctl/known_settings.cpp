@@ -34,6 +34,8 @@ constexpr KnownSetting settings[]{
            u"seconds from that hour to the daily update; each device its own"),
     number(u"ACTOPTION", 0, 1, u"1: automatic updates only while Cradled is 1"),
     number(u"NoRoaming", 0, 1, u"1: no automatic updates while roaming"),
+    number(u"OtherFormats", 0, 1,
+           u"1: Atom, RSS 1.0 and JSON feeds are read, too; 0: RSS 2.0 alone"),
     number(u"LastAutoUpdate", 0, any, u"last automatic update, in seconds since 1970; 0 none"),
     number(u"CategoryNumber", 0, any, u"how many categories there are"),
     number(u"ERRORNO", 0, 1014, u"last error code"),

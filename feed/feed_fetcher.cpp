@@ -1,5 +1,6 @@
 #include "feed/feed_fetcher.h"
 
+#include "feed/formats/parse_feed.h"
 #include "feed/rss_parser.h"
 #include "platform/base/replace_file.h"
 #include "platform/sync/pause.h"
@@ -69,7 +70,8 @@ FeedFetcher::Taken FeedFetcher::takeAnswer(HttpAnswer &answer) {
     if (isUnchanged_)
         return Taken::Unchanged;
     const bool isEmpty = isEmptyText(answer.body);
-    document_ = XmlDocument::parse(std::exchange(answer.body, {}), answer.charset);
+    address_ = answer.address;
+    document_ = parseFeed(registry_, std::exchange(answer.body, {}), answer.charset, address_);
     if (document_)
         return checkRoot() ? Taken::Document : Taken::Failed;
     if (!isEmpty)
@@ -93,7 +95,7 @@ bool FeedFetcher::download(const QString &url) {
     if (options_.keepsPauses)
         Pause(loadPause, limits_.stop);
     file.seek(0);
-    document_ = XmlDocument::parse({file.readAll()});
+    document_ = parseFeed(registry_, {file.readAll()}, {}, address_.isEmpty() ? url : address_);
     return document_.has_value() ? checkRoot() : fail(FeedNotXml);
 }
 

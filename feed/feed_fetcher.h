@@ -38,7 +38,8 @@ public:
     /// For the log: why the first request was not complete; empty when it was.
     const QString &detail() const { return detail_; }
 
-    /// Gets the document and checks that it is RSS. Waits for the network, for 50 seconds at most;
+    /// Gets the document and checks that it is RSS, or a feed
+    /// that is read as RSS (`parseFeed`). Waits for the network, for 50 seconds at most;
     /// does not use the store.
     bool fetch(const QString &url, const QString &channelName);
 
@@ -81,6 +82,7 @@ private:
     quint32 error_ = 0;
     quint32 toldError_ = 0;
     QString detail_;
+    QString address_; // of the answer
     std::optional<XmlDocument> document_;
     bool isUnchanged_ = false;
     int storedCount_ = 0;

@@ -10,22 +10,6 @@ namespace tidebrook {
 
 namespace {
 
-// Readers refuse a document with a character that XML does not allow.
-QString xmlText(QString text) {
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        const bool isPair =
-            c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        if (isPair)
-            ++i;
-        else if (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r')
-            text[i] = u' ';
-        else if (c.isSurrogate() || c == u'\uFFFE' || c == u'\uFFFF')
-            text[i] = QChar::ReplacementCharacter;
-    }
-    return text;
-}
-
 bool isIn(FeedStore &store, const QString &category, const QString &channel) {
     QString actual;
     return store.FindCategory(channel, actual) &&

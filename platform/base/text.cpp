@@ -130,4 +130,19 @@ QString withoutHidden(QString text, QStringView kept) {
     return text;
 }
 
+QString xmlText(QString text) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        const bool isPair =
+            c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (isPair)
+            ++i;
+        else if (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r')
+            text[i] = u' ';
+        else if (c.isSurrogate() || c == u'\uFFFE' || c == u'\uFFFF')
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 } // namespace tidebrook

@@ -37,4 +37,8 @@ QString withoutSoftBreaks(QString text);
 /// do joiners within an emoji.
 QString withoutHidden(QString text, QStringView kept = {});
 
+/// The text without the characters that XML does not allow, for which readers refuse a document:
+/// with a blank in place of a control, and U+FFFD in place of any other.
+QString xmlText(QString text);
+
 } // namespace tidebrook

@@ -51,6 +51,7 @@ struct HttpAnswer {
     bool isUnchanged = false; ///< the document is the one that the request's validators are of
     QByteArrayList body;      ///< in pieces, none of them empty
     QByteArray charset;       ///< of the Content-Type; empty when it names none
+    QString address;          ///< of the document, behind any redirects; empty unless Complete
     HttpValidators validators;
     std::chrono::seconds retryAfter{0}; ///< how long the server asks to be left alone
     QString detail;                     ///< for the log: why the request is not complete

@@ -148,7 +148,7 @@ QString HttpTransfer::redirect() const {
     const QByteArray location = status() / 100 == 3 ? header("Location") : QByteArray();
     if (!known.isEmpty() || location.isEmpty())
         return known;
-    const CurlUrl url = parseUrl(QString::fromUtf8(info<const char *>(CURLINFO_EFFECTIVE_URL)));
+    const CurlUrl url = parseUrl(address());
     curl().curl_url_set(url.get(), CURLUPART_URL, location.constData(), CURLU_URLENCODE);
     return QString::fromUtf8(partOf(url, CURLUPART_URL));
 }
@@ -302,6 +302,7 @@ HttpAnswer HttpGet::takeAnswer(CURLcode code) {
     }
     answer_.isUnchanged = isConditional_ && answer_.status == notModified;
     answer_.charset = charsetOf(transfer_.header("Content-Type"));
+    answer_.address = transfer_.address();
     answer_.validators = {keptValidator(transfer_.header("ETag")),
                           keptValidator(transfer_.header("Last-Modified"))};
     return std::move(answer_);

@@ -68,6 +68,10 @@ public:
     QByteArray header(const char *name) const;
     qint64 number(CURLINFO what) const { return info<curl_off_t>(what); }
     long status() const { return info<long>(CURLINFO_RESPONSE_CODE); }
+    /// The address of the answer, behind the redirects that were followed.
+    QString address() const {
+        return QString::fromUtf8(info<const char *>(CURLINFO_EFFECTIVE_URL));
+    }
     /// The address that the answer redirects to, whose body need not have come whole; empty when it
     /// is no redirect.
     QString redirect() const;

@@ -1,6 +1,5 @@
 #include "platform/xml/xml_document.h"
 
-#include "platform/base/text.h"
 #include "platform/xml/html_entities.h"
 #include "platform/xml/xml_encoding.h"
 
@@ -22,6 +21,7 @@ namespace tidebrook {
 namespace {
 
 constexpr std::size_t depthLimit = 1000;
+constexpr std::size_t upperLevels = 4; // whose elements are the parts of a feed, and no words
 constexpr qsizetype nodeLimit = 1'000'000;
 constexpr qsizetype attributeLimit = 1'000'000;
 constexpr qsizetype elementAttributeLimit = 1000;
@@ -273,6 +273,8 @@ private:
         if (isStopped_)
             return;
         if (std::all_of(text_ + textBegin_, text_ + textEnd_, isSpace)) {
+            if (open_.size() >= upperLevels && textBegin_ != textEnd_)
+                noteSpace();
             textEnd_ = textBegin_;
             return;
         }
@@ -284,6 +286,12 @@ private:
         document_.nodes_[index].textBegin = textBegin_;
         document_.nodes_[index].textEnd = textEnd_;
         textBegin_ = textEnd_;
+    }
+
+    // Between words that are marked up each, the space is all that divides them.
+    void noteSpace() {
+        if (open_.back().lastChild)
+            document_.nodes_[open_.back().lastChild].spaceBehind = text_[textBegin_];
     }
 
     const QByteArrayView charset_;
@@ -298,36 +306,6 @@ private:
     std::uint32_t textBegin_ = 0; // where the run of text being read began
     std::uint32_t textEnd_ = 0;   // how much of the text is filled
 };
-
-QByteArrayView XmlNode::name() const { return document_->names_[document_->nodes_[index_].name]; }
-
-XmlNode XmlNode::firstChild() const {
-    return document_->nodes_[index_].hasChildren ? XmlNode(document_, index_ + 1) : XmlNode();
-}
-
-XmlNode XmlNode::nextSibling() const {
-    const std::uint32_t sibling = document_->nodes_[index_].nextSibling;
-    return sibling ? XmlNode(document_, sibling) : XmlNode();
-}
-
-QByteArrayView XmlNode::text() const {
-    const XmlDocument::Node &node = document_->nodes_[index_];
-    return QByteArrayView(document_->text_)
-        .sliced(node.textBegin, node.textEnd - node.textBegin)
-        .trimmed();
-}
-
-QString XmlNode::attribute(QByteArrayView name) const {
-    const XmlDocument::Node &node = document_->nodes_[index_];
-    for (std::uint32_t i = node.attributes; i < node.attributes + node.attributeCount; ++i) {
-        const XmlDocument::Attribute &attribute = document_->attributes_[i];
-        if (document_->names_[attribute.name] == name)
-            return QString::fromUtf8(
-                QByteArrayView(document_->values_)
-                    .sliced(attribute.valueBegin, attribute.valueEnd - attribute.valueBegin));
-    }
-    return {};
-}
 
 std::optional<XmlDocument> XmlDocument::parse(QByteArrayList bytes, QByteArrayView charset) {
     return XmlBuilder(std::move(bytes), charset).build();

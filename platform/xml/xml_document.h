@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tidebrook {
@@ -31,8 +32,20 @@ public:
     /// The text of all descendants, one after another, without white space at both ends, in UTF-8.
     QByteArrayView text() const;
 
+    /// The same with the white space at both ends.
+    QByteArrayView wholeText() const;
+
+    /// The first character of the white space that was dropped between this element and its next
+    /// sibling, or its parent's end; null where there was none, and at the upper four levels.
+    QChar spaceBehind() const;
+
     /// A null text when there is no such attribute.
     QString attribute(QByteArrayView name) const;
+
+    /// An attribute by its place among the element's, from 0: its name as it is written, and its
+    /// value in UTF-8. Both are of the document.
+    std::pair<QByteArrayView, QByteArrayView> attributeAt(std::uint32_t place) const;
+    std::uint32_t attributeCount() const;
 
 private:
     friend class XmlDocument;
@@ -71,6 +84,7 @@ private:
     struct Node {
         std::uint32_t name;            // into names_
         bool hasChildren = false;      // the first one follows its parent
+        char spaceBehind = 0;          // before its next sibling
         std::uint32_t nextSibling = 0; // 0: none, for the root is none
         std::uint32_t textBegin = 0;   // into text_; the text of a node's descendants stands in
         std::uint32_t textEnd = 0;     // one piece there, since all text is kept in order

@@ -39,6 +39,10 @@ protected:
         return fetcher.error();
     }
 
+    void setOtherFormats(quint32 value) {
+        device_.registry->write(programKey, u"OtherFormats", value);
+    }
+
     QString tempFile() const { return device_.root.filePath(u"\\Temp\\TmpXml.xml"); }
 
     FeedServer server_;
@@ -102,6 +106,64 @@ TEST_F(FetcherTest, AFailureEndsWithItsCodeAndLeavesTheStoreAlone) {
         EXPECT_EQ(fetch(server_.url(path), failure.limits), failure.error);
         EXPECT_EQ(device_.lastErrorCode(), failure.recorded);
         EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"kept"_s));
+    }
+}
+
+TEST_F(FetcherTest, OtherFormatsAreReadFromTheMomentTheyAreAskedFor) {
+    const QByteArray atom =
+        "<feed xmlns='http://www.w3.org/2005/Atom'><entry><title>%1</title><link href='one?a'/>"
+        "<id>%1</id><content type='xhtml'><h:div xmlns:h='http://www.w3.org/1999/xhtml'><h:p>"
+        "<h:b>It</h:b> <h:i>is</h:i>\n<h:a href='b&amp;c'>1&lt;2</h:a>,<h:br/><h:br>so</h:br>"
+        "</h:p></h:div></content></entry></feed>";
+    server_.redirect(u"/old"_s, "/blog/feed");
+    server_.serve(u"/blog/feed"_s, QByteArray(atom).replace("%1", "1"));
+    server_.serve(u"/broken"_s, "<feed>");
+    FeedServer direct;
+    direct.serve(u"/broken"_s, QByteArray(atom).replace("%1", "2"));
+    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(direct.port()));
+    for (const QString &path : {u"/old"_s, u"/broken"_s}) {
+        SCOPED_TRACE(qPrintable(path));
+        for (const quint32 value : {0U, 1U, 0U}) {
+            setOtherFormats(value);
+            EXPECT_EQ(fetch(server_.url(path)), value == 1 ? 0U : 1003U);
+        }
+        const QString base = server_.url(path == u"/old" ? u"/blog/" : u"/");
+        const ArticleExtract article = detail(u"ch"_s, path == u"/old" ? u"1"_s : u"2"_s);
+        EXPECT_EQ(article.itemLink, base + u"one?a");
+        EXPECT_EQ(article.description, u"<p><b>It</b> <i>is</i>\n<a href=\"" + base +
+                                           u"b&amp;c\">1&lt;2</a>,<br><br>so</br></p>");
+    }
+}
+
+TEST_F(FetcherTest, WhatIsNoFeedOfAnyFormatKeepsItsCode) {
+    const auto nested = [](const QByteArray &begin, int depth,
+                           const QByteArray &end) -> QByteArray {
+        return begin.repeated(depth) + end.repeated(depth);
+    };
+    const auto jsonFeed = [](const QByteArray &item) {
+        return QByteArray(R"({"version":"https://jsonfeed.org/version/1","items":[)" + item + "]}");
+    };
+    const std::tuple<QByteArray, quint32> cases[]{
+        {"<html><p>404<br></html>", 1002},
+        {"<RSS><channel/></RSS>", 1003},
+        {"<feed xmlns='http://x/'><entry/></feed>", 1003},
+        {"<rdf:RDF><rdf:li/></rdf:RDF>", 1003},
+        {R"({"version": "2"})", 1003},
+        {R"({"version": "https://jsonfeed.org/version/1", "items": [)", 1002},
+        {jsonFeed(R"({"title": "neither id nor url"})"), 1001},
+        // What would take too much memory, or too deep a stack.
+        {jsonFeed(nested("[", 2000, "]")), 1002},
+        {jsonFeed(QByteArray("1,").repeated(1'000'000) + '1'), 1002},
+        {"<feed>" + nested("<a>", 1000, "</a>") + "</feed>", 1002},
+        {"<feed><entry><id>1</id><content type='xhtml'>" + nested("<b>", 900, "</b>") +
+             "</content></entry></feed>",
+         0},
+    };
+    setOtherFormats(1);
+    for (const auto &[document, code] : cases) {
+        SCOPED_TRACE(document.left(80).constData());
+        server_.serve(u"/feed"_s, document);
+        EXPECT_EQ(fetch(server_.url(u"/feed"), {}), code);
     }
 }
 

@@ -81,7 +81,8 @@ static void fillRegistry(FuzzedDataProvider &input) {
     static const auto file = SqliteDatabase::open(device().root.registryPath(), {});
     static const QStringList names =
         u"CategoryNumber UpdateMode UpdateInterval UpdateTime UpdateOffset ACTOPTION NoRoaming "
-        "LastAutoUpdate Status Cradled Enabled TodayTimer NewArticles NewChannels C"_s.split(u' ');
+        "OtherFormats LastAutoUpdate Status Cradled Enabled TodayTimer NewArticles NewChannels C"_s
+            .split(u' ');
     static const QStringView keys[]{programKey, categoriesKey, hardwareStateKey, phoneStateKey,
                                     testTodayKey};
     const auto text = [&](size_t size) {
