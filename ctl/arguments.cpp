@@ -21,6 +21,7 @@ QList<QCommandLineOption> commandOptions() {
             option(QLatin1String("all a")),
             option(QLatin1String("category c"), QStringLiteral("NAME")),
             option(QLatin1String("create")),
+            option(QLatin1String("feed"), QStringLiteral("N")),
             option(QLatin1String("dry-run n")),
             option(QLatin1String("yes y")),
             option(QLatin1String("json")),
@@ -44,6 +45,7 @@ void takeOptions(const QCommandLineParser &parser, Arguments &arguments) {
     arguments.jobs = parser.value(QStringLiteral("jobs"));
     arguments.timeout = parser.value(QStringLiteral("timeout"));
     arguments.category = parser.value(QStringLiteral("category"));
+    arguments.feed = parser.value(QStringLiteral("feed"));
 }
 
 } // namespace

@@ -17,6 +17,7 @@ struct Arguments {
     QString jobs;
     QString timeout;
     QString category;
+    QString feed;
     bool isQuiet = false;
     bool wantsHelp = false;
     bool wantsVersion = false;

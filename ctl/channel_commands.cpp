@@ -1,4 +1,5 @@
 #include "ctl/commands.h"
+#include "ctl/feed_choice.h"
 #include "ctl/output.h"
 #include "ctl/table.h"
 
@@ -55,6 +56,10 @@ int runChannels(CommandDevice &device, const Arguments &arguments) {
 }
 
 int runAdd(CommandDevice &device, const Arguments &arguments) {
+    bool isNumber = !arguments.has(u"feed");
+    const uint number = isNumber ? 0 : arguments.feed.toUInt(&isNumber);
+    if (!isNumber)
+        return failUsage(QStringLiteral("--feed takes the number of a feed, or 0"));
     const QString category = categoryOfNew(device, arguments);
     const QString name = storableName(arguments.operands[1]);
     const QString link = arguments.operands[2].trimmed();
@@ -62,8 +67,12 @@ int runAdd(CommandDevice &device, const Arguments &arguments) {
         return ExitFailed;
     if (name.isEmpty())
         return fail(channelNameNeeded);
+    const QString feed =
+        feedAddress(device, link, arguments.has(u"feed") ? number : std::optional<uint>());
+    if (feed.isEmpty())
+        return ExitFailed;
     QString storedName;
-    const ChangeEnd end = device.subscriptions().addChannel({category, name, link}, &storedName);
+    const ChangeEnd end = device.subscriptions().addChannel({category, name, feed}, &storedName);
     if (end == ChangeEnd::Done)
         printLine(storedName);
     return exitCodeOf(device, end);

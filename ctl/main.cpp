@@ -48,9 +48,11 @@ constexpr std::array commands{
             u"channels [CATEGORY] [--json|--header]",
             u"list channels: unread/total, name, address, category"},
     Command{
-        u"add", 3, 3, u"create", Needs::Channels, runAdd, u"add CATEGORY NAME URL [--create]",
+        u"add", 3, 3, u"create feed", Needs::Channels, runAdd,
+        u"add CATEGORY NAME URL [--create] [--feed N]",
         u"subscribe to a feed, and make its category where it is missing (--create); prints the "
-        "name that was stored"},
+        "name that was stored; of a web page, to the feed that it names, or where it names several "
+        "to the Nth: without --feed they are listed; --feed 0: to URL itself, unseen"},
     Command{u"rename", 2, 2, u"", Needs::Channels, runRename, u"rename CHANNEL NAME",
             u"rename a channel"},
     Command{u"move", 2, 2, u"", Needs::Channels, runMove, u"move CHANNEL CATEGORY",

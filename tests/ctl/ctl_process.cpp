@@ -59,7 +59,7 @@ RefreshJob CtlTest::addChannel(const QString &name, const QByteArray &feed) {
     RefreshJob job{server_.url(QString(u'/' + name)), name, u"C"_s};
     if (!feed.isNull())
         server_.serve(u'/' + name, feed);
-    EXPECT_EQ(ok(u"add --create C %1 %2"_s.arg(name, job.url)).trimmed(), name);
+    EXPECT_EQ(ok(u"add --create --feed 0 C %1 %2"_s.arg(name, job.url)).trimmed(), name);
     return job;
 }
 

@@ -54,6 +54,8 @@ class Device:
         base = {"PATH": os.environ["PATH"], "HOME": str(self.folder), "TIDEBROOK_PAUSES": "0",
                 "TIDEBROOK_HOME": str(self.root), "QT_QPA_PLATFORM": "offscreen", "LC_ALL": "C.UTF-8",
                 "DBUS_SESSION_BUS_ADDRESS": "disabled:", "DBUS_SYSTEM_BUS_ADDRESS": "disabled:"}
+        if "TIDEBROOK_HTTP_PORT" in os.environ:
+            base["TIDEBROOK_HTTP_PORT"] = os.environ["TIDEBROOK_HTTP_PORT"]
         if env:
             base.update(env, LD_PRELOAD=str(BIN / "torture_shim.so"))
         return subprocess.Popen([BIN / program, *map(str, words)], env=base, text=True,

@@ -25,7 +25,8 @@ protected:
         publish(2);
         for (const QString &category : {u"B"_s, u"C"_s, u"D"_s}) {
             for (const QChar name : all.sliced((category[0].unicode() - u'B') * 3, 3))
-                ok(u"add --create %1 %2 %3"_s.arg(category, name, server_.url(path(name))));
+                ok(u"add --create --feed 0 %1 %2 %3"_s.arg(category, name,
+                                                           server_.url(path(name))));
         }
         start();
     }
