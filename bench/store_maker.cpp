@@ -51,15 +51,18 @@ void insertArticles(const QString &home, const StorePlan &plan) {
 
 } // namespace
 
+RefreshJob serveFeed(FeedServer &server, int number, int items, bool haveValidators, int first) {
+    const QString path = u"/%1"_s.arg(number);
+    const QByteArray feed = generatedFeed(items, static_cast<quint32>(number), first);
+    const QByteArray hash = QCryptographicHash::hash(feed, QCryptographicHash::Sha1).toHex();
+    server.serveWithValidators(path, feed, haveValidators ? '"' + hash + '"' : QByteArray());
+    return {server.url(path), u"Feed %1"_s.arg(number), u"Bench"_s};
+}
+
 QList<RefreshJob> serveFeeds(FeedServer &server, int count, int items, bool haveValidators) {
     QList<RefreshJob> feeds;
-    for (int i = 1; i <= count; ++i) {
-        const QString path = u"/%1"_s.arg(i);
-        const QByteArray feed = generatedFeed(items, static_cast<quint32>(i));
-        const QByteArray hash = QCryptographicHash::hash(feed, QCryptographicHash::Sha1).toHex();
-        server.serveWithValidators(path, feed, haveValidators ? '"' + hash + '"' : QByteArray());
-        feeds.append({server.url(path), u"Feed %1"_s.arg(i), u"Bench"_s});
-    }
+    for (int i = 1; i <= count; ++i)
+        feeds.append(serveFeed(server, i, items, haveValidators));
     return feeds;
 }
 

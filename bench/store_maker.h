@@ -26,6 +26,10 @@ inline constexpr int channelsToShare = 50;   // in each of the other categories
 inline constexpr int importedChannels = 223; // as many as a list may offer
 inline constexpr int exportedChannels = 600; // in the last category
 
+/// Has the server send the feed with that number, with items from the number `first` on, always or
+/// when it has changed. Its channel.
+RefreshJob serveFeed(FeedServer &server, int number, int items, bool haveValidators, int first = 0);
+
 /// Has the server send feeds of so many items, always or when they have changed. Their channels.
 QList<RefreshJob> serveFeeds(FeedServer &server, int count, int items, bool haveValidators = false);
 
