@@ -70,17 +70,15 @@ bool isAlternate(const ScopedElement &link) {
 // Of several alternatives, the page.
 QString linkOf(const ScopedElement &element) {
     QString found;
-    for (XmlNode node = element.node().firstChild(); !node.isNull(); node = node.nextSibling()) {
-        const ScopedElement link(node, element);
-        if (link.name() != "link" || !isAlternate(link))
-            continue;
+    visitChildren(element, "link", [&](const ScopedElement &link) {
         const QString type = link.attribute("type");
         const bool isPage = type.isEmpty() || type.contains(u"html");
+        if (!isAlternate(link))
+            return true;
         if (isPage || found.isEmpty())
             found = link.wholeLink(link.attribute("href"));
-        if (isPage)
-            break;
-    }
+        return !isPage;
+    });
     return found;
 }
 
@@ -97,12 +95,10 @@ FeedItem itemOfEntry(const ScopedElement &entry) {
 QByteArray rssOfAtom(const ScopedElement &feed) {
     const ElementParts parts = partsOf(feed);
     RssWriter writer({titleOf(parts), linkOf(feed), htmlOf(parts, {"subtitle", "tagline"})});
-    for (XmlNode node = feed.node().firstChild(); !node.isNull() && !writer.isFull();
-         node = node.nextSibling()) {
-        const ScopedElement child(node, feed);
-        if (child.name() == "entry")
-            writer.add(itemOfEntry(child));
-    }
+    visitChildren(feed, "entry", [&](const ScopedElement &entry) {
+        writer.add(itemOfEntry(entry));
+        return !writer.isFull();
+    });
     return writer.end();
 }
 

@@ -29,12 +29,10 @@ std::optional<QByteArray> rssOfRdf(const ScopedElement &rdf) {
     if (channel == parts.cend() && !parts.contains("item"))
         return std::nullopt;
     RssWriter writer(channel == parts.cend() ? FeedHeader() : headerOf(partsOf(*channel)));
-    for (XmlNode node = rdf.node().firstChild(); !node.isNull() && !writer.isFull();
-         node = node.nextSibling()) {
-        const ScopedElement child(node, rdf);
-        if (child.name() == "item")
-            writer.add(itemOfRdf(child));
-    }
+    visitChildren(rdf, "item", [&](const ScopedElement &item) {
+        writer.add(itemOfRdf(item));
+        return !writer.isFull();
+    });
     return writer.end();
 }
 

@@ -109,6 +109,15 @@ QString decoded(QByteArrayView text, qsizetype capacity) {
     return QString::fromUtf8(cutUtf8ToUnits(text, capacity));
 }
 
+void visitChildren(const ScopedElement &parent, QByteArrayView name,
+                   const std::function<bool(const ScopedElement &)> &visit) {
+    for (XmlNode node = parent.node().firstChild(); !node.isNull(); node = node.nextSibling()) {
+        const ScopedElement child(node, parent);
+        if (child.name() == name && !visit(child))
+            return;
+    }
+}
+
 ElementParts partsOf(const ScopedElement &element) {
     ElementParts parts;
     for (XmlNode node = element.node().firstChild(); !node.isNull(); node = node.nextSibling()) {

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QUrl>
 
+#include <functional>
 #include <initializer_list>
 #include <optional>
 
@@ -54,6 +55,10 @@ QString wholeLink(const QUrl &base, const QString &link);
 
 /// The first `capacity` UTF-16 units of a text of the document.
 QString decoded(QByteArrayView text, qsizetype capacity);
+
+/// Visits the children of a name, in order, until `visit` returns false.
+void visitChildren(const ScopedElement &parent, QByteArrayView name,
+                   const std::function<bool(const ScopedElement &)> &visit);
 
 /// The first child of each name.
 using ElementParts = QHash<QByteArray, ScopedElement>;
