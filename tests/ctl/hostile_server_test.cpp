@@ -111,7 +111,7 @@ TEST_F(HostileServerTest, ARoundOverAllOfThemLosesNothing) {
     const QJsonArray states = QJsonDocument::fromJson(ok(u"updates --json"_s).toUtf8()).array();
     ASSERT_EQ(states.size(), rows.size());
     const QDateTime latest = QDateTime::currentDateTimeUtc().addDays(8);
-    for (const QJsonValue &state : states) {
+    for (const QJsonValue state : states) {
         const HostileAnswer &row = rows[state[u"name"].toString().sliced(1).toUInt()];
         SCOPED_TRACE(row.name.constData());
         EXPECT_EQ(state[u"errorCode"].toInteger(), row.roundError);

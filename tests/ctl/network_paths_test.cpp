@@ -41,7 +41,7 @@ protected:
         environment_.insert(variable, value);
         environment_.insert(u"no_proxy"_s, noProxy);
         ok(u"add --create C ch "_s + address);
-        const QString out = run(u"update --full"_s).out;
+        QString out = run(u"update --full"_s).out;
         ok(u"delete ch"_s);
         environment_ = environment;
         return out;
