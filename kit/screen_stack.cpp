@@ -4,11 +4,13 @@
 #include "kit/layer.h"
 #include "kit/progress_line.h"
 #include "kit/touch_style.h"
+#include "kit/touched_window.h"
 #include "res/strings.h"
 
 #include <QAccessible>
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QWindow>
 
 #include <algorithm>
 #include <utility>
@@ -112,6 +114,8 @@ void ScreenStack::bringForward() {
 }
 
 bool ScreenStack::event(QEvent *event) {
+    if (event->type() == QEvent::WinIdChange && windowHandle() != nullptr)
+        handleTouches(*windowHandle());
     if (event->type() == QEvent::WindowActivate && top() != nullptr && !isClosing_)
         top()->activated();
     return QWidget::event(event);

@@ -7,6 +7,7 @@
 #include <QInputMethod>
 #include <QScrollBar>
 #include <QStyle>
+#include <QStyleHints>
 
 namespace {
 
@@ -153,6 +154,31 @@ TEST_F(ListRoomTest, ScrollsAndKeepsWhatIsSelectedInSight) {
         user.press(Qt::Key_Return);
         EXPECT_TRUE(user.seesCaption(u"C59"_s));
     });
+}
+
+TEST_F(ListRoomTest, BehindATapTheNextListIsTappedAtTheSamePlaceAndScrolledByTheFinger) {
+    QStyleHints &hints = *QGuiApplication::styleHints();
+    const int usual = hints.mouseDoubleClickInterval();
+    for (const bool isDoubleTap : {true, false}) {
+        SCOPED_TRACE(isDoubleTap);
+        hints.setMouseDoubleClickInterval(isDoubleTap ? 3'600'000 : 1); // ms
+        const auto use = [isDoubleTap](User &user) {
+            user.touchRow(1);
+            ASSERT_TRUE(user.seesLines(scienceLines) && user.seesQuiet());
+            user.touchRow(1);
+            ASSERT_TRUE(user.seesQuiet());
+            EXPECT_TRUE(user.seesCaption(isDoubleTap ? u"Science"_s : u"Odd"_s));
+            if (!isDoubleTap)
+                return;
+            user.touchRow(0);
+            ASSERT_TRUE(user.sees([&] { return user.list()->rowCount() == 5; }) &&
+                        user.seesQuiet());
+            user.touchRow(2, -60);
+            EXPECT_TRUE(user.sees([&] { return user.list()->verticalScrollBar()->value() > 0; }));
+        };
+        run(use, {320, 240});
+    }
+    hints.setMouseDoubleClickInterval(usual);
 }
 
 } // namespace

@@ -134,6 +134,7 @@ private:
     QStringList controlsNow() const;
     QStringList seen(Texts texts);
     bool seesSame(Texts texts, const QStringList &expected);
+    void touchBy(std::function<void()> action);
 
     ScreenStack &stack_;
     const Failure fail_;

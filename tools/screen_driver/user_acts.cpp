@@ -85,12 +85,18 @@ void User::tapBelowRows() {
     });
 }
 
+// What Qt makes of a touch for the mouse comes behind it.
+void User::touchBy(std::function<void()> action) {
+    act(std::move(action));
+    look([] {});
+}
+
 void User::touchRow(int row, int way) {
-    act([this, row, way] { moveFinger(list()->viewport(), middleOf(*list(), row), {0, way}); });
+    touchBy([this, row, way] { moveFinger(list()->viewport(), middleOf(*list(), row), {0, way}); });
 }
 
 void User::touchPage(const QPoint &way) {
-    act([this, way] {
+    touchBy([this, way] {
         QWidget *area = stack_.top()->findChild<TextPage *>()->viewport();
         moveFinger(area, area->rect().center(), way);
     });
@@ -105,7 +111,7 @@ void User::holdRow(int row) {
     });
     if (!seesPopup())
         return fail_(u"there is no menu"_s);
-    act([this, row] {
+    touchBy([this, row] {
         QWidget *area = list()->viewport();
         QTest::touchEvent(area, finger(), false)
             .release(0, middleOf(*list(), row), area)
@@ -124,7 +130,7 @@ void User::clickRight(int row) {
 }
 
 void User::touch(const QString &text) {
-    act([this, text] {
+    touchBy([this, text] {
         const QMenu *menu = openMenu();
         const auto entries = menu != nullptr ? menu->actions() : QList<QAction *>();
         const auto entry = std::ranges::find(entries, text, &QAction::text);
