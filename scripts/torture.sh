@@ -4,10 +4,19 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
 source scripts/building.sh
 
-build release torture
+preset=release
+targets=(torture ui_tests app_tests)
+launcher=()
+if [[ " $* " == *" --tsan "* ]]; then
+    preset=tsan
+    targets=(torture)
+    launcher=(underThreadSanitizer)
+fi
+cmake --preset "$preset" -DTIDEBROOK_TOUCH=ON >/dev/null
+build "$preset" "${targets[@]}"
 mapping=()
 if ((EUID != 0)); then
     mapping=(--map-root-user)
 fi
-export TORTURE_BIN=$PWD/build/release/bin PYTHONDONTWRITEBYTECODE=1
-exec unshare "${mapping[@]}" --mount python3 tests/torture/torture.py "$@"
+export TORTURE_BIN=$PWD/build/$preset/bin PYTHONDONTWRITEBYTECODE=1
+"${launcher[@]}" unshare "${mapping[@]}" --mount python3 tests/torture/torture.py "$@"

@@ -49,13 +49,17 @@ class Device:
                             ignore=shutil.ignore_patterns("*.event"))
         (self.folder / "out").mkdir(parents=True, exist_ok=True)
 
-    def start(self, program, *words, env=None, **options):
-        """A program, in an environment without the user's own folders and screens."""
+    def start(self, program, *words, env=None, screen=None, **options):
+        """A program, in an environment without the user's own folders and screens; `screen` has
+        what leads to another one."""
         base = {"PATH": os.environ["PATH"], "HOME": str(self.folder), "TIDEBROOK_PAUSES": "0",
                 "TIDEBROOK_HOME": str(self.root), "QT_QPA_PLATFORM": "offscreen", "LC_ALL": "C.UTF-8",
                 "DBUS_SESSION_BUS_ADDRESS": "disabled:", "DBUS_SYSTEM_BUS_ADDRESS": "disabled:"}
         if "TIDEBROOK_HTTP_PORT" in os.environ:
             base["TIDEBROOK_HTTP_PORT"] = os.environ["TIDEBROOK_HTTP_PORT"]
+        base.update(screen or {})
+        if "TSAN_OPTIONS" in os.environ:
+            base["TSAN_OPTIONS"] = os.environ["TSAN_OPTIONS"]
         if env:
             base.update(env, LD_PRELOAD=str(BIN / "torture_shim.so"))
         return subprocess.Popen([BIN / program, *map(str, words)], env=base, text=True,

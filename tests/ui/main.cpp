@@ -5,8 +5,11 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 int main(int argc, char **argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Not what the desktop of a developer sets for all of its programs.
+    qputenv("QT_QPA_PLATFORM", qEnvironmentVariable("TIDEBROOK_PLATFORM", u"offscreen"_s).toUtf8());
     testing::InitGoogleTest(&argc, argv);
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -207,12 +207,13 @@ TEST_F(TodayItemTest, ATapOpensTheArticleAlsoAfterAnyOfTheProgramsWasKilled) {
     {
         // A reader that cannot start does not take it, and no later one finds it.
         NamedEvent tapped(root_, u"CLKTODAY", NamedEvent::Reset::Auto);
+        const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
         qputenv("QT_QPA_PLATFORM", "none-such");
         tap(u"one"_s);
         waitFor([&] { return run(u"setting TITLE --today"_s).out == u"one\n"; });
         item_.reset();
         EXPECT_FALSE(tapped.test());
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("QT_QPA_PLATFORM", platform);
     }
     server_.serve(u"/A"_s, feedOf("four"));
     begin();
@@ -282,7 +283,8 @@ TEST_F(TodayItemTest, ARoundIsNotifiedOnceIfItBroughtSomethingAndThatIsWanted) {
 }
 
 TEST_F(TodayItemTest, OneRunsForADeviceAndEveryEndLeavesRoomForAnother) {
-    const auto start = [&](const QStringList &arguments, const QString &platform = u"offscreen"_s) {
+    const auto start = [&](const QStringList &arguments,
+                           const QString &platform = qEnvironmentVariable("QT_QPA_PLATFORM")) {
         auto process = std::make_unique<QProcess>();
         environment_.insert(u"QT_QPA_PLATFORM"_s, platform);
         process->setProcessEnvironment(environment_);
