@@ -144,7 +144,7 @@ QByteArray HttpTransfer::header(const char *name) const {
 
 // libcurl resolves the address only of an answer that came whole.
 QString HttpTransfer::redirect() const {
-    const QString known = QString::fromUtf8(info<const char *>(CURLINFO_REDIRECT_URL));
+    QString known = QString::fromUtf8(info<const char *>(CURLINFO_REDIRECT_URL));
     const QByteArray location = status() / 100 == 3 ? header("Location") : QByteArray();
     if (!known.isEmpty() || location.isEmpty())
         return known;
