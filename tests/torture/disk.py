@@ -24,7 +24,7 @@ def on_disk(work, template, command, after, size):
             device = Device(folder, template)
         except OSError:
             return None, []
-        before = device.state()
+        before = template.state()  # SQLite needs room to read
         status, out, err = faults.run(device, command)
         subprocess.run(["mount", "-o", "remount,size=100m", folder], check=True)
         wrong = device.faults()
