@@ -48,7 +48,7 @@ def wayland(folder, command=("weston", "--backend=headless-backend.so", "--idle-
                               **{"stdout": subprocess.DEVNULL, **options})
     try:
         until(lambda: (folder / "screens").exists(), "a compositor")
-        # Qt's own input context does not survive that nobody can type, as with a headless weston.
+        # Qt's own input context crashes where there is no keyboard, as under a headless weston.
         yield env | {"TIDEBROOK_PLATFORM": "wayland", "QT_IM_MODULE": "compose", "PROCESS": server}
     finally:
         server.terminate()
