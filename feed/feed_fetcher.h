@@ -38,9 +38,8 @@ public:
     /// For the log: why the first request was not complete; empty when it was.
     const QString &detail() const { return detail_; }
 
-    /// Gets the document and checks that it is RSS, or a feed
-    /// that is read as RSS (`parseFeed`). Waits for the network, for 50 seconds at most;
-    /// does not use the store.
+    /// Gets the document and checks that it is RSS, or a feed that is read as RSS (`parseFeed`).
+    /// Waits for the network, for 50 seconds at most; does not use the store.
     bool fetch(const QString &url, const QString &channelName);
 
     /// What an answer is.

@@ -1,6 +1,7 @@
 #include "ctl/ctl_process.h"
 #include "ctl/hostile_answers.h"
 #include "feed/feed_fetcher.h"
+#include "feed_server/direct_port.h"
 #include "test_device/test_device.h"
 
 #include <QJsonArray>
@@ -35,10 +36,9 @@ qint64 memory(const QString &name) {
 class HostileServerTest : public CtlTest {
 protected:
     void SetUp() override {
-        qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
         environment_.insert(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
     }
-    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
+    const DirectPort directPort_{server_};
 
     /// The address of a row, at a host of its own, as a round asks a host for one feed at a time.
     QString address(std::size_t row, const QString &path) const {

@@ -1,5 +1,5 @@
 #include "feed/feed_fetcher.h"
-#include "feed_server/feed_server.h"
+#include "feed_server/direct_port.h"
 #include "support/open_store.h"
 
 #include <QDir>
@@ -22,12 +22,6 @@ const QByteArray feed = "<rss><channel><title>Feed</title><item><title>One</titl
 
 class FetcherTest : public OpenStore {
 protected:
-    void SetUp() override {
-        OpenStore::SetUp();
-        qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
-    }
-    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
-
     /// The code that it ends with.
     quint32 fetch(const QString &url, const HttpLimits &limits = smallLimits) {
         FeedFetcher fetcher(device_.root, *device_.registry, limits);
@@ -46,6 +40,7 @@ protected:
     QString tempFile() const { return device_.root.filePath(u"\\Temp\\TmpXml.xml"); }
 
     FeedServer server_;
+    const DirectPort directPort_{server_};
 };
 
 TEST_F(FetcherTest, AGoodDocumentNeedsNoSecondTransport) {
@@ -64,7 +59,7 @@ TEST_F(FetcherTest, ABodyThatIsNoXmlIsFetchedAgainThroughTheFile) {
     // A server that answers the two transports differently.
     FeedServer direct;
     direct.serve(u"/feed"_s, feed);
-    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(direct.port()));
+    const DirectPort otherPort(direct);
     EXPECT_EQ(fetch(server_.url(u"/feed")), 0u);
     EXPECT_EQ(direct.requests().size(), 1);
     EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"One"_s));
@@ -120,7 +115,7 @@ TEST_F(FetcherTest, OtherFormatsAreReadFromTheMomentTheyAreAskedFor) {
     server_.serve(u"/broken"_s, "<feed>");
     FeedServer direct;
     direct.serve(u"/broken"_s, QByteArray(atom).replace("%1", "2"));
-    qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(direct.port()));
+    const DirectPort otherPort(direct);
     for (const QString &path : {u"/old"_s, u"/broken"_s}) {
         SCOPED_TRACE(qPrintable(path));
         for (const quint32 value : {0U, 1U, 0U}) {

@@ -1,4 +1,4 @@
-#include "feed_server/feed_server.h"
+#include "feed_server/direct_port.h"
 #include "platform/http/http.h"
 #include "platform/http/http_queue.h"
 
@@ -21,9 +21,6 @@ const HttpLimits hastyLimits{300ms, 300ms, 300ms, 100'000};
 
 class HttpTest : public testing::Test {
 protected:
-    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port())); }
-    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
-
     HttpAnswer get(const QString &path, const HttpLimits &limits = smallLimits) {
         return httpGet({server_.url(path)}, limits);
     }
@@ -35,6 +32,7 @@ protected:
     }
 
     FeedServer server_;
+    const DirectPort directPort_{server_};
     QBuffer body_;
 };
 

@@ -1,4 +1,4 @@
-#include "feed_server/feed_server.h"
+#include "feed_server/direct_port.h"
 #include "share/feed_probe.h"
 #include "test_device/test_device.h"
 
@@ -14,10 +14,8 @@ using std::chrono::milliseconds;
 
 class FeedProbeTest : public testing::Test {
 protected:
-    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port())); }
-    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
-
     FeedServer server_;
+    const DirectPort directPort_{server_};
     TestDevice device_;
     const QString url_ = u"https://localhost:8443/x"_s;
 };

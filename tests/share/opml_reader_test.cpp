@@ -1,4 +1,4 @@
-#include "feed_server/feed_server.h"
+#include "feed_server/direct_port.h"
 #include "platform/sync/stop_signal.h"
 #include "share/opml_reader.h"
 #include "test_device/test_device.h"
@@ -32,9 +32,6 @@ QByteArray numbered(int count) {
 
 class OpmlReaderTest : public testing::Test {
 protected:
-    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port())); }
-    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
-
     /// "name=url" of each channel, or the code of the failure.
     QString read(AddMode mode, const QString &source, const HttpLimits &limits = {}) {
         SetLastErrorCode(*device_.registry, 0);
@@ -56,6 +53,7 @@ protected:
     }
 
     FeedServer server_;
+    const DirectPort directPort_{server_};
     TestDevice device_;
     const QString file_ = device_.root.filePath(u"list.opml");
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "feed_server/feed_server.h"
+#include "feed_server/direct_port.h"
 #include "test_device/home.h"
 #include "ui/reading_test.h"
 
@@ -9,9 +9,6 @@ namespace tidebrook {
 /// A device as for reading, a server that stands for every host at its plain port, and a home.
 class SharingTest : public ReadingTest {
 protected:
-    void SetUp() override { qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server.port())); }
-    void TearDown() override { qunsetenv("TIDEBROOK_HTTP_PORT"); }
-
     /// Shows the channels of Science to the user.
     void runInScience(const Hand &user) {
         run([&](User &someone) {
@@ -32,6 +29,7 @@ protected:
     }
 
     FeedServer server;
+    const DirectPort directPort{server};
     const Home home;
 };
 
