@@ -36,7 +36,8 @@ bool takeEvents(int descriptor) {
 // Not by QFileSystemWatcher: it does not notice that a watched folder is renamed, and it wakes the
 // program for every file that is made in one.
 DeviceWatch::DeviceWatch(const DeviceRoot &device, QObject *parent)
-    : QObject(parent), device_(device), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+    : QObject(parent), device_(device), inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
+      identity_(identitiesOf({device.path()})) {
     if (!inotify_.isOpen())
         return;
     auto *events = new QSocketNotifier(inotify_.number(), QSocketNotifier::Read, this);
@@ -45,7 +46,8 @@ DeviceWatch::DeviceWatch(const DeviceRoot &device, QObject *parent)
 
 void DeviceWatch::setScope(Scope scope) {
     scope_ = scope;
-    watch();
+    if (watch())
+        Q_EMIT moved();
 }
 
 void DeviceWatch::take() {
@@ -53,15 +55,13 @@ void DeviceWatch::take() {
         Q_EMIT changed();
         return;
     }
-    const FileIdentities before = identity_;
-    watch(); // a file that was replaced is watched no more
-    if (identity_ != before)
+    if (watch()) // also because a file that was replaced is watched no more
         Q_EMIT moved();
     else if (scope_ == Scope::Content)
         Q_EMIT changed();
 }
 
-void DeviceWatch::watch() {
+bool DeviceWatch::watch() {
     for (const int watch : std::exchange(watches_, {}))
         inotify_rm_watch(inotify_.number(), watch);
     takeEvents(inotify_.number()); // of the removal
@@ -71,7 +71,8 @@ void DeviceWatch::watch() {
         add(device_.registryPath() + u"-wal", IN_MODIFY);
     }
     // Looked at last: a later change is an event of the watches.
-    identity_ = identitiesOf({device_.path()});
+    const FileIdentities before = std::exchange(identity_, identitiesOf({device_.path()}));
+    return identity_ != before;
 }
 
 // Where there is no device, the nearest folder in which its path can come into being.

@@ -27,7 +27,8 @@ public:
     /// notices nothing.
     explicit DeviceWatch(const DeviceRoot &device, QObject *parent = nullptr);
 
-    /// What happened in a scope before it was set is not reported.
+    /// What was written in a scope before it was set is not reported, but that the device moved
+    /// meanwhile is, before this returns.
     void setScope(Scope scope);
 
 Q_SIGNALS:
@@ -39,7 +40,7 @@ Q_SIGNALS:
 
 private:
     void take();
-    void watch();
+    bool watch(); // whether the device moved
     void watchPlace();
     void add(const QString &path, quint32 events);
 

@@ -1,4 +1,5 @@
 #include "platform/base/replace_file.h"
+#include "platform/desktop/device_watch.h"
 #include "platform/sql/registry.h"
 #include "support/forked_process.h"
 #include "test_device/test_device.h"
@@ -64,6 +65,22 @@ TEST(DeviceFiles, WhatAKilledFirstStartLeftIsRemovedByTheNextAndNothingElse) {
     EXPECT_EQ(entries(folder.path()),
               (QStringList{u"device"_s, u"device.new-aBcDeF"_s, u"device.new-design"_s}));
     EXPECT_TRUE(QFileInfo::exists(folder.filePath(u"device.new-design/mine"_s)));
+}
+
+TEST(DeviceFiles, ADeviceThatComesOrGoesWhileTheScopeChangesHasMoved) {
+    const QTemporaryDir folder;
+    const DeviceRoot device(folder.filePath(u"device"_s));
+    DeviceWatch watch(device);
+    int moves = 0;
+    QObject::connect(&watch, &DeviceWatch::moved, &watch, [&moves] { ++moves; });
+    watch.setScope(DeviceWatch::Scope::Content);
+    ASSERT_TRUE(device.makeFolders());
+    watch.setScope(DeviceWatch::Scope::Place);
+    EXPECT_EQ(moves, 1);
+    ASSERT_TRUE(QDir(device.path()).removeRecursively());
+    watch.setScope(DeviceWatch::Scope::Content);
+    watch.setScope(DeviceWatch::Scope::Place);
+    EXPECT_EQ(moves, 2);
 }
 
 } // namespace
