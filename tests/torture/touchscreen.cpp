@@ -1,6 +1,7 @@
-// touchscreen SOCKET WIDTH HEIGHT: a Wayland compositor whose seat has fingers alone, for the
-// window of the reader. What the fingers do, and what the screen shows, comes and goes by lines on
-// standard input and output.
+// touchscreen SOCKET WIDTH HEIGHT [desk]: a Wayland compositor whose seat has fingers alone, for the
+// window of the reader, which fills the screen. By "desk" its windows have the size they choose and
+// the keyboard of a desk. What the fingers do, and what the screen shows, comes and goes by lines
+// on standard input and output.
 
 #include <QtWaylandCompositor/QWaylandBufferRef>
 #include <QtWaylandCompositor/QWaylandCompositor>
@@ -34,9 +35,15 @@ using namespace Qt::StringLiterals;
 constexpr int frameTime = 16; // ms
 constexpr int refreshRate = 60'000;
 
-class FingersOnly : public QWaylandCompositor {
+class Compositor : public QWaylandCompositor {
+public:
+    explicit Compositor(QWaylandSeat::CapabilityFlags devices) : devices_(devices) {}
+
 protected:
-    QWaylandSeat *createSeat() override { return new QWaylandSeat(this, QWaylandSeat::Touch); }
+    QWaylandSeat *createSeat() override { return new QWaylandSeat(this, devices_); }
+
+private:
+    QWaylandSeat::CapabilityFlags devices_;
 };
 
 /// A surface of the reader, and where its upper left corner is.
@@ -47,7 +54,7 @@ struct Place {
 
 class TouchScreen : public QObject {
 public:
-    TouchScreen(const QByteArray &socket, const QSize &size);
+    TouchScreen(const QByteArray &socket, const QSize &size, bool isDesk);
 
     /// Does what a line says, and returns the answer.
     QByteArray obey(const QByteArray &line);
@@ -66,7 +73,8 @@ private:
     bool touch(const QString &act, int finger, const QPoint &point);
     bool hasInk(const QRect &area) const;
 
-    FingersOnly compositor_;
+    const bool isDesk_;
+    Compositor compositor_{isDesk_ ? QWaylandSeat::DefaultCapabilities : QWaylandSeat::Touch};
     QWaylandOutput output_;
     QWaylandXdgShell shell_{&compositor_};
     QSize size_;
@@ -77,7 +85,8 @@ private:
     QTimer frames_;
 };
 
-TouchScreen::TouchScreen(const QByteArray &socket, const QSize &size) : size_(size) {
+TouchScreen::TouchScreen(const QByteArray &socket, const QSize &size, bool isDesk)
+    : isDesk_(isDesk), size_(size) {
     compositor_.setSocketName(socket);
     compositor_.setUseHardwareIntegrationExtension(false);
     connect(&compositor_, &QWaylandCompositor::surfaceCreated, this, &TouchScreen::addSurface);
@@ -104,6 +113,10 @@ void TouchScreen::addWindow(QWaylandXdgToplevel *window) {
     windows_.append(window);
     connect(window, &QWaylandXdgToplevel::titleChanged, this, [this] { isShown_ = false; });
     turn(size_);
+    // A menu that no device opened is a window too, which takes the keyboard from none.
+    QWaylandSeat *seat = compositor_.defaultSeat();
+    if (isDesk_ && seat->keyboardFocus() == nullptr)
+        seat->setKeyboardFocus(window->xdgSurface()->surface());
 }
 
 void TouchScreen::addMenu(QWaylandXdgPopup *menu) {
@@ -120,10 +133,12 @@ void TouchScreen::turn(const QSize &size) {
     const QWaylandOutputMode mode(size, refreshRate);
     output_.addMode(mode, true);
     output_.setCurrentMode(mode);
-    const QList states{QWaylandXdgToplevel::MaximizedState, QWaylandXdgToplevel::ActivatedState};
+    QList states{QWaylandXdgToplevel::ActivatedState};
+    if (!isDesk_)
+        states.append(QWaylandXdgToplevel::MaximizedState);
     for (const auto &window : windows_) {
         if (window)
-            window->sendConfigure(size, states);
+            window->sendConfigure(isDesk_ ? QSize(0, 0) : size, states);
     }
 }
 
@@ -233,7 +248,7 @@ int main(int argc, char **argv) {
     const QGuiApplication application(argc, argv);
     const QStringList words = QGuiApplication::arguments();
     TouchScreen screen(words.value(1).toLocal8Bit(),
-                       {words.value(2).toInt(), words.value(3).toInt()});
+                       {words.value(2).toInt(), words.value(3).toInt()}, words.contains(u"desk"_s));
     QByteArray said;
     QSocketNotifier lines(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&lines, &QSocketNotifier::activated, &application, [&] {
