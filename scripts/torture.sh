@@ -12,7 +12,7 @@ if [[ " $* " == *" --tsan "* ]]; then
     targets=(torture)
     launcher=(underThreadSanitizer)
 fi
-cmake --preset "$preset" -DTIDEBROOK_TOUCH=ON >/dev/null
+cmake --preset "$preset" >/dev/null # finds what was installed since the last time
 build "$preset" "${targets[@]}"
 mapping=()
 if ((EUID != 0)); then
