@@ -3,6 +3,7 @@ and each is killed at random. What is stored is sound all the time, what was rep
 there, and no command takes long. A period ends as a backup begins: nothing runs any more."""
 
 import contextlib
+import itertools
 import os
 import random
 import re
@@ -18,6 +19,7 @@ PERIOD = 30
 FEEDS = 12
 NEWS = 200  # of a feed; then it begins again
 USERS = 4
+NUMBERS = itertools.count(1)  # of new names, none of which another period has left behind
 PROGRAMS = (["tidebrook"], ["tidebrook-today"], ["feedlarkd", "--foreground"])
 CRASHES = (-signal.SIGSEGV, -signal.SIGABRT, -signal.SIGBUS, -signal.SIGFPE, -signal.SIGILL)
 
@@ -77,9 +79,8 @@ class Period:
 
     def use(self, user, owned, chance):
         """A user with channels of their own. `owned` has what is known of each: its category."""
-        number = chance.randrange(10**6)
         while not self.end.is_set():
-            number += 1
+            number = next(NUMBERS)
             name, new = chance.choice([*owned, "f0"]), f"u{user} {number}"
             home = f"U{user}{chance.choice('ab')}"
             kind = chance.choice(("add", "rename", "move", "delete", "free", "free", "free"))
