@@ -1,7 +1,7 @@
-// touchscreen SOCKET WIDTH HEIGHT [desk]: a Wayland compositor whose seat has fingers alone, for the
-// window of the reader, which fills the screen. By "desk" its windows have the size they choose and
-// the keyboard of a desk. What the fingers do, and what the screen shows, comes and goes by lines
-// on standard input and output.
+// touchscreen SOCKET WIDTH HEIGHT [desk]: a Wayland compositor whose seat has fingers alone, for
+// the window of the reader, which fills the screen. By "desk" its windows have the size they choose
+// and the keyboard of a desk. What the fingers do, and what the screen shows, comes and goes by
+// lines on standard input and output.
 
 #include <QtWaylandCompositor/QWaylandBufferRef>
 #include <QtWaylandCompositor/QWaylandCompositor>
