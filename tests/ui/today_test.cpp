@@ -5,7 +5,10 @@
 #include "today/today_item.h"
 #include "ui/reading_test.h"
 
+#include <QDir>
 #include <QTest>
+
+#include <algorithm>
 
 namespace tidebrook {
 namespace {
@@ -32,6 +35,15 @@ protected:
         const bool isShown = strip.headline() == headline;
         isShown ? strip.click() : QTest::keyClick(&strip, Qt::Key_Down);
         return isShown;
+    }
+    /// Whether a program runs that the item has started. It ends when the reader has answered it.
+    bool isAnyStarting() const {
+        const QByteArray home = "TIDEBROOK_HOME=" + device.root.path().toUtf8() + '\0';
+        const QStringList processes = QDir(u"/proc"_s).entryList(QDir::Dirs);
+        return std::ranges::any_of(processes, [&](const QString &process) {
+            QFile environment(u"/proc/%1/environ"_s.arg(process));
+            return environment.open(QIODevice::ReadOnly) && environment.readAll().contains(home);
+        });
     }
     static void goBack(User &user) {
         for (int back = 0; back < 3; ++back) { // and stays in the first list
@@ -106,6 +118,7 @@ TEST_F(TodayTest, AHeadlineThatIsTappedIsOpenedWhereverTheUserIsAndSettingsHoldA
         user.tap(u"Enable Today Plugin."_s);
         user.tap(u"Done"_s);
         EXPECT_TRUE(user.sees([&] { return !item->strip().isVisible(); }));
+        EXPECT_TRUE(user.sees([&] { return !isAnyStarting(); })) << "else it becomes a reader";
         user.look([&] { item.reset(); });
     }));
     EXPECT_EQ(device.counts(u"Travel"_s, u"Sun"_s), u"2/3");
