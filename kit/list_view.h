@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QStringList>
 
+#include <utility>
+
 namespace tidebrook {
 
 /// A list of rows with an image and a label each, of which at most one is selected. It is scrolled
@@ -67,7 +69,9 @@ public:
     /// Selects and focuses a row and scrolls to it; a number without a row selects none.
     void selectRow(int row);
 
-    void setSpeech(std::function<QString(const ListRow &)> speech) { rows_.setSpeech(speech); }
+    void setSpeech(std::function<QString(const ListRow &)> speech) {
+        rows_.setSpeech(std::move(speech));
+    }
 
     void setLabelsEditable(bool editable) { rows_.setEditable(editable); }
     /// The length limit in UTF-16 units; to be set before a label is edited.
