@@ -73,7 +73,7 @@ private:
     bool touch(const QString &act, int finger, const QPoint &point);
     bool hasInk(const QRect &area) const;
 
-    const bool isDesk_;
+    const bool isDesk_; // with a keyboard, and windows that do not fill the screen
     Compositor compositor_{isDesk_ ? QWaylandSeat::DefaultCapabilities : QWaylandSeat::Touch};
     QWaylandOutput output_;
     QWaylandXdgShell shell_{&compositor_};
