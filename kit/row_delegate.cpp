@@ -29,9 +29,7 @@ RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
 // What was typed or pasted ends at the cursor. The length limit may have halved its last character.
 void removeControls(QLineEdit &editor) {
     const QString text = editor.text();
-    QString before = withoutControls(text.left(editor.cursorPosition()));
-    if (!before.isEmpty() && before.back().isHighSurrogate())
-        before.chop(1);
+    const QString before = withoutHalves(withoutControls(text.left(editor.cursorPosition())));
     const QString cleaned = before + withoutControls(text.mid(editor.cursorPosition()));
     if (cleaned == text)
         return;
@@ -130,7 +128,11 @@ void RowDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
 
 void RowDelegate::setModelData(QWidget *editor, QAbstractItemModel *,
                                const QModelIndex &index) const {
-    list_.storeLabel(index, static_cast<QLineEdit *>(editor)->text());
+    const auto *edit = static_cast<QLineEdit *>(editor);
+    // An editor that cuts a longer name has not changed it.
+    const QString before = index.data(Qt::EditRole).toString();
+    if (edit->isModified() || edit->text() != before.left(edit->maxLength()))
+        list_.storeLabel(index, edit->text());
 }
 
 void RowDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,

@@ -86,7 +86,8 @@ QByteArrayView cutUtf8ToUnits(QByteArrayView text, qsizetype capacity) {
     if (text.size() <= capacity)
         return text;
     qsizetype end = 0;
-    for (; capacity >= blockSize && text.size() - end >= blockSize; end += blockSize)
+    // A block that ends within a character may have one unit more than bytes.
+    for (; capacity > blockSize && text.size() - end >= blockSize; end += blockSize)
         capacity -= unitsOfBlock(text.data() + end);
     while (end < text.size() && unitsOf(text[end]) <= capacity)
         capacity -= unitsOf(text[end++]);
@@ -109,6 +110,16 @@ QString withoutControls(QString text) {
     for (QChar &c : text) {
         if (c.category() == QChar::Other_Control)
             c = u' ';
+    }
+    return text;
+}
+
+QString withoutHalves(QString text) {
+    for (qsizetype i = text.size() - 1; i >= 0; --i) {
+        if (text[i].isLowSurrogate() && i > 0 && text[i - 1].isHighSurrogate())
+            --i;
+        else if (text[i].isSurrogate())
+            text.remove(i, 1);
     }
     return text;
 }

@@ -27,6 +27,9 @@ QByteArrayView TrimTrailingBlanks(QByteArrayView utf8);
 /// The text with a blank in place of every control character, line ends and tabs among them.
 QString withoutControls(QString text);
 
+/// The text without the halves of surrogate pairs, as an input field's limit leaves them.
+QString withoutHalves(QString text);
+
 /// The text without the characters that show nothing and only allow or forbid a line's end at their
 /// place: soft hyphens, blanks and joiners without a width, byte-order marks.
 QString withoutSoftBreaks(QString text);

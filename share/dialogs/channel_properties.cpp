@@ -42,13 +42,13 @@ Stored readStored(Device &device, const QString &category, const QString &channe
     return stored;
 }
 
-// The text that the user has changed, without the blanks at its end, which the database ignores;
-// the old one when he has not: an edit may show less than there is. What a screen reader writes
-// does not count as modified.
+// The text that the user has changed, as the database keeps it; the old one when he has not: an
+// edit may show less than there is. What a screen reader writes does not count as modified.
 QString edited(const QLineEdit &edit, qsizetype limit, const QString &before) {
     if (edit.text() == before.left(edit.maxLength()))
         return before;
-    return TrimTrailingBlanks(cutText(withoutControls(edit.text()), limit)).toString();
+    const QString text = withoutDropped(withoutHalves(withoutControls(edit.text())));
+    return TrimTrailingBlanks(cutText(text, limit)).toString();
 }
 
 } // namespace

@@ -92,6 +92,9 @@ TEST_F(IngestionTest, TextsAreNeverCutInTheMiddleOfAQuote) {
     EXPECT_TRUE(device_.titles(u"ch"_s).contains(u"'"_s.repeated(128)));
     EXPECT_TRUE(insert(item(u"😀"_s.repeated(127) + u"x", u"e"_s)));
     EXPECT_EQ(detail(u"ch"_s, u"😀"_s.repeated(127) + u"x").description, u"Text");
+    const QString fitting = u"é"_s + QString(253, u'a');
+    EXPECT_TRUE(insert(item(fitting + u"😀", u"f"_s)));
+    EXPECT_EQ(detail(u"ch"_s, fitting).description, u"Text");
 }
 
 TEST_F(IngestionTest, ATitleThatShowsNothingHidesNoOtherArticle) {

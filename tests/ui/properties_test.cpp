@@ -51,6 +51,10 @@ const Change changes[] = {
     {.isTicked = true, .name = u"Luna  "_s, .channel = luna, .automatic = {luna + u" Science"}},
     {.isAutoUpdated = true, .isTicked = true, .name = u"Planet"_s}, // which is taken
     {.name = u""_s, .address = u""_s, .channel = u" "_s},
+    {.isAutoUpdated = true,
+     .name = u"\uFEFF"_s + longName.first(47) + u"😀",
+     .channel = longName.first(47) + u' ' + link,
+     .automatic = {longName.first(47) + u' ' + link + u" Science"}},
     {.name = longName + u'n',
      .address = longLink + u'l',
      .channel = longName + u' ' + longLink.first(510)},
