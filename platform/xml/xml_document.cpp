@@ -127,8 +127,11 @@ private:
         return true;
     }
 
-    // In place of an external DTD, which is never loaded.
+    // In place of an external DTD, which is never loaded. A document may ask for many, and this
+    // searches all of it.
     bool declareEntities(XML_Parser asking) {
+        if (std::exchange(areEntitiesDeclared_, true))
+            return true;
         const Parser parser(XML_ExternalEntityParserCreate(asking, nullptr, "UTF-8"));
         const QByteArray declarations = htmlEntityDeclarations() + otherDeclarations();
         return parser && XML_Parse(parser.get(), declarations.constData(),
@@ -303,6 +306,7 @@ private:
     std::map<std::string_view, std::uint32_t> nameIndices_; // views of names_' bytes
     std::vector<OpenElement> open_;
     bool isStopped_ = false;
+    bool areEntitiesDeclared_ = false;
     std::uint32_t textBegin_ = 0; // where the run of text being read began
     std::uint32_t textEnd_ = 0;   // how much of the text is filled
 };

@@ -1,5 +1,7 @@
 #include "platform/xml/xml_encoding.h"
 
+#include <QHash>
+
 #include <array>
 #include <cerrno>
 #include <string_view>
@@ -73,9 +75,21 @@ Encoding encodingOf(QByteArrayView bytes, QByteArrayView charset) {
 // Options follow slashes ("UTF-8//IGNORE"); a document must not choose them.
 bool isPlainName(const QByteArray &name) { return !name.isEmpty() && !name.contains('/'); }
 
+// Publishers name a standard and use its extension, as browsers read it.
+QByteArray extensionOf(const QByteArray &encoding) {
+    static const QHash<QByteArray, QByteArray> extensions{
+        {"gb2312", "GB18030"},       {"gb_2312-80", "GB18030"}, {"gbk", "GB18030"},
+        {"x-gbk", "GB18030"},        {"shift_jis", "CP932"},    {"sjis", "CP932"},
+        {"x-sjis", "CP932"},         {"shift-jis", "CP932"},    {"euc-kr", "CP949"},
+        {"ks_c_5601-1987", "CP949"}, {"windows-949", "CP949"},  {"x-euc-jp", "EUC-JP"},
+        {"big5", "BIG5-HKSCS"},
+    };
+    return extensions.value(encoding.toLower(), encoding);
+}
+
 iconv_t converterFrom(const QByteArray &encoding) {
     const iconv_t converter =
-        isPlainName(encoding) ? iconv_open("UTF-8", encoding.constData()) : nullptr;
+        isPlainName(encoding) ? iconv_open("UTF-8", extensionOf(encoding).constData()) : nullptr;
     // iconv_open returns the pointer -1 for an unknown name.
     return reinterpret_cast<qintptr>(converter) == -1 ? nullptr : converter;
 }
