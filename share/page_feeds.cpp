@@ -107,7 +107,10 @@ std::optional<QList<PageFeed>> feedsOfPage(const QString &url, const HttpLimits 
     if (answer.progress != HttpProgress::Complete || answer.status != statusDone)
         return std::nullopt;
     XmlUtf8Reader reader(answer.body, answer.charset);
-    const QString page = QString::fromUtf8(reader.next().value_or(QByteArrayView()));
+    const std::optional<QByteArrayView> text = reader.next();
+    // Where a byte is wrong, its tags and addresses can be read all the same.
+    const QString page =
+        text ? QString::fromUtf8(*text) : QString::fromLatin1(answer.body.value(0));
     return PageHead(page, QUrl(answer.address)).read();
 }
 

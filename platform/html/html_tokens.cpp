@@ -1,7 +1,5 @@
 #include "platform/html/html_tokens.h"
 
-#include <algorithm>
-
 namespace tidebrook {
 
 bool HtmlTokens::next() {
@@ -22,9 +20,19 @@ bool HtmlTokens::next() {
 }
 
 void HtmlTokens::skipContents() {
-    const qsizetype end = indexOrEnd(QString(u"</" + tag_.name), at_);
-    if (end < html_.size())
+    const qsizetype end = find(u"</" + tag_.name, at_);
+    if (end >= 0)
         at_ = indexOrEnd(u">", end) + 1;
+}
+
+// What was sought in vain is not sought again: a document may have many beginnings without an end.
+qsizetype HtmlTokens::find(const QString &text, qsizetype from) {
+    if (missing_.contains(text))
+        return -1;
+    const qsizetype found = html_.indexOf(text, from, Qt::CaseInsensitive);
+    if (found < 0)
+        missing_.insert(text);
+    return found;
 }
 
 qsizetype HtmlTokens::indexOrEnd(QStringView text, qsizetype from) const {
@@ -46,8 +54,9 @@ QStringView HtmlTokens::takeUntil(QStringView ends) {
 
 // False for what is left out.
 bool HtmlTokens::takeMarkup() {
-    if (isAt(u"<!--") && html_.indexOf(u"-->", at_ + 2) >= 0) {
-        at_ = html_.indexOf(u"-->", at_ + 2) + 3;
+    const qsizetype commentEnd = isAt(u"<!--") ? find(QStringLiteral("-->"), at_ + 2) : -1;
+    if (commentEnd >= 0) {
+        at_ = commentEnd + 3;
         return false;
     }
     if (isAt(u"<!") || isAt(u"<?")) {
@@ -55,13 +64,12 @@ bool HtmlTokens::takeMarkup() {
         return false;
     }
     const qsizetype name = isAt(u"</") ? at_ + 2 : at_ + 1;
-    if (name < html_.size() && html_[name].isLetter()) {
+    if (name < html_.size() && html_[name].unicode() < 0x80 && html_[name].isLetter()) {
         takeTag(name);
     } else {
         kind_ = Kind::Text;
-        text_ = html_.mid(at_, 1);
+        text_ = html_.mid(at_++, 1);
     }
-    at_ = std::max(at_, name);
     return true;
 }
 

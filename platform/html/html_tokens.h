@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringView>
 
@@ -39,6 +40,7 @@ public:
 private:
     bool isAt(QStringView text) const { return html_.mid(at_).startsWith(text); }
     qsizetype indexOrEnd(QStringView text, qsizetype from) const;
+    qsizetype find(const QString &text, qsizetype from);
     void skipSpaces();
     QStringView takeUntil(QStringView ends);
     bool takeMarkup();
@@ -51,6 +53,7 @@ private:
     Kind kind_ = Kind::Text;
     QStringView text_;
     HtmlTag tag_;
+    QSet<QString> missing_; // what is not to be found behind the place any more
 };
 
 } // namespace tidebrook

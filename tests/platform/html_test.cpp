@@ -1,3 +1,4 @@
+#include "platform/html/html_tokens.h"
 #include "platform/html/readable_text.h"
 
 #include <gtest/gtest.h>
@@ -42,6 +43,19 @@ TEST(ReadableText, NumbersEachAddressOnceAndLeavesOutWhatLeadsNowhere) {
         u"</a> <a href=http://b/>two <a href='http://a/?x=1&amp;y=2'><img alt=p></a><a href=c></a>"_s);
     EXPECT_EQ(text.joined(), u"one [1] top s two [2] [picture: p] [1]\n");
     EXPECT_EQ(text.links, (QStringList{u"http://a/?x=1&y=2"_s, u"http://b/"_s}));
+}
+
+TEST(HtmlTokens, OfBeginningsWithoutAnEndAreAllThere) {
+    for (const QString &piece : {u"<!--x>"_s, u"<title>"_s}) {
+        const QString html = piece.repeated(200'000); // for minutes, if each is sought to the end
+        HtmlTokens tokens(html);
+        int tags = 0;
+        while (tokens.next()) {
+            tags += tokens.kind() == HtmlTokens::Kind::Tag ? 1 : 0;
+            tokens.skipContents();
+        }
+        EXPECT_EQ(tags, piece.startsWith(u"<!") ? 0 : 200'000);
+    }
 }
 
 TEST(ReadableText, OfAnyDocumentIsThereInAMoment) {
