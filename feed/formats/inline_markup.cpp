@@ -46,7 +46,7 @@ private:
         const QByteArrayView name = attribute.first;
         if (name.contains(':') || name == "xmlns")
             return;
-        QString value = QString::fromUtf8(attribute.second);
+        QString value = decoded(attribute.second, descriptionCapacity);
         if (name == "href" || name == "src")
             value = wholeLink(base_, value);
         html_ += u' ' + QString::fromUtf8(name) + u"=\"" + value.toHtmlEscaped() + u'"';

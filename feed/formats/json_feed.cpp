@@ -2,6 +2,8 @@
 
 #include "feed/formats/rss_writer.h"
 #include "feed/formats/scoped_element.h"
+#include "platform/base/text.h"
+#include "store/escape_sql.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -43,13 +45,14 @@ bool hasTooManyValues(QByteArrayView text) {
     return count > valueLimit;
 }
 
+// Its first part, of more than is stored of any text.
 QString textOf(const QJsonObject &object, std::initializer_list<QStringView> names) {
     for (const QStringView name : names) {
         // An id may be a number, too.
         const QJsonValue value = object.value(name);
         QString text = value.isDouble() ? value.toVariant().toString() : value.toString();
         if (!text.isEmpty())
-            return text;
+            return cutText(text, descriptionCapacity).toString();
     }
     return {};
 }

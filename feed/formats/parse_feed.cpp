@@ -22,6 +22,9 @@ std::optional<QByteArray> rssOf(const XmlDocument &document, const QUrl &address
     return name == "rdf:RDF" ? rssOfRdf(root) : std::nullopt;
 }
 
+// Links are sent and saved, so a feed's login does not go into them.
+QUrl baseOf(const QString &address) { return QUrl(address).adjusted(QUrl::RemoveUserInfo); }
+
 } // namespace
 
 bool readsOtherFormats(Registry &registry) {
@@ -31,11 +34,11 @@ bool readsOtherFormats(Registry &registry) {
 std::optional<XmlDocument> parseFeed(Registry &registry, QByteArrayList body,
                                      QByteArrayView charset, const QString &address) {
     if (looksLikeJson(body) && readsOtherFormats(registry))
-        return XmlDocument::parse({rssOfJson(std::move(body), QUrl(address))});
+        return XmlDocument::parse({rssOfJson(std::move(body), baseOf(address))});
     std::optional<XmlDocument> document = XmlDocument::parse(std::move(body), charset);
     if (!document || document->root().name() == "rss" || !readsOtherFormats(registry))
         return document;
-    const std::optional<QByteArray> rss = rssOf(*document, QUrl(address));
+    const std::optional<QByteArray> rss = rssOf(*document, baseOf(address));
     if (!rss)
         return document;
     document.reset(); // or there would be two of them

@@ -31,7 +31,9 @@ QString rssDate(const QString &date) {
     return day.isValid() ? QLocale::c().toString(day, u"dd MMM yyyy") : date;
 }
 
-QString withoutQuotes(QString address) { return address.replace(u'\'', QLatin1String("%27")); }
+QString withoutQuotes(const QString &address) {
+    return cutText(address, linkCapacity).toString().replace(u'\'', QLatin1String("%27"));
+}
 
 QString nameByText(const QString &html) {
     QString text = plainText(cutText(html, 12 * nameLength).toString());
