@@ -89,9 +89,12 @@ bool FeedFetcher::download(const QString &url) {
     // into its own file, moves it to the fixed place, and reads its own.
     FileReplacement temp(device_.filePath(tempFile));
     QFile &file = temp.file();
-    if (!file.isOpen() || httpDownloadDirect(url, file, limits_) != HttpProgress::Complete ||
+    detail_ = QStringLiteral("%1 cannot be written").arg(device_.filePath(tempFile));
+    if (!file.isOpen() ||
+        httpDownloadDirect(url, file, limits_, &detail_) != HttpProgress::Complete ||
         !temp.commit())
         return fail(FeedNotDownloaded);
+    detail_.clear();
     if (options_.keepsPauses)
         Pause(loadPause, limits_.stop);
     file.seek(0);

@@ -35,7 +35,7 @@ public:
     /// The code that the user sees, which for an empty answer is another.
     quint32 toldError() const { return toldError_; }
 
-    /// For the log: why the first request was not complete; empty when it was.
+    /// For the log: why a request was not complete; empty when each was.
     const QString &detail() const { return detail_; }
 
     /// Gets the document and checks that it is RSS, or a feed that is read as RSS (`parseFeed`).

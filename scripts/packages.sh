@@ -6,7 +6,7 @@ buildPackages=(
     build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-svg-dev fonts-dejavu-core xdg-utils
     qt6-base-private-dev libwayland-dev wayland-protocols libxcb1-dev
-    libsqlite3-dev libcurl4-openssl-dev libexpat1-dev libsystemd-dev zlib1g-dev
+    libsqlite3-dev libcurl4-openssl-dev libssl-dev libexpat1-dev libsystemd-dev zlib1g-dev
     libgtest-dev dbus-daemon ca-certificates
 )
 # shellcheck disable=SC2034

@@ -8,11 +8,14 @@ namespace tidebrook {
 
 namespace {
 
-constexpr int interfaceVersion = 4; // of the shared library
+QLibrary sharedLibrary() {
+    constexpr int interfaceVersion = 4;
+    return QLibrary(QStringLiteral("curl"), interfaceVersion);
+}
 
 // The library wants to be set up once, before a second thread uses it.
 std::optional<CurlLibrary> load() {
-    QLibrary file(QStringLiteral("curl"), interfaceVersion);
+    QLibrary file = sharedLibrary();
     CurlLibrary library;
     bool isWhole = file.load();
     const auto resolve = [&](auto &function, const char *name) {
@@ -38,5 +41,8 @@ const std::optional<CurlLibrary> &loaded() {
 bool isCurlReady() { return loaded().has_value(); }
 
 const CurlLibrary &curl() { return *loaded(); }
+
+// The system looks for a name in what a library has loaded, too.
+QFunctionPointer broughtByCurl(const char *name) { return sharedLibrary().resolve(name); }
 
 } // namespace tidebrook

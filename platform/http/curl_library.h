@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <curl/curl.h>
 
 namespace tidebrook {
@@ -38,10 +40,14 @@ struct CurlLibrary {
 
 /// Whether the library is there and ready. It is loaded by the first call, and not with the
 /// program: it brings some thirty others with it, which would cost the reader, that seldom needs
-/// it, a third of its start. So a package has to name it among what it needs. Thread-safe.
+/// it, a fifth of its start. So a package has to name it among what it needs. Thread-safe.
 bool isCurlReady();
 
 /// Its functions; only where it is ready.
 const CurlLibrary &curl();
+
+/// A function of a library that libcurl has brought with it, as that of TLS; null where it has
+/// brought none of the name. Only where it is ready.
+QFunctionPointer broughtByCurl(const char *name);
 
 } // namespace tidebrook

@@ -32,17 +32,19 @@ HttpAnswer httpGet(const HttpRequest &request, const HttpLimits &limits) {
     return get.takeAnswer(code);
 }
 
-HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits) {
+HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits,
+                                QString *failure) {
     if (!isCurlReady())
         return HttpProgress::NotStarted;
     const CurlUrl parsed = parseUrl(url);
-    if (!parsed)
-        return HttpProgress::NotOpened;
     const QByteArray host = partOf(parsed, CURLUPART_HOST);
     const QByteArray target = directTarget(parsed);
     if (host.isEmpty() || host.size() > directHostLimit ||
-        QString::fromUtf8(target).size() > directPathLimit)
+        QString::fromUtf8(target).size() > directPathLimit) {
+        if (failure)
+            *failure = QStringLiteral("not an address for a direct download");
         return HttpProgress::NotOpened;
+    }
 
     HttpTransfer transfer(
         [&sink](const char *data, qint64 size) { return sink.write(data, size) == size; },
@@ -59,7 +61,11 @@ HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpL
     transfer.set(CURLOPT_USERAGENT, "Feedlark");
     transfer.set(CURLOPT_ACCEPT_ENCODING, "gzip");
     transfer.setTimeLimits(limits, limits.direct);
-    return progressOf(transfer.perform(limits.stop), transfer);
+    const CURLcode code = transfer.perform(limits.stop);
+    const HttpProgress progress = progressOf(code, transfer);
+    if (failure && progress != HttpProgress::Complete)
+        *failure = transfer.failure(code);
+    return progress;
 }
 
 } // namespace tidebrook

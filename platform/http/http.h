@@ -47,6 +47,7 @@ enum class HttpProgress {
 
 struct HttpAnswer {
     HttpProgress progress = HttpProgress::NotOpened;
+    bool isTimedOut = false;  ///< a time limit has ended it
     int status = 0;           ///< 0 when the server did not answer
     bool isUnchanged = false; ///< the document is the one that the request's validators are of
     QByteArrayList body;      ///< in pieces, none of them empty
@@ -65,7 +66,9 @@ HttpAnswer httpGet(const HttpRequest &request, const HttpLimits &limits = {});
 /// A synchronous plain download past any proxy: always http on port 80, whatever scheme and port
 /// the address has. The body goes into `sink` byte for byte as it comes, unpacked where the server
 /// has packed it. Where the environment's TIDEBROOK_HTTP_PORT is set, that port stands for port 80.
-/// A download is Incomplete also when `sink` takes no more, which ends it. Thread-safe.
-HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits = {});
+/// A download is Incomplete also when `sink` takes no more, which ends it. `failure` then says for
+/// the log why it is not Complete. Thread-safe.
+HttpProgress httpDownloadDirect(const QString &url, QIODevice &sink, const HttpLimits &limits = {},
+                                QString *failure = nullptr);
 
 } // namespace tidebrook

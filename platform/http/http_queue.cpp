@@ -21,7 +21,7 @@ public:
           const HttpQueueObserver &observer)
         : limits_(limits), observer_(observer), loop_(limits.stop, parallel), parallel_(parallel) {
         for (std::size_t i = 0; i < addresses.size(); ++i)
-            waiting_.push_back({i, {addresses[i]}, hostOf(addresses[i]), 0});
+            waiting_.push_back({i, {addresses[i]}, hostOf(addresses[i]), 0, limits.requestObject});
     }
 
     bool run() {
@@ -43,10 +43,13 @@ private:
         HttpRequest request;
         QByteArray host;
         int redirects;
+        std::chrono::microseconds timeLeft; // for it and the redirects behind it
     };
     struct Running {
         Running(Waiting &&what, const HttpLimits &limits, CurlLoop &of)
             : waiting(std::move(what)), get(waiting.request, limits), loop(of) {
+            get.transfer().setTimeLimits(
+                limits, std::chrono::ceil<std::chrono::milliseconds>(waiting.timeLeft));
             // A redirect waits until its host is free.
             get.transfer().set(CURLOPT_FOLLOWLOCATION, 0L);
         }
@@ -105,19 +108,30 @@ private:
         const Waiting waiting = running->waiting;
         // The body of a redirect need not come whole: it is of no use.
         const bool isAnswered = result == CURLE_OK || result == CURLE_PARTIAL_FILE;
-        const QString next = isAnswered ? running->get.transfer().redirect() : QString();
-        if (!next.isEmpty() && waiting.redirects < redirectLimit && hasWebScheme(parseUrl(next))) {
-            running_.erase(running);
-            waiting_.push_front({waiting.index,
-                                 {next, waiting.request.validators},
-                                 hostOf(next),
-                                 waiting.redirects + 1});
-            return;
-        }
-        HttpAnswer answer =
-            running->get.takeAnswer(next.isEmpty() ? result : CURLE_TOO_MANY_REDIRECTS);
+        HttpTransfer &transfer = running->get.transfer();
+        const QString next = isAnswered ? transfer.redirect() : QString();
+        const auto timeLeft = waiting.timeLeft - transfer.duration();
+        if (!next.isEmpty())
+            result = redirectFault(waiting, next, timeLeft);
+        HttpAnswer answer = running->get.takeAnswer(result);
         running_.erase(running);
-        observer_.takeAnswer(waiting.index, answer);
+        if (next.isEmpty() || result != CURLE_OK)
+            return observer_.takeAnswer(waiting.index, answer);
+        waiting_.push_front({waiting.index,
+                             {next, waiting.request.validators},
+                             hostOf(next),
+                             waiting.redirects + 1,
+                             timeLeft});
+    }
+
+    // Why a redirect is not followed; CURLE_OK where it is.
+    static CURLcode redirectFault(const Waiting &waiting, const QString &next,
+                                  std::chrono::microseconds timeLeft) {
+        if (waiting.redirects >= redirectLimit)
+            return CURLE_TOO_MANY_REDIRECTS;
+        if (timeLeft <= std::chrono::microseconds(0))
+            return CURLE_OPERATION_TIMEDOUT;
+        return hasWebScheme(parseUrl(next)) ? CURLE_OK : CURLE_UNSUPPORTED_PROTOCOL;
     }
 
     const HttpLimits limits_;

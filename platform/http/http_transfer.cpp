@@ -1,5 +1,6 @@
 #include "platform/http/http_transfer.h"
 
+#include "platform/http/revocation.h"
 #include "platform/sync/stop_signal.h"
 
 #include <algorithm>
@@ -74,6 +75,7 @@ HttpTransfer::HttpTransfer(Sink sink, qint64 bodyLimit)
         return;
     set(CURLOPT_ERRORBUFFER, failure_.data());
     setAuthorities();
+    set(CURLOPT_SSL_CTX_FUNCTION, &refuseRevoked);
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2)); // or later
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_QUICK_EXIT, 1L); // a time limit does not wait for a slow name server
@@ -123,6 +125,13 @@ void HttpTransfer::setHeaders(CurlList headers) {
 }
 
 QString HttpTransfer::failure(CURLcode code) const {
+    if (code == CURLE_OK)
+        return QStringLiteral("the answer ends within its headers");
+    // These end by a callback, of which libcurl does not know the reason.
+    if (isPackingRefused_)
+        return QStringLiteral("the answer is packed by another method than gzip, or twice");
+    if (bodyLeft_ < 0 || headersLeft_ < 0 || wireLeft_ < 0)
+        return QStringLiteral("the answer is too large");
     return QString::fromUtf8(failure_[0] ? failure_.data() : curl().curl_easy_strerror(code));
 }
 
@@ -144,6 +153,8 @@ QByteArray HttpTransfer::header(const char *name) const {
 
 // libcurl resolves the address only of an answer that came whole.
 QString HttpTransfer::redirect() const {
+    if (status() == notModified)
+        return {};
     QString known = QString::fromUtf8(info<const char *>(CURLINFO_REDIRECT_URL));
     const QByteArray location = status() / 100 == 3 ? header("Location") : QByteArray();
     if (!known.isEmpty() || location.isEmpty())
@@ -165,10 +176,9 @@ size_t HttpTransfer::receiveHeader(char *line, size_t, size_t size, void *self) 
     auto *transfer = static_cast<HttpTransfer *>(self);
     transfer->headersLeft_ -= static_cast<qint64>(size);
     transfer->hasWholeHead_ = transfer->hasWholeHead_ || *line == '\r' || *line == '\n';
-    const bool isTaken =
-        transfer->headersLeft_ >= 0 &&
-        transfer->isTakenPacking(QByteArray(line, static_cast<qsizetype>(size)).toLower());
-    return isTaken ? size : 0;
+    transfer->isPackingRefused_ =
+        !transfer->isTakenPacking(QByteArray(line, static_cast<qsizetype>(size)).toLower());
+    return transfer->headersLeft_ >= 0 && !transfer->isPackingRefused_ ? size : 0;
 }
 
 // The library unpacks whatever it can, and up to five times over: into how much is only known at
@@ -258,13 +268,14 @@ HttpProgress progressOf(CURLcode code, const HttpTransfer &transfer) {
 }
 
 HttpGet::HttpGet(const HttpRequest &request, const HttpLimits &limits)
-    : limits_(limits), transfer_([this](const char *data, qint64 size) { return keep(data, size); },
-                                 limits.bodyBytes),
+    : transfer_([this](const char *data, qint64 size) { return keep(data, size); },
+                limits.bodyBytes),
       isConditional_(!request.validators.isEmpty()) {
     const CurlUrl parsed = parseUrl(request.url);
     isOpened_ = transfer_.handle() && hasWebScheme(parsed);
     if (!isOpened_) {
-        answer_.detail = QStringLiteral("not an address of the web");
+        if (transfer_.handle())
+            answer_.detail = QStringLiteral("not an address of the web");
         return;
     }
     const auto headerOf = [](const QByteArray &name, const QByteArray &value) {
@@ -293,11 +304,14 @@ bool HttpGet::keep(const char *data, qint64 size) {
 
 HttpAnswer HttpGet::takeAnswer(CURLcode code) {
     answer_.progress = progressOf(code, transfer_);
+    answer_.isTimedOut = code == CURLE_OPERATION_TIMEDOUT;
     answer_.status = static_cast<int>(transfer_.status());
-    answer_.retryAfter = std::chrono::seconds(transfer_.number(CURLINFO_RETRY_AFTER));
+    answer_.retryAfter =
+        std::chrono::seconds(std::max(qint64{0}, transfer_.number(CURLINFO_RETRY_AFTER)));
     if (answer_.progress != HttpProgress::Complete) {
-        answer_.detail =
-            isCurlReady() ? transfer_.failure(code) : QStringLiteral("libcurl is missing");
+        if (answer_.detail.isEmpty())
+            answer_.detail =
+                isCurlReady() ? transfer_.failure(code) : QStringLiteral("libcurl is missing");
         return std::move(answer_);
     }
     answer_.isUnchanged = isConditional_ && answer_.status == notModified;

@@ -59,7 +59,7 @@ public:
     /// Runs it on this thread to its end, or until `stop` is raised.
     CURLcode perform(const StopSignal *stop);
 
-    /// Why it failed, in libcurl's words.
+    /// Why it is not complete, in libcurl's words where libcurl found that out.
     QString failure(CURLcode code) const;
     /// Whether the empty line behind the headers has come. libcurl takes an answer that ends before
     /// it for one with an empty body.
@@ -67,6 +67,9 @@ public:
     /// The value of a header of the answer, or nothing.
     QByteArray header(const char *name) const;
     qint64 number(CURLINFO what) const { return info<curl_off_t>(what); }
+    std::chrono::microseconds duration() const {
+        return std::chrono::microseconds(number(CURLINFO_TOTAL_TIME_T));
+    }
     long status() const { return info<long>(CURLINFO_RESPONSE_CODE); }
     /// The address of the answer, behind the redirects that were followed.
     QString address() const {
@@ -99,6 +102,7 @@ private:
     std::array<char, CURL_ERROR_SIZE> failure_{};
     bool hasWholeHead_ = false;
     int packingCount_ = 0; // how often the answer being read is packed
+    bool isPackingRefused_ = false;
 };
 
 /// Runs transfers on one thread, side by side.
@@ -144,7 +148,6 @@ public:
 private:
     bool keep(const char *data, qint64 size);
 
-    const HttpLimits limits_;
     HttpTransfer transfer_;
     HttpAnswer answer_;
     bool isOpened_ = false;

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # tls_certificates.sh DIRECTORY: makes certificates and their keys there, NAME.pem and NAME.key,
-# with "authority" as the one that signs them where nothing else is said.
+# with "authority" as the one that signs them where nothing else is said. In trusted.pem are the
+# authorities to trust: that one with its revocation list, which is out of date, and one without.
 set -euo pipefail
 cd "$1"
 
@@ -42,9 +43,20 @@ CNF
 }
 
 selfSigned authority -extensions authority
+selfSigned listless -extensions authority
 selfSigned stranger -extensions authority
 selfSigned self -addext subjectAltName=DNS:self.localhost
 signed good authority 20200101000000Z 20991231000000Z
 signed expired authority 20200101000000Z 20200201000000Z
 signed early authority 20991201000000Z 20991231000000Z
 signed unknown stranger 20200101000000Z 20991231000000Z
+signed unlisted listless 20200101000000Z 20991231000000Z
+signed revoked authority 20200101000000Z 20991231000000Z
+
+# revocationList OPTION...: an action of the authority.
+revocationList() {
+    openssl ca -config issue.cnf -cert authority.pem -keyfile authority.key "$@"
+}
+revocationList -revoke revoked.pem
+revocationList -gencrl -crl_lastupdate 20200101000000Z -crl_nextupdate 20200201000000Z -out revoked.crl
+cat authority.pem listless.pem revoked.crl >trusted.pem

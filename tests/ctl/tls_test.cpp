@@ -15,13 +15,12 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-/// Feeds over TLS at NAME.localhost, and one authority that is trusted.
+/// Feeds over TLS at NAME.localhost, and the authorities that are trusted.
 class TlsTest : public CtlTest {
 protected:
     void SetUp() override {
         ASSERT_EQ(QProcess::execute(QStringLiteral(TLS_CERTIFICATES), {folder_.path()}), 0);
-        trust_ = folder_.filePath(u"authority.pem"_s);
-        environment_.insert(u"SSL_CERT_FILE"_s, trust_);
+        environment_.insert(u"SSL_CERT_FILE"_s, folder_.filePath(u"trusted.pem"_s));
         environment_.insert(u"SSL_CERT_DIR"_s, folder_.filePath(u"nowhere"_s));
         writeFile(folder_.filePath(u"feed"_s),
                   "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + hostileFeed);
@@ -53,7 +52,6 @@ protected:
         return u"https://%1.localhost:%2/feed"_s.arg(name, match.captured(1));
     }
 
-    QString trust_;
     std::vector<std::unique_ptr<QProcess>> servers_;
 };
 
@@ -66,9 +64,11 @@ TEST_F(TlsTest, AServerThatCannotBeTrustedIsNotReachedAndTheReasonIsSaid) {
     };
     const Row rows[]{
         {u"good"_s, u"good"_s, u""_s, u""_s},
+        {u"unlisted"_s, u"unlisted"_s, u""_s, u""_s},
         {u"asking"_s, u"good"_s, u"-verify 1"_s, u""_s},
         {u"wrong"_s, u"good"_s, u""_s, u"no alternative certificate subject name"_s},
         {u"expired"_s, u"expired"_s, u""_s, u"certificate has expired"_s},
+        {u"revoked"_s, u"revoked"_s, u""_s, u"certificate revoked"_s},
         {u"early"_s, u"early"_s, u""_s, u"not yet valid"_s},
         {u"self"_s, u"self"_s, u""_s, u"self.signed certificate"_s},
         {u"unknown"_s, u"unknown"_s, u""_s, u"unable to get local issuer certificate"_s},
