@@ -32,7 +32,7 @@ QString summary(const AutoRoundResult &result) {
 
 // How long after a round that failed, as a rule without a network, it is run again.
 std::chrono::milliseconds timeToRecover(int futileRounds) {
-    constexpr int mostDoublings = 10;
+    constexpr int mostDoublings = 5; // the network may come back without a sign
     return 1min * (1 << std::min(futileRounds - 1, mostDoublings));
 }
 
@@ -60,7 +60,11 @@ bool Downloader::run() {
     giveBackMemory(); // what starting has needed
     bool isRoundWanted = false;
     while (!interrupt_.isStopped()) {
-        network_.update();
+        if (network_.update()) {
+            futileRounds_ = 0;
+            notBefore_ = 0ms;
+            hasNetworkCome_ = true;
+        }
         lookAfterRound(isRoundWanted);
         const WaitResult result =
             WaitAny({&request_, &roundRequest_}, {interrupt_.descriptor(), network_.descriptor()},
@@ -126,7 +130,8 @@ void Downloader::noteEndOfRound() {
         schedule_.endRound(roundStart_);
     } else if (!isRoundWanted_) {
         log_.warning(QStringLiteral("the automatic update will be tried again"));
-        notBefore_ = uptime() + timeToRecover(++futileRounds_);
+        if (!hasNetworkCome_)
+            notBefore_ = uptime() + timeToRecover(++futileRounds_);
     }
     roundStart_ = {};
     giveBackMemory();
@@ -134,6 +139,7 @@ void Downloader::noteEndOfRound() {
 
 void Downloader::startRound(const AutoRound &round) {
     roundStart_ = round.start;
+    hasNetworkCome_ = false;
     if (!round_.start([this, round] { runRound(round); })) {
         log_.error(QStringLiteral("no thread for the automatic update"));
         roundStart_ = {};

@@ -63,6 +63,7 @@ private:
     bool isBarred_ = false;                  // a round that is due, as the log has it
     int futileRounds_ = 0;                   // in a row, which have to be run again
     std::chrono::milliseconds notBefore_{0}; // uptime; the next round
+    bool hasNetworkCome_ = false;            // since the last round began
 
     QDateTime roundStart_;       // of the round that is running, or whose end is still to be noted
     bool isRoundWanted_ = false; // by the user, and so not to be run again

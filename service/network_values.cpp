@@ -5,13 +5,15 @@
 
 namespace tidebrook {
 
-void NetworkValues::update() {
+bool NetworkValues::update() {
     watch_.process();
     const NetworkState said = watch_.state();
+    const bool hasBecomeFree = said.isFree == true && stored_.isFree != true;
     if (said.isFree != stored_.isFree && said.isFree && storeCradled(*said.isFree))
         stored_.isFree = said.isFree;
     if (said.isRoaming != stored_.isRoaming && said.isRoaming && storeRoaming(*said.isRoaming))
         stored_.isRoaming = said.isRoaming;
+    return hasBecomeFree && stored_.isFree == true;
 }
 
 bool NetworkValues::storeCradled(bool isFree) {

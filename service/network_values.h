@@ -17,8 +17,8 @@ public:
     /// As that of NetworkWatch.
     int descriptor() const { return watch_.descriptor(); }
     /// Takes in what the daemons have sent, and stores what has changed. What the registry does not
-    /// take is stored by the next call.
-    void update();
+    /// take is stored by the next call. True when the network has become free by it.
+    bool update();
     /// Whether the values are those of now: no daemon may still say something for the first time.
     bool isSettled() const { return watch_.isSettled(); }
 

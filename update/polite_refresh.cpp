@@ -116,7 +116,7 @@ void Run::takeAnswer(std::size_t index, HttpAnswer &answer) {
                                                             target_.limits, target_.options);
     const QString host = QUrl(jobOf(index).url).host();
     int &silences = silences_[host];
-    silences = answer.progress == HttpProgress::Complete ? 0 : silences + 1;
+    silences = answer.isTimedOut ? silences + 1 : 0;
     if (jobOf(index).url.isEmpty())
         return finish(index, fetcher.fail(NothingKnown), answer);
     if (isOverloaded(answer))

@@ -59,6 +59,18 @@ TEST_F(NetworkValuesTest, ABarredRoundIsMadeUpOnceTheNetworkAllowsIt) {
     EXPECT_EQ(server_.requests().size(), 1);
 }
 
+TEST_F(NetworkValuesTest, ARoundThatReachedNoServerIsRunAgainWhenThereIsANetwork) {
+    ok(u"relink a http://127.0.0.1:1/"_s);
+    NetworkManager network(bus_.address());
+    network.set(70, 1);
+    network.begin();
+    start();
+    waitFor([&] { return ok(u"updates"_s).contains(u"1007"); });
+    ok(u"relink a "_s + server_.url(u"/a"));
+    network.set(70, 2);
+    waitForRequests(1);
+}
+
 TEST_F(NetworkValuesTest, WithoutTheDaemonsTheValuesStay) {
     start();
     waitForRequests(1);

@@ -197,6 +197,15 @@ TEST_F(AutoRoundTest, ServersThatAskForItAreLeftAlone) {
     }
 }
 
+TEST_F(AutoRoundTest, AHostWhoseFeedsAreBrokenIsStillAskedForTheOthers) {
+    for (const QString &name : {u"a"_s, u"b"_s, u"c"_s}) {
+        addFeed(name);
+        server_.resetHalfWay(u'/' + name, generatedFeed(1, 1));
+    }
+    addFeed(u"good"_s, 1);
+    EXPECT_EQ(runRound().storedCount, 1);
+}
+
 TEST_F(AutoRoundTest, FourAtATimeButNeverTwoOfOneHost) {
     server_.setDelay(60ms);
     const auto url = [this](const QString &host, const QString &path) {
