@@ -184,8 +184,10 @@ int runRequest(CommandDevice &device, const Arguments &arguments) {
         break;
     }
     SetLastErrorCode(device.registry, NothingKnown);
-    return fail(
-        QStringLiteral("no answer came within %1 seconds (%2)").arg(timeout).arg(NothingKnown));
+    return fail(QStringLiteral("no answer came within %1 seconds, or a newer request of another "
+                               "program has taken its place (%2)")
+                    .arg(timeout)
+                    .arg(NothingKnown));
 }
 
 int runAuto(CommandDevice &device, const Arguments &arguments) {

@@ -127,7 +127,8 @@ std::optional<bool> isAutoUpdated(const DeviceRoot &device, const QString &chann
 
 // A line that would not be read as these three texts again would spoil those behind it.
 bool canBeAutoUpdated(const RefreshJob &job) {
-    return parseChannelLine(QStringView(channelLine(job)).chopped(1)).has_value();
+    return !job.category.isEmpty() &&
+           parseChannelLine(QStringView(channelLine(job)).chopped(1)).has_value();
 }
 
 bool setAutoUpdate(const DeviceRoot &device, FeedStore &store, const RefreshJob &job, bool add) {

@@ -36,7 +36,7 @@ std::optional<RefreshJob> parseChannelLine(QStringView line) {
     };
     const RefreshJob job{field(1, linkCapacity), field(0, channelNameCapacity),
                          field(2, categoryCapacity)};
-    if (job.url.isEmpty() || job.channelName.isEmpty() || job.category.isEmpty())
+    if (job.url.isEmpty() || job.channelName.isEmpty())
         return std::nullopt;
     return job;
 }

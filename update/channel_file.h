@@ -20,7 +20,7 @@ std::optional<QString> readChannelFile(const QString &path, qint64 byteLimit);
 QString channelLine(const RefreshJob &job);
 
 /// A line without its line feed, its texts cut to their capacities; nothing when it is not three
-/// texts that are not empty.
+/// texts, or the name or the address is empty.
 std::optional<RefreshJob> parseChannelLine(QStringView line);
 
 } // namespace tidebrook

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int channelPause = 2000; // ms, before each channel of a category
 
-QString categoryName(const QString &text) { return cutText(text, categoryCapacity).toString(); }
+QString cutCategory(const QString &text) { return cutText(text, categoryCapacity).toString(); }
 
 bool isFailure(DownloadAnswer answer) {
     return answer == DownloadAnswer::Failed || answer == DownloadAnswer::TimedOut;
@@ -24,21 +24,35 @@ UpdateRun::UpdateRun(const UpdateParts &parts, const UpdateObserver &observer)
     : parts_(parts), observer_(observer), answers_(parts.device) {}
 
 bool UpdateRun::updateChannel(const QString &category, const QString &channel) {
-    RefreshJob job{{}, cutText(channel, channelNameCapacity).toString(), categoryName(category)};
-    if (!parts_.store.GetChannelLink(job.category, job.channelName, job.url) || job.url.isEmpty())
+    const QString name = cutText(channel, channelNameCapacity).toString();
+    const QString owner = cutCategory(category);
+    const std::optional<RefreshJob> job = findJob(owner, name);
+    if (!job)
+        return endAt(owner, name);
+    if (job->url.isEmpty())
         return true;
-    const DownloadAnswer answer = request(job);
+    const DownloadAnswer answer = request(*job);
     if (parts_.interrupt.isStopped())
         return true;
     if (isFailure(answer))
-        return endAt(job.category, job.channelName);
+        return endAt(owner, name);
     parts_.store.PublishTotalUnread();
-    observer_.updated(job.category, job.channelName);
+    observer_.updated(owner, name);
     return true;
 }
 
+// Without an address where there is no such channel; nothing when it cannot be read.
+std::optional<RefreshJob> UpdateRun::findJob(const QString &category, const QString &channel) {
+    RefreshJob job{{}, channel, category};
+    const auto guard = parts_.store.lock();
+    if (parts_.store.GetChannelLink(category, channel, job.url))
+        return job;
+    fail(parts_.store.error());
+    return std::nullopt;
+}
+
 bool UpdateRun::updateCategory(const QString &category) {
-    const QString name = categoryName(category);
+    const QString name = cutCategory(category);
     QStringList channels;
     if (!listChannels(name, channels))
         return endAt(name, {});
@@ -65,15 +79,12 @@ bool UpdateRun::listChannels(const QString &category, QStringList &names) {
 }
 
 bool UpdateRun::updateListed(const QString &category, const QString &channel) {
-    RefreshJob job{{}, channel, category};
-    {
-        const auto guard = parts_.store.lock();
-        if (!parts_.store.GetChannelLink(category, channel, job.url))
-            return fail(parts_.store.error());
-    }
-    if (job.url.isEmpty() || !Pause(channelPause, &parts_.interrupt.stopSignal()))
+    const std::optional<RefreshJob> job = findJob(category, channel);
+    if (!job)
+        return false;
+    if (job->url.isEmpty() || !Pause(channelPause, &parts_.interrupt.stopSignal()))
         return true;
-    const DownloadAnswer answer = request(job);
+    const DownloadAnswer answer = request(*job);
     if (isFailure(answer))
         return false;
     // A user who ends the wait wants the next channel at once, not this one's counts.

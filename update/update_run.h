@@ -59,6 +59,7 @@ public:
     bool updateCategory(const QString &category);
 
 private:
+    std::optional<RefreshJob> findJob(const QString &category, const QString &channel);
     bool listChannels(const QString &category, QStringList &names);
     bool updateListed(const QString &category, const QString &channel);
     DownloadAnswer request(const RefreshJob &job);

@@ -140,6 +140,7 @@ TEST_F(UpdateJobsTest, WhatComesOfAnUpdateIsTold) {
         cases.push_back({script, u"a"_s, u"(Ca of 3)"_s, 0});
     cases.push_back({"x", {}, u"(0/2 1/2 )!Cc"_s, 1001}); // counts that cannot be had end nothing
     cases.push_back({"", {}, u"()!C"_s, 1001, u""_s});
+    cases.push_back({"", u"a"_s, u"()!Ca"_s, 1001, u""_s});
     for (const Case &expected : cases) {
         SCOPED_TRACE(expected.script + " for " + expected.channel.toStdString());
         parts_.settings.setDword(programKey, u"ERRORNO", 0);

@@ -24,7 +24,7 @@ template <class Read, class Show> void loadPage(AppState &state, Form &form, Rea
 template <class Save> void savePage(AppState &state, Form &form, Save save) {
     if (!form.isEnabled())
         return;
-    state.settings.ask(
+    const bool isStarted = state.settings.ask(
         &state.stack,
         [&device = state.device, save = std::move(save)] {
             return save() ? 0 : recordProblem(device, fileProblemString);
@@ -33,6 +33,8 @@ template <class Save> void savePage(AppState &state, Form &form, Save save) {
             if (messageId != 0)
                 ShowError(state, messageId);
         });
+    if (!isStarted)
+        tellProblem(state, memoryProblemString);
 }
 
 } // namespace tidebrook
