@@ -69,7 +69,8 @@ int runAdd(CommandDevice &device, const Arguments &arguments) {
         return fail(channelNameNeeded);
     const QString feed =
         feedAddress(device, link, arguments.has(u"feed") ? number : std::optional<uint>());
-    if (feed.isEmpty())
+    // The categories may have changed while the server was waited for.
+    if (feed.isEmpty() || categoryOfNew(device, arguments).isEmpty())
         return ExitFailed;
     QString storedName;
     const ChangeEnd end = device.subscriptions().addChannel({category, name, feed}, &storedName);

@@ -8,9 +8,16 @@ namespace tidebrook {
 
 bool CommandDevice::lock() {
     const bool isHeld = locked_.emplace(*this).isHeld();
-    if (!isHeld)
+    if (isHeld)
+        holdOutput();
+    else
         fail(QStringLiteral("%1: cannot be locked").arg(channelsLockPath()));
     return isHeld;
+}
+
+void CommandDevice::unlock() {
+    locked_.reset();
+    flushOutput();
 }
 
 bool CommandDevice::openRegistry() {

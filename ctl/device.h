@@ -15,9 +15,9 @@ public:
     using Device::Device;
 
     /// Locks the subscriptions against other programs: what is listed stays so until the command
-    /// ends, or `unlock`.
+    /// ends, or `unlock`. What is printed meanwhile is written then.
     bool lock();
-    void unlock() { locked_.reset(); }
+    void unlock();
     /// Only while they are locked.
     LockedSubscriptions &subscriptions() { return *locked_; }
 

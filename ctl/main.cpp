@@ -245,5 +245,7 @@ int main(int argc, char **argv) {
     for (int i = 0; i < argc; ++i)
         commandLine.append(QString::fromUtf8(argv[i]));
     const int code = tidebrook::run(commandLine);
-    return tidebrook::flushOutput() || code != tidebrook::ExitDone ? code : tidebrook::ExitFailed;
+    return tidebrook::flushOutput() || code != tidebrook::ExitDone
+               ? code
+               : tidebrook::fail(QStringLiteral("standard output cannot be written"));
 }

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace tidebrook {
 
@@ -19,6 +20,15 @@ void write(std::FILE *stream, const QByteArray &bytes) {
 void write(std::FILE *stream, const QString &text) { write(stream, text.toUtf8()); }
 
 bool hasBecomeQuiet = false;
+bool isHolding = false;
+QByteArray held;
+
+void print(const QByteArray &bytes) {
+    if (isHolding)
+        held += bytes;
+    else
+        write(stdout, bytes);
+}
 
 } // namespace
 
@@ -37,16 +47,16 @@ void printFault(const QStringList &fields) {
     QStringList clean;
     for (const QString &field : fields)
         clean.append(withoutHidden(field));
-    write(stdout, clean.join(u'\t') + u'\n');
+    print(QString(clean.join(u'\t') + u'\n').toUtf8());
 }
 
-void printDocument(const QByteArray &document) { write(stdout, document); }
+void printDocument(const QByteArray &document) { print(document); }
 
 QString printable(const QString &text) { return withoutHidden(text); }
 
 void printText(const QString &text) {
     if (!isQuiet())
-        write(stdout, printableText(text));
+        print(printableText(text));
 }
 
 QByteArray printableText(const QString &text) {
@@ -62,7 +72,13 @@ QString displayedMoment(const QDateTime &moment) {
                             : QStringLiteral("never");
 }
 
-bool flushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
+void holdOutput() { isHolding = true; }
+
+bool flushOutput() {
+    isHolding = false;
+    write(stdout, std::exchange(held, {}));
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
 
 int fail(const QString &message) {
     write(stderr, u"tidebrookctl: " + withoutHidden(message) + u'\n');

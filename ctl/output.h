@@ -36,6 +36,9 @@ QString counts(int unread, int total);
 /// A moment as it is shown everywhere: local time to the minute; "never" for an invalid one.
 QString displayedMoment(const QDateTime &moment);
 
+/// Keeps what is printed from now on in memory until `flushOutput`: where the reader of a pipe
+/// stops, others do not wait for a lock that is held meanwhile.
+void holdOutput();
 /// Writes what was printed so far. False when standard output did not take it.
 bool flushOutput();
 

@@ -151,6 +151,7 @@ TEST_F(ListingTest, AnArticleIsNamedByTitleGuidNumberOrBeginning) {
     EXPECT_TRUE(ok(u"show ch g4"_s).contains(u"a word"));
     EXPECT_EQ(flags(), u"ururu");
     EXPECT_EQ(ok(u"channels"_s).section(u'\t', 0, 0), u"3/5");
+    EXPECT_EQ(ok(u"setting UnreadItems --today"_s), u"4\n");
     ok(u"mark ch unread g2"_s);
     EXPECT_EQ(flags(), u"uuuru");
     ok(u"save ch 3 article " + file);
@@ -212,6 +213,14 @@ TEST_F(ListingTest, MoreThanAScreenHoldsIsListedWhole) {
     EXPECT_EQ(ok(u"show many 150 --link"_s), QString(last + u'\n'));
     EXPECT_EQ(ok(u"channels C"_s).count(u'\n'), 703);
     EXPECT_EQ(ok(u"export C -"_s).count(u"url="_s), 703);
+    // Others change the channels while what is listed is not read.
+    const QString reader =
+        u"\"$0\" updates --json | { \"$0\" add-category Other; cat >/dev/null; }"_s;
+    EXPECT_EQ(run(u"categories"_s, reader).out, u"C\nOther\n");
+    ok(u"rename-category C Big"_s);
+    EXPECT_EQ(ok(u"channels Big"_s).count(u'\n'), 703);
+    EXPECT_EQ(ok(u"delete-category Big --yes"_s), u"703 channels, 156 articles\n");
+    EXPECT_EQ(ok(u"channels"_s), u"");
 }
 
 } // namespace
