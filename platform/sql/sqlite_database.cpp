@@ -17,10 +17,11 @@ namespace tidebrook {
 
 namespace {
 
-// Far more than the system has statements; a bound, since statements are made from text.
+// Far more than the system has statements.
 constexpr std::size_t keptStatementLimit = 64;
 
-// The next one to open the file reads the whole journal.
+// Of a journal that is in use for months, or stays when it is closed: the next one to open the
+// file reads all of it.
 constexpr int keptJournalPages = 64;
 
 constexpr char blanks[] = " \t\r\n";
@@ -149,10 +150,10 @@ bool SqliteDatabase::configure(const Options &options) {
         run("PRAGMA synchronous = OFF");
     // Fails for a read-only file, which keeps its journal mode.
     run("PRAGMA journal_mode = WAL");
-    if (options.isCache) {
+    if (options.isCache)
         sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    if (!options.syncEveryCommit)
         sqlite3_wal_autocheckpoint(handle_, keptJournalPages);
-    }
     return run(options.syncEveryCommit ? "PRAGMA synchronous = FULL"
                                        : "PRAGMA synchronous = NORMAL");
 }

@@ -21,7 +21,7 @@ NEWS_DAY = 12
 MOST_UNUSED = 0.3  # of what is used of the database's file, unless it is but a few pages
 FEW_PAGES = 64
 GROWTH = 1.3  # of what is measured twice, with an ordinary week before each
-LEAST = {"-wal": 5_000_000, ".db": 32768}  # bytes; a journal begins anew at a thousand pages
+LEAST = {"-wal": 300_000, ".db": 32768}  # bytes; a journal at rest begins anew at 64 pages
 
 
 class Publisher(http.server.BaseHTTPRequestHandler):
