@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 namespace tidebrook {
 
@@ -50,9 +51,14 @@ Aside makeAside(const QString &prefix, const std::function<int(const char *)> &m
             return {};
         if (descriptor < 0)
             continue;
-        if (lockFile(descriptor, LOCK_EX) && isStillThere(descriptor, name.constData()))
+        const bool isLocked = lockFile(descriptor, LOCK_EX);
+        if (isLocked && isStillThere(descriptor, name.constData()))
             return {path, descriptor};
         close(descriptor);
+        if (!isLocked) { // which the file system does not offer
+            std::remove(name.constData());
+            return {};
+        }
     }
     return {};
 }

@@ -20,6 +20,13 @@ QString asidePrefix(const QString &path, Readers readers) {
                                      : QFileInfo(path).path() + u"/.tidebrook-";
 }
 
+// A file that does not exist, as behind a link that leads nowhere, has no canonical path.
+QString fileMeant(const QString &path, Readers readers) {
+    const QString real =
+        readers == Readers::Usual ? QFileInfo(path).canonicalFilePath() : QString();
+    return real.isEmpty() ? path : real;
+}
+
 mode_t modeFor(const QString &path, Readers readers) {
     struct stat there {};
     if (readers == Readers::Owner)
@@ -30,18 +37,19 @@ mode_t modeFor(const QString &path, Readers readers) {
 
 } // namespace
 
-FileReplacement::FileReplacement(const QString &path, Readers readers) : path_(path) {
-    if (fileKindAt(path) == FileKind::Other)
+FileReplacement::FileReplacement(const QString &path, Readers readers)
+    : path_(fileMeant(path, readers)) {
+    if (fileKindAt(path_) == FileKind::Other)
         return;
-    const QString prefix = asidePrefix(path, readers);
+    const QString prefix = asidePrefix(path_, readers);
     removeLeftAside(prefix, hasMadeUpEnding);
-    const mode_t mode = modeFor(path, readers);
+    const mode_t mode = modeFor(path_, readers);
     const Aside aside = makeFileAside(prefix, mode);
     asidePath_ = aside.path;
     if (aside.descriptor >= 0)
         file_.open(aside.descriptor, QIODevice::ReadWrite | QIODevice::Unbuffered,
                    QFile::AutoCloseHandle);
-    if (fileKindAt(path) == FileKind::Plain) // its mode stays, whatever the umask
+    if (fileKindAt(path_) == FileKind::Plain) // its mode stays, whatever the umask
         fchmod(aside.descriptor, mode);
 }
 

@@ -15,7 +15,8 @@ enum class Readers {
 /// A file that is written aside, in the folder of the file that it replaces. What a killed process
 /// left aside is removed by the next replacement.
 ///
-/// Only a plain file is replaced: a folder, a pipe, a device or a symbolic link stays as it is.
+/// Only a plain file is replaced: a folder, a pipe, a device or a symbolic link stays as it is. For
+/// `Readers::Usual` a link to a plain file stands for that file.
 class FileReplacement {
 public:
     explicit FileReplacement(const QString &path, Readers readers = Readers::Owner);

@@ -20,6 +20,8 @@ constexpr timespec timeout{.tv_sec = 3, .tv_nsec = 0};
 // A fork has only the calling thread; another may have held the lock of the heap, so nothing here
 // allocates.
 [[noreturn]] void watch(char *const *arguments) {
+    // A lock lasts as long as any process has its file open.
+    close_range(STDERR_FILENO + 1, ~0U, 0);
     setsid();
     sigset_t ended;
     sigset_t before;

@@ -27,6 +27,11 @@ bool Registry::isOpen() {
     return open();
 }
 
+QString Registry::error() {
+    const std::lock_guard lock(mutex_);
+    return error_;
+}
+
 // An earlier attempt may have failed only because another process held the file.
 bool Registry::open() {
     if (database_)

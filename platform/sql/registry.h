@@ -38,7 +38,7 @@ public:
 
     /// False when the file cannot be opened; `error` then says why. Every call tries it again.
     bool isOpen();
-    QString error() const { return error_; }
+    QString error();
 
     std::optional<RegistryValue> read(QStringView key, QStringView name);
     bool write(QStringView key, QStringView name, const RegistryValue &value);

@@ -1,7 +1,6 @@
 #include "platform/sync/interrupt.h"
 
 #include <atomic>
-#include <csignal>
 
 namespace tidebrook {
 
@@ -31,10 +30,17 @@ TerminationSignals::TerminationSignals(Interrupt &interrupt) {
     terminated = &interrupt;
     struct sigaction action {};
     action.sa_handler = terminate;
-    for (const int number : {SIGTERM, SIGINT, SIGHUP})
-        sigaction(number, &action, nullptr);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        sigaction(numbers[i], nullptr, &before_[i]);
+        if (before_[i].sa_handler != SIG_IGN)
+            sigaction(numbers[i], &action, nullptr);
+    }
 }
 
-TerminationSignals::~TerminationSignals() { terminated = nullptr; }
+TerminationSignals::~TerminationSignals() {
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        sigaction(numbers[i], &before_[i], nullptr);
+    terminated = nullptr;
+}
 
 } // namespace tidebrook

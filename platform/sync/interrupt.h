@@ -3,6 +3,9 @@
 #include "platform/sync/stop_signal.h"
 #include "platform/sync/wake_signal.h"
 
+#include <array>
+#include <csignal>
+
 namespace tidebrook {
 
 /// Ends a thread's wait before its time: by waking it, which lasts until it is cleared, or by a
@@ -28,14 +31,18 @@ private:
     const WakeSignal wakeUp_;
 };
 
-/// While it lives, SIGTERM, SIGINT and SIGHUP stop an interrupt instead of ending the program. One
-/// at a time.
+/// While it lives, SIGTERM, SIGINT and SIGHUP stop an interrupt instead of ending the program.
+/// Those that were ignored, as by nohup, stay so. One at a time.
 class TerminationSignals {
 public:
     explicit TerminationSignals(Interrupt &interrupt);
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals &) = delete;
     TerminationSignals &operator=(const TerminationSignals &) = delete;
+
+private:
+    static constexpr std::array numbers{SIGTERM, SIGINT, SIGHUP};
+    std::array<struct sigaction, numbers.size()> before_{};
 };
 
 } // namespace tidebrook
