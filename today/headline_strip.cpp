@@ -151,7 +151,7 @@ void HeadlineStrip::step(int by) {
     const qsizetype count = state_.headlines.size();
     if (count == 0)
         return;
-    shown_ = (shown_ + by + count) % count;
+    shown_ = ((shown_ + by) % count + count) % count;
     updateText();
 }
 
@@ -224,8 +224,10 @@ void HeadlineStrip::mousePressEvent(QMouseEvent *event) {
 }
 
 void HeadlineStrip::mouseMoveEvent(QMouseEvent *event) {
+    if (!pressed_)
+        return; // the press has led to the menu, and is to be no click any more
     QAbstractButton::mouseMoveEvent(event);
-    const QPoint way = event->position().toPoint() - pressed_.value_or(QPoint());
+    const QPoint way = event->position().toPoint() - *pressed_;
     if (way.manhattanLength() >= QGuiApplication::styleHints()->startDragDistance())
         hold_.stop();
 }

@@ -1,5 +1,6 @@
 #include "today/item_menu.h"
 
+#include "platform/base/text.h"
 #include "res/strings.h"
 
 namespace tidebrook {
@@ -12,7 +13,7 @@ constexpr int longestEntry = 60; // characters
 QString entryText(const Headline &headline) {
     QString text = shownHeadline(headline);
     if (text.size() > longestEntry)
-        text = text.left(longestEntry - 1).trimmed() + u'…';
+        text = cutText(text, longestEntry - 1).trimmed() + u'…';
     return text.replace(u'&', QStringLiteral("&&"));
 }
 

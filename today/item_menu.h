@@ -20,7 +20,7 @@ Q_SIGNALS:
     void headlineChosen(const Headline &headline);
     void openChosen();
     void updateChosen();
-    void markChosen(); ///< the headline that the strip shows
+    void markChosen(); ///< the headline that the strip showed
     void settingsChosen();
     void hideChosen();
 

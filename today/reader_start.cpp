@@ -27,7 +27,11 @@ bool startReader(const DeviceRoot &device) {
     reader.setProcessEnvironment(environment);
     reader.setProgram(command.first());
     reader.setArguments(command.mid(1));
-    return !program.isEmpty() && reader.startDetached();
+    if (program.isEmpty() || command.first() == program)
+        return !program.isEmpty() && reader.startDetached();
+    // The service manager starts it, and says whether it could.
+    reader.start();
+    return reader.waitForFinished() && reader.exitCode() == 0;
 }
 
 } // namespace

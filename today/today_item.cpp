@@ -85,6 +85,7 @@ void TodayItem::connectStrip() {
     connectMenu(menu_);
     connect(&strip_, &HeadlineStrip::clicked, this, &TodayItem::openHeadline);
     connect(&strip_, &HeadlineStrip::menuWanted, this, [this](const QPoint &position) {
+        markable_ = strip_.headline(); // the strip may step on while the menu is open
         if (place_ == Place::Window)
             menu_.popup(position);
         else
@@ -119,10 +120,10 @@ void TodayItem::show() {
 }
 
 void TodayItem::showStrip(bool isShown) {
-    if (isShown == strip_.isVisible())
-        return;
     if (!isShown)
-        return strip_.hide();
+        return undock(strip_);
+    if (strip_.isVisible())
+        return;
     if (place_ == Place::Window)
         strip_.show();
     else
@@ -137,7 +138,9 @@ void TodayItem::showStrip(bool isShown) {
 void TodayItem::followSight() {
     const bool isSeen = sight_ && sight_->isSeen();
     strip_.setStepping(isSeen);
-    const bool isInTray = tray_ && tray_->isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
+    // At login the item may come before the tray.
+    const bool isInTray = tray_ && tray_->isVisible() &&
+                          (place_ == Place::Tray || QSystemTrayIcon::isSystemTrayAvailable());
     news_.setShown(isSeen || isInTray);
 }
 
@@ -180,11 +183,10 @@ void TodayItem::updateChannels() {
 }
 
 void TodayItem::markHeadline() {
-    const std::optional<Headline> headline = strip_.headline();
-    if (!headline)
+    if (!markable_)
         return;
     errands_.ask(
-        this, [device = device_, headline] { return markRead(device, *headline); },
+        this, [device = device_, headline = *markable_] { return markRead(device, headline); },
         [this](bool isMarked) {
             if (!isMarked)
                 strip_.showNote(resourceString(todayNotMarkedString));

@@ -61,7 +61,8 @@ private:
     ReaderStart reader_;
     std::optional<Notifications> notifications_; // when there is one to show
     HeadlineStrip strip_;
-    ItemMenu menu_; // of the strip
+    ItemMenu menu_;                    // of the strip
+    std::optional<Headline> markable_; // what the strip showed when its menu was asked for
     std::optional<HeadlineTray> tray_;
     std::optional<Sight> sight_; // of the strip; once that was shown
 

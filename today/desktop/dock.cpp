@@ -25,6 +25,12 @@ void dockAtTop(QWidget &strip) {
     strip.show();
 }
 
+void undock(QWidget &strip) {
+    if (auto *layer = strip.findChild<LayerStrip *>({}, Qt::FindDirectChildrenOnly))
+        layer->leave();
+    strip.hide();
+}
+
 void popUpFrom(QWidget &strip, QMenu &menu, const QPoint &position) {
     auto *layer = strip.findChild<LayerStrip *>({}, Qt::FindDirectChildrenOnly);
     if (!layer) {

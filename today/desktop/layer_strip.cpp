@@ -35,6 +35,12 @@ void LayerStrip::stand() {
         takeRole(*screen);
 }
 
+void LayerStrip::leave() {
+    isWanted_ = false;
+    if (!strip_.isVisible())
+        drop();
+}
+
 void LayerStrip::takeRole(QScreen &screen) {
     screen_ = &screen;
     strip_.move(screen.geometry().topLeft()); // for Qt's global coordinates

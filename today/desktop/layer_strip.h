@@ -21,6 +21,8 @@ public:
 
     /// Shows the strip when the compositor has given it its place, which is when there is a screen.
     void stand();
+    /// Has a strip that waits for its place wait no longer; one that stands is hidden by `hide()`.
+    void leave();
 
     /// Makes the strip the popup's parent. Nothing while the strip is hidden.
     void adopt(xdg_popup *popup);
