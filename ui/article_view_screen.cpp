@@ -125,13 +125,16 @@ void ArticleViewScreen::buildPage() {
     building->isListWanted = isTapped_;
     if (!isTapped_)
         read_.insert(state_.articleRow);
-    state_.fills.launch(&dialog(), {.collect =
-                                        [&device = state_.device, building](FillStop &stop) {
-                                            build(device, *building);
-                                            building->isDropped = stop.isPending();
-                                        },
-                                    .show = [this, building] { show(*building); },
-                                    .again = [this] { buildPage(); }});
+    const bool isLaunched =
+        state_.fills.launch(&dialog(), {.collect =
+                                            [&device = state_.device, building](FillStop &stop) {
+                                                build(device, *building);
+                                                building->isDropped = stop.isPending();
+                                            },
+                                        .show = [this, building] { show(*building); },
+                                        .again = [this] { buildPage(); }});
+    if (!isLaunched)
+        stayAtShown();
 }
 
 void ArticleViewScreen::show(const Building &building) {
@@ -147,17 +150,24 @@ void ArticleViewScreen::show(const Building &building) {
             static_cast<int>(titles_.indexOf(cutText(building.title, titleCapacity)));
         read_ = {state_.articleRow};
     }
-    shownRow_ = state_.articleRow;
+    shown_ = Shown{building.channel, building.title, state_.articleRow};
     page_->setPage(*building.page);
 }
 
-// The page stays, and with it what is saved and sent.
 void ArticleViewScreen::showFailure() {
-    if (!isTapped_ && shownRow_ >= 0) {
-        state_.articleRow = shownRow_;
-        state_.fillTitle = titles_[shownRow_];
-    }
+    stayAtShown();
     ShowError(state_, databaseProblemString);
+}
+
+// The page stays, and with it what is saved, sent and turned from.
+void ArticleViewScreen::stayAtShown() {
+    if (!shown_)
+        return;
+    isTapped_ = false;
+    state_.fillChannel = shown_->channel;
+    state_.fillTitle = shown_->title;
+    state_.articleRow = shown_->row;
+    dialog().setTitle(state_.fillChannel);
 }
 
 void ArticleViewScreen::command(int id) {

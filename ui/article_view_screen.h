@@ -7,6 +7,8 @@
 #include <QSet>
 #include <QStringList>
 
+#include <optional>
+
 namespace tidebrook {
 
 class TextPage;
@@ -35,20 +37,26 @@ private:
     void takeOver();
     void turn(int by);
     struct Building;
+    struct Shown {
+        QString channel;
+        QString title;
+        int row;
+    };
     void buildPage();
     static void build(Device &device, Building &building);
     void show(const Building &building);
     void showFailure();
+    void stayAtShown();
     void save(SaveKind kind);
     void send(SendKind kind);
     void openTarget(const QString &target);
 
     AppState &state_;
     TextPage *page_ = nullptr;
-    bool isTapped_ = false; // the article is a tapped headline whose row is not known yet
-    QStringList titles_;    // of the list that the article is in, as it was when it was opened
-    QSet<int> read_;        // the rows of that list whose articles were opened
-    int shownRow_ = -1;     // of the article that is on the page
+    bool isTapped_ = false;      // the article is a tapped headline whose row is not known yet
+    QStringList titles_;         // of the list that the article is in, as it was when it was opened
+    QSet<int> read_;             // the rows of that list whose articles were opened
+    std::optional<Shown> shown_; // on the page
 };
 
 } // namespace tidebrook
