@@ -116,7 +116,14 @@ void ChannelListScreen::filled() {
     dialog().post(CommandOpenArticles);
 }
 
-void ChannelListScreen::openTapped() { turnTo(state().todayCategory, categoryCapacity); }
+// A category that is newer than this list is known to the list of categories, once it has read.
+void ChannelListScreen::openTapped() {
+    if (turnTo(state().todayCategory, categoryCapacity))
+        return;
+    state().tap = {state().todayCategory, state().todayChannel, state().todayTitle};
+    forgetTodayTap(state());
+    leave();
+}
 
 void ChannelListScreen::open(int row) {
     state().channelIndex = row;
@@ -147,7 +154,7 @@ void ChannelListScreen::deleteChannel() {
         return subscriptions.deleteChannel(channel);
     };
     if (!startChange(state(), &state().stack, erase, changeEnd()))
-        changeEnd()(fileProblemString);
+        changeEnd()(memoryProblemString);
 }
 
 // The screen, if it is still there, shows what has changed, also when a part of it failed. The
@@ -156,10 +163,7 @@ JobEnd ChannelListScreen::changeEnd() {
     return [&state = state(), screen = QPointer(&dialog())](int messageId) {
         if (!screen.isNull())
             screen->post(CommandRefreshChannels);
-        if (messageId == nameExistsString)
-            ShowMessage(state, warningString, messageId);
-        else if (messageId != 0)
-            ShowError(state, messageId);
+        showChangeEnd(state, messageId);
     };
 }
 

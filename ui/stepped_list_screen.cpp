@@ -117,7 +117,7 @@ void SteppedListScreen::fill(const QString &name) {
         filling->rows = read(stop);
         if (!filling->rows)
             recordProblem(device, databaseProblemString);
-        filling->isStopped = stop.isRequested();
+        filling->isStopped = stop.isCounted();
     };
     const auto show = [this, filling, name] { showFilling(name, *filling); };
     state_.fills.launch(&dialog(), {collect, show, [this] { refreshSoon(); }});
@@ -269,9 +269,11 @@ void SteppedListScreen::leave() {
     dialog().end(1);
 }
 
-void SteppedListScreen::turnTo(const QString &name, qsizetype capacity) {
-    if (const int found = findName(kind_.names, name, capacity); found >= 0)
+bool SteppedListScreen::turnTo(const QString &name, qsizetype capacity) {
+    const int found = findName(kind_.names, name, capacity);
+    if (found >= 0)
         step(found);
+    return found >= 0;
 }
 
 int findName(const QStringList &names, const QString &name, qsizetype capacity) {

@@ -56,8 +56,8 @@ protected:
 
     /// Turns to another name, counted round and round.
     void step(int index);
-    /// Turns to this name, compared within its capacity, if it is there.
-    void turnTo(const QString &name, qsizetype capacity);
+    /// Turns to this name, compared within its capacity; false when it is not there.
+    bool turnTo(const QString &name, qsizetype capacity);
     void refreshSoon();
     /// The row to select after the next refresh.
     void setPlace(const Place &place) { place_ = place; }

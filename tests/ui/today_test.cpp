@@ -1,5 +1,6 @@
 #include "app/running_reader.h"
 #include "kit/layer.h"
+#include "platform/sql/sqlite_database.h"
 #include "platform/sync/named_event.h"
 #include "support/fake_opener.h"
 #include "today/today_item.h"
@@ -20,8 +21,9 @@ protected:
         device.registry->write(testTodayKey, u"Enabled", 1U);
     }
 
-    void tapHeadline(NamedEvent &tapped, const QString &channel, const QString &title) {
-        device.registry->write(testTodayKey, u"CATEGORY", u"Travel"_s);
+    void tapHeadline(NamedEvent &tapped, const QString &channel, const QString &title,
+                     const QString &category = u"Travel"_s) {
+        device.registry->write(testTodayKey, u"CATEGORY", category);
         device.registry->write(testTodayKey, u"CHANNEL", channel);
         device.registry->write(testTodayKey, u"TITLE", title);
         tapped.set();
@@ -163,6 +165,31 @@ TEST_F(TodayTest, AHeadlineThatHasGoneEndsInAListAndOneThatIsToldLateWaitsForWha
         }
     }));
     EXPECT_EQ(device.counts(u"Travel"_s, u"Sun"_s), u"3/3");
+}
+
+TEST_F(TodayTest, AHeadlineOfANewCategoryIsOpenedAndOneThatCannotBeReadLeavesTheArticle) {
+    NamedEvent tapped(device.root, u"CLKTODAY", NamedEvent::Reset::Auto);
+    const auto other = SqliteDatabase::open(device.root.filePath(u"\\RSSVault.sdf"), {});
+    run([&](User &user) {
+        go(user, 1);
+        device.addChannel(u"Later"_s, u"New"_s, {u"n"_s});
+        CategoryListStore(*device.registry).AddCategory(u"Later"_s);
+        tapHeadline(tapped, u"New"_s, u"n"_s, u"Later"_s);
+        user.leaveAndReturn();
+        ASSERT_TRUE(user.seesPage(u"New"_s) && user.seesQuiet());
+        goBack(user);
+
+        go(user, 3);
+        {
+            const SqliteTransaction writing(*other);
+            tapHeadline(tapped, u"Sun"_s, u"b"_s);
+            user.leaveAndReturn();
+            expectBox(user, databaseProblem);
+        }
+        EXPECT_TRUE(user.seesCaption(u"Moon"_s));
+        user.press(Qt::Key_Right);
+        EXPECT_TRUE(user.seesPage(u"2026-01-27"_s) && user.seesQuiet());
+    });
 }
 
 } // namespace
