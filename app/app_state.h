@@ -40,8 +40,8 @@ struct Queues {
     /// What the screens have asked the downloader for. A failure is shown to the user.
     UpdateJobs updates;
 
-    /// Ends all of them: what fills a list, reads a setting or waits for the downloader or a server
-    /// at once, what changes data or writes a file when it is done.
+    /// Ends all of them: what fills a list or waits for the downloader or a server at once, what
+    /// changes data, reads or stores a setting or writes a file when it is done.
     void finish();
 };
 

@@ -55,7 +55,7 @@ std::optional<QStringList> listedCategories(Device &device) {
 }
 
 void storeSetting(AppState &state, QStringView name, quint32 value) {
-    state.settings.ask(
+    const bool isStarted = state.settings.ask(
         &state.stack,
         [&device = state.device, name, value] {
             const bool isStored = device.settings.RegWriteDword(programKey, name, value) ||
@@ -66,6 +66,8 @@ void storeSetting(AppState &state, QStringView name, quint32 value) {
             if (messageId != done)
                 ShowError(state, messageId);
         });
+    if (!isStarted)
+        tellProblem(state, memoryProblemString);
 }
 
 } // namespace tidebrook

@@ -74,6 +74,13 @@ void ShowUpdateError(AppState &state, const QString &category, const QString &ch
     });
 }
 
+void showChangeEnd(AppState &state, int messageId) {
+    if (messageId == nameExistsString)
+        ShowMessage(state, warningString, messageId);
+    else if (messageId != 0)
+        ShowError(state, messageId);
+}
+
 int recordProblem(Device &device, int textId) {
     if (const quint32 code = codeOf(textId); code != 0)
         SetLastErrorCode(device.registry, code);

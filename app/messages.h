@@ -19,6 +19,10 @@ void ShowError(AppState &state, int textId, const QString &subject = {});
 /// focus selects the row of what failed.
 void ShowUpdateError(AppState &state, const QString &category, const QString &channel);
 
+/// Shows what a change ended with (`startChange`), unless it is done: a name that is taken as a
+/// warning, anything else as an error.
+void showChangeEnd(AppState &state, int messageId);
+
 /// Records, as "ERRORNO", the code of the problem that a text of the string table describes, and
 /// returns the text's id. For 0 and for other texts nothing is recorded. On any thread; it may
 /// wait.

@@ -18,7 +18,7 @@ namespace {
 constexpr int pause = 1000; // ms
 constexpr int shortestPause = 50;
 // What is written to a journal can be read when its writer lets go of the lock: a pause later, or
-// where the disk is slow, several. Each pause is twice the one before.
+// where the disk is slow, several. The pauses become longer.
 constexpr int reports = 3;
 
 int pauseLength() { return std::max(scaledPause(pause), shortestPause); }

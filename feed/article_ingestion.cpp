@@ -47,7 +47,7 @@ bool ArticleIngestion::insertItem(ItemRecord item) {
     trim(item.guid);
     trim(item.link);
     const QString date = normalisePubDate(QString::fromUtf8(item.publicationDate));
-    // These are not escaped. A doubled quote in them would be stored as one.
+    // These are stored as they are, and other statements take them without escaping.
     if (item.guid.contains(quote) || item.link.contains(quote) || date.contains(QLatin1Char(quote)))
         return false;
     const SqliteStep ended = insert(articleOf(item, date));

@@ -27,9 +27,6 @@ public:
     int storedCount() const { return ingestion_.storedCount(); }
     SharedArticles sharedArticles() { return ingestion_.sharedArticles(); }
 
-    /// What the channel says of itself behind its last item; each stored item clears it.
-    const ChannelHeaderRecord &header() const { return header_; }
-
 private:
     void readChannelField(XmlNode node);
     void readImage(XmlNode image);
@@ -40,7 +37,7 @@ private:
     ItemRecord emptyItem_; // what each item begins as
     ItemRecord item_;
     int itemCount_ = 0;
-    ChannelHeaderRecord header_;
+    ChannelHeaderRecord header_; // what the channel says of itself behind its last item
 };
 
 } // namespace tidebrook

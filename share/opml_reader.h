@@ -26,8 +26,8 @@ public:
     OpmlReader(const DeviceRoot &device, Registry &registry, const HttpLimits &limits = {});
 
     /// Reads the list from an address (ListFromUrl) or a file (ListFromFile). False when it is
-    /// refused: then it offers no channels, and the reason is in `error()` and in the registry's
-    /// "ERRORNO".
+    /// refused: then it offers no channels, and `error()` and the registry's "ERRORNO" have the
+    /// code, if there is one.
     bool open(AddMode mode, const QString &source);
     /// The same for a document that is in memory. One of more than `limits.bodyBytes` is refused.
     bool openDocument(const QByteArray &document);

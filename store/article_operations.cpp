@@ -4,7 +4,7 @@ namespace tidebrook {
 
 namespace {
 
-// No stored guid has a quote, and another's would end the literal.
+// No stored guid has a quote, and no statement takes another.
 bool isStorableGuid(const QString &guid) { return !guid.contains(u'\''); }
 
 SqlText &addOrder(SqlText &statement, SortMode mode) {
@@ -30,7 +30,7 @@ SqlText chosenStatement(const ArticleChoice &choice) {
         statement.add("JOIN RSSCHRecord c ON c.CHANNEL_NAME = a.CHANNEL_NAME)");
     else
         statement.add("WHERE a.CHANNEL_NAME = '%s')", escapedChannelName(choice.channel));
-    statement.add(" WHERE NUMBER > 0");
+    statement.add(" WHERE NUMBER > 0"); // every row's is: the conditions behind begin with "and"
     if (!choice.category.isNull())
         statement.add(" and PLACE = '%s'", escapedCategory(choice.category));
     return addOrder(statement, choice.order).add(", TIMESTAMP DESC, ID");

@@ -47,10 +47,8 @@ std::optional<QStringList> CategoryListStore::listedCategories() {
     }
     const bool isReadable = settings_.registry().values(programKey).has_value() &&
                             settings_.registry().values(categoriesKey).has_value();
-    if (list.isEmpty() && !isReadable)
-        return std::nullopt;
     list.removeIf([](const QString &name) { return name.isNull(); });
-    return list;
+    return list.isEmpty() && !isReadable ? std::nullopt : std::optional(list);
 }
 
 bool CategoryListStore::change(const QString &name,

@@ -12,7 +12,7 @@ namespace {
 constexpr qsizetype suffixableNameLength = 45;
 constexpr int suffixLimit = 10'000;
 
-// Links are not escaped. A quote would end the literal, and what follows could become SQL.
+// Links are not escaped, and so no statement takes one with a quote.
 bool isSafeLink(const QString &link) { return !link.contains(u'\''); }
 
 } // namespace
@@ -200,7 +200,8 @@ bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts
                   "WHERE RSSCHRecord.CHANNEL_NAME = '%s'",
                   escapedChannelName(name)},
                  tally);
-    return isRead && isYoung && stored.unread == counts.unread && stored.total == counts.total;
+    return isRead && counts.total > 0 && isYoung && stored.unread == counts.unread &&
+           stored.total == counts.total;
 }
 
 bool FeedStore::PublishTotalUnread() {

@@ -144,7 +144,7 @@ ChangeEnd LockedSubscriptions::rename(const QString &old, const QString &name) {
     // The articles would go to the channel that has the name.
     QString owner;
     if (!device_.store.FindCategory(to, owner))
-        return ChangeEnd::StoreFailed;
+        return failStore();
     if (!owner.isNull())
         return ChangeEnd::NameTaken;
     if (!prepareAutoRename(device_.root, device_.store, from, to))
@@ -152,7 +152,7 @@ ChangeEnd LockedSubscriptions::rename(const QString &old, const QString &name) {
     const bool isRenamed = device_.store.RenameChannel(from, to);
     // A line that stays keeps no channel from its updates.
     pruneAutoUpdated(device_.root, device_.store);
-    return isRenamed ? ChangeEnd::Done : ChangeEnd::StoreFailed;
+    return isRenamed ? ChangeEnd::Done : failStore();
 }
 
 ChangeEnd LockedSubscriptions::moveChannel(const QString &channel, const QString &category) {
@@ -162,7 +162,7 @@ ChangeEnd LockedSubscriptions::moveChannel(const QString &channel, const QString
 ChangeEnd LockedSubscriptions::move(const QString &channel, const QString &category) {
     if (!device_.categoryStore.ensureListed(cutCategory(category)))
         return ChangeEnd::CategoriesFailed;
-    return device_.store.MoveChannel(channel, category) ? ChangeEnd::Done : ChangeEnd::StoreFailed;
+    return device_.store.MoveChannel(channel, category) ? ChangeEnd::Done : failStore();
 }
 
 ChangeEnd LockedSubscriptions::relinkChannel(const QString &channel, const QString &link) {
@@ -172,12 +172,12 @@ ChangeEnd LockedSubscriptions::relinkChannel(const QString &channel, const QStri
 ChangeEnd LockedSubscriptions::relink(const QString &channel, const QString &link) {
     if (!isStorableLink(link))
         return ChangeEnd::LinkRefused;
-    return device_.store.SetChannelLink(channel, link) ? ChangeEnd::Done : ChangeEnd::StoreFailed;
+    return device_.store.SetChannelLink(channel, link) ? ChangeEnd::Done : failStore();
 }
 
 ChangeEnd LockedSubscriptions::endDeletion(bool isDeleted) {
     if (!isDeleted)
-        return ChangeEnd::StoreFailed;
+        return failStore();
     device_.store.PublishTotalUnread(); // which the next change publishes too
     return pruneAutoUpdated(device_.root, device_.store) ? ChangeEnd::Done
                                                          : ChangeEnd::AutoListFailed;

@@ -151,7 +151,7 @@ void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel))
             ShowError(state(), messageId);
     };
     if (!state().changes.ask(&dialog(), work, end))
-        end(databaseProblemString);
+        end(memoryProblemString);
 }
 
 void ArticleListScreen::open(int row) {

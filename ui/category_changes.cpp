@@ -48,7 +48,7 @@ void CategoryListScreen::catchUp() {
     }
     if (const int messageId = std::exchange(owedMessage_, 0); messageId != 0) {
         isFailureShown_ = true;
-        ShowError(state_, messageId);
+        showChangeEnd(state_, messageId);
     }
 }
 
@@ -69,7 +69,7 @@ void CategoryListScreen::newCategory() {
         return subscriptions.addCategory(name);
     };
     if (!startChange(state_, &dialog(), add, end))
-        end(fileProblemString);
+        end(memoryProblemString);
 }
 
 void CategoryListScreen::renameCategory() {
@@ -98,7 +98,7 @@ void CategoryListScreen::endLabelEdit(int row, const QString &text) {
         return subscriptions.RenameCategory(old, name);
     };
     if (!startChange(state_, &dialog(), rename, end))
-        end(fileProblemString);
+        end(memoryProblemString);
 }
 
 void CategoryListScreen::deleteCategory() {
@@ -121,7 +121,7 @@ void CategoryListScreen::deleteCategory() {
         return subscriptions.deleteCategory(name);
     };
     if (!startChange(state_, &dialog(), erase, end))
-        end(fileProblemString);
+        end(memoryProblemString);
 }
 
 // The message and the stored rows are shown by `catchUp`.

@@ -22,7 +22,7 @@ void startUpdate(AppState &state, const QString &category, const std::optional<Q
     const bool isStarted = channel ? updates.startUpdateChannel(category, *channel)
                                    : updates.startUpdateCategory(category);
     if (!isStarted && !updates.isUpdating())
-        tellProblem(state, unidentifiedProblemString);
+        tellProblem(state, memoryProblemString);
 }
 
 } // namespace tidebrook

@@ -18,10 +18,11 @@ constexpr int done = 0;
 void saveArticle(AppState &state, const QString &channel, const QString &title, SaveKind kind) {
     // The caller's texts may be those of another article when the user has named the file.
     const auto save = [&store = state.device.store, channel, title, kind](const QString &path) {
+        if (saveArticleHtml(store, channel, title, path, kind))
+            return done;
         ArticleExtract article;
-        if (!store.GetArticleExtract(channel, title, article))
-            return unidentifiedProblemString;
-        return saveArticleHtml(store, channel, title, path, kind) ? done : fileProblemString;
+        const bool isThere = store.GetArticleExtract(channel, title, article);
+        return isThere ? fileProblemString : unidentifiedProblemString;
     };
     const QString path =
         chooseFileToSave(state.stack, {.title = resourceString(saveString),

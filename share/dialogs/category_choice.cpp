@@ -9,16 +9,20 @@
 namespace tidebrook {
 
 void readCategories(AppState &state, QObject *receiver,
-                    std::function<void(const QStringList &)> then) {
-    state.changes.ask(
+                    const std::function<void(const QStringList &)> &then) {
+    const bool isStarted = state.changes.ask(
         receiver, [&device = state.device] { return listedCategories(device); },
-        [&state, then = std::move(then)](const std::optional<QStringList> &names) {
+        [&state, then](const std::optional<QStringList> &names) {
             then(!names             ? QStringList()
                  : names->isEmpty() ? QStringList(resourceString(noCategoryString))
                                     : *names);
             if (!names)
                 ShowError(state, fileProblemString);
         });
+    if (!isStarted) {
+        then({});
+        tellProblem(state, memoryProblemString);
+    }
 }
 
 } // namespace tidebrook

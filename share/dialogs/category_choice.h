@@ -10,6 +10,6 @@ namespace tidebrook {
 /// Without any, "No Category Exist!" stands for them. When they cannot be read, `then` gets an
 /// empty list, and an error is shown.
 void readCategories(AppState &state, QObject *receiver,
-                    std::function<void(const QStringList &)> then);
+                    const std::function<void(const QStringList &)> &then);
 
 } // namespace tidebrook

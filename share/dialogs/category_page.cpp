@@ -53,6 +53,7 @@ bool CategoryPage::hasNoName() const {
 
 void CategoryPage::probe() {
     isProbing_ =
+        isProbing_ ||
         await([&registry = state().device.registry, url = channels_.first().channelLink](
                   const StopSignal &stop) { return probeTitle(registry, url, {.stop = &stop}); },
               [this](const std::optional<QString> &title) {

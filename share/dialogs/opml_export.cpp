@@ -32,7 +32,9 @@ void writeInTurn(AppState &state, const QString &category, const QString &channe
         turn->release();
     startReportedTask(state, [&store = state.device.store, category, channel, path, turn] {
         turn->acquire();
-        return exportOpml(store, category, channel, path) ? 0 : fileProblemString;
+        if (exportOpml(store, category, channel, path))
+            return 0;
+        return opmlOf(store, category, channel) ? fileProblemString : databaseProblemString;
     });
 }
 
