@@ -17,7 +17,6 @@ namespace tidebrook {
 
 namespace {
 
-constexpr QSize deskWindow(480, 640);
 constexpr int iconSize = 128;
 constexpr int windowIconDelay = 300; // ms
 constexpr int unseenDelay = 40;      // ms until the window is shown without a screen in it
@@ -54,7 +53,8 @@ void Application::comeForward() {
         qputenv("XDG_ACTIVATION_TOKEN", token->toUtf8());
         showWindow();
         stack_.bringForward();
-        if (state_) { // or else the first screen looks
+        qunsetenv("XDG_ACTIVATION_TOKEN"); // else the browser that a link opens would inherit it
+        if (state_) {                      // or else the first screen looks
             lookForTodayTap(*state_);
             showWantedSettings();
         }
@@ -74,6 +74,8 @@ bool Application::InitInstance() {
         return false;
     }
     activateDownloader();
+    if (stack_.isVisible() && !stack_.isMaximized()) // shown before its place was known
+        stack_.restoreGeometry(windowPlace_);
     showWindow();
     runScreens(messageId);
     closeDown();
@@ -104,9 +106,8 @@ void Application::showWindow() {
     if (stack_.isVisible() || stack_.isClosing())
         return;
     const QSize room = stack_.screen()->availableSize();
-    if (room.width() > deskWindow.width() && room.height() > deskWindow.height()) {
-        if (!stack_.restoreGeometry(windowPlace_))
-            stack_.resize(deskWindow);
+    if (room.width() > stack_.width() && room.height() > stack_.height()) {
+        stack_.restoreGeometry(windowPlace_);
         stack_.show();
     } else {
         stack_.showMaximized();
