@@ -1,8 +1,6 @@
 #include "kit/accessible_list.h"
 
-#include "kit/layer.h"
 #include "kit/list_view.h"
-#include "kit/screen_stack.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -13,15 +11,8 @@ namespace tidebrook {
 
 namespace {
 
-// Only the topmost layer is acted on.
-bool canBeTapped(const ListView &list) {
-    const Layer *layer = Layer::of(list);
-    return list.isVisible() && list.isEnabled() &&
-           (layer == nullptr || layer->stack().top() == layer);
-}
-
 void act(ListView &list, const QPersistentModelIndex &index, const QString &action) {
-    if (!index.isValid() || !canBeTapped(list))
+    if (!index.isValid() || !list.canBeTapped())
         return;
     if (list.isEditingLabel()) // as by a tap outside of the editor
         return list.finishEditing();

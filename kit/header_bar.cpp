@@ -156,7 +156,8 @@ void HeaderBar::arrange() {
     const int side = std::min(iconSize.width(), iconSize.height());
     for (QToolButton *key : {previous_, next_}) {
         key->setIconSize(QSize(side, side));
-        key->setIcon(icon(key == next_ ? "next" : "previous", key->iconSize(), palette()));
+        key->setIcon(icon((key == next_) != isRightToLeft() ? "next" : "previous", key->iconSize(),
+                          palette()));
     }
     choices_->setUnits(units());
     const int frame = 2 * choices_->frameWidth();

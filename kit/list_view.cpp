@@ -4,6 +4,7 @@
 #include "kit/keys.h"
 #include "kit/layer.h"
 #include "kit/row_delegate.h"
+#include "kit/screen_stack.h"
 #include "kit/touch_scrolling.h"
 
 #include <QApplication>
@@ -160,7 +161,10 @@ void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
     const bool isLabelEditor = editor == editor_;
     if (isLabelEditor)
         editor_ = nullptr;
-    QListView::closeEditor(editor, hint);
+    // Tab ends the editing, too: it must not open the label of another row.
+    const bool isStep = hint == QAbstractItemDelegate::EditNextItem ||
+                        hint == QAbstractItemDelegate::EditPreviousItem;
+    QListView::closeEditor(editor, isStep ? QAbstractItemDelegate::NoHint : hint);
     if (isLabelEditor && !isEditingLabel())
         Q_EMIT labelEditEnded();
 }
@@ -213,6 +217,11 @@ void ListView::mousePressEvent(QMouseEvent *event) {
         hold_.start(QGuiApplication::styleHints()->mousePressAndHoldInterval(), this);
 }
 
+bool ListView::canBeTapped() const {
+    const Layer *layer = Layer::of(*this);
+    return isVisible() && isEnabled() && (layer == nullptr || layer->stack().top() == layer);
+}
+
 bool ListView::isNear(const QPoint &place) const {
     const int way = (place - pressedAt_).manhattanLength();
     return way < QGuiApplication::styleHints()->startDragDistance();
@@ -228,7 +237,8 @@ void ListView::mouseReleaseEvent(QMouseEvent *event) {
     const QPoint place = event->position().toPoint();
     // The row may have moved or gone between press and release.
     const bool isTap = std::exchange(isTapPossible_, false) && event->button() == Qt::LeftButton &&
-                       isNear(place) && indexAt(place) == pressed_ && !isScrollingByTouch(*this);
+                       isNear(place) && indexAt(place) == pressed_ && !isScrollingByTouch(*this) &&
+                       canBeTapped();
     if (!isTap)
         return;
     selectRow(pressed_.row());
@@ -255,7 +265,7 @@ void ListView::timerEvent(QTimerEvent *event) {
     if (event->timerId() != hold_.timerId())
         return QListView::timerEvent(event);
     hold_.stop();
-    if (isTapPossible_ && !isScrollingByTouch(*this))
+    if (isTapPossible_ && !isScrollingByTouch(*this) && canBeTapped())
         askForMenu(pressedAt_);
 }
 

@@ -80,6 +80,9 @@ public:
     /// Opens the editor of a row's label, with all of it selected.
     void editLabel(int row);
     /// True from there until the result was reported, or the editing cancelled.
+    /// Whether a tap on it counts: it is enabled, and nothing lies over its screen.
+    bool canBeTapped() const;
+
     bool isEditingLabel() const { return editor_ != nullptr || edited_.isValid(); }
     /// Ends the editing as Enter does, and emits `labelEdited` before it returns.
     void finishEditing();

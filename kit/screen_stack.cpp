@@ -25,7 +25,7 @@ constexpr int progressUnits = 2;
 
 ScreenStack::ScreenStack() : progressLine_(new ProgressLine(this)) {
     installAccessibleParts();
-    resize(480, 640);
+    resize(480, 640); // on a desk, until the user chooses
     showTitle();
 }
 
@@ -103,7 +103,8 @@ void ScreenStack::showTitle() {
 
 void ScreenStack::summon() {
     const QList<Layer *> layers = layers_; // which a layer may change
-    std::any_of(layers.rbegin(), layers.rend(), [](Layer *layer) { return layer->summoned(); });
+    std::any_of(layers.rbegin(), layers.rend(),
+                [](Layer *layer) { return !layer->hasEnded() && layer->summoned(); });
 }
 
 void ScreenStack::bringForward() {

@@ -11,8 +11,7 @@ namespace tidebrook {
 
 namespace {
 
-// File systems take 255 bytes; a file that is replaced is first written under a longer name.
-constexpr qsizetype nameBytes = 248;
+constexpr qsizetype nameBytes = 255; // of most file systems
 
 qsizetype byteCount(QStringView text) { return text.toUtf8().size(); }
 

@@ -41,6 +41,10 @@ TEST(DeviceFiles, WhatKilledWritersLeftIsRemovedByTheNextAndNothingElse) {
         const QStringList left = entries(folder.path());
         EXPECT_EQ(QSet(left.begin(), left.end()), QSet(own.begin(), own.end()));
         EXPECT_EQ(QFileInfo(path).size(), 5);
+        const bool isUsers = readers == Readers::Usual;
+        ASSERT_TRUE(QFile::link(path, folder.filePath(u"link"_s)));
+        EXPECT_EQ(replaceFile(folder.filePath(u"link"_s), "newest", readers), isUsers);
+        EXPECT_EQ(QFileInfo(path).size(), isUsers ? 6 : 5);
     }
 }
 

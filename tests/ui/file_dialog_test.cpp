@@ -120,7 +120,7 @@ TEST(OpenFile, BeginsAtHomeWithoutDocumentsAndOpensTheHelp) {
 
 TEST(SaveFile, TakesTheNamesThatPeopleGive) {
     const Home home({u"old.opml"_s, u"sub/"_s, u"dir.opml/"_s});
-    const QString longest(243, u'x');
+    const QString longest(250, u'x');
     const std::pair<QString, QString> good[]{
         {u" News.OPML "_s, u"News.OPML"_s},
         {u"old.html"_s, u"old.html.opml"_s},
@@ -136,7 +136,7 @@ TEST(SaveFile, TakesTheNamesThatPeopleGive) {
     }
     const std::pair<QString, QString> bad[]{
         {longest + u'x', u"The file name is too long."_s},
-        {smile.repeated(61), u"The file name is too long."_s},
+        {smile.repeated(63), u"The file name is too long."_s},
         {u"  "_s, u"Please enter a file name."_s},
         {u"/gone/x"_s, u"There is no folder /gone."_s},
         {u"/dev/null"_s, u"null is not a file."_s},
@@ -194,8 +194,8 @@ TEST(FileName, OfAnythingIsThatOfAFileInSight) {
         {u"..hidden.opml"_s, u"hidden.opml"_s},
         {u".."_s, u""_s},
         {u"News.Opml"_s, u"News.Opml"_s},
-        {smile.repeated(255), smile.repeated(60)},
-        {u"x"_s + smile.repeated(255) + u".opml", u"x"_s + smile.repeated(60) + u".opml"},
+        {smile.repeated(255), smile.repeated(62)},
+        {u"x"_s + smile.repeated(255) + u".opml", u"x"_s + smile.repeated(62) + u".opml"},
     };
     for (const auto &[wanted, proposed] : cases)
         EXPECT_EQ(possibleFileName(wanted, u".opml"_s, 255), proposed);
