@@ -218,30 +218,6 @@ TEST_F(CommandTest, WhatAListShowsIsWhatACommandTakes) {
     expectSound();
 }
 
-TEST_F(CommandTest, OneArticleIsMarkedAndTheOthersStayAsTheyAre) {
-    const QByteArray third = "<item><title>Third</title><guid>3</guid></item></channel>";
-    addChannel(u"one"_s, QByteArray(feed).replace("</channel>", third));
-    ok(u"update"_s);
-    const struct {
-        const char *call;
-        QString flags; // of the three
-        QString counts;
-    } marks[]{{"read \"Tab here 1m\"", u"uru"_s, u"2/3"_s},
-              {"read", u"rrr"_s, u"0/3"_s},
-              {"unread \"Tab here 1m\"", u"rur"_s, u"1/3"_s}};
-    for (const auto &mark : marks) {
-        ok(u"mark one " + QLatin1String(mark.call));
-        QString flags;
-        for (const QString &line : run(u"articles one"_s).lines())
-            flags += line[0];
-        EXPECT_EQ(flags, mark.flags);
-        EXPECT_EQ(ok(u"channels"_s).section(u'\t', 0, 0), mark.counts);
-        EXPECT_EQ(ok(u"setting UnreadItems --today"_s).trimmed(), mark.counts.first(1));
-    }
-    fails(u"mark one read \"here\""_s, u"there is no article \"here\""_s);
-    expectSound();
-}
-
 TEST_F(CommandTest, ADeletedCategorySaysWhatGoesAndATerminalIsAsked) {
     ok(u"add --create Kept kept http://x/"_s);
     addChannel(u"ch"_s, feed);

@@ -72,13 +72,5 @@ TEST_F(PoliteUpdateTest, AFeedThatFailedOrWhoseServerAsksForItWaits) {
     EXPECT_EQ(asked(u"update"_s, 0), all) << "what went well is as before";
 }
 
-TEST_F(PoliteUpdateTest, AServerThatHasTooMuchIsAskedForNothingMore) {
-    for (const QString &name : {u"one"_s, u"two"_s, u"three"_s})
-        addChannel(name);
-    server_.answerStatus(u"/one"_s, 429);
-    EXPECT_EQ(asked(u"update --jobs 8"_s, 1), QStringList(u"/one"_s));
-    EXPECT_EQ(last_.out.count(u"later\t"_s), 2);
-}
-
 } // namespace
 } // namespace tidebrook

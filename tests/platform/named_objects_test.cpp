@@ -12,7 +12,6 @@
 
 #include <sched.h>
 
-#include <array>
 #include <thread>
 
 namespace tidebrook {
@@ -61,30 +60,6 @@ TEST_F(NamedEventTest, OneOfManyWaitingProcessesTakesAnAutoResetEvent) {
         ASSERT_TRUE(event.set());
         ASSERT_EQ(taken.take(), 1U) << "in round " << round;
     }
-}
-
-TEST_F(NamedEventTest, TheFirstEventGoesBeforeTheOthersAndInputComesLast) {
-    NamedEvent closed(device_, u"no/such/folder", Reset::Auto);
-    NamedEvent manual(device_, u"manual", Reset::Manual);
-    NamedEvent automatic(device_, u"auto", Reset::Auto);
-    std::array<int, 2> pipe{};
-    ASSERT_EQ(::pipe(pipe.data()), 0);
-    const auto wait = [&] { return WaitAny({&closed, &automatic, &manual}, pipe[0], 0s); };
-    EXPECT_EQ(wait().kind, Kind::TimedOut);
-    ASSERT_EQ(write(pipe[1], "x", 1), 1);
-    ASSERT_TRUE(manual.set() && automatic.set());
-    EXPECT_EQ(wait().index, 1);
-    EXPECT_EQ(wait().index, 2);
-    EXPECT_EQ(wait().index, 2);
-    manual.reset();
-    EXPECT_EQ(wait().kind, Kind::Input);
-    char byte = 0;
-    EXPECT_EQ(read(pipe[0], &byte, 1), 1) << "input is left to the caller";
-    EXPECT_EQ(wait().kind, Kind::TimedOut);
-    close(pipe[1]);
-    EXPECT_EQ(wait().kind, Kind::Input) << "the other end is closed";
-    close(pipe[0]);
-    EXPECT_EQ(wait().kind, Kind::Failed);
 }
 
 class NamedMutexTest : public DeviceFolders {

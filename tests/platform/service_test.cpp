@@ -27,18 +27,6 @@ protected:
     }
 };
 
-TEST_F(ServiceTest, ALockIsHeldByOneLivingProcessWhichItTells) {
-    const QString path = serviceLockPath(device_);
-    EXPECT_EQ(ProcessLock::holder(path), std::nullopt);
-    const auto other = startHolder();
-    EXPECT_EQ(ProcessLock::holder(path), other->id());
-    EXPECT_FALSE(ProcessLock(path).isHeld());
-    other->kill();
-    EXPECT_EQ(ProcessLock::holder(path), std::nullopt);
-    EXPECT_TRUE(ProcessLock(path).isHeld());
-    EXPECT_FALSE(ProcessLock(device_.path() + u"/no/such/folder").isHeld());
-}
-
 TEST_F(ServiceTest, AskingForItsHolderOrTakingItAgainDoesNotLoseALock) {
     const QString path = serviceLockPath(device_);
     const ProcessLock lock(path);

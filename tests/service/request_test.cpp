@@ -1,15 +1,12 @@
 #include "feed_server/generated_feed.h"
 #include "platform/desktop/service.h"
 #include "platform/sync/named_event.h"
-#include "platform/sync/pause.h"
 #include "service/running_service.h"
 #include "support/full_disk.h"
 #include "support/waiting.h"
 #include "test_device/test_device.h"
 #include "update/request_file.h"
-#include "update/update_run.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 
 #include <sys/stat.h>
@@ -61,31 +58,6 @@ TEST_F(RequestTest, IsServedAndAnswered) {
     EXPECT_EQ(request({u"http://127.0.0.1:1/"_s, u"café"_s, u"C"_s}), DownloadAnswer::Failed);
     EXPECT_EQ(errorCode(), u"1007");
     expectSound();
-}
-
-TEST_F(RequestTest, ThoseOfACategoryAreNotRushed) {
-    for (const QString &name : {u"a"_s, u"B"_s, u"c"_s})
-        addChannel(name, smallFeed);
-    Registry registry(root_);
-    FeedStore store(root_, registry, testTodayKey.toString());
-    ASSERT_TRUE(store.Open());
-    Interrupt interrupt;
-    const UpdateParts parts{root_, registry, store, interrupt};
-    UpdateRun updates(
-        parts,
-        {.stepped = [](int, int) {}, .updated = {}, .counted = [](auto...) {}, .failed = {}});
-    QElapsedTimer timer;
-    timer.start();
-    setPauseScale(10); // percent
-    EXPECT_TRUE(updates.updateCategory(u"C"_s));
-    const qint64 ofCategory = timer.restart();
-    EXPECT_EQ(server_.requests().value(1).path, "/B") << "as people see them";
-    setPauseScale(100);
-    ask({server_.url(u"/a"), u"a"_s, u"C"_s});
-    const qint64 ofRequest = timer.elapsed();
-    setPauseScale(0);
-    EXPECT_GE(ofCategory, 3 * (2000 + 100) / 10);
-    EXPECT_GE(ofRequest, 100);
 }
 
 TEST_F(RequestTest, WhatIsNoRequestIsRefusedAndNothingElse) {

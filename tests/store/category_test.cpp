@@ -27,17 +27,6 @@ protected:
     CategoryListStore categories_{*device_.registry};
 };
 
-TEST_F(CategoryTest, TheFirstChangeWithoutACountOnlyMakesTheCount) {
-    for (const auto change :
-         {&CategoryListStore::DeleteCategory, &CategoryListStore::AddCategory}) {
-        device_.registry->remove(programKey, u"CategoryNumber");
-        EXPECT_FALSE((categories_.*change)(u"News"_s));
-        EXPECT_EQ(device_.registry->read(programKey, u"CategoryNumber"), RegistryValue(0u));
-    }
-    EXPECT_TRUE(categories_.AddCategory(u"News"_s));
-    EXPECT_EQ(names(), QStringList(u"News"_s));
-}
-
 TEST_F(CategoryTest, ADamagedEntryIsTakenOutByTheReadThatMeetsIt) {
     categories_.AddCategory(u"good"_s);
     device_.registry->write(u"Software\\Tamrel\\Feedlark\\Categories", u"bad", u"text"_s);

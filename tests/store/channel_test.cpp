@@ -38,21 +38,5 @@ TEST_F(ChannelTest, AnyNameGoesThroughEveryOperation) {
     }
 }
 
-TEST_F(ChannelTest, AListEndsAtTheRowBufferAndACategoryOperationDoesNot) {
-    store().changeAtOnce([](SqlCommand &command) {
-        for (int i = 0; i < 700; ++i) {
-            command.execute({"INSERT INTO RSSCHRecord VALUES ('Big', 'channel ' || %d, 0, 0, 'l', "
-                             "NULL, NULL, NULL)",
-                             i});
-        }
-    });
-    EXPECT_EQ(device_.channelNames(u"Big"_s).size(), 606);
-    EXPECT_TRUE(store().MoveCategory(u"Big"_s, u"Moved"_s));
-    EXPECT_EQ(device_.channelNames(u"Big"_s), QStringList());
-    EXPECT_EQ(device_.channelNames(u"Moved"_s).size(), 606);
-    EXPECT_TRUE(store().DeleteCategoryChannels(u"Moved"_s));
-    EXPECT_EQ(device_.channelNames(u"Moved"_s), QStringList());
-}
-
 } // namespace
 } // namespace tidebrook
