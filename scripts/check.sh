@@ -47,7 +47,7 @@ runThreadSanitizer() {
 # regular expressions read whole blocks, beyond the end of a text, so they are not compiled.
 runMemcheck() {
     local suite status=0
-    build release
+    build release || return 1
     for suite in feed res share store subscriptions update; do
         env TIDEBROOK_PAUSES=0 QT_ENABLE_REGEXP_JIT=0 valgrind --quiet --error-exitcode=1 \
             --leak-check=full --errors-for-leak-kinds=definite --suppressions=tests/valgrind.supp \
