@@ -185,23 +185,25 @@ bool FeedStore::RecountChannel(const QString &escapedName, ReadFlagCounts *count
 bool FeedStore::IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts &counts) {
     const auto guard = lock();
     counts = {};
-    ReadFlagCounts stored;
+    std::optional<ReadFlagCounts> stored; // nothing where there is no such channel
     bool isYoung = true;
     const auto tally = [&](const SqliteStatement &row) {
+        stored = {static_cast<int>(row.integer(2)), static_cast<int>(row.integer(3))};
+        if (row.integer(4) == 0) // no article
+            return true;
         ++counts.total;
         counts.unread += row.integer(0) == 0 ? 1 : 0;
         isYoung = isYoung && row.integer(1) >= oldestKept;
-        stored = {static_cast<int>(row.integer(2)), static_cast<int>(row.integer(3))};
         return true;
     };
     const bool isRead =
-        readRows({"SELECT READ_UNREAD, TIMESTAMP, NUM_OF_UNREAD, TOTAL_ITEMS FROM RSSRecord "
-                  "JOIN RSSCHRecord ON RSSCHRecord.CHANNEL_NAME = RSSRecord.CHANNEL_NAME "
-                  "WHERE RSSCHRecord.CHANNEL_NAME = '%s'",
+        readRows({"SELECT READ_UNREAD, TIMESTAMP, NUM_OF_UNREAD, TOTAL_ITEMS, a.rowid "
+                  "FROM RSSCHRecord c LEFT JOIN RSSRecord a ON a.CHANNEL_NAME = c.CHANNEL_NAME "
+                  "WHERE c.CHANNEL_NAME = '%s'",
                   escapedChannelName(name)},
                  tally);
-    return isRead && counts.total > 0 && isYoung && stored.unread == counts.unread &&
-           stored.total == counts.total;
+    return isRead && isYoung && stored && stored->unread == counts.unread &&
+           stored->total == counts.total;
 }
 
 bool FeedStore::PublishTotalUnread() {

@@ -89,8 +89,7 @@ public:
     /// Counts a channel's articles anew, and stores the counts.
     bool RecountChannel(const QString &escapedName, ReadFlagCounts *counts = nullptr);
     /// Whether a channel's counts are right, and it has no article stamped before `oldestKept`:
-    /// pruning and counting it would then change nothing. False for one without articles. `counts`
-    /// is what was counted.
+    /// pruning and counting it would then change nothing. `counts` is what was counted.
     bool IsSettled(const QString &name, qint64 oldestKept, ReadFlagCounts &counts);
     /// Stores the sum of all unread counts for the Today item.
     bool PublishTotalUnread();
