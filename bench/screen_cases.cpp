@@ -51,8 +51,11 @@ void limit(Bench &bench, const char *title, double allowed, const Use &use,
            const std::vector<Step> &steps) {
     bench.report.section(title, "allowed");
     const Steps costs = drive(use);
-    for (const auto &[name, figure, target] : steps)
-        bench.report.limit(name + ", " + figure, costs.at(name), figure, allowed, target);
+    for (const auto &[name, figure, target] : steps) {
+        std::string label = name;
+        label.append(", ").append(figure);
+        bench.report.limit(label, costs.at(name), figure, allowed, target);
+    }
 }
 
 void measureOpenings(Bench &bench, const QString &store) {
