@@ -39,7 +39,7 @@ protected:
 
     QJsonDocument json(const QString &arguments) {
         QJsonParseError error{};
-        const auto document = QJsonDocument::fromJson(ok(arguments + u" --json").toUtf8(), &error);
+        auto document = QJsonDocument::fromJson(ok(arguments + u" --json").toUtf8(), &error);
         EXPECT_EQ(error.error, QJsonParseError::NoError) << qPrintable(arguments);
         return document;
     }
