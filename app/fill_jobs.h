@@ -27,7 +27,7 @@ public:
     }
     /// Whether a stop is requested, without taking it from the next fill.
     bool isPending() const { return counter_ >= 1 || isFinished_; }
-    /// Whether it stopped the fill by the counter.
+    /// Whether the fill was stopped by the counter.
     bool isCounted() const { return isRequested_; }
 
 private:

@@ -131,7 +131,8 @@ void RowDelegate::setModelData(QWidget *editor, QAbstractItemModel *,
     const auto *edit = static_cast<QLineEdit *>(editor);
     // An editor that cuts a longer name has not changed it.
     const QString before = index.data(Qt::EditRole).toString();
-    if (edit->isModified() || edit->text() != before.left(edit->maxLength()))
+    const bool isCut = before.size() > edit->maxLength();
+    if (!isCut || edit->text() != before.left(edit->maxLength()))
         list_.storeLabel(index, edit->text());
 }
 

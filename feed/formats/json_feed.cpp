@@ -45,7 +45,7 @@ bool hasTooManyValues(QByteArrayView text) {
     return count > valueLimit;
 }
 
-// Its first part, of more than is stored of any text.
+// Cut to the largest capacity, that of a description.
 QString textOf(const QJsonObject &object, std::initializer_list<QStringView> names) {
     for (const QStringView name : names) {
         // An id may be a number, too.
