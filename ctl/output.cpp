@@ -1,5 +1,6 @@
 #include "ctl/output.h"
 
+#include "ctl/columns.h"
 #include "platform/base/text.h"
 #include "res/strings.h"
 
@@ -29,6 +30,9 @@ void print(const QByteArray &bytes) {
     else
         write(stdout, bytes);
 }
+
+// A terminal may wrap behind its last column.
+int lineColumns() { return terminalColumns(STDERR_FILENO) - 1; }
 
 } // namespace
 
@@ -112,7 +116,7 @@ ConsoleProgress::~ConsoleProgress() { show({}); }
 
 void ConsoleProgress::show(const QString &text) {
     if (isTerminal_)
-        write(stderr, u"\r\x1b[K" + cutText(withoutHidden(text), 70));
+        write(stderr, u"\r\x1b[K" + cutToColumns(withoutHidden(text), lineColumns()));
 }
 
 } // namespace tidebrook

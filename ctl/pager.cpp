@@ -1,8 +1,8 @@
 #include "ctl/pager.h"
 
+#include "ctl/columns.h"
 #include "ctl/output.h"
 
-#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -63,13 +63,7 @@ bool pageText(const QByteArray &pager, const QByteArray &text) {
 
 } // namespace
 
-int outputColumns() {
-    winsize size{};
-    if (!isTerminal())
-        return 0;
-    const bool isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return isKnown ? qMin(mostColumns, int{size.ws_col}) : mostColumns;
-}
+int outputColumns() { return isTerminal() ? qMin(mostColumns, terminalColumns(STDOUT_FILENO)) : 0; }
 
 void printPaged(const QString &text) {
     const QByteArray pager = chosenPager();

@@ -1,12 +1,9 @@
 #include "ctl/wrapping.h"
 
+#include "ctl/columns.h"
 #include "ctl/output.h"
 
 #include <QTextBoundaryFinder>
-
-#include <algorithm>
-#include <clocale>
-#include <cwchar>
 
 namespace tidebrook {
 
@@ -16,16 +13,6 @@ QStringView withoutEndBlanks(QStringView text) {
     while (text.endsWith(u' '))
         text.chop(1);
     return text;
-}
-
-int columnsOf(QStringView text) {
-    static const locale_t characters = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    const locale_t before = uselocale(characters);
-    int columns = 0;
-    for (const uint character : text.toUcs4())
-        columns += std::max(wcwidth(static_cast<wchar_t>(character)), 0);
-    uselocale(before);
-    return columns;
 }
 
 } // namespace

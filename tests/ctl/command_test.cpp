@@ -243,6 +243,16 @@ TEST_F(CommandTest, ADeletedCategorySaysWhatGoesAndATerminalIsAsked) {
     EXPECT_EQ(ok(u"categories"_s), u"Kept\n");
 }
 
+TEST_F(CommandTest, TheProgressOfAnUpdateStaysOnOneLineOfANarrowTerminal) {
+    addChannel(u"ch"_s, feed);
+    addChannel(QString(40, u'\u65B0'), feed); // twice as wide as a letter
+    const CtlRun update = run(u"update C --jobs 1"_s,
+                              u"exec script -qec \"stty cols 30; $0 $*\" /dev/null; exit $?"_s);
+    EXPECT_EQ(update.exitCode, 0);
+    const QString most = u"2 of 2  "_s + QString(10, u'\u65B0');
+    EXPECT_TRUE(update.out.contains(QString(most + u"\r\x1b[K"))) << qPrintable(update.out);
+}
+
 TEST_F(CommandTest, ManyChannelsAtATimeAreToldInTheirOrder) {
     for (int i = 0; i < 12; ++i) {
         const QString name(QChar((i % 2 == 0 ? u'a' : u'A') + i));
