@@ -53,7 +53,7 @@ def prepare_all(readers, homes, server):
     """The readers without feeds, and those with all articles."""
     server.serve(range(1, FEEDS + 1), ITEMS)
     feeds = {f"Feed {n}": f"http://127.0.0.1:{server.port}/{n}" for n in range(1, FEEDS + 1)}
-    with concurrent.futures.ThreadPoolExecutor(2 * len(readers)) as pool:
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         pending = [[pool.submit(prepare, reader, homes / f"{reader.name}-{name}", server, subscribed)
                     for reader in readers] for name, subscribed in (("empty", {}), ("full", feeds))]
     return [[each.result() for each in homes] for homes in pending]
@@ -85,11 +85,12 @@ def start(reader, screen):
         return {"shown": shown, **program.await_quiet(), **memory(program.pids())}
 
 
-def starts(title, readers, screen, runs, before=lambda reader: None):
+def starts(title, readers, screen, runs, server, before=lambda reader: None):
     columns = {reader.name: [] for reader in readers}
     for _, reader in itertools.product(range(runs), readers):
         before(reader)
         columns[reader.name].append(start(reader, screen))
+        check(server.counts()["requests"] == 0, f"{reader.name} fetches nothing when it starts")
     table.show(title, columns)
 
 
@@ -116,12 +117,11 @@ def run(homes, server, runs):
     empty, full = prepare_all(readers, homes, server)
     server.counts()
     with Screen() as screen:
-        starts("Start, warm, no feeds", empty, screen, runs)
-        starts(f"Start, warm, {FEEDS * ITEMS:,} articles", full, screen, runs)
+        starts("Start, warm, no feeds", empty, screen, runs, server)
+        starts(f"Start, warm, {FEEDS * ITEMS:,} articles", full, screen, runs, server)
         files = {reader: files_of(reader, screen) for reader in full}
-        starts(f"Start, cold, {FEEDS * ITEMS:,} articles", full, screen, runs,
+        starts(f"Start, cold, {FEEDS * ITEMS:,} articles", full, screen, runs, server,
                lambda reader: forget(files[reader]))
-        check(server.counts()["requests"] == 0, "no start fetches anything")
         columns = {reader.name: [] for reader in full}
         for _, reader in itertools.product(range(runs), full):
             columns[reader.name].append(scroll(reader, screen))
