@@ -2,6 +2,8 @@
 
 #include "platform/base/text.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <clocale>
 #include <cwchar>
