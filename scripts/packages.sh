@@ -10,7 +10,7 @@ buildPackages=(
     libgtest-dev dbus-daemon ca-certificates
 )
 # shellcheck disable=SC2034
-testPackages=(scdoc man-db mandoc openssl zsh fish python3)
+testPackages=(scdoc man-db mandoc openssl zsh fish)
 # shellcheck disable=SC2034
 benchPackages=(libxml2-dev valgrind)
 # shellcheck disable=SC2034

@@ -45,14 +45,6 @@ TEST_F(IngestionTest, DuplicatesAreLeftOutAndLeaveTheOldRowAlone) {
     EXPECT_EQ(device_.titles(u"other channel"_s), QStringList());
 }
 
-TEST_F(IngestionTest, AMissingGuidIsTheLink) {
-    ItemRecord record = item(u"linked"_s, u"DEFAULT"_s);
-    EXPECT_TRUE(insert(record));
-    record.title = "same link";
-    EXPECT_TRUE(insert(record));
-    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"linked"_s));
-}
-
 TEST_F(IngestionTest, NoTextOfAFeedBecomesSql) {
     const QString attack =
         u"x', 't', 'l' ,'d' ,'2008-01-01',0, 1 ,'C'); DELETE FROM RSSRecord --"_s;

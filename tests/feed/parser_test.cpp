@@ -109,13 +109,6 @@ TEST_F(ParserTest, TextsAreKeptUpToTheirCapacities) {
     EXPECT_EQ(detail(u"ch"_s, title).description.size(), 2999);
 }
 
-TEST_F(ParserTest, AFaultyItemEndsTheParseAndKeepsWhatCameBefore) {
-    EXPECT_FALSE(parse("<item><title>before</title><guid>1</guid></item>"
-                       "<item><title>neither guid nor link</title></item>"
-                       "<item><title>after</title><guid>2</guid></item>"));
-    EXPECT_EQ(device_.titles(u"ch"_s), QStringList(u"before"_s));
-}
-
 TEST_F(ParserTest, TheFirstChildOfTheRootIsTheChannelAndWithoutAnythingInItUnreadable) {
     const std::pair<QByteArray, bool> cases[]{
         {"<rss><anything><item><title>t</title><guid>1</guid></item></anything>"

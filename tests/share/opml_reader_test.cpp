@@ -79,11 +79,6 @@ TEST_F(OpmlReaderTest, ReadsWhatAListOffers) {
         {list(leaf(QByteArray(48, 'n') + emoji)), QString(QString(48, u'n') + u"=u")},
         {list("<outline text='n' type='rss' url='" + QByteArray(600, 'u') + "'/>"),
          QString(u"n=" + QString(511, u'u'))},
-        {list(leaf("&lt;R&amp;D&gt; &#x1F600; &quot;q&quot;")), u"<R&D> \U0001F600 \"q\"=u"_s},
-        {"<!DOCTYPE opml [<!ENTITY e \"own\">]>" + list(leaf("&e;")), u"own=u"_s},
-        {"<?xml version=\"1.0\" encoding=\"windows-1251\"?>" + list(leaf("\xCD\xEE\xE2")),
-         u"Нов=u"_s},
-        {"\xFF\xFE" + utf16(QString::fromUtf8(list(leaf("é")))), u"é=u"_s},
         // refused as a whole
         {list(leaf("a") + "<outline text='n' xmlUrl='u'/>"), u"1003"_s},
         {list(leaf("a") + "<outline type='rss' xmlUrl='u'/>"), u"1003"_s},
@@ -91,7 +86,6 @@ TEST_F(OpmlReaderTest, ReadsWhatAListOffers) {
         {"<rss><channel/></rss>", u"1003"_s},
         {"", u"1002"_s},
         {list(leaf("a")).chopped(1), u"1002"_s},
-        {list(QByteArray("<o>").repeated(10'000) + QByteArray("</o>").repeated(10'000)), u"1002"_s},
     };
     for (const auto &test : cases)
         EXPECT_EQ(readFile(test.document), test.channels) << test.document.left(200).constData();

@@ -1,6 +1,5 @@
 #include "test_device/test_device.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -18,16 +17,6 @@ TEST(Database, SeedFieldsAreTrimmedAndCutToTheirCapacities) {
     EXPECT_EQ(device.channelNames(u"C"_s), QStringList(longName.left(50)));
     EXPECT_EQ(device.channelNames(u"Tech"_s), QStringList(u"Ars"_s));
     EXPECT_EQ(device.channelNames(u""_s), QStringList(u"nameOnly"_s));
-}
-
-TEST(Database, WithoutASeedFileNothingIsCreated) {
-    TestDevice device{QString()};
-    EXPECT_FALSE(device.store->Open());
-    EXPECT_EQ(device.store->error(), 1006u);
-    EXPECT_TRUE(QDir(device.root.path()).entryList({u"RSSVault*"_s}).isEmpty());
-    EXPECT_TRUE(QDir(device.root.filePath(u"\\Temp")).isEmpty());
-    writeFile(device.root.filePath(u"\\windows\\RSSChannels.txt"), utf16(u"a\tu\tC\n"_s));
-    EXPECT_TRUE(device.store->Open()) << "the next start must try again";
 }
 
 TEST(Database, AJournalLeftFromAnotherDatabaseIsNotTakenForItsOwn) {

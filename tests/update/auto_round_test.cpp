@@ -134,10 +134,12 @@ TEST_F(AutoRoundTest, ARequestThatFailedOrAnotherAddressDoesNotTakeTheChannelsTu
 TEST_F(AutoRoundTest, AFeedWhoseItemsCouldNotAllBeStoredIsSentAgain) {
     server_.serveWithValidators(u"/f"_s,
                                 "<rss><channel><item><title>a</title><guid>1</guid></item>"
-                                "<item><title>b</title></item></channel></rss>",
+                                "<item><title>b</title></item>"
+                                "<item><title>c</title><guid>3</guid></item></channel></rss>",
                                 "\"1\"");
     addFeed(u"f"_s);
     EXPECT_EQ(runRound().failed, 1);
+    EXPECT_EQ(device_.titles(u"f"_s), QStringList(u"a"_s)) << "what came before is kept";
     runRound(24);
     EXPECT_EQ(sentHeader("If-None-Match"), QByteArray());
 }
