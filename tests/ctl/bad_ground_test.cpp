@@ -2,8 +2,6 @@
 #include "feed_server/generated_feed.h"
 #include "platform/sql/registry.h"
 #include "platform/sql/sqlite_database.h"
-#include "platform/sync/file_lock.h"
-#include "store/settings_store.h"
 
 #include <QDir>
 #include <QFile>
@@ -106,21 +104,6 @@ TEST_F(BadGroundTest, ALockThatCannotBeTakenIsAFailure) {
         fails(call, u"channels.lock"_s);
     unblock(u"run/channels.lock"_s);
     EXPECT_EQ(ok(u"categories"_s), u"C\n");
-}
-
-TEST_F(BadGroundTest, ACheckBesideARenamingWaitsForItsEnd) {
-    Registry registry(root_);
-    auto lock = std::make_unique<FileLock>(filePath(u"run/channels.lock"_s));
-    registry.write(programKey, u"CategoryNumber", quint32{2});
-    const auto check = start(u"check"_s);
-    // The system tells who waits for a lock, behind an arrow.
-    const QByteArray waiter = "ADVISORY  WRITE " + QByteArray::number(check->processId()) + ' ';
-    waitFor(
-        [&] { return check->waitForFinished(0) || contentOf(u"/proc/locks"_s).contains(waiter); });
-    registry.write(programKey, u"CategoryNumber", quint32{1});
-    lock.reset();
-    check->waitForFinished();
-    EXPECT_EQ(check->exitCode(), 0) << check->readAllStandardOutput().constData();
 }
 
 TEST_F(BadGroundTest, AFullDiskLosesNothing) {

@@ -15,6 +15,8 @@ CtlTest::CtlTest() {
     QDir().mkpath(filePath(u"windows"_s));
     writeFile(filePath(u"windows/RSSChannels.txt"_s), {});
     environment_.insert(u"TIDEBROOK_HOME"_s, root_.path());
+    // The second, direct download of a feed goes to the server too.
+    environment_.insert(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
 }
 
 std::unique_ptr<QProcess> CtlTest::start(const QString &arguments, const QString &prelude) {

@@ -36,9 +36,6 @@ qint64 memory(const QString &name) {
 
 class HostileServerTest : public CtlTest {
 protected:
-    void SetUp() override {
-        environment_.insert(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
-    }
     const DirectPort directPort_{server_};
 
     /// The address of a row, at a host of its own, as a round asks a host for one feed at a time.

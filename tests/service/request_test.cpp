@@ -175,22 +175,6 @@ TEST_F(RequestTest, AServerThatNeverAnswersKeepsNobodyElseWaiting) {
     EXPECT_EQ(answer(10s), DownloadAnswer::Done);
 }
 
-TEST_F(RequestTest, ADownloaderThatIsKilledIsToldByTheTimeOutAndStartedAnew) {
-    addChannel(u"a"_s);
-    server_.hang(u"/a"_s);
-    const auto requester = start(u"request C a --timeout 3"_s);
-    waitForRequests(1);
-    EXPECT_EQ(end(SIGKILL), -1);
-    requester->waitForFinished(patienceLimit);
-    EXPECT_EQ(requester->exitCode(), 1);
-    EXPECT_TRUE(requester->readAllStandardError().contains("no answer came within 3 seconds"));
-    EXPECT_EQ(errorCode(), u"1012");
-    expectSound();
-    server_.serve(u"/a"_s, smallFeed);
-    EXPECT_EQ(ok(u"request C a"_s), u"done\n");
-    EXPECT_TRUE(ok(u"channels"_s).startsWith(u"1/1\ta\t"));
-}
-
 TEST_F(RequestTest, ASignalEndsADownloadAndTellsWhoWaitsForIt) {
     const RefreshJob job = addChannel(u"a"_s);
     server_.hang(u"/a"_s);

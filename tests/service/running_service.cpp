@@ -10,8 +10,6 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 RunningService::RunningService() {
-    // The second, direct download of a feed goes to the server too.
-    environment_.insert(u"TIDEBROOK_HTTP_PORT"_s, QString::number(server_.port()));
     qputenv("TIDEBROOK_HTTP_PORT", QByteArray::number(server_.port()));
     // What the machine's own network is like must not matter.
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere");

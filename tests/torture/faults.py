@@ -22,7 +22,6 @@ COMMANDS = [line.split() for line in """
     rename-category C Z
     rename-category E Z
     delete-category C --yes
-    add C new http://127.0.0.1:1/new
     add --create New new http://127.0.0.1:1/new
     rename a zz
     move a D
@@ -31,9 +30,7 @@ COMMANDS = [line.split() for line in """
     show a 1
     mark a read
     mark a unread
-    mark a read 1
     save a 1 article OUT/page.html
-    save a 1 link OUT/link.html
     import OUT/list.opml Z
     export C OUT/old.opml
     export C a OUT/new.opml
@@ -48,7 +45,6 @@ COMMANDS = [line.split() for line in """
     setting FontSize 12
     setting Enabled 0
     reader_jobs ROOT properties
-    reader_jobs ROOT unnamed
     reader_jobs ROOT read
     feedlarkd --foreground
 """.strip().splitlines()]

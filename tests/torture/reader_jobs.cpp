@@ -1,18 +1,15 @@
-// reader_jobs ROOT JOB: what the reader does and the command line does not, without its screens.
+// reader_jobs ROOT properties|read: what the reader does and the command line does not, without its
+// screens.
 
-#include "res/strings.h"
 #include "subscriptions/locked_subscriptions.h"
 #include "update/auto_list.h"
 
 #include <cstdio>
-#include <map>
 
 namespace tidebrook {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-using Job = bool (*)(Device &);
 
 // Of what is stored, so that a change that was cut short can be made again.
 bool changeProperties(Device &device) {
@@ -28,34 +25,21 @@ bool changeProperties(Device &device) {
                now, {u"D"_s, u"other"_s, u"http://127.0.0.1:1/other"_s, false}) == ChangeEnd::Done;
 }
 
-const std::map<QString, Job> &jobs() {
-    static const std::map<QString, Job> jobs{
-        {u"open"_s, [](Device &) { return true; }},
-        {u"properties"_s, changeProperties},
-        {u"unnamed"_s,
-         [](Device &device) {
-             return LockedSubscriptions(device).addUnnamedChannel(
-                        u"New"_s, u"http://127.0.0.1:1/new"_s) == ChangeEnd::Done;
-         }},
-        {u"read"_s, [](Device &device) {
-             QList<ArticleRow> rows;
-             ArticleExtract article;
-             return device.store.ListArticles(u"a"_s, SortMode::UnreadOnly, rows) &&
-                    !rows.isEmpty() &&
-                    device.store.GetArticleDetail(u"a"_s, rows.first().title, article) &&
-                    device.store.PublishTotalUnread();
-         }}};
-    return jobs;
+bool readFirstUnread(Device &device) {
+    QList<ArticleRow> rows;
+    ArticleExtract article;
+    return device.store.ListArticles(u"a"_s, SortMode::UnreadOnly, rows) && !rows.isEmpty() &&
+           device.store.GetArticleDetail(u"a"_s, rows.first().title, article) &&
+           device.store.PublishTotalUnread();
 }
 
-int run(const QString &root, const QString &name) {
+int run(const QString &root, const QString &job) {
     Device device{DeviceRoot(root)};
-    const auto job = jobs().find(name);
-    const bool isDone = job != jobs().end() && device.open(std::nullopt) == DeviceFault::None &&
-                        job->second(device);
+    const bool isDone = device.open(std::nullopt) == DeviceFault::None &&
+                        (job == u"read" ? readFirstUnread(device) : changeProperties(device));
     device.close();
     if (!isDone)
-        std::fprintf(stderr, "%s failed\n", qUtf8Printable(name));
+        std::fprintf(stderr, "%s failed\n", qUtf8Printable(job));
     return isDone ? 0 : 1;
 }
 

@@ -53,14 +53,9 @@ TEST_F(ArticleListTest, IsOrderedAsChosenAndKeepsTheOrder) {
 TEST_F(ArticleListTest, ABusyDatabaseIsWaitedForOrTold) {
     const auto other = SqliteDatabase::open(device.root.filePath(u"\\RSSVault.sdf"), {});
     const Hand markRead = choosing({u"Mark all as Read"_s});
-    const Hand open = pressing(Qt::Key_Return);
     run([&](User &user) {
         const auto seesUnread = [&user](int count) {
             return user.seesQuiet() && user.lines().filter(u"*"_s).size() == count;
-        };
-        const auto goBack = [&user] {
-            user.press(Qt::Key_Escape);
-            ASSERT_TRUE(user.seesCaption(u"Moon"_s));
         };
         const auto doWhileBusy = [&](const Hand &hand) {
             const SqliteTransaction writing(*other);
@@ -75,21 +70,17 @@ TEST_F(ArticleListTest, ABusyDatabaseIsWaitedForOrTold) {
         user.choose({u"Mark all as Unread"_s});
         EXPECT_TRUE(seesUnread(5));
         EXPECT_EQ(setting(u"UnreadItems", testTodayKey), 9U);
-        doWhileBusy(open);
+        doWhileBusy(pressing(Qt::Key_Return));
         ASSERT_TRUE(user.seesPage(u"2026-01-28"_s));
-        goBack();
+        user.press(Qt::Key_Escape);
+        ASSERT_TRUE(user.seesCaption(u"Moon"_s));
         EXPECT_TRUE(seesUnread(4));
-        user.press(Qt::Key_Down);
         {
             const SqliteTransaction writing(*other);
             ASSERT_TRUE(writing.isOpen());
             markRead(user);
             expectBox(user, databaseProblem);
-            EXPECT_TRUE(seesUnread(4));
-            open(user);
-            expectBox(user, databaseProblem);
         }
-        goBack();
         EXPECT_TRUE(seesUnread(4));
         const FullDisk disk;
         user.choose({u"Sort by"_s, u"Status"_s});

@@ -163,10 +163,7 @@ TEST_F(ArticleViewTest, ATappedLinkIsOpenedAsOneArgumentOrRefused) {
             expected += "1 " + QUrl(links[i]).toEncoded() + '\n';
             EXPECT_TRUE(user.sees([&] { return opener.calls() == expected; }));
         }
-    });
-    opener.remove();
-    run([&](User &user) {
-        go(user, 3, 0);
+        user.look([&] { opener.remove(); });
         user.tapLink(u"(0)"_s);
         expectBox(user, u"Encountering Unidentified Problem"_s);
     });

@@ -96,43 +96,36 @@ TEST_F(WizardTest, AnAddressIsRefusedOrTakenForAFeedThatIsOutOfReach) {
 }
 
 TEST_F(WizardTest, AListIsOfferedAndWhatIsTickedIsAdded) {
-    server.serve(u"/my.opml"_s, list);
     ASSERT_TRUE(writeFile(home.filePath(u"my.opml"_s), list));
-    for (const bool isFile : {false, true}) {
-        SCOPED_TRACE(isFile);
-        runInScience([&](User &user) {
-            openWizard(user);
-            isFile ? user.tap(u"Import from a file"_s) : user.type(u"localhost/My.opml"_s);
-            user.tap(u"Next"_s);
-            if (isFile) {
-                ASSERT_TRUE(user.seesRows({u".."_s, u"my.opml"_s}));
-                user.tapRow(1);
-            }
-            ASSERT_TRUE(user.seesControls({u"- One, - Two, - Three, - Bad."_s, u"- All"_s}));
-            user.tap(u"All"_s);
-            user.tapRow(0);
-            ASSERT_TRUE(user.seesControls({u"- One, x Two, x Three, x Bad."_s, u"- All"_s}));
-            user.tapRow(2);
-            user.press(Qt::Key_Return);
-            ASSERT_TRUE(user.seesControls(categoryPage));
-            user.tap(u"Back"_s); // keeps the ticks
-            ASSERT_TRUE(user.seesControls({u"- One, x Two, - Three, x Bad."_s, u"- All"_s}));
-            user.press(Qt::Key_Space); // on the row that was tapped
-            user.tapRow(0);
-            user.tap(u"Next"_s);
-            ASSERT_TRUE(user.seesControls(categoryPage));
-            user.press(Qt::Key_Up);
-            user.tap(u"Finish"_s);
-            expectBox(user, wrongUrl); // of the one that is left out
-            ASSERT_TRUE(user.seesRows({u"Moon"_s, u"Odd"_s, u"Star"_s}));
-        });
-        QStringList added = channels(u"News"_s);
-        EXPECT_EQ(added.size(), isFile ? 7 : 4); // a name that is taken gets a number
-        for (const QString &channel :
-             {u"One http://Example.org/One"_s, u"Two http://example.org/two"_s,
-              u"Three javascript:alert(1)"_s})
-            EXPECT_TRUE(added.contains(channel)) << channel.toStdString();
-    }
+    runInScience([&](User &user) {
+        openWizard(user);
+        user.tap(u"Import from a file"_s);
+        user.tap(u"Next"_s);
+        ASSERT_TRUE(user.seesRows({u".."_s, u"my.opml"_s}));
+        user.tapRow(1);
+        ASSERT_TRUE(user.seesControls({u"- One, - Two, - Three, - Bad."_s, u"- All"_s}));
+        user.tap(u"All"_s);
+        user.tapRow(0);
+        ASSERT_TRUE(user.seesControls({u"- One, x Two, x Three, x Bad."_s, u"- All"_s}));
+        user.tapRow(2);
+        user.press(Qt::Key_Return);
+        ASSERT_TRUE(user.seesControls(categoryPage));
+        user.tap(u"Back"_s); // keeps the ticks
+        ASSERT_TRUE(user.seesControls({u"- One, x Two, - Three, x Bad."_s, u"- All"_s}));
+        user.press(Qt::Key_Space); // on the row that was tapped
+        user.tapRow(0);
+        user.tap(u"Next"_s);
+        ASSERT_TRUE(user.seesControls(categoryPage));
+        user.press(Qt::Key_Up);
+        user.tap(u"Finish"_s);
+        expectBox(user, wrongUrl); // of the one that is left out
+        ASSERT_TRUE(user.seesRows({u"Moon"_s, u"Odd"_s, u"Star"_s}));
+    });
+    QStringList added = channels(u"News"_s);
+    added.sort();
+    EXPECT_EQ(added,
+              QStringList({u"One http://Example.org/One"_s, u"Planet http://example.org/a"_s,
+                           u"Three javascript:alert(1)"_s, u"Two http://example.org/two"_s}));
 }
 
 TEST_F(WizardTest, TheMiddleCategoryIsProposedAndListedAgainWhenItHasGoneMeanwhile) {
@@ -159,23 +152,18 @@ TEST_F(WizardTest, TheMiddleCategoryIsProposedAndListedAgainWhenItHasGoneMeanwhi
 
 TEST_F(WizardTest, IsReadyToBeTypedInAndLeavesTheRowWhenItIsCancelled) {
     runInScience([&](User &user) {
-        for (const Hand &cancel : {pressing(Qt::Key_Escape), tapping(u"Cancel"_s)}) {
-            user.press(Qt::Key_Home);
-            user.press(Qt::Key_Down);
-            openWizard(user);
-            for (int i = 0; i < 2; ++i) {
-                user.press(Qt::Key_Home);
-                user.tap(u"Input from URL"_s);
-                EXPECT_TRUE(user.seesPart<QLineEdit>([](auto &line) {
-                    return line.hasFocus() && !line.isReadOnly() && !line.hasSelectedText() &&
-                           line.cursorPosition() == line.text().size();
-                }));
-                user.tap(u"Import from a file"_s);
-                EXPECT_TRUE(user.seesPart<QLineEdit>(&QLineEdit::isReadOnly));
-            }
-            cancel(user);
-            EXPECT_TRUE(user.seesLines(scienceLines) && user.seesQuiet() && user.seesSelected(1));
-        }
+        user.press(Qt::Key_Down);
+        openWizard(user);
+        user.press(Qt::Key_Home);
+        user.tap(u"Import from a file"_s);
+        EXPECT_TRUE(user.seesPart<QLineEdit>(&QLineEdit::isReadOnly));
+        user.tap(u"Input from URL"_s);
+        EXPECT_TRUE(user.seesPart<QLineEdit>([](auto &line) {
+            return line.hasFocus() && !line.isReadOnly() && !line.hasSelectedText() &&
+                   line.cursorPosition() == line.text().size();
+        }));
+        user.press(Qt::Key_Escape);
+        EXPECT_TRUE(user.seesLines(scienceLines) && user.seesQuiet() && user.seesSelected(1));
     });
 }
 
