@@ -64,7 +64,7 @@ QDateTime serverWish(const UpdateState &state, const QDateTime &now) {
 }
 
 QDateTime nextTry(const UpdateState &state, bool isDaily, const QDateTime &now) {
-    const QDateTime next = serverWish(state, now);
+    QDateTime next = serverWish(state, now);
     if (state.failures == 0 || isDaily || state.lastTurn > after(now, 1min))
         return next;
     const QDateTime again = after(state.lastTurn, backOff(state.failures));
