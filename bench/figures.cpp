@@ -155,10 +155,13 @@ double sleepsOf(pid_t process) {
 }
 
 void awaitIdle(pid_t process) {
-    for (double before = -1, now = sleepsOf(process); now != before; now = sleepsOf(process)) {
+    double before = 0;
+    double now = sleepsOf(process);
+    do {
         before = now;
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    }
+        now = sleepsOf(process);
+    } while (now != before);
 }
 
 } // namespace tidebrook

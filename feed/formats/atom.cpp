@@ -46,7 +46,7 @@ QString htmlOf(const ScopedElement &construct) {
 QString htmlOf(const ElementParts &parts, std::initializer_list<const char *> names) {
     for (const char *name : names) {
         const auto part = parts.constFind(name);
-        const QString html = part != parts.cend() && isReadable(*part) ? htmlOf(*part) : QString();
+        QString html = part != parts.cend() && isReadable(*part) ? htmlOf(*part) : QString();
         if (!html.isEmpty())
             return html;
     }
