@@ -131,14 +131,13 @@ void User::clickRight(int row) {
 
 void User::touch(const QString &text) {
     touchBy([this, text] {
-        const QMenu *menu = openMenu();
+        QMenu *menu = openMenu();
         const auto entries = menu != nullptr ? menu->actions() : QList<QAction *>();
         const auto entry = std::ranges::find(entries, text, &QAction::text);
         QWidget *button = buttonOf(stack_.top(), text);
-        if (entry != entries.end()) {
+        if (menu != nullptr && entry != entries.end()) {
             // The window system makes a finger's touch of a popup a click.
-            QTest::mouseClick(openMenu(), Qt::LeftButton, {},
-                              menu->actionGeometry(*entry).center());
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(*entry).center());
         } else if (menu == nullptr && button != nullptr) {
             moveFinger(button, button->rect().center(), {});
         } else {
