@@ -133,8 +133,7 @@ QString textOf(const ElementParts &parts, std::initializer_list<const char *> na
                qsizetype capacity) {
     for (const char *name : names) {
         const auto part = parts.constFind(name);
-        QString text =
-            part == parts.cend() ? QString() : decoded(part->node().text(), capacity);
+        QString text = part == parts.cend() ? QString() : decoded(part->node().text(), capacity);
         if (!text.isEmpty())
             return text;
     }
