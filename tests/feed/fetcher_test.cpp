@@ -147,12 +147,13 @@ TEST_F(FetcherTest, DocumentsOfEveryFormatAreStoredByTheirOwnRules) {
             EXPECT_EQ(fetch(server_.url(path)), value == 1 ? document.code : document.strictCode);
         }
         QStringList stored;
-        store().VisitArticles({.channel = u"ch"_s}, [&](const ListedArticle &article) {
-            stored.append(QStringList{article.guid, article.itemLink, article.publicationDate,
-                                      article.title.simplified()}
-                              .join(u' '));
-            return true;
-        });
+        store().VisitArticles(
+            {.channel = u"ch"_s, .category = {}}, [&](const ListedArticle &article) {
+                stored.append(QStringList{article.guid, article.itemLink, article.publicationDate,
+                                          article.title.simplified()}
+                                  .join(u' '));
+                return true;
+            });
         QStringList expected = document.articles;
         EXPECT_EQ(stored, expected.replaceInStrings(u"BASE"_s, server_.url(u"")));
     }
