@@ -48,6 +48,7 @@ protected:
                             {at(hours), at(hours), false},
                             [](const RefreshJob &, const RefreshResult &) {});
     }
+
     QByteArray sentHeader(QByteArrayView name) {
         const auto requests = server_.requests();
         return requests.size() == 1 ? requests.first().header(name)
@@ -140,8 +141,8 @@ TEST_F(AutoRoundTest, AFailingFeedIsTriedLessAndLessOften) {
     live(0, 100);
     EXPECT_EQ(tries, (QList<double>{0, 1, 3, 7, 15, 31, 55, 79}));
 
-    // A request of the user's is a new beginning, also when that fails. It
-    // does not take the channel's turn.
+    // A request of the user's is a new beginning, also when that fails. It does
+    // not take the channel's turn.
     tries.clear();
     {
         const FixedClock clock(at(100));

@@ -23,8 +23,7 @@ QByteArray contentOf(const QString &path) {
 TestDevice::TestDevice(const QString &seed) : root(folder_.filePath(QStringLiteral("device"))) {
     QDir().mkpath(root.path());
     root.makeFolders();
-    if (!seed.isNull())
-        writeFile(root.filePath(u"\\windows\\RSSChannels.txt"), utf16(seed));
+    writeFile(root.filePath(u"\\windows\\RSSChannels.txt"), utf16(seed));
     restart();
 }
 

@@ -24,7 +24,7 @@ struct TestArticle {
 /// A device root of its own for one test, with whatever seed file it is given.
 class TestDevice {
 public:
-    /// The seed file's text; a null text leaves the device without one.
+    /// The seed file's text.
     explicit TestDevice(const QString &seed = QStringLiteral(""));
 
     /// Ends the store and starts another over the same files, as a restart does.
