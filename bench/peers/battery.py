@@ -7,7 +7,7 @@ import subprocess
 import time
 
 import table
-from refresh import check
+from checking import attempt, check
 from screen import Program, Screen, cpu, sleeps
 from server import BIN
 from text_readers import Tidebrook, installed
@@ -114,36 +114,38 @@ def rounds_at(home, server, screen, shown):
     return costs, counts["received"] + counts["sent"]
 
 
-def open_reader(stack, reader_class, home, server):
+@contextlib.contextmanager
+def opened(reader_class, home, server):
     """One that has fetched all feeds, and will again in half an hour."""
-    screen = stack.enter_context(Screen())
     reader = reader_class(home)
-    with Program(screen, reader.command, reader.env) as program:
-        program.await_window()
-        program.await_quiet()
-    reader.subscribe({f"Feed {n}": f"http://127.0.0.1:{server.port}/{n}" for n in range(1, FEEDS + 1)})
-    reader.settings(True, minutes=30)
-    server.counts()
-    program = stack.enter_context(Program(screen, reader.command, reader.env))
-    program.await_window()
-    asked, end = 0, time.monotonic() + PATIENCE
-    while asked < FEEDS and time.monotonic() < end:
-        time.sleep(1)
-        asked += server.counts()["requests"]
-    check(asked >= FEEDS, f"{reader.name} has asked for all feeds ({asked})")
-    program.await_quiet()
-    server.counts()
-    return program
+    with Screen() as screen:
+        with Program(screen, reader.command, reader.env) as program:
+            program.await_window()
+            program.await_quiet()
+        reader.subscribe({f"Feed {n}": f"http://127.0.0.1:{server.port}/{n}" for n in range(1, FEEDS + 1)})
+        reader.settings(True, minutes=30)
+        server.counts()
+        with Program(screen, reader.command, reader.env) as program:
+            program.await_window()
+            asked, end = 0, time.monotonic() + PATIENCE
+            while asked < FEEDS and time.monotonic() < end:
+                time.sleep(1)
+                asked += server.counts()["requests"]
+            check(asked >= FEEDS, f"it has asked for all feeds ({asked})")
+            program.await_quiet()
+            server.counts()
+            yield program
 
 
 def rest_of_others(work, server, seconds):
     """Of readers that must stay open to update, at the same time."""
     readers = [reader for reader in installed(ALL) if reader.stays_open]
     with contextlib.ExitStack() as stack:
-        programs = {reader.name: open_reader(stack, reader, work / f"{reader.name}-open", server)
+        programs = {reader.name: attempt(reader.name, stack.enter_context,
+                                         opened(reader, work / f"{reader.name}-open", server))
                     for reader in readers}
         time.sleep(SETTLING)
-        rest = rest_of({name: program.pids() for name, program in programs.items()}, seconds)
+        rest = rest_of({name: program.pids() for name, program in programs.items() if program}, seconds)
         check(server.counts()["requests"] == 0, "nothing is fetched at rest")
     return rest
 
@@ -166,5 +168,6 @@ def run(work, server, seconds):
     columns = {"feedlarkd": [figures(rest["feedlarkd"], downloader) | {"bytes": bytes_}],
                "item, shown": [figures(rest["item, shown"], item)],
                "item, put away": [figures(rest["item, put away"])]}
-    columns |= {name: [figures(each)] for name, each in rest_of_others(work, server, seconds).items()}
+    others = attempt("the others", rest_of_others, work, server, seconds) or {}
+    columns |= {name: [figures(each)] for name, each in others.items()}
     table.show("A day", columns)

@@ -3,15 +3,11 @@
 import itertools
 
 import table
+from checking import check
 from measuring import can_perf, costs, counted, traced
 from text_readers import ALL, installed
 
 STEPS = ("first", "again")
-
-
-def check(is_so, what):
-    if not is_so:
-        raise RuntimeError(f"not so: {what}")
 
 
 def refresh_twice(reader_class, home, server, feeds, articles, measure):

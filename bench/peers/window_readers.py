@@ -62,7 +62,7 @@ class TidebrookWindow(WindowReader):
 
 class QuiteRss(WindowReader):
     name = program = "quiterss"
-    way = ((70, 67),)
+    way = ((90, 107),)
     place = (500, 200)
     folder = ".local/share/QuiteRss/QuiteRss"
 

@@ -7,7 +7,7 @@ import shutil
 import time
 
 import table
-from refresh import check
+from checking import attempt, check
 from screen import Program, Screen, cpu, memory
 from text_readers import installed
 from window_readers import ALL, ITEMS
@@ -40,7 +40,7 @@ def prepare(reader_class, home, server, feeds):
                 time.sleep(1)
             program.await_quiet()
         check(not feeds or reader.stored() == articles,
-              f"{reader.name} has fetched {articles} articles ({reader.stored()})")
+              f"it has fetched {articles} articles ({reader.stored()})")
         reader.settings(False)
         with Program(screen, reader.command, reader.env) as program:
             program.await_window()
@@ -54,9 +54,9 @@ def prepare_all(readers, homes, server):
     server.serve(range(1, FEEDS + 1), ITEMS)
     feeds = {f"Feed {n}": f"http://127.0.0.1:{server.port}/{n}" for n in range(1, FEEDS + 1)}
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        pending = [[pool.submit(prepare, reader, homes / f"{reader.name}-{name}", server, subscribed)
+        pending = [[pool.submit(attempt, reader.name, prepare, reader, homes / f"{reader.name}-{name}", server, subscribed)
                     for reader in readers] for name, subscribed in (("empty", {}), ("full", feeds))]
-    return [[each.result() for each in homes] for homes in pending]
+    return [[reader for each in homes if (reader := each.result())] for homes in pending]
 
 
 def files_of(reader, screen):
@@ -79,18 +79,27 @@ def forget(files):
         os.close(file)
 
 
-def start(reader, screen):
+def start(reader, screen, server):
+    server.counts()
     with Program(screen, reader.command, reader.env) as program:
         shown = program.await_window()
-        return {"shown": shown, **program.await_quiet(), **memory(program.pids())}
+        figures = {"shown": shown, **program.await_quiet(), **memory(program.pids())}
+    check(server.counts()["requests"] == 0, "it fetches nothing when it starts")
+    return figures
 
 
-def starts(title, readers, screen, runs, server, before=lambda reader: None):
+def cold_start(reader, screen, server, files):
+    if reader not in files:
+        files[reader] = files_of(reader, screen)
+    forget(files[reader])
+    return start(reader, screen, server)
+
+
+def compare(title, readers, runs, measure, *arguments):
+    """Runs of all readers in turns."""
     columns = {reader.name: [] for reader in readers}
     for _, reader in itertools.product(range(runs), readers):
-        before(reader)
-        columns[reader.name].append(start(reader, screen))
-        check(server.counts()["requests"] == 0, f"{reader.name} fetches nothing when it starts")
+        columns[reader.name].append(attempt(reader.name, measure, reader, *arguments) or {})
     table.show(title, columns)
 
 
@@ -108,21 +117,15 @@ def scroll(reader, screen):
         top = program.picture()
         for button in (5, 4):
             program.user("click", "--repeat", TURNS // 2, "--delay", 100, button)
-            check(button == 4 or program.picture() != top, f"{reader.name}'s list moves")
+            check(button == 4 or program.picture() != top, "its list moves")
         return {"wheel": (program.await_quiet()["cpu"] - before) / TURNS}
 
 
 def run(homes, server, runs):
     readers = installed(ALL)
     empty, full = prepare_all(readers, homes, server)
-    server.counts()
     with Screen() as screen:
-        starts("Start, warm, no feeds", empty, screen, runs, server)
-        starts(f"Start, warm, {FEEDS * ITEMS:,} articles", full, screen, runs, server)
-        files = {reader: files_of(reader, screen) for reader in full}
-        starts(f"Start, cold, {FEEDS * ITEMS:,} articles", full, screen, runs, server,
-               lambda reader: forget(files[reader]))
-        columns = {reader.name: [] for reader in full}
-        for _, reader in itertools.product(range(runs), full):
-            columns[reader.name].append(scroll(reader, screen))
-        table.show(f"A list of {ITEMS} articles", columns)
+        compare("Start, warm, no feeds", empty, runs, start, screen, server)
+        compare(f"Start, warm, {FEEDS * ITEMS:,} articles", full, runs, start, screen, server)
+        compare(f"Start, cold, {FEEDS * ITEMS:,} articles", full, runs, cold_start, screen, server, {})
+        compare(f"A list of {ITEMS} articles", full, runs, scroll, screen)
