@@ -22,6 +22,14 @@ bool Layer::focusNextPrevChild(bool next) {
     return true;
 }
 
+void Layer::giveFocus(QWidget *part) {
+    QWidget *widget = part != nullptr ? part : firstFocus();
+    if (stack_.top() != this)
+        focusBefore_ = widget;
+    else if (widget != nullptr)
+        widget->setFocus();
+}
+
 void Layer::end(int result) {
     if (hasEnded_)
         return;

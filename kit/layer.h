@@ -41,6 +41,9 @@ public:
 
     /// While something lies above it: the widget that gets the focus back afterwards.
     QWidget *focusBefore() const { return focusBefore_; }
+    /// Gives the focus to a widget of the layer, or to the layer itself: at once or, while
+    /// something lies above it, afterwards. Null stands for `firstFocus`.
+    void giveFocus(QWidget *part);
 
 protected:
     /// The focus stays in the layer.

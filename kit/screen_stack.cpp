@@ -54,8 +54,7 @@ void ScreenStack::push(Layer &layer) {
         placeProgressLine(layer);
         progressLine_->raise();
     }
-    if (QWidget *first = layer.firstFocus())
-        first->setFocus();
+    layer.giveFocus(nullptr);
     if (QAccessible::isActive()) {
         QAccessibleEvent event(&layer,
                                layer.isOpaque() ? QAccessible::DialogStart : QAccessible::Alert);
@@ -73,9 +72,7 @@ void ScreenStack::pop(Layer &layer) {
         below->show();
         if (below->isOpaque())
             placeProgressLine(*below);
-        QWidget *focus = below->focusBefore_ ? below->focusBefore_.data() : below->firstFocus();
-        if (focus != nullptr)
-            focus->setFocus();
+        below->giveFocus(below->focusBefore_);
         below->focusBefore_ = nullptr;
     }
     layer.hide();

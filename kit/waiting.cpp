@@ -2,7 +2,6 @@
 
 #include "kit/dialog.h"
 #include "kit/menu_bar.h"
-#include "kit/screen_stack.h"
 
 #include <QGuiApplication>
 
@@ -13,18 +12,14 @@ Waiting::Waiting(Dialog &dialog, int command)
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     dialog_.form().setEnabled(false);
     dialog_.menuBar()->enable(command_, false);
-    if (dialog_.stack().top() == &dialog_)
-        dialog_.setFocus(); // for the keys of the dialog
+    dialog_.giveFocus(&dialog_); // for the keys of the dialog
 }
 
 Waiting::~Waiting() {
     QGuiApplication::restoreOverrideCursor();
     dialog_.form().setEnabled(true);
     dialog_.menuBar()->enable(command_, true);
-    if (dialog_.stack().top() != &dialog_)
-        return;
-    if (QWidget *focus = focusBefore_ ? focusBefore_.data() : dialog_.firstFocus())
-        focus->setFocus();
+    dialog_.giveFocus(focusBefore_);
 }
 
 } // namespace tidebrook

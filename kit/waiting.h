@@ -13,7 +13,7 @@ class Dialog;
 class Waiting {
 public:
     Waiting(Dialog &dialog, int command);
-    /// Restores all of that and, if the dialog is on top, the focus.
+    /// Restores all of that, and the focus.
     ~Waiting();
     Waiting(const Waiting &) = delete;
     Waiting &operator=(const Waiting &) = delete;

@@ -191,6 +191,24 @@ TEST_F(WizardTest, AListThatCannotBeReadIsToldAndLeadsBack) {
     });
 }
 
+TEST_F(WizardTest, TheLineIsTypedInAgainAfterAWaitThatEndedBelowTheHelp) {
+    auto silent = std::make_unique<FeedServer>();
+    const DirectPort itsPort(*silent);
+    silent->hang(u"/list.opml"_s);
+    runInScience([&](User &user) {
+        enter(user, u"localhost/list.opml"_s);
+        ASSERT_TRUE(user.seesControls({u"waiting"_s}));
+        user.press(Qt::Key_F1);
+        ASSERT_TRUE(user.seesCaption(u"Tidebrook"_s));
+        silent.reset();
+        ASSERT_TRUE(user.seesQuiet());
+        user.press(Qt::Key_Escape);
+        expectBox(user, internetProblem);
+        user.type(u"x"_s);
+        EXPECT_TRUE(user.seesControls(firstPage(u"http://localhost/list.opmlx"_s)));
+    });
+}
+
 TEST_F(WizardTest, BackAndCancelEndEveryWait) {
     server.hang(u"/silent"_s);
     server.trickle(u"/slow.opml"_s, "<opml>" + QByteArray(2000, ' '), 50ms);
