@@ -13,17 +13,15 @@ namespace {
 
 constexpr int gap = 4; // pixels between an image, the label and the row's end
 
-struct RowColours {
-    QPalette::ColorRole background;
-    QPalette::ColorRole text;
-};
-
-// The selection of a list without the focus is less prominent.
-RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
-    if (!(option.state & QStyle::State_Selected))
-        return {QPalette::Base, QPalette::Text};
-    return listHasFocus ? RowColours{QPalette::Highlight, QPalette::HighlightedText}
-                        : RowColours{QPalette::Button, QPalette::ButtonText};
+QPalette::ColorRole textRoleOn(QPalette::ColorRole ground) {
+    switch (ground) {
+    case QPalette::Highlight:
+        return QPalette::HighlightedText;
+    case QPalette::Button:
+        return QPalette::ButtonText;
+    default:
+        return QPalette::Text;
+    }
 }
 
 // What was typed or pasted ends at the cursor. The length limit may have halved its last character.
@@ -62,20 +60,28 @@ QRect RowDelegate::imageRect(const QStyleOptionViewItem &option) const {
     return QStyle::visualRect(option.direction, option.rect, place);
 }
 
+QPalette::ColorRole RowDelegate::groundOf(const QStyleOptionViewItem &option) const {
+    if (!option.state.testFlag(QStyle::State_Selected))
+        return QPalette::Base;
+    return list_.looksFocused() ? QPalette::Highlight : QPalette::Button;
+}
+
+void RowDelegate::paintGround(QPainter &painter, const QStyleOptionViewItem &option) const {
+    painter.fillRect(option.rect, option.palette.brush(groundOf(option)));
+    painter.setPen(option.palette.color(QPalette::Button));
+    painter.drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+}
+
 void RowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                         const QModelIndex &index) const {
-    const RowColours colours = coloursOf(option, list_.looksFocused());
-    painter->fillRect(option.rect, option.palette.brush(colours.background));
-    painter->setPen(option.palette.color(QPalette::Button));
-    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
-
+    paintGround(*painter, option);
     const ListRow row = list_.row(index.row());
     if (list_.isCheckable())
         paintCheckMark(*painter, option, row.isChecked);
     else if (const char *name = list_.image(row.image))
         painter->drawPixmap(imageRect(option).topLeft(),
                             icon(name, list_.imageSize(), option.palette));
-    painter->setPen(option.palette.color(colours.text));
+    painter->setPen(option.palette.color(textRoleOn(groundOf(option))));
     painter->setFont(option.font);
     paintTexts(*painter, option, row);
 }

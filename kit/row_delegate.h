@@ -30,6 +30,12 @@ public:
 protected:
     const ListView &list() const { return list_; }
 
+    /// The palette's colour of a row's ground. The selection of a list without the focus is less
+    /// prominent.
+    QPalette::ColorRole groundOf(const QStyleOptionViewItem &option) const;
+    /// Fills a row with it, and draws the line below the row.
+    void paintGround(QPainter &painter, const QStyleOptionViewItem &option) const;
+
 private:
     QRect labelRect(const QStyleOptionViewItem &option) const;
     QRect imageRect(const QStyleOptionViewItem &option) const;

@@ -23,22 +23,17 @@ constexpr int gap = 4;
 constexpr int padding = 1; // pixels between a label and the edge of its row
 constexpr int labelLines = 2;
 
-struct RowColours {
-    QColor background;
-    QColor text;
-};
-
 // The colour of the button face could not be read on the highlight in dark themes, so the text
 // there has the theme's own colour.
-RowColours coloursOf(const QStyleOptionViewItem &option, bool listHasFocus) {
-    const QPalette &palette = option.palette;
-    if (!option.state.testFlag(QStyle::State_Selected))
-        return {palette.color(QPalette::Base),
-                readableOn(palette.color(QPalette::Base), palette.color(QPalette::ButtonText))};
-    if (listHasFocus)
-        return {palette.color(QPalette::Highlight), palette.color(QPalette::HighlightedText)};
-    return {palette.color(QPalette::Button),
-            palette.color(QPalette::Inactive, QPalette::ButtonText)};
+QColor textOn(QPalette::ColorRole ground, const QPalette &palette) {
+    switch (ground) {
+    case QPalette::Highlight:
+        return palette.color(QPalette::HighlightedText);
+    case QPalette::Button:
+        return palette.color(QPalette::Inactive, QPalette::ButtonText);
+    default:
+        return readableOn(palette.color(ground), palette.color(QPalette::ButtonText));
+    }
 }
 
 QFont bold(QFont font) {
@@ -129,12 +124,9 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
                        const QModelIndex &index) const {
     const ListRow row = list().row(index.row());
     const bool isChannel = row.image == ChannelImage;
-    const RowColours colours = coloursOf(option, list().looksFocused());
     painter->save();
     painter->setClipRect(option.rect); // letters can be higher than their font's metrics
-    painter->fillRect(option.rect, colours.background);
-    painter->setPen(option.palette.color(QPalette::Button));
-    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+    paintGround(*painter, option);
     const QRect iconPlace(option.rect.topLeft() + QPoint(iconMargin, 0), list().imageSize());
     painter->drawPixmap(QStyle::visualRect(option.direction, option.rect, iconPlace).topLeft(),
                         icon(list().image(row.image), iconPlace.size(), option.palette));
@@ -147,7 +139,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                            option.rect.adjusted(labelStart, 0, -gap, -1));
     const QRect labelPlace = place.adjusted(0, padding, 0, -padding);
     const QFont label = isChannel || row.image == ReadImage ? option.font : bold(option.font);
-    painter->setPen(colours.text);
+    painter->setPen(textOn(groundOf(option), option.palette));
     painter->setFont(label);
     const bool isBig = option.font.pointSize() == fontSizes.back();
     const QSize taken = row.detail.isEmpty() ? QSize(0, 0) : detailSize + QSize(gap, -padding);
@@ -158,7 +150,7 @@ void RowPainter::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->setFont(detail);
     const QRect corner =
         QStyle::alignedRect(option.direction, Qt::AlignRight | Qt::AlignBottom, detailSize, place);
-    painter->fillRect(corner, colours.background);
+    painter->fillRect(corner, option.palette.brush(groundOf(option)));
     painter->drawText(corner, Qt::AlignTrailing | Qt::AlignBottom | Qt::TextSingleLine, row.detail);
     painter->restore();
 }
