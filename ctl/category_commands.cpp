@@ -105,35 +105,55 @@ int runRenameCategory(CommandDevice &device, const Arguments &arguments) {
 
 namespace {
 
-// What would go with a category; nothing, and the failure is reported, when there is none such.
-std::optional<QString> contentInWords(CommandDevice &device, const QString &category) {
+// What goes with a category.
+struct Content {
+    QStringList channels;
+    int articles = 0;
+
+    QString inWords() const {
+        return QStringLiteral("%1 channels, %2 articles").arg(channels.size()).arg(articles);
+    }
+};
+
+// Nothing, and the failure is reported, when there is none such.
+std::optional<Content> contentOf(CommandDevice &device, const QString &category) {
     QList<ChannelRecord> feeds;
     if (!device.hasCategory(category))
         return std::nullopt;
     bool isRead = device.store.ListFeeds(feeds);
-    int channels = 0;
-    int articles = 0;
+    Content content;
     for (const ChannelRecord &feed : std::as_const(feeds)) {
         ReadFlagCounts counts;
         if (feed.category != category)
             continue;
         isRead = isRead && device.store.CountReadFlags(category, feed.channelName, counts);
-        ++channels;
-        articles += counts.total;
+        content.channels.append(feed.channelName);
+        content.articles += counts.total;
     }
     if (isRead)
-        return QStringLiteral("%1 channels, %2 articles").arg(channels).arg(articles);
+        return content;
     failStore(device);
     return std::nullopt;
 }
 
-// Without the lock: others must not wait for the user.
-bool isDeletionWanted(CommandDevice &device, const QString &category, const QString &content) {
+// Asks without the lock, so that others do not wait for the user. The content by then; nothing, and
+// the reason is reported, where the category stays, as it does with channels that the user was not
+// asked about.
+std::optional<Content> confirmedContent(CommandDevice &device, const QString &category,
+                                        const Content &asked) {
     device.unlock();
-    if (confirm(QStringLiteral("Delete \"%1\" with %2?").arg(category, content)))
-        return device.lock();
-    fail(QStringLiteral("\"%1\" stays").arg(category));
-    return false;
+    if (!confirm(QStringLiteral("Delete \"%1\" with %2?").arg(category, asked.inWords()))) {
+        fail(QStringLiteral("\"%1\" stays").arg(category));
+        return std::nullopt;
+    }
+    if (!device.lock())
+        return std::nullopt;
+    auto content = contentOf(device, category);
+    if (content && content->channels != asked.channels) {
+        fail(QStringLiteral("\"%1\" stays: its channels have changed").arg(category));
+        return std::nullopt;
+    }
+    return content;
 }
 
 } // namespace
@@ -142,15 +162,14 @@ int runDeleteCategory(CommandDevice &device, const Arguments &arguments) {
     const QString name = arguments.operands[0];
     const bool isTrial = arguments.has(u"dry-run");
     const bool isAsking = !isTrial && !arguments.has(u"yes");
-    auto content = contentInWords(device, name);
+    auto content = contentOf(device, name);
     if (content && isAsking)
-        content =
-            isDeletionWanted(device, name, *content) ? contentInWords(device, name) : std::nullopt;
+        content = confirmedContent(device, name, *content);
     if (!content)
         return ExitFailed;
     const ChangeEnd end = isTrial ? ChangeEnd::Done : device.subscriptions().deleteCategory(name);
     if (end == ChangeEnd::Done)
-        printLine(*content);
+        printLine(content->inWords());
     return exitCodeOf(device, end);
 }
 

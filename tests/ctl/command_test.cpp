@@ -213,6 +213,13 @@ TEST_F(CommandTest, ADeletedCategorySaysWhatGoesAndATerminalIsAsked) {
     EXPECT_TRUE(refused.out.contains(u"Delete \"C\" with %1?"_s.arg(content)))
         << qPrintable(refused.out);
     EXPECT_EQ(ok(u"channels C"_s).count(u'\n'), 2);
+    const QString meanwhile =
+        u"{ until grep -qs Delete \"$1\"; do :; done; \"$0\" -q add C more http://y/; echo y; } "
+        "| exec script -qefc \"$0 delete-category C\" \"$1\"; exit $?"_s;
+    const CtlRun changed = run(filePath(u"asked"_s), meanwhile);
+    EXPECT_EQ(changed.exitCode, 1);
+    EXPECT_TRUE(changed.out.contains(u"\"C\" stays"_s)) << qPrintable(changed.out);
+    EXPECT_EQ(ok(u"channels C"_s).count(u'\n'), 3);
     EXPECT_EQ(onTerminal(u"y"_s).exitCode, 0);
     addChannel(u"ch"_s, feed);
     EXPECT_FALSE(onTerminal(u"n"_s, u"--yes"_s).out.contains(u"Delete"));
