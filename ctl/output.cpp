@@ -50,13 +50,13 @@ void printFields(const QStringList &fields) {
 void printFault(const QStringList &fields) {
     QStringList clean;
     for (const QString &field : fields)
-        clean.append(withoutHidden(field));
+        clean.append(printable(field));
     print(QString(clean.join(u'\t') + u'\n').toUtf8());
 }
 
 void printDocument(const QByteArray &document) { print(document); }
 
-QString printable(const QString &text) { return withoutHidden(text); }
+QString printable(const QString &text) { return withoutHidden(text, joiners); }
 
 void printText(const QString &text) {
     if (!isQuiet())
@@ -64,7 +64,7 @@ void printText(const QString &text) {
 }
 
 QByteArray printableText(const QString &text) {
-    return QString(withoutHidden(text, u"\n\t") + u'\n').toUtf8();
+    return QString(withoutHidden(text, u"\n\t\u200C\u200D") + u'\n').toUtf8();
 }
 
 QString counts(int unread, int total) {
@@ -85,7 +85,7 @@ bool flushOutput() {
 }
 
 int fail(const QString &message) {
-    write(stderr, u"tidebrookctl: " + withoutHidden(message) + u'\n');
+    write(stderr, u"tidebrookctl: " + printable(message) + u'\n');
     return ExitFailed;
 }
 
@@ -98,7 +98,7 @@ int failUsage(const QString &message) {
 bool confirm(const QString &question) {
     if (isatty(STDIN_FILENO) != 1)
         return true;
-    write(stderr, withoutHidden(question) + u" [y/N] ");
+    write(stderr, printable(question) + u" [y/N] ");
     QFile input;
     if (!input.open(stdin, QIODevice::ReadOnly))
         return false;
@@ -116,7 +116,7 @@ ConsoleProgress::~ConsoleProgress() { show({}); }
 
 void ConsoleProgress::show(const QString &text) {
     if (isTerminal_)
-        write(stderr, u"\r\x1b[K" + cutToColumns(withoutHidden(text), lineColumns()));
+        write(stderr, u"\r\x1b[K" + cutToColumns(printable(text), lineColumns()));
 }
 
 } // namespace tidebrook

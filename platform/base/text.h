@@ -40,6 +40,9 @@ QString withoutSoftBreaks(QString text);
 /// do joiners within an emoji.
 QString withoutHidden(QString text, QStringView kept = {});
 
+/// Join letters and part them, as in Persian words, and show nothing themselves.
+inline constexpr QStringView joiners = u"\u200C\u200D";
+
 /// The text without the characters that XML does not allow, for which readers refuse a document:
 /// with a blank in place of a control, and U+FFFD in place of any other.
 QString xmlText(QString text);
