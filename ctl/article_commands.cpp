@@ -22,7 +22,7 @@ std::optional<SortMode> sortMode(const QString &order) {
     return std::nullopt;
 }
 
-QString supplied(const QString &text) { return text.startsWith(missingText) ? QString() : text; }
+QString supplied(const QString &text) { return isMissing(text) ? QString() : text; }
 
 } // namespace
 

@@ -30,7 +30,7 @@ bool hasWords(const ListedArticle &article, const QStringList &words) {
                  [&](const QString &word) { return !title.contains(word); });
     if (others.isEmpty())
         return true;
-    if (article.description.startsWith(missingText))
+    if (isMissing(article.description))
         return false;
     const QString text = comparable(readableText(article.description).joined());
     return std::all_of(others.begin(), others.end(),

@@ -56,7 +56,7 @@ QByteArray jsonLine(const QJsonObject &object) {
 }
 
 QJsonValue jsonText(const QString &text) {
-    return text.isEmpty() || text.startsWith(missingText) ? QJsonValue() : QJsonValue(text);
+    return text.isEmpty() || isMissing(text) ? QJsonValue() : QJsonValue(text);
 }
 
 } // namespace tidebrook

@@ -2,11 +2,13 @@
 
 #include <QByteArray>
 #include <QLatin1String>
+#include <QString>
 
 namespace tidebrook {
 
 /// Stands for a text that a document does not supply.
 inline constexpr QLatin1String missingText("DEFAULT");
+inline bool isMissing(const QString &text) { return text == missingText; }
 inline constexpr QByteArrayView missingUtf8(missingText.data(), missingText.size());
 
 /// One item of a feed as it is read. The texts are in UTF-8, each cut to its capacity in UTF-16
