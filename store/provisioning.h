@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/device_root.h"
+#include "platform/sql/registry.h"
 
 #include <QByteArray>
 
@@ -11,5 +12,9 @@ namespace tidebrook {
 /// left behind then.
 bool provisionDevice(const DeviceRoot &device, const QByteArray &seedFile,
                      const QString &todayItemKey);
+
+/// Writes those first values of the settings that are missing, as all are in a registry that was
+/// lost. False when the registry could not be written; none is written then.
+bool createFirstValues(Registry &registry, QStringView todayItemKey);
 
 } // namespace tidebrook

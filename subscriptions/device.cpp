@@ -47,7 +47,8 @@ DeviceFault Device::open(std::optional<std::chrono::milliseconds> lockTimeout) {
 bool Device::seedIfEmpty(bool isLocked) {
     quint32 categoryCount = 0;
     settings.RegReadDword(programKey, u"CategoryNumber", categoryCount);
-    return categoryCount > 0 || (isLocked && seedCategories(root, registry));
+    return categoryCount > 0 || (isLocked && createFirstValues(registry, todayItemKey) &&
+                                 seedCategories(root, registry));
 }
 
 FileIdentities Device::files() const {

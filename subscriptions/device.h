@@ -44,10 +44,10 @@ public:
     bool isRegistryReadable();
 
     /// Opens the database, which makes and seeds it on first use; before that, seeds the
-    /// categories where there are none. Lists the categories of channels that are not listed, as
-    /// when a change was cut short: those channels would be out of sight. May take long. Waits for
-    /// the lock of the channels, but no longer than `lockTimeout`, if there is one; without the
-    /// lock no category is listed.
+    /// categories where there are none, and with them the settings that are missing. Lists the
+    /// categories of channels that are not listed, as when a change was cut short: those channels
+    /// would be out of sight. May take long. Waits for the lock of the channels, but no longer than
+    /// `lockTimeout`, if there is one; without the lock no category is listed.
     DeviceFault open(std::optional<std::chrono::milliseconds> lockTimeout);
 
     /// Whether the registry and the database are still those that were opened. Where they are gone

@@ -49,9 +49,11 @@ TEST_F(BadGroundTest, AMissingLibraryForHttpIsToldAsWhatItIs) {
 TEST_F(BadGroundTest, AMissingRegistryLosesTheCategoriesAndNoArticle) {
     QFile::remove(filePath(u"registry.db"_s));
     EXPECT_EQ(run(u"check"_s).out, u"channel \"ch\": its category \"C\" is not listed\n");
-    ok(u"add-category C"_s);
+    ok(u"init"_s);
     expectSound();
     expectTheArticles();
+    EXPECT_EQ(ok(u"setting UpdateInterval"_s), u"1\n");
+    EXPECT_EQ(ok(u"setting Enabled --today"_s), u"1\n");
 }
 
 TEST_F(BadGroundTest, ADatabaseLockedByAnotherProcessIsStillReadAndLosesNothing) {
