@@ -60,7 +60,8 @@ void storeSetting(AppState &state, QStringView name, quint32 value) {
         [&device = state.device, name, value] {
             const bool isStored = device.settings.RegWriteDword(programKey, name, value) ||
                                   device.settings.dword(programKey, name) == value;
-            return isStored ? done : recordProblem(device, fileProblemString);
+            return isStored && device.isStillThere() ? done
+                                                     : recordProblem(device, fileProblemString);
         },
         [&state](int messageId) {
             if (messageId != done)

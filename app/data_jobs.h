@@ -31,7 +31,7 @@ bool AddChannelJob(AppState &state, QObject *receiver, const ChannelRecord &reco
 std::optional<QStringList> listedCategories(Device &device);
 
 /// Stores a value of the program's settings, soon. A box reports it when another value is stored
-/// then. `name` outlives the program's work.
+/// then, or when the device is not there any more. `name` outlives the program's work.
 void storeSetting(AppState &state, QStringView name, quint32 value);
 
 } // namespace tidebrook

@@ -205,6 +205,17 @@ TEST_F(SettingsTest, SayHowManyChannelsTakePart) {
     }
 }
 
+TEST_F(SettingsTest, OfADeviceThatWasReplacedAreNotStoredInTheFormerFile) {
+    const QString registry = device.root.registryPath();
+    run([&](User &user) {
+        open(user, today);
+        ASSERT_TRUE(QFile::copy(registry, registry + u".copy") && QFile::remove(registry) &&
+                    QFile::rename(registry + u".copy", registry));
+        user.tap(u"Done"_s);
+        expectBox(user, fileProblem);
+    });
+}
+
 TEST_F(SettingsTest, AreNotOverwrittenBeforeTheyWereRead) {
     store(today, {1, 2});
     run([&](User &user) {

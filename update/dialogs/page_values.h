@@ -20,14 +20,15 @@ template <class Read, class Show> void loadPage(AppState &state, Form &form, Rea
     });
 }
 
-/// Stores the values of a page; shows an error when that fails.
+/// Stores the values of a page; shows an error when that fails, or when the device is not there any
+/// more.
 template <class Save> void savePage(AppState &state, Form &form, Save save) {
     if (!form.isEnabled())
         return;
     const bool isStarted = state.settings.ask(
         &state.stack,
         [&device = state.device, save = std::move(save)] {
-            return save() ? 0 : recordProblem(device, fileProblemString);
+            return save() && device.isStillThere() ? 0 : recordProblem(device, fileProblemString);
         },
         [&state](int messageId) {
             if (messageId != 0)
