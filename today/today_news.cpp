@@ -51,8 +51,7 @@ TodayNews::TodayNews(const DeviceRoot &device) : device_(device), watch_(device)
     }
     connect(&watch_, &DeviceWatch::changed, this, &TodayNews::note);
     connect(&watch_, &DeviceWatch::moved, this, [this] {
-        watchEvents();
-        Q_EMIT moved();
+        settle();
         refresh();
     });
     watch_.setScope(DeviceWatch::Scope::Content);
@@ -70,6 +69,11 @@ void TodayNews::setShown(bool isShown) {
     later_.stop();
     if (isShown)
         refresh();
+}
+
+void TodayNews::settle() {
+    watchEvents();
+    Q_EMIT moved();
 }
 
 void TodayNews::watchEvents() {
@@ -108,6 +112,8 @@ void TodayNews::refresh() {
 
 void TodayNews::take(const TodayState &state) {
     isReading_ = false;
+    if (!settings_ && device_.isDevice())
+        settle(); // a device that is copied is none when its folder appears
     const bool isFailure = state.news == TodayState::News::Unreadable;
     failures_ = isFailure ? failures_ + 1 : 0;
     if (isFailure && isShown_)

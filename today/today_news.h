@@ -42,6 +42,7 @@ Q_SIGNALS:
 private:
     struct Watched;
 
+    void settle();
     void watchEvents();
     void watchArrivals();
     void note();
