@@ -3,6 +3,8 @@
 #include "platform/http/http_transfer.h"
 #include "platform/sync/stop_signal.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <list>
 
@@ -21,7 +23,8 @@ public:
           const HttpQueueObserver &observer)
         : limits_(limits), observer_(observer), loop_(limits.stop, parallel), parallel_(parallel) {
         for (std::size_t i = 0; i < addresses.size(); ++i)
-            waiting_.push_back({i, {addresses[i]}, hostOf(addresses[i]), 0, limits.requestObject});
+            waiting_.push_back(
+                {i, {addresses[i]}, hostOf(addresses[i]), 0, limits.requestObject, false});
     }
 
     bool run() {
@@ -38,16 +41,20 @@ public:
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     struct Waiting {
         std::size_t index;
         HttpRequest request;
         QByteArray host;
         int redirects;
         std::chrono::microseconds timeLeft; // for it and the redirects behind it
+        bool isRepeated;
     };
     struct Running {
-        Running(Waiting &&what, const HttpLimits &limits, CurlLoop &of)
-            : waiting(std::move(what)), get(waiting.request, limits), loop(of) {
+        Running(Waiting &&what, const HttpLimits &limits, CurlLoop &of, Clock::duration timeAway)
+            : waiting(std::move(what)), get(waiting.request, limits), loop(of),
+              awayBefore(timeAway) {
             get.transfer().setTimeLimits(
                 limits, std::chrono::ceil<std::chrono::milliseconds>(waiting.timeLeft));
             // A redirect waits until its host is free.
@@ -60,7 +67,14 @@ private:
         const Waiting waiting;
         HttpGet get;
         CurlLoop &loop;
+        const Clock::duration awayBefore;
     };
+
+    // What the observer does, as storing an answer on a slow disk, takes time of the transfers that
+    // are under way: libcurl ends them for it before it looks for what has arrived.
+    [[nodiscard]] auto countTimeAway() {
+        return qScopeGuard([this, begin = Clock::now()] { timeAway_ += Clock::now() - begin; });
+    }
 
     bool isStopped() const { return limits_.stop && limits_.stop->isRaised(); }
 
@@ -82,16 +96,17 @@ private:
         }
     }
 
-    bool isWanted(Waiting &waiting) const {
-        if (waiting.redirects > 0)
+    bool isWanted(Waiting &waiting) {
+        if (waiting.redirects > 0 || waiting.isRepeated)
             return true;
+        const auto counted = countTimeAway();
         const std::optional<HttpValidators> validators = observer_.begin(waiting.index);
         waiting.request.validators = validators.value_or(HttpValidators());
         return validators.has_value();
     }
 
     void start(Waiting &&waiting) {
-        running_.emplace_back(std::move(waiting), limits_, loop_);
+        running_.emplace_back(std::move(waiting), limits_, loop_, timeAway_);
         HttpGet &get = running_.back().get;
         if (!get.isOpened() || !loop_.add(get.transfer()))
             end(std::prev(running_.end()), CURLE_URL_MALFORMAT);
@@ -105,6 +120,12 @@ private:
     }
 
     void end(std::list<Running>::iterator running, CURLcode result) {
+        if (isTimedOutMeanwhile(*running, result)) {
+            waiting_.push_front(running->waiting);
+            waiting_.front().isRepeated = true;
+            running_.erase(running);
+            return;
+        }
         const Waiting waiting = running->waiting;
         // The body of a redirect need not come whole: it is of no use.
         const bool isAnswered = result == CURLE_OK || result == CURLE_PARTIAL_FILE;
@@ -115,13 +136,21 @@ private:
             result = redirectFault(waiting, next, timeLeft);
         HttpAnswer answer = running->get.takeAnswer(result);
         running_.erase(running);
-        if (next.isEmpty() || result != CURLE_OK)
+        if (next.isEmpty() || result != CURLE_OK) {
+            const auto counted = countTimeAway();
             return observer_.takeAnswer(waiting.index, answer);
+        }
         waiting_.push_front({waiting.index,
                              {next, waiting.request.validators},
                              hostOf(next),
                              waiting.redirects + 1,
-                             timeLeft});
+                             timeLeft,
+                             waiting.isRepeated});
+    }
+
+    bool isTimedOutMeanwhile(const Running &running, CURLcode result) const {
+        return result == CURLE_OPERATION_TIMEDOUT && !running.waiting.isRepeated &&
+               timeAway_ - running.awayBefore >= limits_.connect / 2;
     }
 
     // Why a redirect is not followed; CURLE_OK where it is.
@@ -139,6 +168,7 @@ private:
     CurlLoop loop_; // outlives the transfers
     const int parallel_;
     std::list<Waiting> waiting_;
+    Clock::duration timeAway_{0};
     std::list<Running> running_; // at fixed addresses, which their transfers know
 };
 

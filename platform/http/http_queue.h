@@ -20,9 +20,10 @@ struct HttpQueueObserver {
 
 /// Makes GETs as `httpGet` does, up to `parallel` at a time on the calling thread, in their order
 /// but for those whose host is busy: one host is asked for one document at a time, also when other
-/// hosts redirect to it. Connections serve one request after another and are closed when it
-/// returns. False when `limits.stop` was raised, or nothing can be sent at all: it returns at once
-/// then, and what has no answer gets none.
+/// hosts redirect to it. One that times out for what the observer did meanwhile is made once more.
+/// Connections serve one request after another and are closed when it returns. False when
+/// `limits.stop` was raised, or nothing can be sent at all: it returns at once then, and what has
+/// no answer gets none.
 bool httpGetAll(const std::vector<QString> &addresses, int parallel, const HttpLimits &limits,
                 const HttpQueueObserver &observer);
 
