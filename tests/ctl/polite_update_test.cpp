@@ -42,6 +42,16 @@ TEST_F(PoliteUpdateTest, AnUnchangedFeedIsSentOnce) {
     EXPECT_EQ(run(u"updates"_s).lines().first().section(u'\t', 2, 2), u"unchanged");
 }
 
+TEST_F(PoliteUpdateTest, AChannelGetsTheArticlesOfOneThatWasDeletedFromAnUnchangedFeed) {
+    server_.serveWithValidators(u"/a"_s, generatedFeed(10, 1), "\"1\"");
+    for (const QString &name : {u"first"_s, u"second"_s})
+        ok(u"add --create C %1 "_s.arg(name) + server_.url(u"/a"));
+    ok(u"update C first"_s);
+    EXPECT_EQ(ok(u"update C second"_s), u"ok\t0\t0/0\tsecond\n");
+    ok(u"delete first"_s);
+    EXPECT_EQ(ok(u"update"_s), u"ok\t10\t10/10\tsecond\n");
+}
+
 TEST_F(PoliteUpdateTest, AFeedThatFailedOrWhoseServerAsksForItWaits) {
     environment_.insert(u"TIDEBROOK_HTTP_PORT"_s, u"1"_s);
     for (const QString &name : {u"busy"_s, u"gone"_s, u"well"_s})
