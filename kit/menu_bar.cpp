@@ -59,10 +59,10 @@ void MenuBar::openMenu(const QRect &besideGlobal) {
     // Made anew, because one that was open before keeps the sizes of that time.
     delete menu_;
     menu_ = new ScreenMenu(resource_.right.menu, this);
-    connect(menu_, &ScreenMenu::chosen, this, &MenuBar::chosen);
     for (const int command : std::as_const(disabled_))
         menu_->enable(command, false);
     Q_EMIT menuAboutToOpen(*menu_);
+    connect(menu_, &ScreenMenu::chosen, this, &MenuBar::chosen);
     menu_->openBeside(besideGlobal);
 }
 

@@ -32,7 +32,8 @@ public:
 
 Q_SIGNALS:
     void chosen(int command);
-    /// The receiver can set the menu's check marks.
+    /// The receiver can set the menu's check marks. What it connects to the menu's `chosen` comes
+    /// before the command.
     void menuAboutToOpen(ScreenMenu &menu);
 
 protected:

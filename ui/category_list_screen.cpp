@@ -252,7 +252,10 @@ void CategoryListScreen::close() {
     dialog().end(0);
 }
 
-void CategoryListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
+void CategoryListScreen::prepareMenu(ScreenMenu &menu) {
+    checkFontSize(state_, menu);
+    keepRow(menu, *list_);
+}
 
 int OpenCategoryList(AppState &state) {
     CategoryListScreen screen(state);

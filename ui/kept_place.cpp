@@ -1,6 +1,7 @@
 #include "ui/kept_place.h"
 
 #include "kit/list_view.h"
+#include "kit/screen_menu.h"
 
 #include <QScrollBar>
 
@@ -34,6 +35,15 @@ void followRows(ListView &list, QList<ListRow> rows) {
     if (const int now = list.findRow(firstText); first >= 0 && now >= 0)
         scrolled += (now - first) * list.rowHeight();
     bar.setValue(scrolled);
+}
+
+void keepRow(ScreenMenu &menu, ListView &list) {
+    const auto selectAgain = [&list, text = list.rowText(SelectedRow(&list))] {
+        if (list.rowText(SelectedRow(&list)) != text)
+            list.selectRow(list.findRow(text));
+    };
+    // Commands are sent by the event loop, and what was to be shown before is shown by then.
+    QObject::connect(&menu, &ScreenMenu::chosen, &list, selectAgain, Qt::QueuedConnection);
 }
 
 } // namespace tidebrook

@@ -5,6 +5,7 @@
 namespace tidebrook {
 
 class ListView;
+class ScreenMenu;
 
 /// A row of a list: the one with this text, which may have moved, or the one with this number when
 /// the text is null.
@@ -20,5 +21,9 @@ void selectPlace(ListView &list, const Place &place);
 /// Shows rows that have changed without the user's doing. What is selected stays selected and what
 /// is in sight stays there.
 void followRows(ListView &list, QList<ListRow> rows);
+
+/// Has a menu that is about to open act on the row that is selected now. Where other rows were
+/// shown meanwhile it is selected again, or nothing is when it has gone.
+void keepRow(ScreenMenu &menu, ListView &list);
 
 } // namespace tidebrook

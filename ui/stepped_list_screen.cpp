@@ -260,7 +260,10 @@ bool SteppedListScreen::summoned() {
 
 void SteppedListScreen::sized() { fitColumn(*list_, state_.stack); }
 
-void SteppedListScreen::prepareMenu(ScreenMenu &menu) { checkFontSize(state_, menu); }
+void SteppedListScreen::prepareMenu(ScreenMenu &menu) {
+    checkFontSize(state_, menu);
+    keepRow(menu, *list_);
+}
 
 void SteppedListScreen::leave() {
     state_.lists[kind_.screen] = nullptr;

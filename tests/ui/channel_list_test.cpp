@@ -56,7 +56,6 @@ TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
 }
 
 TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
-    const QString question = u"Are you sure you want to delete this channel?"_s;
     for (const QString &name : {u"Planet"_s, u"Odd"_s})
         updateByItself(name, u"News"_s);
     run([&](User &user) {
@@ -66,7 +65,7 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
             for (int i = 0; i < 2; ++i) // a key that is pressed twice asks once
                 QTest::keyClick(user.list(), Qt::Key_Delete);
         });
-        ASSERT_TRUE(user.seesBox(question, u"Odd"_s));
+        ASSERT_TRUE(user.seesBox(deleteChannel, u"Odd"_s));
         user.look([&user] {
             const QRect row = user.list()->visualRect(user.list()->currentIndex());
             const QColor colour = user.list()->viewport()->grab(row).toImage().pixelColor(0, 0);
@@ -74,13 +73,13 @@ TEST_F(ChannelListTest, DeletesAfterAYesAloneAndWarnsWithoutARow) {
             const QPoint place = user.list()->viewport()->mapTo(&user.stack(), row.center());
             EXPECT_EQ(user.stack().childAt(place), user.stack().top()) << "beside the box itself";
         });
-        expectBox(user, question); // Enter is a No
+        expectBox(user, deleteChannel); // Enter is a No
         ASSERT_TRUE(user.seesQuiet() && user.seesNoBox());
         EXPECT_EQ(user.lines(), scienceLines);
         for (const QStringList &left :
              {QStringList{scienceLines[0], scienceLines[2]}, scienceLines.first(1), {}}) {
             user.choose({u"Delete Channel"_s});
-            ASSERT_TRUE(user.seesBox(question));
+            ASSERT_TRUE(user.seesBox(deleteChannel));
             user.tap(u"Yes"_s);
             EXPECT_TRUE(user.seesLines(left) && user.seesQuiet());
             user.press(Qt::Key_Down);
@@ -128,6 +127,29 @@ TEST_F(ChannelListTest, ARefreshWaitsBehindABoxAndTakesNoTapAway) {
         ASSERT_TRUE(user.seesQuiet() && user.seesSelected(0));
         user.act([&] { QTest::mouseRelease(user.list()->viewport(), Qt::LeftButton, {}, middle); });
         EXPECT_TRUE(user.seesCaption(u"Odd"_s));
+    });
+}
+
+TEST_F(ChannelListTest, AMenuIsAboutTheRowThatItWasOpenedForAlsoBehindARefresh) {
+    run([&](User &user) {
+        go(user, 1);
+        for (const bool isGone : {false, true}) {
+            user.press(Qt::Key_Home);
+            user.press(Qt::Key_Down);
+            user.press(Qt::Key_F10);
+            ASSERT_TRUE(user.seesPopup());
+            if (isGone)
+                device.store->DeleteChannel(u"Odd"_s);
+            user.look(
+                [&] { qobject_cast<Dialog *>(user.stack().top())->post(CommandRefreshChannels); });
+            ASSERT_TRUE(user.seesQuiet() && user.seesSelected(0));
+            user.press(Qt::Key_D);
+            user.press(Qt::Key_Return);
+            if (isGone)
+                expectBox(user, u"No channel selected!"_s);
+            else
+                expectBox(user, deleteChannel, u"Odd"_s); // Enter is a No
+        }
     });
 }
 

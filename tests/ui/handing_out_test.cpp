@@ -9,7 +9,6 @@ namespace tidebrook {
 namespace {
 
 const QString unidentified = u"Encountering Unidentified Problem"_s;
-const QString deleteChannel = u"Are you sure you want to delete this channel?"_s;
 
 using HandingOutTest = SharingTest;
 

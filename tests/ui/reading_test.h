@@ -20,6 +20,7 @@ inline const QStringList seeded{u"News"_s, u"Science"_s, u"Travel"_s};
 inline const QStringList scienceLines{u"Moon: 3/5"_s, u"Odd: 4/4"_s, u"Star: 0/0"_s};
 inline const QString databaseProblem = u"Encountering Problem when Accessing Database"_s;
 inline const QString fileProblem = u"Encountering Problem when Accessing Crucial File"_s;
+inline const QString deleteChannel = u"Are you sure you want to delete this channel?"_s;
 inline const QString deleteCategory = u"Are you sure you want to delete this category?"_s;
 
 /// Types another name for the selected category.
