@@ -6,12 +6,15 @@
 #include "kit/header_bar.h"
 #include "kit/list_view.h"
 #include "kit/screen_menu.h"
+#include "kit/screen_stack.h"
 #include "res/commands.h"
 #include "res/strings.h"
 #include "store/escape_sql.h"
 #include "ui/article_view_screen.h"
 #include "ui/row_painter.h"
 #include "ui/update_commands.h"
+
+#include <QPointer>
 
 #include <utility>
 
@@ -145,12 +148,14 @@ void ArticleListScreen::markAll(bool (FeedStore::*mark)(const QString &channel))
         device.store.PublishTotalUnread();
         return isStored ? 0 : recordProblem(device, databaseProblemString);
     };
-    const auto end = [this](int messageId) {
-        refreshSoon();
+    // The failure is shown over any screen.
+    const auto end = [&state = state(), screen = QPointer(&dialog())](int messageId) {
+        if (!screen.isNull())
+            screen->post(CommandRefreshArticles);
         if (messageId != 0)
-            ShowError(state(), messageId);
+            ShowError(state, messageId);
     };
-    if (!state().changes.ask(&dialog(), work, end))
+    if (!state().changes.ask(&state().stack, work, end))
         end(memoryProblemString);
 }
 

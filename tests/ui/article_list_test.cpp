@@ -79,8 +79,10 @@ TEST_F(ArticleListTest, ABusyDatabaseIsWaitedForOrTold) {
             const SqliteTransaction writing(*other);
             ASSERT_TRUE(writing.isOpen());
             markRead(user);
+            user.press(Qt::Key_Escape);
             expectBox(user, databaseProblem);
         }
+        user.press(Qt::Key_Return);
         EXPECT_TRUE(seesUnread(4));
         const FullDisk disk;
         user.choose({u"Sort by"_s, u"Status"_s});
