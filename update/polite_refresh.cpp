@@ -101,11 +101,15 @@ std::optional<HttpValidators> Run::begin(std::size_t index) {
 
 // An unchanged document may be skipped only while the store holds its articles: none has been
 // pruned, and the database and the channel are those that it was stored in. Articles that another
-// channel has can go with that one.
+// channel has are gone with that one.
 HttpValidators Run::validatorsOf(std::size_t index) {
     const UpdateState &state = turns_[index].state;
     Channel &channel = channels_[index];
-    if (state.validators.isEmpty() || state.shared.count > 0)
+    QString category;
+    const bool isKept =
+        state.shared.count == 0 ||
+        (target_.store.FindCategory(state.shared.owner, category) && !category.isNull());
+    if (state.validators.isEmpty() || !isKept)
         return {};
     channel.isSettled = target_.store.IsSettled(jobOf(index).channelName,
                                                 ArticleIngestion::oldestKept(), channel.counts);
