@@ -64,7 +64,7 @@ void printText(const QString &text) {
 }
 
 QByteArray printableText(const QString &text) {
-    return QString(withoutHidden(text, u"\n\t\u200C\u200D") + u'\n').toUtf8();
+    return QString(withoutHidden(text, QString(u"\n\t" + joiners)) + u'\n').toUtf8();
 }
 
 QString counts(int unread, int total) {

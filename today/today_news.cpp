@@ -51,7 +51,7 @@ TodayNews::TodayNews(const DeviceRoot &device) : device_(device), watch_(device)
     }
     connect(&watch_, &DeviceWatch::changed, this, &TodayNews::note);
     connect(&watch_, &DeviceWatch::moved, this, [this] {
-        settle();
+        takeUpDevice();
         refresh();
     });
     watch_.setScope(DeviceWatch::Scope::Content);
@@ -71,7 +71,7 @@ void TodayNews::setShown(bool isShown) {
         refresh();
 }
 
-void TodayNews::settle() {
+void TodayNews::takeUpDevice() {
     watchEvents();
     Q_EMIT moved();
 }
@@ -113,7 +113,7 @@ void TodayNews::refresh() {
 void TodayNews::take(const TodayState &state) {
     isReading_ = false;
     if (!settings_ && device_.isDevice())
-        settle(); // a device that is copied is none when its folder appears
+        takeUpDevice(); // a device that is copied is none when its folder appears
     const bool isFailure = state.news == TodayState::News::Unreadable;
     failures_ = isFailure ? failures_ + 1 : 0;
     if (isFailure && isShown_)

@@ -42,7 +42,7 @@ Q_SIGNALS:
 private:
     struct Watched;
 
-    void settle();
+    void takeUpDevice();
     void watchEvents();
     void watchArrivals();
     void note();

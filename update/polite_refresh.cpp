@@ -105,11 +105,13 @@ std::optional<HttpValidators> Run::begin(std::size_t index) {
 HttpValidators Run::validatorsOf(std::size_t index) {
     const UpdateState &state = turns_[index].state;
     Channel &channel = channels_[index];
+    if (state.validators.isEmpty())
+        return {};
     QString category;
     const bool isKept =
         state.shared.count == 0 ||
         (target_.store.FindCategory(state.shared.owner, category) && !category.isNull());
-    if (state.validators.isEmpty() || !isKept)
+    if (!isKept)
         return {};
     channel.isSettled = target_.store.IsSettled(jobOf(index).channelName,
                                                 ArticleIngestion::oldestKept(), channel.counts);
