@@ -37,8 +37,6 @@ void refreshContent(QWidget &control, const ControlTemplate &item, bool isWide) 
         label->setText(text);
     else if (auto *button = qobject_cast<QAbstractButton *>(&control))
         setButtonText(*button, text);
-    else if (auto *list = qobject_cast<QListView *>(&control))
-        list->scrollTo(list->currentIndex());
 }
 
 bool takesRoom(ControlKind kind) {

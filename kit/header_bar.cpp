@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QFocusEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QToolButton>
@@ -36,6 +37,10 @@ protected:
         QPainter(this).fillRect(rect(), shade);
     }
 };
+
+bool isStep(Qt::FocusReason reason) {
+    return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+}
 
 } // namespace
 
@@ -117,6 +122,9 @@ bool HeaderBar::isBesideChoices(const QObject *watched) const {
 }
 
 bool HeaderBar::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == choices_ && event->type() == QEvent::FocusOut &&
+        isStep(static_cast<QFocusEvent *>(event)->reason()))
+        Q_EMIT chosen(CommandHideChoices);
     if (!isBesideChoices(watched))
         return false;
     const bool isPress = event->type() == QEvent::MouseButtonPress;

@@ -28,8 +28,8 @@ public:
     /// Adds the keys and the drop-down list.
     void setSteppable();
 
-    /// The choices appear below the bar, over the dialog. A tap outside of them only sends
-    /// `CommandHideChoices`.
+    /// The choices appear below the bar, over the dialog. A tap outside of them, or Tab, only
+    /// sends `CommandHideChoices`.
     void setChoices(const QStringList &names, int current);
     void showChoices();
     void hideChoices();

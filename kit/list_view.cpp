@@ -169,6 +169,15 @@ void ListView::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint h
         Q_EMIT labelEditEnded();
 }
 
+// A turned screen keeps the selected row in sight, unless the reader has scrolled away from it.
+void ListView::resizeEvent(QResizeEvent *event) {
+    const QRect before(QPoint(), event->oldSize());
+    const bool isInSight = before.isEmpty() || before.intersects(visualRect(currentIndex()));
+    QListView::resizeEvent(event);
+    if (isInSight)
+        scrollTo(currentIndex());
+}
+
 void ListView::focusInEvent(QFocusEvent *event) {
     QListView::focusInEvent(event);
     announceFocusedRow(*this);
@@ -179,6 +188,8 @@ void ListView::keyPressEvent(QKeyEvent *event) {
     if (editor_ != nullptr) {
         // The list ignores the keys that the editor has not used.
         event->setAccepted(!isHelp(key) && !isMenu(key));
+        if (isBack(key))
+            cancelEditing();
         return;
     }
     const bool isModified =

@@ -80,14 +80,14 @@ public:
     /// Opens the editor of a row's label, with all of it selected.
     void editLabel(int row);
     /// True from there until the result was reported, or the editing cancelled.
-    /// Whether a tap on it counts: it is enabled, and nothing lies over its screen.
-    bool canBeTapped() const;
-
     bool isEditingLabel() const { return editor_ != nullptr || edited_.isValid(); }
     /// Ends the editing as Enter does, and emits `labelEdited` before it returns.
     void finishEditing();
     /// Ends the editing as Escape does.
     void cancelEditing();
+
+    /// Whether a tap on it counts: it is enabled, and nothing lies over its screen.
+    bool canBeTapped() const;
 
 Q_SIGNALS:
     /// A key was pressed. When a receiver sets `isTaken`, the list ignores the key.
@@ -105,6 +105,7 @@ Q_SIGNALS:
 
 protected:
     void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;
+    void resizeEvent(QResizeEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

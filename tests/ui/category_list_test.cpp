@@ -69,6 +69,11 @@ TEST_F(CategoryListTest, NewCategoriesGetNamesOfTheirOwn) {
             all.prepend(name);
             EXPECT_TRUE(user.seesRows(all));
         }
+        user.press(Qt::Key_F2);
+        ASSERT_TRUE(user.seesEditor(all[0]));
+        user.press(Qt::Key_A);
+        user.press(Qt::Key_Back);
+        EXPECT_TRUE(user.seesRows(all) && user.seesQuiet());
     });
     EXPECT_EQ(storedCategories(device.root), seeded + names);
 }

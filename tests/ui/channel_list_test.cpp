@@ -42,11 +42,12 @@ TEST_F(ChannelListTest, StepsAndChoosesRoundAndRound) {
             user.press(Qt::Key_Return);
             ASSERT_TRUE(user.seesCaption(u"Science"_s) && user.seesLines(scienceLines));
         }
-        for (const QString &beside : {u"Category List"_s, u"Next"_s}) {
+        for (const Hand &leave :
+             {tapping(u"Category List"_s), tapping(u"Next"_s), pressing(Qt::Key_Tab)}) {
             user.press(Qt::Key_Down);
             user.tap(u"Science"_s);
             ASSERT_TRUE(user.seesChoices());
-            user.tap(beside);
+            leave(user);
             EXPECT_TRUE(seesListAlone(user) && user.seesSelected(0));
             EXPECT_TRUE(user.seesCaption(u"Science"_s));
         }

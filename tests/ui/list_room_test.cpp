@@ -144,6 +144,10 @@ TEST_F(ListRoomTest, ScrollsAndKeepsWhatIsSelectedInSight) {
         set({});
         EXPECT_TRUE(user.sees([&] { return bottom() == lowest; }));
 
+        user.look([&] { user.list()->scrollToBottom(); });
+        user.resize({320, 240});
+        EXPECT_TRUE(user.sees([&] { return user.stack().top()->width() == 320; }));
+        user.look([&] { EXPECT_FALSE(isSelectedInSight()) << "as the reader has scrolled"; });
         user.press(Qt::Key_End);
         for (const QSize &turned :
              {QSize(320, 240), QSize(100, 100), QSize(4000, 3000), QSize(240, 320)}) {
