@@ -36,12 +36,19 @@ QString withoutQuotes(const QString &address) {
 }
 
 QString nameByText(const QString &html) {
-    QString text = plainText(cutText(html, 12 * nameLength).toString());
+    QString text = plainText(cutText(html, descriptionCapacity).toString());
     if (text.size() <= nameLength)
         return text;
     const QStringView begin = cutText(text, nameLength);
     const qsizetype blank = begin.lastIndexOf(u' ');
     return begin.first(blank > 0 ? blank : begin.size()) + u'\u2026';
+}
+
+// Items without a name of their own would all be one article.
+QString nameOf(const FeedItem &item) {
+    const QString name = item.title.isEmpty() ? nameByText(item.description) : item.title;
+    const QString &address = item.link.isEmpty() ? item.guid : item.link;
+    return name.isEmpty() ? address : name;
 }
 
 } // namespace
@@ -58,9 +65,8 @@ RssWriter::RssWriter(const FeedHeader &header) : writer_(&bytes_) {
 
 void RssWriter::add(const FeedItem &item) {
     ++itemCount_;
-    const QString name = item.title.isEmpty() ? nameByText(item.description) : item.title;
     writer_.writeStartElement(QStringLiteral("item"));
-    write(QStringLiteral("title"), name, titleCapacity);
+    write(QStringLiteral("title"), nameOf(item), titleCapacity);
     write(QStringLiteral("link"), withoutQuotes(item.link), linkCapacity);
     write(QStringLiteral("guid"), withoutQuotes(item.guid), linkCapacity);
     write(QStringLiteral("pubDate"), rssDate(item.date), dateCapacity);
