@@ -2,6 +2,7 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string_view>
@@ -82,14 +83,24 @@ QByteArray extensionOf(const QByteArray &encoding) {
         {"x-gbk", "GB18030"},        {"shift_jis", "CP932"},    {"sjis", "CP932"},
         {"x-sjis", "CP932"},         {"shift-jis", "CP932"},    {"euc-kr", "CP949"},
         {"ks_c_5601-1987", "CP949"}, {"windows-949", "CP949"},  {"x-euc-jp", "EUC-JP"},
-        {"big5", "BIG5-HKSCS"},
+        {"big5", "BIG5-HKSCS"},      {"iso-8859-1", "CP1252"},  {"iso8859-1", "CP1252"},
+        {"latin1", "CP1252"},
     };
     return extensions.value(encoding.toLower(), encoding);
 }
 
-iconv_t converterFrom(const QByteArray &encoding) {
+// Windows-1252, the extension of Latin 1, has no character for five bytes, and no document with
+// one of them could be read.
+bool isOutsideWindows1252(const QByteArray &bytes) {
+    return std::string_view(bytes).find_first_of("\x81\x8D\x8F\x90\x9D") != std::string_view::npos;
+}
+
+iconv_t converterFrom(const QByteArray &encoding, const QByteArrayList &bytes) {
+    QByteArray extension = extensionOf(encoding);
+    if (extension == "CP1252" && std::ranges::any_of(bytes, isOutsideWindows1252))
+        extension = encoding;
     const iconv_t converter =
-        isPlainName(encoding) ? iconv_open("UTF-8", extensionOf(encoding).constData()) : nullptr;
+        isPlainName(encoding) ? iconv_open("UTF-8", extension.constData()) : nullptr;
     // iconv_open returns the pointer -1 for an unknown name.
     return reinterpret_cast<qintptr>(converter) == -1 ? nullptr : converter;
 }
@@ -100,7 +111,7 @@ XmlUtf8Reader::XmlUtf8Reader(QByteArrayList bytes, QByteArrayView charset)
     : bytes_(std::move(bytes)) {
     const Encoding encoding = encodingOf(bytes_.value(0), charset);
     if (!isUtf8(encoding.name)) {
-        converter_.reset(converterFrom(encoding.name));
+        converter_.reset(converterFrom(encoding.name, bytes_));
         isKnown_ = converter_ || encoding.isOnlyAssumed;
     }
     if (converter_) {

@@ -155,7 +155,8 @@ TEST(Xml, TheEncodingIsToldByMarkDeclarationAndContentTypeInThisOrder) {
     const std::tuple<QByteArray, QByteArray, QString> cases[] = {
         {"<a>\xC3\xA9</a>", "", QStringLiteral("é")},
         {"\xEF\xBB\xBF<a>\xC3\xA9</a>", "latin1", QStringLiteral("é")},
-        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>", "", QStringLiteral("é")},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9\x80</a>", "", QStringLiteral("é€")},
+        {"<?xml version='1.0' encoding='latin1'?><a>\xE9\x81</a>", "", QStringLiteral("é\u0081")},
         {"<?xml version='1.0' encoding=\"windows-1251\"?><a>\xE9</a>", "ISO-8859-1",
          QStringLiteral("й")},
         {"<a>\xE9</a>", "ISO-8859-1", QStringLiteral("é")},
