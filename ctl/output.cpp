@@ -56,7 +56,7 @@ void printFault(const QStringList &fields) {
 
 void printDocument(const QByteArray &document) { print(document); }
 
-QString printable(const QString &text) { return withoutHidden(text, joiners); }
+QString printable(const QString &text) { return withoutHidden(text, joinersAndMarks); }
 
 void printText(const QString &text) {
     if (!isQuiet())
@@ -64,7 +64,7 @@ void printText(const QString &text) {
 }
 
 QByteArray printableText(const QString &text) {
-    return QString(withoutHidden(text, QString(u"\n\t" + joiners)) + u'\n').toUtf8();
+    return QString(withoutHidden(text, QString(u"\n\t" + joinersAndMarks)) + u'\n').toUtf8();
 }
 
 QString counts(int unread, int total) {

@@ -88,7 +88,7 @@ int topBeside(const QRect &row, int boxHeight, int screenHeight) {
 // Joiners and their opposites are a part of the spelling of some languages.
 MessageBox::MessageBox(ScreenStack &stack, Kind kind, const QString &caption, const QString &text,
                        const QString &subject)
-    : Layer(stack), subject_(withoutHidden(subject, joiners)), frame_(new QFrame(this)),
+    : Layer(stack), subject_(withoutHidden(subject, joinersAndMarks)), frame_(new QFrame(this)),
       subjectLabel_(makeBoldText({}, frame_)) {
     setAccessibleName(caption);
     setAccessibleDescription(subject_.isEmpty() ? text : QString(text + u'\n' + subject_));

@@ -40,8 +40,9 @@ QString withoutSoftBreaks(QString text);
 /// do joiners within an emoji.
 QString withoutHidden(QString text, QStringView kept = {});
 
-/// Join letters and part them, as in Persian words, and show nothing themselves.
-inline constexpr QStringView joiners = u"\u200C\u200D";
+/// Join letters, part them, and give blanks and signs a direction, as in Persian and Hebrew names.
+/// They show nothing themselves, and turn no letter round.
+inline constexpr QStringView joinersAndMarks = u"\u200C\u200D\u200E\u200F";
 
 /// The text without the characters that XML does not allow, for which readers refuse a document:
 /// with a blank in place of a control, and U+FFFD in place of any other.

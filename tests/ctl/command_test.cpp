@@ -29,7 +29,8 @@ TEST_F(CommandTest, AReaderSubscribesRefreshesAndReads) {
     EXPECT_EQ(ok(u"categories"_s), u"It's news\n");
     EXPECT_EQ(ok(u"channels"_s), QString(u"0/0\tBob's\t" + url + u"\tIt's news\n"));
     EXPECT_EQ(ok(u"update"_s), u"ok\t2\t2/2\tBob's\n");
-    const QString news = u"\u0645\u06CC\u200C\u062E\u0648\u0627\u0646\u0645"_s; // with a joiner
+    const QString news =
+        u"\u200F\u0645\u06CC\u200C\u062E\u0648\u0627\u0646\u0645"_s; // with a mark and a joiner
     ok(u"rename-category \"It's news\" "_s + news);
     EXPECT_EQ(ok(u"categories"_s), QString(news + u'\n'));
     EXPECT_EQ(ok(u"update %1 Bob's"_s.arg(news)), u"ok\t0\t2/2\tBob's\n");
