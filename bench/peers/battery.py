@@ -137,6 +137,16 @@ def opened(reader_class, home, server):
             yield program
 
 
+def await_silence(server):
+    """Until the readers settle with nothing asked for: they fetch in parts, seconds apart."""
+    end = time.monotonic() + PATIENCE
+    asked = 1
+    while asked and time.monotonic() < end:
+        time.sleep(SETTLING)
+        asked = server.counts()["requests"]
+    check(asked == 0, "the fetching ends")
+
+
 def rest_of_others(work, server, seconds):
     """Of readers that must stay open to update, at the same time."""
     readers = [reader for reader in installed(ALL) if reader.stays_open]
@@ -144,7 +154,7 @@ def rest_of_others(work, server, seconds):
         programs = {reader.name: attempt(reader.name, stack.enter_context,
                                          opened(reader, work / f"{reader.name}-open", server))
                     for reader in readers}
-        time.sleep(SETTLING)
+        await_silence(server)
         rest = rest_of({name: program.pids() for name, program in programs.items() if program}, seconds)
         check(server.counts()["requests"] == 0, "nothing is fetched at rest")
     return rest
