@@ -7,7 +7,7 @@ int main(int argc, char **argv) {
     const QApplication application(argc, argv);
     QWidget window;
     auto *list = new QListWidget;
-    for (int row = 1; row <= QCoreApplication::arguments().value(1).toInt(); ++row)
+    for (int row = 1; row <= qEnvironmentVariableIntValue("BENCH_ROWS"); ++row)
         list->addItem(QStringLiteral("Category %1").arg(row));
     (new QVBoxLayout(&window))->addWidget(list);
     window.resize(480, 640);

@@ -1,8 +1,9 @@
 // What a program costs until its list is painted; linked into the reader and into the bare window.
 //
-// It is called as "PROGRAM ROWS [stay]". It ends as soon as a list of at least so many rows was
-// first painted, and prints what it had cost until then: "at", the moment of the steady clock,
-// "cpu" and "Pss". One that is to stay pauses then. A program without such a list ends by a signal.
+// It ends as soon as a list of at least BENCH_ROWS rows was first painted, and prints what it had
+// cost until then: "at", the moment of the steady clock, "cpu" and "Pss". With BENCH_STAY it pauses
+// instead. The reader takes no arguments, so these are variables of the environment. A program
+// without such a list ends by a signal.
 
 #include "bench/figures.h"
 
@@ -19,7 +20,7 @@ namespace {
 class FirstPaint : public QObject {
 public:
     explicit FirstPaint(QCoreApplication *application)
-        : QObject(application), rows_(QCoreApplication::arguments().value(1).toInt()) {
+        : QObject(application), rows_(qEnvironmentVariableIntValue("BENCH_ROWS")) {
         alarm(120);
         application->installEventFilter(this);
     }
@@ -43,7 +44,7 @@ protected:
         printFigures("work", {{"at", secondsOf(CLOCK_MONOTONIC)},
                               {"cpu", secondsOf(CLOCK_PROCESS_CPUTIME_ID)},
                               {"Pss", procFigure("self/smaps_rollup", "Pss")}});
-        if (QCoreApplication::arguments().value(2) == u"stay")
+        if (qEnvironmentVariableIsSet("BENCH_STAY"))
             pause();
         _exit(0);
     }

@@ -48,7 +48,11 @@ void measureShown(Bench &bench) {
     for (int run = 0; run < bench.runs; ++run) {
         const Item item;
         {
-            const BackgroundProcess window(u"bare_window"_s, {u"1"_s, u"stay"_s}, "work");
+            qputenv("BENCH_ROWS", "1");
+            qputenv("BENCH_STAY", "1");
+            const BackgroundProcess window(u"bare_window"_s, {}, "work");
+            qunsetenv("BENCH_STAY");
+            qunsetenv("BENCH_ROWS");
             awaitIdle(window.id());
             const auto both = memoryOf(item.id(), window.id());
             for (std::size_t i = 0; i < both.size(); ++i)
@@ -71,7 +75,7 @@ void control(const QStringList &arguments) { outputOf(u"tidebrookctl"_s, argumen
 /// Others change what the item shows, but not whether it is shown.
 void changeDevice() {
     for (int i = 0; i < changeCount; ++i) {
-        control({u"setting"_s, u"UpdateInterval"_s, QString::number(i % 6)});
+        control({u"setting"_s, u"UpdateInterval"_s, QString::number(1 + i % 6)});
         control({u"mark"_s, u"Voices of district 0001"_s, i % 2 == 0 ? u"read"_s : u"unread"_s});
     }
 }
