@@ -1,8 +1,8 @@
 // What a program costs until its list is painted; linked into the reader and into the bare window.
 //
 // It ends as soon as a list of at least BENCH_ROWS rows was first painted, and prints what it had
-// cost until then: "at", the moment of the steady clock, "cpu" and "Pss". With BENCH_STAY it pauses
-// instead. The reader takes no arguments, so these are variables of the environment. A program
+// cost until then: "at", the moment of the steady clock, "cpu" and "Pss". With BENCH_STAY it stays
+// behind that. The reader takes no arguments, so these are variables of the environment. A program
 // without such a list ends by a signal.
 
 #include "bench/figures.h"
